@@ -1,0 +1,74 @@
+#include "core/data_provider.h"
+
+#include <utility>
+#include <vector>
+
+#include "core/check.h"
+
+namespace tessera_1 {
+
+TESSERA_SOURCE_UNIT("core/data_provider");
+
+using basekit2::error_code_t;
+using basekit2::variant_bag_t;
+
+std::unique_ptr<DataProvider> DataProvider::create(variant_bag_t& config, variant_bag_t& /*out*/,
+                                                   basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary,
+                                                   relay2::IMessenger* messenger,
+                                                   basekit2::sptr_t<qlib_1::IInputData> inputData,
+                                                   relay2::IProgress* progress) {
+    auto dp = std::make_unique<DataProvider>();
+    dp->m_queryLibrary = queryLibrary;
+    dp->m_inputData = inputData;
+    dp->parseViewpoint(config, std::move(queryLibrary), messenger, std::move(inputData), dp->m_graph);
+    TESSERA_CHECK(dp->m_graph, nullptr);
+    TESSERA_CHECK(dp->getData(progress).succeeded(), nullptr);
+    // The layout passes follow here, one statement each: setLinkInfoAsNodes, setGroupInfoAsNodes,
+    // createDummyLinksForGroups, calculateHierarchicalLevels, addDummyNodesForLabels,
+    // addDummyNodesForInterfaces, adjustLabelLocations, setNodeAlignings, setGroupLevels.
+    return dp;
+}
+
+error_code_t DataProvider::getData(relay2::IProgress* progress) {
+    if (progress && progress->isCancelled())
+        return TESSERA_RAISE(bk2::error::Cancelled(_U("Cancelled before the data was fetched")));
+    std::vector<std::shared_ptr<view_model::DisplayInfo>> displayInfos;
+    m_graph->getDisplayInfos(displayInfos);
+    error_code_t result;
+    for (const auto& displayInfo : displayInfos) {
+        if (!displayInfo) continue;
+        if (!displayInfo->setDataFromResult(m_queryLibrary, m_inputData, progress).is_success())
+            result = error_code_t::false_code();
+    }
+    return result;
+}
+
+error_code_t DataProvider::getMetadata(variant_bag_t& out, relay2::IProgress* progress) {
+    if (progress && progress->isCancelled())
+        return TESSERA_RAISE(bk2::error::Cancelled(_U("Cancelled before the diagram was written")));
+    m_graph->dumpTotalInfo(out);
+    m_graph->dumpNodes(out);
+    m_graph->dumpLinks(out);
+    if (progress && progress->isCancelled())
+        return TESSERA_RAISE(bk2::error::Cancelled(_U("Cancelled after the diagram was written")));
+    return {};
+}
+
+error_code_t DataProvider::refresh(variant_bag_t& out, relay2::IProgress* progress) {
+    (void)getData(progress);  // a value that could not be fetched stays as it was
+    return getMetadata(out, progress);
+}
+
+error_code_t DataProvider::changeDisplayMode(const variant_bag_t& in, variant_bag_t& out,
+                                             relay2::IProgress* progress) {
+    const variant_bag_t* mode = in.get_variant_bag("mode");
+    if (mode == nullptr)
+        return TESSERA_RAISE(bk2::error::IsNot.Valid.Data(_U("The request names no display mode")));
+    const basekit2::variant_t* value = mode->get("");
+    if (value && !value->can_get<const char*>())
+        return TESSERA_RAISE(bk2::error::IsNot.Valid.Data(_U("The request's display mode is no text")));
+    m_graph->m_displayMode = getAttrAndLocalize(*mode, "", false);
+    return getMetadata(out, progress);
+}
+
+}  // namespace tessera_1

@@ -1,0 +1,83 @@
+#include "core/diagram_request_handler.h"
+
+#include <utility>
+
+#include "core/check.h"
+
+namespace tessera_1 {
+
+TESSERA_SOURCE_UNIT("core/diagram_request_handler");
+
+using basekit2::error_code_t;
+using basekit2::variant_bag_t;
+
+std::shared_ptr<panelcore_1::IRequestHandler> createDiagramViewRequestHandler(
+    basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary, basekit2::sptr_t<qlib_1::IInputData> inputData,
+    std::shared_ptr<panelcore_1::IRequestHandler> baseHandler,
+    std::shared_ptr<panelcore_1::IFilterMgr> filterMgr, relay2::IMessenger* messenger) {
+    return std::make_shared<DiagramViewRequestHandler>(std::move(queryLibrary), std::move(inputData),
+                                                       std::move(baseHandler), std::move(filterMgr),
+                                                       messenger);
+}
+
+DiagramViewRequestHandler::DiagramViewRequestHandler(
+    basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary, basekit2::sptr_t<qlib_1::IInputData> inputData,
+    std::shared_ptr<panelcore_1::IRequestHandler> baseHandler,
+    std::shared_ptr<panelcore_1::IFilterMgr> filterMgr, relay2::IMessenger* messenger)
+    : m_queryLibrary(std::move(queryLibrary)),
+      m_inputData(std::move(inputData)),
+      m_messenger(messenger),
+      m_baseHandler(std::move(baseHandler)),
+      m_filterMgr(std::move(filterMgr)) {}
+
+std::string DiagramViewRequestHandler::getDomainName() const {
+    return "diagramView";
+}
+
+error_code_t DiagramViewRequestHandler::handleRequest(const std::string& name, const variant_bag_t& in,
+                                                      variant_bag_t& out, relay2::IProgress* progress) {
+    if (name == "create") return create(in, out, progress);
+    if (name == "refresh") return refresh(in, out, progress);
+    if (name == "changeDisplayMode") return changeDisplayMode(in, out, progress);
+    return TESSERA_RAISE(bk2::error::FailedTo(RTBASE_2_18::strings::ustring8(name)));
+}
+
+const variant_bag_t& DiagramViewRequestHandler::getConfig(const variant_bag_t& in,
+                                                          relay2::IProgress* progress) {
+    // Whatever the base handler answers: an empty bag is what its caller has to deal with.
+    if (m_configBag.is_empty() && m_baseHandler)
+        (void)m_baseHandler->handleRequest("config", in, m_configBag, progress);
+    return m_configBag;
+}
+
+error_code_t DiagramViewRequestHandler::create(const variant_bag_t& in, variant_bag_t& out,
+                                               relay2::IProgress* progress) {
+    {
+        const std::scoped_lock configLock(m_configMutex);
+        getConfig(in, progress);
+        TESSERA_CHECK_OR_RAISE(!m_configBag.is_empty(),
+                               bk2::error::IsNot.Valid.Data(_U("Pane config is empty")));
+    }
+    const std::scoped_lock lock(m_mutex);
+    if (!m_provider)
+        m_provider =
+            DataProvider::create(m_configBag, out, m_queryLibrary, m_messenger, m_inputData, progress);
+    if (!m_provider) return error_code_t::false_code();
+    return m_provider->getMetadata(out, progress);
+}
+
+error_code_t DiagramViewRequestHandler::refresh(const variant_bag_t& /*in*/, variant_bag_t& out,
+                                                relay2::IProgress* progress) {
+    const std::scoped_lock lock(m_mutex);
+    if (!m_provider) return error_code_t::false_code();
+    return m_provider->refresh(out, progress);
+}
+
+error_code_t DiagramViewRequestHandler::changeDisplayMode(const variant_bag_t& in, variant_bag_t& out,
+                                                          relay2::IProgress* progress) {
+    const std::scoped_lock lock(m_mutex);
+    if (!m_provider) return error_code_t::false_code();
+    return m_provider->changeDisplayMode(in, out, progress);
+}
+
+}  // namespace tessera_1

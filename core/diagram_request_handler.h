@@ -1,0 +1,60 @@
+// The request handler of one diagram pane.
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "core/data_provider.h"
+#include "core/factory.h"
+
+namespace tessera_1 {
+
+// Dispatches the pane's requests by name and owns the one provider that serves them. Requests may come on any
+// thread; one lock makes those that touch the provider wait for each other.
+class DiagramViewRequestHandler final : public panelcore_1::IRequestHandler {
+  public:
+    DiagramViewRequestHandler(basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary,
+                              basekit2::sptr_t<qlib_1::IInputData> inputData,
+                              std::shared_ptr<panelcore_1::IRequestHandler> baseHandler,
+                              std::shared_ptr<panelcore_1::IFilterMgr> filterMgr,
+                              relay2::IMessenger* messenger);
+
+    // "diagramView", in every state.
+    [[nodiscard]] std::string getDomainName() const override;
+
+    // "create", "refresh" and "changeDisplayMode", compared exactly. Any other name is answered with a raised
+    // FailedTo whose message is that name.
+    basekit2::error_code_t handleRequest(const std::string& name, const basekit2::variant_bag_t& in,
+                                         basekit2::variant_bag_t& out, relay2::IProgress* progress) override;
+
+    // The pane's configuration, fetched from the base handler until it is not empty and then kept.
+    // REQUIRES: the caller holds m_configMutex.
+    const basekit2::variant_bag_t& getConfig(const basekit2::variant_bag_t& in, relay2::IProgress* progress);
+
+    // Builds the diagram the first time, and writes it into `out` every time. An empty configuration is the
+    // not-valid-data error; a first time that yields no diagram is the false code.
+    basekit2::error_code_t create(const basekit2::variant_bag_t& in, basekit2::variant_bag_t& out,
+                                  relay2::IProgress* progress);
+
+    // Both answer the false code before the first successful "create".
+    basekit2::error_code_t refresh(const basekit2::variant_bag_t& in, basekit2::variant_bag_t& out,
+                                   relay2::IProgress* progress);
+    basekit2::error_code_t changeDisplayMode(const basekit2::variant_bag_t& in, basekit2::variant_bag_t& out,
+                                             relay2::IProgress* progress);
+
+  private:
+    basekit2::sptr_t<qlib_1::IQueryLibrary> m_queryLibrary;
+    basekit2::sptr_t<qlib_1::IInputData> m_inputData;
+    relay2::IMessenger* m_messenger;
+    std::unique_ptr<DataProvider> m_provider;
+    std::shared_ptr<panelcore_1::IRequestHandler> m_baseHandler;
+    std::shared_ptr<panelcore_1::IFilterMgr> m_filterMgr;
+    basekit2::variant_bag_t m_configBag;
+    std::mutex m_mutex;
+    // Guards m_configBag while it is being fetched; never held together with m_mutex. Once the bag is not
+    // empty it does not change again and is read without a lock.
+    std::mutex m_configMutex;
+};
+
+}  // namespace tessera_1

@@ -1,0 +1,70 @@
+// The diagram: all nodes and links, and what the layout knows of them.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/export.h"
+#include "core/view_model/hierarchical_level_manager.h"
+#include "core/view_model/id_index.h"
+#include "core/view_model/link.h"
+#include "core/view_model/node.h"
+
+namespace tessera_1::view_model {
+
+// Owns nodes and links. Used by one thread at a time.
+class TESSERA_EXPORT Graph {
+  public:
+    Graph() = default;
+    Graph(const Graph&) = delete;
+    Graph& operator=(const Graph&) = delete;
+    // Takes the references between nodes and links apart, so that all of them end with the graph, at any
+    // nesting depth.
+    ~Graph();
+
+    // Files the object under its id and appends it to its list. An earlier one of the same id stays in the
+    // list only.
+    void addNode(std::shared_ptr<Node> node);
+    void addLink(std::shared_ptr<Link> link);
+
+    // The object filed under `id`, or null. Constant time.
+    [[nodiscard]] std::shared_ptr<Node> findNode(const std::string& id) const {
+        return m_nodeIndex.find(m_nodes, id);
+    }
+    [[nodiscard]] std::shared_ptr<Link> findLink(const std::string& id) const {
+        return m_linkIndex.find(m_links, id);
+    }
+
+    // Rebuilds the children and parents of the nodes in m_nodes from m_linkList. Links with a missing end
+    // take no part.
+    void setChildrenAndParents();
+    // Fills m_groups from m_nodeList.
+    void collectGroups();
+    // Clears `out` and fills it with the display infos of all nodes, then of all links; no null entries.
+    void getDisplayInfos(std::vector<std::shared_ptr<DisplayInfo>>& out) const;
+
+    // Each adds one child bag to `out`: "diagram", "nodes", "links".
+    void dumpTotalInfo(basekit2::variant_bag_t& out) const;
+    void dumpNodes(basekit2::variant_bag_t& out);
+    void dumpLinks(basekit2::variant_bag_t& out);
+
+    std::string m_id;
+    std::string m_name;
+    std::string m_displayMode = "bandwidth";
+    std::map<std::string, std::shared_ptr<Node>> m_nodes;  // ascending byte order of the id
+    std::map<std::string, std::shared_ptr<Link>> m_links;
+    std::vector<std::shared_ptr<Node>> m_nodeList;  // in order of addNode
+    std::vector<std::shared_ptr<Link>> m_linkList;  // in order of addLink
+    std::vector<std::shared_ptr<Node>>
+        m_groups;  // distinct groups of all nodes; null stands for the top level
+    GroupLevelManager m_groupLevelManager;
+    std::map<std::shared_ptr<Node>, HierarchicalLevelManager> m_levelManagers;
+
+  private:
+    IdIndex<Node> m_nodeIndex;
+    IdIndex<Link> m_linkIndex;
+};
+
+}  // namespace tessera_1::view_model

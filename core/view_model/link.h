@@ -1,0 +1,52 @@
+// An arrow between two nodes.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/export.h"
+#include "core/view_model/display_info.h"
+#include "core/view_model/node.h"
+
+namespace tessera_1::view_model {
+
+// Used by one thread at a time.
+class TESSERA_EXPORT Link {
+  public:
+    Link() = default;
+    explicit Link(std::string id);
+    Link(std::string id, std::string type);
+
+    // Appends every display info of `table`, empty entries included, in the table's order.
+    static void getDataTransferDisplayInfos(const DataTransferTable& table,
+                                            std::vector<std::shared_ptr<DisplayInfo>>& out);
+    // Appends those of the from end, the to end and the total.
+    void getDisplayInfos(std::vector<std::shared_ptr<DisplayInfo>>& out) const;
+
+    // The two nodes, one on each side, that stand side by side in the innermost group that contains both ends
+    // (top level included): the ends themselves or the groups that hold them. The ends as they are when one
+    // is missing. Takes time in proportion to the nesting depth.
+    [[nodiscard]] std::pair<std::shared_ptr<Node>, std::shared_ptr<Node>> getFromToBelongToTheSameGroup()
+        const;
+    // The group of those two; null at top level or when an end is missing.
+    [[nodiscard]] std::shared_ptr<Node> getGroup() const;
+
+    // Adds a child bag "link" to `links`.
+    void dump(basekit2::variant_bag_t& links, std::string displayMode);
+    // Writes what `table` shows in that mode into `info`; a mode that the table lacks gains an empty entry.
+    void dumpDataTransfer(DataTransferTable& table, basekit2::variant_bag_t& info, std::string displayMode);
+
+    std::string m_id;
+    std::string m_type = "link";
+    std::string m_displayName;
+    std::shared_ptr<Node> m_from;
+    std::shared_ptr<Node> m_to;
+    std::shared_ptr<Link> m_realLink;   // on a dummy link: what it stands for
+    std::shared_ptr<Link> m_dummyLink;  // on a real link: what stands for it
+    std::string m_direction = "none";
+    LinkDisplayInfo m_displayInfo;
+};
+
+}  // namespace tessera_1::view_model

@@ -1,0 +1,53 @@
+#include "core/view_model/node.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "core/check.h"
+
+namespace tessera_1::view_model {
+
+TESSERA_SOURCE_UNIT("core/view_model/node");
+
+using basekit2::error_code_t;
+
+namespace {
+
+void appendOnce(std::vector<std::shared_ptr<Node>>& nodes, const std::shared_ptr<Node>& node) {
+    if (std::find(nodes.begin(), nodes.end(), node) == nodes.end()) nodes.push_back(node);
+}
+
+}  // namespace
+
+Node::Node(std::string type) : m_type(std::move(type)) {}
+
+Node::Node(std::string id, DataTransferTable dataTransfers, std::string type)
+    : m_id(std::move(id)), m_type(std::move(type)), m_dataTransfers(std::move(dataTransfers)) {}
+
+Node::Node(std::string id, std::shared_ptr<DisplayInfo> info, std::string type)
+    : m_id(std::move(id)), m_type(std::move(type)), m_info(std::move(info)) {}
+
+void Node::addChildParent(const std::shared_ptr<Node>& child, const std::shared_ptr<Node>& parent) {
+    appendOnce(parent->m_children, child);
+    appendOnce(child->m_parents, parent);
+}
+
+error_code_t Node::addToGroup(const std::shared_ptr<Node>& group) {
+    if (!group) return {};
+    TESSERA_CHECK(group->isGroup(), error_code_t::false_code());
+    group->m_groupChildren.push_back(shared_from_this());
+    m_group = group;
+    return {};
+}
+
+void Node::removeFromGroup(const std::shared_ptr<Node>& member) {
+    const auto it = std::find(m_groupChildren.begin(), m_groupChildren.end(), member);
+    if (it != m_groupChildren.end()) m_groupChildren.erase(it);
+}
+
+void Node::setLocation(const std::string& location) {
+    m_location = location;
+    if (location == "to" || location == "from") m_aligning = location;
+}
+
+}  // namespace tessera_1::view_model

@@ -1,0 +1,65 @@
+// A box of the diagram, or a group box that contains others.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/export.h"
+#include "core/view_model/display_info.h"
+#include "platform/basekit2/error_code.h"
+
+namespace tessera_1::view_model {
+
+// Held by shared pointers, in cycles that the graph breaks when it ends. Used by one thread at a time.
+class TESSERA_EXPORT Node : public std::enable_shared_from_this<Node> {
+  public:
+    Node() = default;
+    explicit Node(std::string type);
+    Node(std::string id, DataTransferTable dataTransfers, std::string type);
+    Node(std::string id, std::shared_ptr<DisplayInfo> info, std::string type);
+
+    // Notes a link between the two, once however many links there are.
+    static void addChildParent(const std::shared_ptr<Node>& child, const std::shared_ptr<Node>& parent);
+
+    [[nodiscard]] const std::vector<std::shared_ptr<Node>>& getParents() const noexcept { return m_parents; }
+    [[nodiscard]] const std::vector<std::shared_ptr<Node>>& getChildren() const noexcept {
+        return m_children;
+    }
+    [[nodiscard]] std::int32_t getHierarchicalLevel() const noexcept { return m_hierarchicalLevel; }
+    // A node is a group through its members alone.
+    [[nodiscard]] bool isGroup() const noexcept { return !m_groupChildren.empty(); }
+
+    // Joins `group` behind its members; a null group changes nothing. The false code, reported, when `group`
+    // has no member yet. An earlier group keeps listing this node: remove it there first. REQUIRES: this node
+    // is held by a shared pointer.
+    basekit2::error_code_t addToGroup(const std::shared_ptr<Node>& group);
+    // Strikes the first entry of `member` from this group's members; the member itself is left alone.
+    void removeFromGroup(const std::shared_ptr<Node>& member);
+
+    // "from" and "to" set the aligning as well.
+    void setLocation(const std::string& location);
+
+    // Adds a child bag "node" to `nodes`.
+    void dump(basekit2::variant_bag_t& nodes, std::string displayMode);
+    // Writes what `table` shows in that mode into `info`; a mode that the table lacks gains an empty entry.
+    void dumpDataTransfer(DataTransferTable& table, basekit2::variant_bag_t& info, std::string displayMode);
+
+    std::string m_id;
+    std::string m_type = "node";
+    std::string m_displayName;
+    std::shared_ptr<Node> m_group;          // null at top level
+    std::int32_t m_hierarchicalLevel = -1;  // layer inside the group; -1 when not levelled
+    std::int32_t m_groupLevel = 0;          // nesting depth
+    std::vector<std::shared_ptr<Node>> m_groupChildren;
+    std::vector<std::shared_ptr<Node>> m_children;  // targets of links from here
+    std::vector<std::shared_ptr<Node>> m_parents;   // sources of links to here
+    std::shared_ptr<DisplayInfo> m_info;
+    DataTransferTable m_dataTransfers;
+    std::string m_location;
+    std::string m_aligning = "none";
+    std::string m_displayType = "none";
+};
+
+}  // namespace tessera_1::view_model

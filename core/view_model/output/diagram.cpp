@@ -1,0 +1,111 @@
+// Writes the finished diagram as a property bag.
+#include <string>
+#include <utility>
+
+#include "core/view_model/graph.h"
+
+namespace tessera_1::view_model {
+
+using basekit2::variant_bag_t;
+
+namespace {
+
+// Looks the mode up, leaving an empty entry where the table has none, and writes what is found.
+void dumpTransfer(DataTransferTable& table, variant_bag_t& info, const std::string& displayMode) {
+    if (table.empty()) table.reserve(1);  // most tables never get more than this entry
+    if (const auto& shown = table[displayMode]) shown->dump(info);
+}
+
+const std::string& idOf(const std::shared_ptr<Node>& node) {
+    static const std::string none;
+    return node ? node->m_id : none;
+}
+
+}  // namespace
+
+void Graph::dumpTotalInfo(variant_bag_t& out) const {
+    variant_bag_t& diagram = out.add_variant_bag("diagram");
+    diagram.put("id", m_id);
+    diagram.put("name", m_name);
+    diagram.put("displayMode", m_displayMode);
+}
+
+void Graph::dumpNodes(variant_bag_t& out) {
+    variant_bag_t& nodes = out.add_variant_bag("nodes");
+    nodes.put("arrayOf", "node");
+    for (const auto& [id, level] : m_groupLevelManager.m_groupLevels)
+        if (const auto& node = m_nodes[id]) node->m_groupLevel = level;
+    for (const auto& node : m_nodeList)
+        if (node->m_type != "groupInfo") node->dump(nodes, m_displayMode);
+    for (const auto& node : m_nodeList)
+        if (node->m_type == "groupInfo") node->dump(nodes, m_displayMode);
+}
+
+void Graph::dumpLinks(variant_bag_t& out) {
+    variant_bag_t& links = out.add_variant_bag("links");
+    links.put("arrayOf", "link");
+    for (const auto& link : m_linkList)
+        if (link->m_type != "dummy") link->dump(links, m_displayMode);
+}
+
+void Node::dump(variant_bag_t& nodes, std::string displayMode) {
+    const bool isLabel = m_type == "label";
+    variant_bag_t& bag = nodes.add_variant_bag("node");
+    bag.put("id", m_id);
+    bag.put("displayName", m_displayName);
+    bag.put("group", idOf(m_group));
+    bag.put("isGroup", isGroup());
+    bag.put("type", isGroup() ? "group" : m_type.c_str());
+    bag.put("hierarchicalLevel", m_hierarchicalLevel);
+    bag.put("groupLevel", m_groupLevel);
+    bag.put("aligning", m_aligning);
+    bag.put("displayType", m_displayType);
+    if (isLabel) bag.put("location", m_location);
+    variant_bag_t& info = bag.add_variant_bag("info");
+    if (m_info) m_info->dump(info);
+    if (isLabel) dumpDataTransfer(m_dataTransfers, info, std::move(displayMode));
+}
+
+void Node::dumpDataTransfer(DataTransferTable& table, variant_bag_t& info, std::string displayMode) {
+    dumpTransfer(table, info, displayMode);
+}
+
+void Link::dump(variant_bag_t& links, std::string displayMode) {
+    variant_bag_t& bag = links.add_variant_bag("link");
+    bag.put("id", m_id);
+    bag.put("displayName", m_displayName);
+    bag.put("from", idOf(m_from));
+    bag.put("to", idOf(m_to));
+    bag.put("direction", m_direction);
+    dumpDataTransfer(m_displayInfo.m_fromInfo, bag.add_variant_bag("fromInfo"), displayMode);
+    dumpDataTransfer(m_displayInfo.m_toInfo, bag.add_variant_bag("toInfo"), displayMode);
+    dumpDataTransfer(m_displayInfo.m_totalInfo, bag.add_variant_bag("totalInfo"), std::move(displayMode));
+}
+
+void Link::dumpDataTransfer(DataTransferTable& table, variant_bag_t& info, std::string displayMode) {
+    dumpTransfer(table, info, displayMode);
+}
+
+void DisplayInfo::dump(variant_bag_t& bag) const {
+    if (m_rowSet.empty()) return;
+    bag.put("name", m_name);
+    m_rowSet.dump(bag);
+}
+
+void RowSet::dump(variant_bag_t& bag) const {
+    if (empty()) return;
+    variant_bag_t& bagOfRows = bag.add_variant_bag("rows");
+    bagOfRows.put("name", m_name);
+    bagOfRows.put("arrayOf", "row");
+    for (const Row& row : rows)
+        row.dump(bagOfRows);
+}
+
+void Row::dump(variant_bag_t& rows) const {
+    if (m_value.empty()) return;
+    variant_bag_t& bag = rows.add_variant_bag("row");
+    bag.put("name", m_name);
+    bag.put("value", m_value);
+}
+
+}  // namespace tessera_1::view_model

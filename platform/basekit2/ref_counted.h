@@ -1,0 +1,39 @@
+// The usual implementation of IObject's counting, for those who implement host interfaces.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <utility>
+
+#include "platform/basekit2/object.h"
+
+namespace basekit2 {
+
+// Implements the reference count for a class that implements Interface. A new object starts with one
+// reference, which make_counted() hands out.
+template <class Interface>
+class ref_counted_t : public Interface {
+  public:
+    ref_counted_t() = default;
+    ref_counted_t(const ref_counted_t&) = delete;
+    ref_counted_t& operator=(const ref_counted_t&) = delete;
+
+    void addReference() const noexcept override { m_references.fetch_add(1, std::memory_order_relaxed); }
+    void releaseReference() const noexcept override {
+        if (m_references.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
+    }
+
+  protected:
+    ~ref_counted_t() override = default;
+
+  private:
+    mutable std::atomic<std::uint32_t> m_references{1};
+};
+
+// Makes a T and owns its first reference.
+template <class T, class... Args>
+[[nodiscard]] sptr_t<T> make_counted(Args&&... args) {
+    return sptr_t<T>::adopt(new T(std::forward<Args>(args)...));
+}
+
+}  // namespace basekit2

@@ -1,0 +1,65 @@
+// Intrusive reference-counted pointer to host interfaces.
+#pragma once
+
+#include <cstddef>
+#include <type_traits>
+#include <utility>
+
+namespace basekit2 {
+
+// Holds one reference on a T, which offers addReference() and releaseReference(). There is no way to make one
+// from a bare pointer by accident: adopt() takes over the caller's reference, share() takes a further one.
+// Distinct sptr_t objects may be used on several threads at once; one object may not.
+template <class T>
+class sptr_t {
+  public:
+    constexpr sptr_t() noexcept = default;
+    constexpr sptr_t(std::nullptr_t) noexcept {}
+
+    // Takes over a reference that the caller owns (for example that of a newly made object).
+    [[nodiscard]] static sptr_t adopt(T* object) noexcept { return sptr_t(object); }
+    // Takes a reference of its own; the caller keeps whatever it had.
+    [[nodiscard]] static sptr_t share(T* object) noexcept {
+        if (object) object->addReference();
+        return sptr_t(object);
+    }
+
+    sptr_t(const sptr_t& other) noexcept : sptr_t(share(other.m_object)) {}
+    sptr_t(sptr_t&& other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
+    template <class U>
+    requires std::is_convertible_v<U*, T*> sptr_t(const sptr_t<U>& other)
+    noexcept : sptr_t(share(other.get())) {}
+    template <class U>
+    requires std::is_convertible_v<U*, T*> sptr_t(sptr_t<U>&& other)
+    noexcept : m_object(other.detach()) {}
+
+    sptr_t& operator=(sptr_t other) noexcept {
+        std::swap(m_object, other.m_object);
+        return *this;
+    }
+    ~sptr_t() {
+        if (m_object) m_object->releaseReference();
+    }
+
+    [[nodiscard]] bool is_null() const noexcept { return m_object == nullptr; }
+    explicit operator bool() const noexcept { return m_object != nullptr; }
+    [[nodiscard]] T* get() const noexcept { return m_object; }
+    T* operator->() const noexcept { return m_object; }
+    T& operator*() const noexcept { return *m_object; }
+
+    // Gives the reference to the caller, who has to release or adopt it.
+    [[nodiscard]] T* detach() noexcept { return std::exchange(m_object, nullptr); }
+
+    template <class U>
+    friend bool operator==(const sptr_t& a, const sptr_t<U>& b) noexcept {
+        return a.get() == b.get();
+    }
+    friend bool operator==(const sptr_t& a, std::nullptr_t) noexcept { return a.is_null(); }
+
+  private:
+    explicit sptr_t(T* object) noexcept : m_object(object) {}
+
+    T* m_object = nullptr;
+};
+
+}  // namespace basekit2

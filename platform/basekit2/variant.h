@@ -1,0 +1,87 @@
+// A tagged value.
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "platform/export.h"
+
+namespace basekit2 {
+
+// Holds nothing, a byte string of less than 4 GiB (a longer one throws std::length_error), a 64-bit signed
+// integer or a boolean. Copies own their text. A value inside a bag refers to text that the bag owns; it
+// lives as long as the bag does and is not overwritten.
+class TESSERA_PLATFORM_EXPORT variant_t {
+  public:
+    enum class type_t : std::uint8_t { none, string, integer, boolean };
+
+    variant_t() noexcept = default;
+    variant_t(std::string_view text);  // NOLINT(google-explicit-constructor): values are written as they are
+    variant_t(const std::string& text)
+        : variant_t(std::string_view(text)) {}                          // NOLINT(google-explicit-constructor)
+    variant_t(const char* text) : variant_t(std::string_view(text)) {}  // NOLINT(google-explicit-constructor)
+    template <std::same_as<bool> T>
+    variant_t(T flag) noexcept : m_type(type_t::boolean) {  // NOLINT(google-explicit-constructor)
+        m_data.boolean = flag;
+    }
+    // Signed integers of any width are sign-extended.
+    template <std::signed_integral T>
+    variant_t(T number) noexcept : m_type(type_t::integer) {  // NOLINT(google-explicit-constructor)
+        m_data.integer = number;
+    }
+
+    variant_t(const variant_t& other);
+    variant_t(variant_t&& other) noexcept;
+    variant_t& operator=(variant_t other) noexcept;
+    ~variant_t();
+
+    [[nodiscard]] type_t type() const noexcept { return m_type; }
+
+    // True when get<T>() can answer. T is const char*, std::string_view, std::int64_t or bool.
+    template <class T>
+    [[nodiscard]] bool can_get() const noexcept {
+        if constexpr (std::same_as<T, const char*> || std::same_as<T, std::string_view>)
+            return m_type == type_t::string;
+        else if constexpr (std::same_as<T, std::int64_t>)
+            return m_type == type_t::integer;
+        else
+            return m_type == type_t::boolean;
+    }
+
+    // The value as a T. When it is of another type, raises the assertion "can_get<T>()" and, if that returns,
+    // answers an empty text, 0 or false. Text is NUL-terminated and belongs to this variant.
+    template <class T>
+    [[nodiscard]] T get() const;
+
+    friend TESSERA_PLATFORM_EXPORT bool operator==(const variant_t& a, const variant_t& b) noexcept;
+
+  private:
+    friend class variant_bag_t;
+    struct borrowed_t {};
+
+    // Refers to NUL-terminated text that somebody else keeps alive.
+    variant_t(borrowed_t, std::string_view text);
+
+    union {
+        const char* text = nullptr;
+        std::int64_t integer;
+        bool boolean;
+    } m_data;
+    std::uint32_t m_size = 0;
+    type_t m_type = type_t::none;
+    bool m_owned = false;
+};
+
+template <>
+TESSERA_PLATFORM_EXPORT const char* variant_t::get<const char*>() const;
+template <>
+TESSERA_PLATFORM_EXPORT std::string_view variant_t::get<std::string_view>() const;
+template <>
+TESSERA_PLATFORM_EXPORT std::int64_t variant_t::get<std::int64_t>() const;
+template <>
+TESSERA_PLATFORM_EXPORT bool variant_t::get<bool>() const;
+
+}  // namespace basekit2

@@ -1,0 +1,126 @@
+// The host's property bag: an ordered tree of named values and named child bags.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "platform/basekit2/variant.h"
+#include "platform/export.h"
+
+namespace basekit2 {
+
+// Where an element of a document stands. Line 0 means that it comes from no document.
+struct source_position_t {
+    std::uint32_t line = 0;
+    std::uint32_t column = 0;
+
+    friend bool operator==(const source_position_t&, const source_position_t&) = default;
+};
+
+// Values keep the order in which they were put and have distinct names; child bags keep their order and may
+// share names. All bags of one tree live in one arena that belongs to the root: building costs time and
+// memory in proportion to what is put in, copying and destroying likewise, at any depth and without
+// recursion. References and iterators stay valid while further values and children are added. What
+// overwritten or replaced content occupied is given back with the root.
+//
+// Several threads may read one tree at once; whoever changes it must be alone.
+class TESSERA_PLATFORM_EXPORT variant_bag_t {
+    struct name_t;
+    struct value_node_t;
+    struct child_node_t;
+    class arena_t;
+
+  public:
+    // Walks the values in the order in which they were put.
+    class TESSERA_PLATFORM_EXPORT value_iterator_t {
+      public:
+        [[nodiscard]] bool at_end() const noexcept { return m_node == nullptr; }
+        void next() noexcept;
+        [[nodiscard]] std::string_view get_name() const noexcept;
+        [[nodiscard]] const variant_t& get_value() const noexcept;
+
+      private:
+        friend class variant_bag_t;
+        explicit value_iterator_t(const value_node_t* node) noexcept : m_node(node) {}
+        const value_node_t* m_node;
+    };
+
+    // Walks the child bags in their order.
+    class TESSERA_PLATFORM_EXPORT iterator_t {
+      public:
+        [[nodiscard]] bool at_end() const noexcept { return m_node == nullptr; }
+        void next() noexcept;
+        [[nodiscard]] std::string_view get_name() const noexcept;
+        [[nodiscard]] const variant_bag_t& get_value() const noexcept;
+
+      private:
+        friend class variant_bag_t;
+        explicit iterator_t(const child_node_t* node) noexcept : m_node(node) {}
+        const child_node_t* m_node;
+    };
+
+    variant_bag_t() noexcept = default;
+    // A deep copy, a tree of its own; positions are copied too.
+    variant_bag_t(const variant_bag_t& other);
+    // Takes over the content of a root; the content of a child bag is copied, because its tree keeps it.
+    variant_bag_t(variant_bag_t&& other);
+    // Replaces this bag's content and position. `other` may be a part of this tree or contain it.
+    variant_bag_t& operator=(const variant_bag_t& other);
+    variant_bag_t& operator=(variant_bag_t&& other);
+    ~variant_bag_t();
+
+    // True when there is neither a value nor a child.
+    [[nodiscard]] bool is_empty() const noexcept {
+        return m_firstValue == nullptr && m_firstChild == nullptr;
+    }
+
+    // The value under `name`, or null. Constant time on average.
+    [[nodiscard]] const variant_t* get(std::string_view name) const noexcept;
+    // The first child called `name`, or null. Time grows with the number of children.
+    [[nodiscard]] const variant_bag_t* get_variant_bag(std::string_view name) const noexcept;
+
+    [[nodiscard]] iterator_t begin() const noexcept { return iterator_t(m_firstChild); }
+    [[nodiscard]] value_iterator_t begin_values() const noexcept { return value_iterator_t(m_firstValue); }
+    [[nodiscard]] std::size_t value_count() const noexcept { return m_valueCount; }
+
+    // Stores a value under `name`; a name that is there already keeps its place and takes the new value.
+    void put(std::string_view name, const variant_t& value);
+    void put(std::string_view name, std::string_view text) { put_text(name, text); }
+    void put(std::string_view name, const std::string& text) { put_text(name, text); }
+    void put(std::string_view name, const char* text) { put_text(name, text); }
+
+    // Adds an empty child called `name` behind the others and answers it; it belongs to this tree.
+    variant_bag_t& add_variant_bag(std::string_view name);
+
+    [[nodiscard]] source_position_t position() const noexcept { return m_position; }
+    void set_position(source_position_t position) noexcept { m_position = position; }
+
+    // Same values in the same order and same children in the same order; positions do not count.
+    friend TESSERA_PLATFORM_EXPORT bool operator==(const variant_bag_t& a, const variant_bag_t& b);
+
+  private:
+    explicit variant_bag_t(arena_t* arena) noexcept : m_arena(arena) {}
+
+    arena_t& arena();
+    value_node_t* find_value(std::string_view name) const noexcept;
+    value_node_t& value_for(std::string_view name);
+    void put_text(std::string_view name, std::string_view text);
+    [[nodiscard]] std::size_t content_size() const;
+    void copy_values(const variant_bag_t& other);
+    void copy_content(const variant_bag_t& other);
+    void take(variant_bag_t& other) noexcept;
+
+    arena_t* m_arena = nullptr;  // of the root; null in an empty root
+    value_node_t* m_firstValue = nullptr;
+    value_node_t* m_lastValue = nullptr;
+    child_node_t* m_firstChild = nullptr;
+    child_node_t* m_lastChild = nullptr;
+    source_position_t m_position;
+    std::uint32_t m_valueCount = 0;
+    bool m_isRoot = true;
+    bool m_isIndexed = false;  // the arena holds a hash index of the values
+};
+
+}  // namespace basekit2
