@@ -1,0 +1,88 @@
+#include "host/catalogs/gettext_catalogs.h"
+
+#include <boost/locale/gnu_gettext.hpp>
+#include <filesystem>
+#include <fstream>
+#include <locale>
+
+namespace tessera_host {
+namespace {
+
+namespace gettext = boost::locale::gnu_gettext;
+
+class GettextCatalog final : public RTBASE_2_18::i18n::catalog_t {
+  public:
+    explicit GettextCatalog(boost::locale::message_format<char>* messages)
+        : m_locale(std::locale::classic(), messages), m_messages(messages) {}
+
+    bool has_message(const std::string& key) const override { return find(key) != nullptr; }
+    RTBASE_2_18::i18n::message_t message(const std::string& key) const override {
+        const char* text = find(key);
+        return RTBASE_2_18::i18n::message_t(text ? text : key);
+    }
+
+  private:
+    // Under the empty key a catalogue keeps its own header, which is no text to show.
+    const char* find(const std::string& key) const {
+        return key.empty() ? nullptr : m_messages->get(0, nullptr, key.c_str());
+    }
+
+    std::locale m_locale;  // owns the messages
+    const boost::locale::message_format<char>* m_messages;
+};
+
+std::string fileOf(const std::string& directory, const std::string& locale, const std::string& name) {
+    return directory + "/" + locale + "/LC_MESSAGES/" + name + ".mo";
+}
+
+std::shared_ptr<const RTBASE_2_18::i18n::catalog_t> load(const std::string& directory,
+                                                         const std::string& locale, const std::string& name) {
+    gettext::messages_info info;
+    info.language = locale;
+    info.encoding = "UTF-8";
+    info.domains.emplace_back(name);
+    info.paths.push_back(directory);
+    return std::make_shared<GettextCatalog>(gettext::create_messages_facet<char>(info));
+}
+
+// The library takes a file without this head for an empty catalogue.
+bool isCatalog(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    char magic[4] = {};
+    if (!file.read(magic, sizeof magic)) return false;
+    const std::string head(magic, sizeof magic);
+    return head == "\xDE\x12\x04\x95" || head == "\x95\x04\x12\xDE";
+}
+
+}  // namespace
+
+GettextCatalogs::GettextCatalogs(const std::string& directory, const std::string& locale,
+                                 std::vector<std::string>& problems) {
+    // From "de_AT.UTF-8" over "de_AT" to "de".
+    const std::vector<std::string> locales{locale, locale.substr(0, locale.find_first_of(".@")),
+                                           locale.substr(0, locale.find_first_of("_.@"))};
+    for (const char* name : {"slicer2", "viewpoint", "storeiface1"}) {
+        for (const std::string& candidate : locales) {
+            const std::string path = fileOf(directory, candidate, name);
+            std::error_code ignored;
+            if (!std::filesystem::exists(path, ignored)) continue;
+            try {
+                if (isCatalog(path))
+                    m_catalogs.emplace(name, load(directory, candidate, name));
+                else
+                    problems.push_back(path + ": is no message catalogue that can be read");
+            } catch (const std::exception& error) {
+                problems.push_back(path + ": cannot be read as a message catalogue: " + error.what());
+            }
+            break;
+        }
+    }
+}
+
+std::shared_ptr<const RTBASE_2_18::i18n::catalog_t> GettextCatalogs::getCatalog(
+    const std::string& name) const {
+    const auto it = m_catalogs.find(name);
+    return it == m_catalogs.end() ? nullptr : it->second;
+}
+
+}  // namespace tessera_host

@@ -1,0 +1,21 @@
+// Everything wrong with a document, in one run.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "host/check/finding.h"
+#include "host/queries/declarations.h"
+#include "host/sqlite/database.h"
+
+namespace tessera_host {
+
+// Looks a document over: vocabulary, ids, links, display entries, references, declarations, cycles. With a
+// database, also tables, columns and expressions that it rejects, under the given filters; no query is run.
+// In the document's order.
+[[nodiscard]] std::vector<Finding> checkDocument(const basekit2::variant_bag_t& viewpoint,
+                                                 const Declarations& declarations, const Filters& filters,
+                                                 const std::shared_ptr<Database>& database,
+                                                 const relay2::IProgress* progress);
+
+}  // namespace tessera_host

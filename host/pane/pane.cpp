@@ -1,0 +1,113 @@
+#include "host/pane/pane.h"
+
+#include <chrono>
+#include <utility>
+#include <vector>
+
+#include "core/factory.h"
+#include "host/catalogs/gettext_catalogs.h"
+#include "host/queries/query_library.h"
+#include "host/sqlite/snapshot.h"
+#include "host/text/xml_reader.h"
+
+namespace tessera_host {
+namespace {
+
+using basekit2::error_code_t;
+using basekit2::variant_bag_t;
+
+// The base handler of the pane: hands the viewpoint over to the one handler that asks for it.
+class ViewpointSource final : public panelcore_1::IRequestHandler {
+  public:
+    explicit ViewpointSource(variant_bag_t viewpoint) : m_viewpoint(std::move(viewpoint)) {}
+
+    [[nodiscard]] std::string getDomainName() const override { return "viewpoint"; }
+
+    error_code_t handleRequest(const std::string& name, const variant_bag_t& /*in*/, variant_bag_t& out,
+                               relay2::IProgress* /*progress*/) override {
+        if (name != "config")
+            return error_code_t::raise(bk2::error::FailedTo(RTBASE_2_18::strings::ustring8(name)), __func__,
+                                       "host/pane/pane", __LINE__);
+        out = std::move(m_viewpoint);
+        return {};
+    }
+
+  private:
+    variant_bag_t m_viewpoint;
+};
+
+class PaneFilters final : public panelcore_1::IFilterMgr {
+  public:
+    explicit PaneFilters(const Filters& filters) {
+        for (const auto& [name, filter] : filters)
+            m_names.push_back(name);
+    }
+    [[nodiscard]] std::vector<std::string> getFilterNames() const override { return m_names; }
+
+  private:
+    std::vector<std::string> m_names;
+};
+
+void installCatalogs(const PaneSettings& settings, relay2::IMessenger& messenger) {
+    if (settings.catalogs.empty()) return;
+    std::vector<std::string> problems;
+    auto catalogs = std::make_shared<GettextCatalogs>(settings.catalogs, settings.locale, problems);
+    for (const std::string& problem : problems)
+        messenger.post(relay2::severity_t::warning, problem, {});
+    optstore2::setMessageCatalogSource(std::move(catalogs));
+}
+
+// The document's filters with those of the settings in their place.
+Filters filtersOf(const Declarations& declarations, const PaneSettings& settings) {
+    Filters filters = declarations.filters();
+    for (const auto& [name, predicate] : settings.filters)
+        setFilter(filters, name, {predicate, {}});
+    return filters;
+}
+
+Database::Settings databaseSettings(const PaneSettings& settings) {
+    Database::Settings timeouts;
+    timeouts.query = std::chrono::milliseconds(static_cast<std::int64_t>(settings.queryTimeout * 1000));
+    return timeouts;
+}
+
+}  // namespace
+
+Pane::Pane(std::shared_ptr<Database> database, std::shared_ptr<panelcore_1::IRequestHandler> handler)
+    : m_database(std::move(database)), m_handler(std::move(handler)) {}
+
+std::unique_ptr<Pane> Pane::open(const PaneSettings& settings, relay2::IMessenger& messenger,
+                                 relay2::IProgress* progress, OpenError& error) {
+    variant_bag_t viewpoint;
+    if (const auto problem = readXmlFile(settings.document, viewpoint, progress)) {
+        error = {describe(*problem, settings.document), problem->unopened, problem->cancelled};
+        return nullptr;
+    }
+    std::string reason;
+    auto database = Database::open(settings.database, databaseSettings(settings), progress, reason);
+    if (!database) {
+        error = {settings.database + ": " + reason, true, progress && progress->isCancelled()};
+        return nullptr;
+    }
+    installCatalogs(settings, messenger);
+
+    const auto declarations = Declarations::read(viewpoint);
+    for (const Problem& problem : declarations->problems())
+        messenger.post(relay2::severity_t::error, problem.text, problem.position);
+    const Filters filters = filtersOf(*declarations, settings);
+    auto handler = tessera_1::createDiagramViewRequestHandler(
+        basekit2::make_counted<QueryLibrary>(declarations),
+        basekit2::make_counted<InputData>(database, declarations, filters, &messenger),
+        std::make_shared<ViewpointSource>(std::move(viewpoint)), std::make_shared<PaneFilters>(filters),
+        &messenger);
+    return std::unique_ptr<Pane>(new Pane(std::move(database), std::move(handler)));
+}
+
+error_code_t Pane::request(const std::string& name, const variant_bag_t& in, variant_bag_t& out,
+                           relay2::IProgress* progress) {
+    const std::scoped_lock lock(m_mutex);
+    const Snapshot snapshot(m_database, progress);
+    return m_handler->handleRequest(name, in, out, progress);
+}
+
+}  // namespace tessera_host

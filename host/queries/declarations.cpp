@@ -1,0 +1,158 @@
+#include "host/queries/declarations.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "host/queries/percent_encoding.h"
+#include "host/queries/text.h"
+
+namespace tessera_host {
+namespace {
+
+using basekit2::variant_bag_t;
+
+std::string textOf(const variant_bag_t& element, std::string_view name) {
+    const basekit2::variant_t* value = element.get(name);
+    if (value == nullptr || !value->can_get<std::string_view>()) return {};
+    return std::string(value->get<std::string_view>());
+}
+
+std::vector<std::string> splitAtBlanks(std::string_view text) {
+    constexpr std::string_view blanks = " \t\r\n";
+    std::vector<std::string> words;
+    for (;;) {
+        const std::size_t start = text.find_first_not_of(blanks);
+        if (start == std::string_view::npos) return words;
+        const std::size_t end = std::min(text.find_first_of(blanks, start), text.size());
+        words.emplace_back(text.substr(start, end - start));
+        text.remove_prefix(end);
+    }
+}
+
+std::string join(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words)
+        text.append(text.empty() ? "" : ", ").append(word);
+    return oneLine(text);
+}
+
+// Calls `visit` with every child `inner` of every child `outer` of `root`.
+template <class Visit>
+void forEach(const variant_bag_t& root, std::string_view outer, std::string_view inner, Visit visit) {
+    for (auto section = root.begin(); !section.at_end(); section.next()) {
+        if (section.get_name() != outer) continue;
+        for (auto child = section.get_value().begin(); !child.at_end(); child.next())
+            if (child.get_name() == inner) visit(child.get_value());
+    }
+}
+
+std::string countReason(const QueryDeclaration& declaration, std::size_t given) {
+    const std::size_t needed = declaration.keys.size();
+    const std::string name = "query " + quoted(declaration.id);
+    if (needed == 0) return name + " takes no key values but has " + std::to_string(given) + " here";
+    return name + " needs " + std::to_string(needed) + (needed == 1 ? " key value (" : " key values (") +
+           join(declaration.keys) + ") but has " + std::to_string(given) + " here";
+}
+
+// The values in "/KEY/KEY", none when one is badly encoded.
+std::optional<std::vector<std::string>> decodeKeys(std::string_view segments, std::string& reason) {
+    std::vector<std::string> keys;
+    while (!segments.empty()) {
+        segments.remove_prefix(1);
+        const std::size_t end = std::min(segments.find('/'), segments.size());
+        const std::string_view segment = segments.substr(0, end);
+        std::optional<std::string> value = percentDecode(segment);
+        if (!value) {
+            reason = "the key value " + quoted(segment) + " is not percent-encoded correctly";
+            return std::nullopt;
+        }
+        keys.push_back(std::move(*value));
+        segments.remove_prefix(end);
+    }
+    return keys;
+}
+
+}  // namespace
+
+std::shared_ptr<const Declarations> Declarations::read(const variant_bag_t& viewpoint) {
+    const std::shared_ptr<Declarations> declarations(new Declarations);
+    forEach(viewpoint, "queries", "query", [&](const variant_bag_t& each) { declarations->readQuery(each); });
+    forEach(viewpoint, "filters", "filter",
+            [&](const variant_bag_t& each) { declarations->readFilter(each); });
+    declarations->buildIndex();
+    return declarations;
+}
+
+void Declarations::readQuery(const variant_bag_t& element) {
+    QueryDeclaration query;
+    query.id = textOf(element, "id");
+    if (query.id.empty()) {
+        report(element, "query without an id");
+        return;
+    }
+    query.index = m_queries.size();
+    query.from = textOf(element, "from");
+    query.expression = textOf(element, "");
+    query.where = textOf(element, "where");
+    query.keys = splitAtBlanks(textOf(element, "key"));
+    query.unit = textOf(element, "unit");
+    query.position = element.position();
+    const std::string format = textOf(element, "format");
+    if (const auto parsed = CellFormat::parse(format))
+        query.format = *parsed;
+    else
+        report(element, "query " + quoted(query.id) + " has the unknown format " + quoted(format));
+    if (!query.keys.empty() && query.id.find('/') != std::string::npos)
+        report(element, "query " + quoted(query.id) + " has keys, so its id may have no \"/\"");
+    m_queries.push_back(std::move(query));
+}
+
+void Declarations::readFilter(const variant_bag_t& element) {
+    const std::string name = textOf(element, "name");
+    if (name.empty())
+        report(element, "filter without a name");
+    else
+        setFilter(m_filters, name, {textOf(element, ""), element.position()});
+}
+
+void Declarations::buildIndex() {
+    m_byId.reserve(m_queries.size());
+    for (const QueryDeclaration& query : m_queries)
+        m_byId.insert_or_assign(query.id, query.index);
+}
+
+void Declarations::report(const variant_bag_t& element, std::string text) {
+    m_problems.push_back({element.position(), std::move(text)});
+}
+
+const QueryDeclaration* Declarations::find(std::string_view id) const {
+    const auto it = m_byId.find(id);
+    return it == m_byId.end() ? nullptr : &m_queries[it->second];
+}
+
+std::optional<Reference> Declarations::parseReference(std::string_view text, std::string& reason) const {
+    if (text.empty() || text.front() != '/') {
+        reason = "it does not begin with \"/\"";
+        return std::nullopt;
+    }
+    text.remove_prefix(1);
+    if (const QueryDeclaration* whole = find(text); whole && whole->keys.empty()) return Reference{whole, {}};
+
+    const std::size_t idEnd = std::min(text.find('/'), text.size());
+    const QueryDeclaration* declaration = find(text.substr(0, idEnd));
+    if (declaration == nullptr) {
+        reason = "there is no query " + quoted(text.substr(0, idEnd));
+        return std::nullopt;
+    }
+    const std::string_view segments = text.substr(idEnd);
+    const auto given = static_cast<std::size_t>(std::count(segments.begin(), segments.end(), '/'));
+    if (given != declaration->keys.size()) {
+        reason = countReason(*declaration, given);
+        return std::nullopt;
+    }
+    auto keys = decodeKeys(segments, reason);
+    if (!keys) return std::nullopt;
+    return Reference{declaration, std::move(*keys)};
+}
+
+}  // namespace tessera_host

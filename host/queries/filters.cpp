@@ -1,0 +1,16 @@
+#include "host/queries/filters.h"
+
+#include <utility>
+
+#include "host/queries/text.h"
+
+namespace tessera_host {
+
+void setFilter(Filters& filters, const std::string& name, Filter filter) {
+    if (isBlank(filter.predicate))
+        filters.erase(name);
+    else
+        filters.insert_or_assign(name, std::move(filter));
+}
+
+}  // namespace tessera_host

@@ -1,0 +1,63 @@
+// The queries that rows of a diagram refer to, as objects.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "host/queries/declarations.h"
+#include "platform/basekit2/ref_counted.h"
+#include "platform/qlib_1/query.h"
+
+namespace tessera_host {
+
+// Names one choice of key values among the references of a declaration. Equal keys have equal texts and
+// differing ones differing texts.
+using KeyText = std::string;
+
+[[nodiscard]] KeyText keyTextOf(const std::vector<std::string>& keys);
+// Adds one key value to the text of those before it; keyTextOf does this for each value in turn.
+void appendKey(KeyText& text, std::string_view key);
+
+// The distinct references that a library has handed out, by declaration. Grows under the lock under which the
+// library is called.
+struct ReferencePool {
+    explicit ReferencePool(std::shared_ptr<const Declarations> read)
+        : declarations(std::move(read)), wanted(declarations->queries().size()) {}
+
+    std::shared_ptr<const Declarations> declarations;
+    std::vector<std::unordered_set<KeyText>> wanted;
+};
+
+// One reference. Unchanging; keeps the declarations alive.
+class ReferenceQuery final : public basekit2::ref_counted_t<qlib_1::IQuery> {
+  public:
+    static constexpr basekit2::type_id_t typeId{"tessera_host::ReferenceQuery"};
+
+    // Enters the reference into `pool`. REQUIRES: the reference is one to a declaration of the pool.
+    ReferenceQuery(std::shared_ptr<ReferencePool> pool, Reference reference, std::string identifier);
+
+    basekit2::sptr_t<basekit2::IObject> queryInterface(basekit2::type_id_t id) override;
+    [[nodiscard]] std::string getIdentifier() const override { return m_identifier; }
+
+    [[nodiscard]] std::string_view identifier() const noexcept { return m_identifier; }
+    [[nodiscard]] const QueryDeclaration& declaration() const noexcept { return *m_reference.declaration; }
+    [[nodiscard]] const std::vector<std::string>& keys() const noexcept { return m_reference.keys; }
+    [[nodiscard]] const KeyText& keyText() const noexcept { return *m_keyText; }
+    // All references to the same declaration, this one among them.
+    [[nodiscard]] const std::unordered_set<KeyText>& siblings() const noexcept {
+        return m_pool->wanted[m_reference.declaration->index];
+    }
+
+  private:
+    const std::shared_ptr<ReferencePool> m_pool;
+    const Reference m_reference;
+    const std::string m_identifier;
+    const KeyText* m_keyText;  // in the pool
+};
+
+}  // namespace tessera_host

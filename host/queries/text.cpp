@@ -1,0 +1,44 @@
+#include "host/queries/text.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "host/text/utf8.h"
+
+namespace tessera_host {
+namespace {
+
+constexpr std::size_t maxLineBytes = 300;
+
+bool isControl(char c) {
+    return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+}
+
+}  // namespace
+
+std::string oneLine(std::string_view bytes) {
+    std::string line;
+    for (std::size_t at = 0; at < bytes.size();) {
+        if (line.size() >= maxLineBytes) return line + "...";
+        const Utf8Character piece = decodeUtf8(bytes.substr(at));
+        if (!piece.valid)
+            line.append("\xEF\xBF\xBD");
+        else if (isControl(bytes[at]))
+            line.push_back(' ');
+        else
+            line.append(bytes.substr(at, piece.length));
+        at += piece.length;
+    }
+    return line;
+}
+
+std::string quoted(std::string_view bytes) {
+    return '"' + oneLine(bytes) + '"';
+}
+
+bool isBlank(std::string_view text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; });
+}
+
+}  // namespace tessera_host

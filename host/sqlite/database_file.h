@@ -1,0 +1,32 @@
+// The file of a database, seen from outside. Never opened here: closing a file would drop the locks that
+// SQLite holds on it.
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace tessera_host {
+
+// Changes when the file is written to or another one takes its place.
+struct FileState {
+    dev_t device = 0;
+    ino_t inode = 0;
+    off_t size = 0;
+    std::int64_t modified = 0;  // nanoseconds
+
+    friend bool operator==(const FileState&, const FileState&) = default;
+};
+
+// None when there is no such file.
+[[nodiscard]] std::optional<FileState> fileStateOf(const std::string& path);
+
+// Why the file cannot be a database that may be read, as a clause; "" when it can.
+[[nodiscard]] std::string databaseFileProblem(const std::string& path);
+
+// A form of `path` that SQLite takes as the name of that file, whatever it looks like. REQUIRES: not empty.
+[[nodiscard]] std::string literalPath(const std::string& path);
+
+}  // namespace tessera_host

@@ -1,0 +1,38 @@
+// One state of the database for a whole request.
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "host/sqlite/database.h"
+
+namespace tessera_host {
+
+// While it lives, all queries see the database as it was when it was made. A snapshot made while another one
+// of the same database lives shares that one's state, its failure included. Destroyed in the reverse order of
+// making, on the thread that uses the database.
+class Snapshot {
+  public:
+    // Waits for a lock of another program as long as the database's settings say, or until `progress` (which
+    // may be null) reports cancellation.
+    Snapshot(std::shared_ptr<Database> database, const relay2::IProgress* progress)
+        : m_database(std::move(database)) {
+        m_database->enter(progress);
+    }
+    ~Snapshot() { m_database->leave(); }
+    Snapshot(const Snapshot&) = delete;
+    Snapshot& operator=(const Snapshot&) = delete;
+
+    // Why nothing can be read, if so: the file could not be opened or locked, or was lost meanwhile.
+    [[nodiscard]] std::optional<Failure> failure() const {
+        if (m_database->m_failure) return m_database->m_failure;
+        if (!m_database->m_connection->isInSnapshot())
+            return Failure{"the database was lost during the request"};
+        return std::nullopt;
+    }
+
+  private:
+    const std::shared_ptr<Database> m_database;
+};
+
+}  // namespace tessera_host

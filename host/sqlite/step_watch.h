@@ -1,0 +1,59 @@
+// Stops a running statement that should not go on.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <chrono>
+#include <cstdint>
+#include <limits>
+
+#include "platform/relay2/progress.h"
+
+namespace tessera_host {
+
+// How far a statement may go.
+struct RunLimits {
+    static constexpr std::uint64_t noBudget = std::numeric_limits<std::uint64_t>::max();
+
+    const relay2::IProgress* progress = nullptr;  // null: never cancelled
+    std::chrono::milliseconds timeout{};
+    std::uint64_t stepBudget = noBudget;  // virtual-machine steps
+};
+
+// Asked by one connection while its statements run and while it waits for a lock of another program. Between
+// arm() and disarm() it enforces limits; otherwise nothing is ever stopped and a lock is not waited for.
+class StepWatch {
+  public:
+    using Clock = std::chrono::steady_clock;
+    enum class Stop { none, cancelled, timeout, budget };
+
+    explicit StepWatch(std::chrono::milliseconds busyTimeout) : m_busyTimeout(busyTimeout) {}
+    StepWatch(const StepWatch&) = delete;
+    StepWatch& operator=(const StepWatch&) = delete;
+
+    // Makes `database` ask this watch, which must live as long as it.
+    void install(sqlite3* database);
+
+    void arm(const RunLimits& limits);
+    void disarm() noexcept {
+        m_isArmed = false;
+        m_stop = Stop::none;
+    }
+    // Why what is being watched had to stop.
+    [[nodiscard]] Stop stop() const noexcept { return m_stop; }
+
+  private:
+    static int onSteps(void* self);
+    static int onBusy(void* self, int attempt);
+    [[nodiscard]] bool mustStop();
+
+    const std::chrono::milliseconds m_busyTimeout;
+    RunLimits m_limits;
+    Clock::time_point m_deadline;
+    Clock::time_point m_busySince;
+    std::uint64_t m_steps = 0;
+    Stop m_stop = Stop::none;
+    bool m_isArmed = false;
+};
+
+}  // namespace tessera_host

@@ -1,0 +1,26 @@
+// How the writers lay out nested things in lines.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+#include "host/text/text_sink.h"
+
+namespace tessera_host {
+
+// Deeper levels are indented no further: the blanks alone would grow with the square of the depth.
+inline constexpr std::size_t maxIndentedLevels = 40;
+
+// Ends a line and indents the next, two blanks a level.
+inline void beginLine(TextSink& sink, std::size_t level) {
+    static constexpr std::array<char, 2 * maxIndentedLevels> blanks = [] {
+        std::array<char, 2 * maxIndentedLevels> all{};
+        all.fill(' ');
+        return all;
+    }();
+    sink.put('\n');
+    sink.write({blanks.data(), 2 * std::min(level, maxIndentedLevels)});
+}
+
+}  // namespace tessera_host

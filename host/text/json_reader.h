@@ -1,0 +1,25 @@
+// JSON into property bags.
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "host/text/read_error.h"
+#include "platform/basekit2/variant_bag.h"
+
+namespace tessera_host {
+
+// Reads one JSON object into `bag`, the inverse of writeJson(). Answers what is wrong, or nothing when all is
+// well; in case of an error `bag` stays as it was. A byte order mark at the beginning is skipped.
+//
+// An object is a bag. Its strings, integers and booleans are values, put in their order; a member that is an
+// object is a child bag, an array of objects several of that name. An empty array is no child. When a key
+// appears again, a value replaces the earlier value, and an object adds a further child.
+//
+// What a bag cannot hold is an error: null, numbers with fraction or exponent, integers beyond 64 bits,
+// arrays of anything but objects. Bags made from JSON have no source positions.
+//
+// Takes time in proportion to the text, at any depth.
+std::optional<ReadError> readJson(std::string_view text, basekit2::variant_bag_t& bag);
+
+}  // namespace tessera_host

@@ -1,0 +1,83 @@
+// Where the writers of this folder put their text.
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace tessera_host {
+
+// Collects text in blocks and hands them on. After a failure nothing more is handed on and every further call
+// answers false, so that a writer may look at the answer now and then instead of at each piece. What has not
+// been flushed when the sink ends is lost. Used by one thread at a time.
+class TextSink {
+  public:
+    TextSink() = default;
+    TextSink(const TextSink&) = delete;
+    TextSink& operator=(const TextSink&) = delete;
+    virtual ~TextSink() = default;
+
+    bool put(char c) {
+        if (m_used == blockSize) flush();
+        m_block[m_used++] = c;
+        return m_good;
+    }
+
+    bool write(std::string_view text) {
+        if (text.size() > blockSize - m_used) return writeAcross(text);
+        if (!text.empty()) std::memcpy(m_block.get() + m_used, text.data(), text.size());
+        m_used += text.size();
+        return m_good;
+    }
+
+    // Hands on everything written so far.
+    bool flush();
+
+    // False once something could not be handed on.
+    [[nodiscard]] bool good() const noexcept { return m_good; }
+
+  protected:
+    // Takes one block; false when it could not be taken as a whole. Called only while the sink is good.
+    virtual bool deliver(std::string_view block) = 0;
+
+  private:
+    bool writeAcross(std::string_view text);
+
+    static constexpr std::size_t blockSize = 65536;
+    std::unique_ptr<char[]> m_block = std::make_unique_for_overwrite<char[]>(blockSize);
+    std::size_t m_used = 0;
+    bool m_good = true;
+};
+
+// Appends to a string, which has to outlive the sink.
+class StringSink final : public TextSink {
+  public:
+    explicit StringSink(std::string& target) : m_target(target) {}
+
+  protected:
+    bool deliver(std::string_view block) override;
+
+  private:
+    std::string& m_target;
+};
+
+// Writes to an open file descriptor, which stays the caller's to close. A pipe without a reader fails like
+// any other write only where SIGPIPE is ignored.
+class FileSink final : public TextSink {
+  public:
+    explicit FileSink(int descriptor) : m_descriptor(descriptor) {}
+
+    // The errno of the write that failed, 0 when none has.
+    [[nodiscard]] int error() const noexcept { return m_error; }
+
+  protected:
+    bool deliver(std::string_view block) override;
+
+  private:
+    int m_descriptor;
+    int m_error = 0;
+};
+
+}  // namespace tessera_host

@@ -1,0 +1,278 @@
+#include "host/text/xml_reader.h"
+
+#include <expat.h>
+#include <strings.h>
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "host/text/file_text.h"
+#include "host/text/text_position.h"
+#include "host/text/xml_problem.h"
+#include "host/text/xml_references.h"
+
+namespace tessera_host {
+namespace {
+
+using basekit2::source_position_t;
+using basekit2::variant_bag_t;
+
+// The parser looks again at a token that a piece cuts, and counts lines at the end of each piece; so pieces
+// are as large as it can take them.
+constexpr std::size_t maxPiece = 512U << 20;
+constexpr int eventsBetweenChecks = 2048;
+
+constexpr bool isWhite(char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+void trimStart(std::string_view& text) {
+    while (!text.empty() && isWhite(text.front()))
+        text.remove_prefix(1);
+}
+
+// REQUIRES: not all of `text` is white.
+void trimEnd(std::string_view& text) {
+    while (isWhite(text.back()))
+        text.remove_suffix(1);
+}
+
+class BagParser {
+  public:
+    BagParser(std::string_view document, variant_bag_t& root, relay2::IProgress* progress);
+
+    std::optional<ReadError> parse();
+
+  private:
+    // An element whose end tag has not come yet.
+    struct Element {
+        variant_bag_t* bag;
+        std::size_t textStart;  // of its own text in m_text
+    };
+
+    void watchEvents();
+    void startElement(const char* name, const char** attributes);
+    void checkReferences();
+    void endElement();
+    void addText(std::string_view piece);
+    void startDoctype(const char* systemId);
+    void addDoctypeToken(std::string_view token);
+    void declareEncoding(const char* encoding);
+
+    void countEvent();
+    ReadError& fail(std::string text);
+    [[nodiscard]] std::size_t currentOffset() const;
+    source_position_t currentPosition();
+    ReadError parserError();
+    [[nodiscard]] std::string openElementName() const;
+
+    std::unique_ptr<XML_ParserStruct, void (*)(XML_Parser)> m_parser;
+    std::string_view m_document;
+    TextPosition m_position;
+    XmlUnits m_units;
+    variant_bag_t& m_root;
+    relay2::IProgress* m_progress;
+    std::vector<Element> m_open;
+    std::string m_text;  // own text of all open elements so far, the outermost first
+    std::string m_rootName;
+    std::string m_encoding;
+    std::optional<ReadError> m_error;
+    int m_eventsToCheck = 1;
+    bool m_isUtf8;
+    bool m_hasExternalDoctype = false;
+};
+
+BagParser::BagParser(std::string_view document, variant_bag_t& root, relay2::IProgress* progress)
+    : m_parser(XML_ParserCreate(nullptr), XML_ParserFree),
+      m_document(document),
+      m_position(document),
+      m_units(unitsOf(document)),
+      m_root(root),
+      m_progress(progress),
+      m_isUtf8(m_units == XmlUnits::bytes) {
+    XML_SetUserData(m_parser.get(), this);
+    XML_SetParamEntityParsing(m_parser.get(), XML_PARAM_ENTITY_PARSING_NEVER);
+    watchEvents();
+}
+
+void BagParser::watchEvents() {
+    XML_Parser parser = m_parser.get();
+    XML_SetElementHandler(
+        parser,
+        [](void* self, const char* name, const char** attributes) {
+            static_cast<BagParser*>(self)->startElement(name, attributes);
+        },
+        [](void* self, const char*) { static_cast<BagParser*>(self)->endElement(); });
+    XML_SetCharacterDataHandler(parser, [](void* self, const char* text, int size) {
+        static_cast<BagParser*>(self)->addText({text, static_cast<std::size_t>(size)});
+    });
+    XML_SetXmlDeclHandler(parser, [](void* self, const char*, const char* encoding, int) {
+        static_cast<BagParser*>(self)->declareEncoding(encoding);
+    });
+    XML_SetStartDoctypeDeclHandler(parser,
+                                   [](void* self, const char*, const char* systemId, const char*, int) {
+                                       static_cast<BagParser*>(self)->startDoctype(systemId);
+                                   });
+    XML_SetEndDoctypeDeclHandler(parser, [](void* self) {
+        XML_SetDefaultHandler(static_cast<BagParser*>(self)->m_parser.get(), nullptr);
+    });
+    // Called instead of an error where an external DTD might have declared the entity.
+    XML_SetSkippedEntityHandler(parser, [](void* self, const char* name, int) {
+        static_cast<BagParser*>(self)->fail("the entity '" + std::string(name) + "' is not known");
+    });
+}
+
+std::optional<ReadError> BagParser::parse() {
+    countEvent();
+    std::size_t done = 0;
+    while (done < m_document.size() && !m_error) {
+        const std::string_view piece = m_document.substr(done, maxPiece);
+        done += piece.size();
+        const int isFinal = done == m_document.size();
+        const auto status = XML_Parse(m_parser.get(), piece.data(), static_cast<int>(piece.size()), isFinal);
+        if (status != XML_STATUS_OK && !m_error) m_error = parserError();
+    }
+    return std::move(m_error);
+}
+
+void BagParser::startElement(const char* name, const char** attributes) {
+    if (m_error) return;
+    if (m_open.empty()) m_rootName = name;
+    variant_bag_t& bag = m_open.empty() ? m_root : m_open.back().bag->add_variant_bag(name);
+    bag.set_position(currentPosition());
+    // Those that a DTD adds come behind the ones that stand in the tag.
+    const int count = XML_GetSpecifiedAttributeCount(m_parser.get());
+    for (int i = 0; i < count; i += 2)
+        bag.put(attributes[i], attributes[i + 1]);
+    m_open.push_back({&bag, m_text.size()});
+
+    if (m_hasExternalDoctype) checkReferences();
+    countEvent();
+}
+
+// Where an external DTD might declare an entity, the parser silently leaves an unknown one out of an
+// attribute.
+void BagParser::checkReferences() {
+    const std::size_t start = currentOffset();
+    const auto size = static_cast<std::size_t>(XML_GetCurrentByteCount(m_parser.get()));
+    const auto unknown = unknownReference(m_document.substr(start, size), m_units);
+    if (!unknown) return;
+    ReadError& error = fail("the entity '" + unknown->name + "' is not known");
+    if (m_isUtf8) error.position = m_position.at(start + unknown->offset);
+}
+
+void BagParser::endElement() {
+    if (m_error) return;
+    const Element element = m_open.back();
+    m_open.pop_back();
+    if (m_text.size() == element.textStart) return;
+    std::string_view text = std::string_view(m_text).substr(element.textStart);
+    trimEnd(text);
+    element.bag->put("", text);
+    m_text.resize(element.textStart);
+}
+
+void BagParser::addText(std::string_view piece) {
+    if (m_error) return;
+    countEvent();
+    // White space before the text, above all indentation, is never stored: so no text is white space only.
+    if (m_text.size() == m_open.back().textStart) trimStart(piece);
+    m_text += piece;
+}
+
+// The default handler sees every token that no other handler takes, here those of the DOCTYPE.
+void BagParser::startDoctype(const char* systemId) {
+    m_hasExternalDoctype = systemId != nullptr;
+    XML_SetDefaultHandler(m_parser.get(), [](void* self, const char* token, int size) {
+        static_cast<BagParser*>(self)->addDoctypeToken({token, static_cast<std::size_t>(size)});
+    });
+}
+
+void BagParser::addDoctypeToken(std::string_view token) {
+    if (m_error) return;
+    if (token == "<!ENTITY") fail("entity declarations are not accepted");
+    if (token.starts_with('%')) fail("references to parameter entities are not accepted");
+}
+
+void BagParser::declareEncoding(const char* encoding) {
+    if (!encoding) return;
+    m_encoding = encoding;
+    const bool isUtf8 = strcasecmp(encoding, "UTF-8") == 0 || strcasecmp(encoding, "US-ASCII") == 0;
+    m_isUtf8 = m_isUtf8 && isUtf8;
+}
+
+void BagParser::countEvent() {
+    if (--m_eventsToCheck > 0) return;
+    m_eventsToCheck = eventsBetweenChecks;
+    if (!m_progress || !m_progress->isCancelled()) return;
+    ReadError& error = fail("cancelled");
+    error.cancelled = true;
+    error.position = {};
+}
+
+ReadError& BagParser::fail(std::string text) {
+    XML_StopParser(m_parser.get(), XML_FALSE);
+    return m_error.emplace(ReadError{.text = std::move(text), .position = currentPosition()});
+}
+
+std::size_t BagParser::currentOffset() const {
+    const XML_Index index = XML_GetCurrentByteIndex(m_parser.get());
+    return index < 0 ? 0 : std::min(static_cast<std::size_t>(index), m_document.size());
+}
+
+source_position_t BagParser::currentPosition() {
+    if (m_isUtf8) return m_position.at(currentOffset());
+    // The parser counts slower, but in any encoding; columns from 0, and the byte order mark is one.
+    const auto line = static_cast<std::uint32_t>(XML_GetCurrentLineNumber(m_parser.get()));
+    const auto column = static_cast<std::uint32_t>(XML_GetCurrentColumnNumber(m_parser.get()));
+    const bool hasMark = m_document.starts_with("\xFE\xFF") || m_document.starts_with("\xFF\xFE");
+    return {line, column + (line == 1 && hasMark ? 0 : 1)};
+}
+
+ReadError BagParser::parserError() {
+    XmlProblem problem{.code = XML_GetErrorCode(m_parser.get()),
+                       .document = m_document,
+                       .offset = currentOffset(),
+                       .isUtf8 = m_isUtf8,
+                       .encoding = m_encoding,
+                       .openElement = {},
+                       .openPosition = {}};
+    if (!m_open.empty()) {
+        problem.openElement = openElementName();
+        problem.openPosition = m_open.back().bag->position();
+    }
+    locate(problem);
+    return {.text = describe(problem),
+            .position = m_isUtf8 ? m_position.at(problem.offset) : currentPosition()};
+}
+
+// REQUIRES: an element is open.
+std::string BagParser::openElementName() const {
+    if (m_open.size() == 1) return m_rootName;
+    auto child = m_open[m_open.size() - 2].bag->begin();
+    while (&child.get_value() != m_open.back().bag)
+        child.next();
+    return std::string(child.get_name());
+}
+
+}  // namespace
+
+std::optional<ReadError> readXmlText(std::string_view text, variant_bag_t& bag, relay2::IProgress* progress) {
+    if (text.empty()) return ReadError{.text = "the document is empty", .position = {1, 1}};
+    variant_bag_t root;
+    std::optional<ReadError> error = BagParser(text, root, progress).parse();
+    if (!error) bag = std::move(root);
+    return error;
+}
+
+std::optional<ReadError> readXmlFile(const std::string& path, variant_bag_t& bag,
+                                     relay2::IProgress* progress) {
+    std::string text;
+    if (auto error = readFileText(path, text, progress)) return error;
+    if (text.empty()) return ReadError{.text = "the file is empty", .position = {1, 1}};
+    return readXmlText(text, bag, progress);
+}
+
+}  // namespace tessera_host
