@@ -1,0 +1,24 @@
+// The program's subcommands. Each answers the program's exit status.
+#pragma once
+
+#include "cli/options.h"
+#include "host/pane/pane.h"
+
+namespace tessera_cli {
+
+// Makes one diagram and writes it.
+int render(const Options& options);
+
+// Answers requests, a line each, until end of input.
+int session(const Options& options);
+
+// Reports everything wrong with a document.
+int check(const Options& options);
+
+// The pane that the options describe; null, with the message printed and `exitStatus` set, when it cannot be
+// opened.
+[[nodiscard]] std::unique_ptr<tessera_host::Pane> openPane(const Options& options,
+                                                           relay2::IMessenger& messenger,
+                                                           relay2::IProgress& progress, int& exitStatus);
+
+}  // namespace tessera_cli

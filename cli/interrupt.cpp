@@ -1,0 +1,48 @@
+#include "cli/interrupt.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+
+namespace tessera_cli {
+namespace {
+
+std::atomic<bool> interrupted{false};
+static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler sets it");
+
+int wakePipe[2] = {-1, -1};
+
+void interrupt(int) {
+    const int savedErrno = errno;
+    interrupted = true;
+    // Nobody ever reads from it, so one byte is enough and a full pipe does no harm.
+    [[maybe_unused]] const ssize_t written = write(wakePipe[1], "!", 1);
+    errno = savedErrno;
+}
+
+}  // namespace
+
+void installInterruptHandler() {
+    if (pipe2(wakePipe, O_CLOEXEC | O_NONBLOCK) != 0)
+        wakePipe[0] = wakePipe[1] = -1;  // waiting then ends a line later
+    struct sigaction action {};
+    action.sa_handler = interrupt;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    sigemptyset(&action.sa_mask);
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+bool isInterrupted() noexcept {
+    return interrupted;
+}
+
+int interruptDescriptor() noexcept {
+    return wakePipe[0];
+}
+
+}  // namespace tessera_cli

@@ -1,0 +1,24 @@
+// Ctrl-C.
+#pragma once
+
+#include "platform/relay2/progress.h"
+
+namespace tessera_cli {
+
+// From now on SIGINT and SIGTERM ask the running work to stop; a second one ends the program at once. SIGPIPE
+// is ignored, so that closed output is an error of its write.
+void installInterruptHandler();
+
+[[nodiscard]] bool isInterrupted() noexcept;
+
+// A file descriptor that becomes readable with the interruption, for those who wait for something else
+// meanwhile: the signal may come on any thread, so it need not end a wait by itself.
+[[nodiscard]] int interruptDescriptor() noexcept;
+
+// The progress sink of every request: cancelled once the program is interrupted.
+class InterruptProgress final : public relay2::IProgress {
+  public:
+    [[nodiscard]] bool isCancelled() const override { return isInterrupted(); }
+};
+
+}  // namespace tessera_cli

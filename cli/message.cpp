@@ -1,0 +1,51 @@
+#include "cli/message.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "host/text/text_sink.h"
+
+namespace tessera_cli {
+
+void printMessage(std::string_view text) {
+    std::string lines;
+    while (true) {
+        const std::size_t end = text.find('\n');
+        lines += fmt::format("tessera: {}\n", text.substr(0, end));
+        if (end == std::string_view::npos || end + 1 == text.size()) break;
+        text.remove_prefix(end + 1);
+    }
+    tessera_host::FileSink sink(STDERR_FILENO);
+    if (sink.write(lines)) (void)sink.flush();  // nobody is left to be told
+}
+
+bool printText(std::string_view text) {
+    tessera_host::FileSink sink(STDOUT_FILENO);
+    if (sink.write(text) && sink.flush()) return true;
+    printMessage(fmt::format("cannot write to standard output: {}", std::strerror(sink.error())));
+    return false;
+}
+
+void ConsoleMessenger::post(relay2::severity_t severity, const std::string& text,
+                            basekit2::source_position_t position) {
+    std::string line = m_document;
+    if (position.line > 0) line += fmt::format(":{}:{}", position.line, position.column);
+    switch (severity) {
+        case relay2::severity_t::error:
+            ++m_errors;
+            line += ": error: ";
+            break;
+        case relay2::severity_t::warning:
+            line += ": warning: ";
+            break;
+        case relay2::severity_t::note:
+            line += ": ";
+            break;
+    }
+    printMessage(line + text);
+}
+
+}  // namespace tessera_cli

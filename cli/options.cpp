@@ -1,0 +1,140 @@
+#include "cli/options.h"
+
+#include <CLI/CLI.hpp>
+#include <sstream>
+#include <vector>
+
+#include "cli/message.h"
+
+namespace tessera_cli {
+namespace {
+
+constexpr const char* version = TESSERA_VERSION;
+
+struct RawOptions {
+    Options options;
+    std::vector<std::string> filters;
+    std::string mode;
+};
+
+void addCommon(CLI::App& command, RawOptions& raw) {
+    Options& options = raw.options;
+    command.add_option("VIEWPOINT", options.document, "The viewpoint document (XML)")->required();
+    command
+        .add_option("--filter", raw.filters,
+                    "Replaces a filter of the document, \"selection\" or \"global\"; with nothing behind the "
+                    "=, removes it")
+        ->type_name("NAME=SQL")
+        ->take_all()
+        ->allow_extra_args(false);
+    CLI::Option* locale =
+        command.add_option("--locale", options.locale, "Language of the message catalogues, for example de")
+            ->type_name("NAME");
+    command.add_option("--catalogs", options.catalogs, "Folder of the message catalogues")
+        ->type_name("DIR")
+        ->needs(locale);
+    command.add_option("--log-config", options.logConfig, "log4cplus properties file")->type_name("FILE");
+    command
+        .add_option("--log-level", options.logLevel,
+                    "off, fatal, error, warn, info (the default), debug or trace")
+        ->type_name("LEVEL")
+        ->check(CLI::IsMember({"off", "fatal", "error", "warn", "info", "debug", "trace"}, CLI::ignore_case));
+    command.add_option("--query-timeout", options.queryTimeout, "Stops a query that runs longer (600)")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(0.001, 1e9));
+}
+
+CLI::Option* addDatabase(CLI::App& command, RawOptions& raw) {
+    return command.add_option("--db", raw.options.database, "The result database (SQLite); it is only read")
+        ->type_name("RESULT");
+}
+
+// Splits NAME=SQL. Answers what is wrong, or "".
+std::string readFilters(const std::vector<std::string>& texts, std::map<std::string, std::string>& filters) {
+    for (const std::string& text : texts) {
+        const std::size_t equals = text.find('=');
+        if (equals == std::string::npos || equals == 0) return "--filter " + text + ": expected NAME=SQL";
+        const std::string name = text.substr(0, equals);
+        if (name != "selection" && name != "global")
+            return "--filter " + text + ": the filters are called \"selection\" and \"global\"";
+        filters.insert_or_assign(name, text.substr(equals + 1));
+    }
+    return {};
+}
+
+// "json" or "xml", from the option or else from the file's ending; "" when the ending says nothing of use.
+std::string formatOf(const Options& options) {
+    if (!options.format.empty()) return options.format;
+    const std::size_t dot = options.output.rfind('.');
+    if (options.output.empty() || options.output == "-") return "json";
+    const std::string ending = dot == std::string::npos ? "" : options.output.substr(dot + 1);
+    return ending == "json" || ending == "xml" ? ending : "";
+}
+
+int usageError(const std::string& text) {
+    printMessage(text);
+    printMessage("try: tessera --help");
+    return exitUsage;
+}
+
+// Help and version go to standard output; what is wrong with the usage is a message.
+int finishParsing(const CLI::App& app, const CLI::ParseError& error) {
+    if (error.get_exit_code() != 0) return usageError(error.what());
+    std::ostringstream text;
+    (void)app.exit(error, text, text);
+    return printText(text.str()) ? exitDone : exitUnopened;
+}
+
+}  // namespace
+
+std::optional<Options> parseCommandLine(int argc, const char* const* argv, int& exitStatus) {
+    RawOptions raw;
+    CLI::App app("Fills diagrams with values from a result database.", "tessera");
+    app.set_version_flag("--version", std::string("tessera ") + version);
+    app.require_subcommand(1);
+
+    CLI::App* render = app.add_subcommand("render", "Makes one diagram and writes it");
+    addCommon(*render, raw);
+    addDatabase(*render, raw)->required();
+    render->add_option("-o,--output", raw.options.output, "Where to write; standard output without it")
+        ->type_name("FILE");
+    render
+        ->add_option("--format", raw.options.format,
+                     "json or xml; without it the file's ending decides, else json")
+        ->check(CLI::IsMember({"json", "xml"}));
+    CLI::Option* mode =
+        render->add_option("--mode", raw.mode, "Display mode: bandwidth (the default), ratio or size");
+
+    CLI::App* session =
+        app.add_subcommand("session", "Answers requests, one JSON line each, until end of input");
+    addCommon(*session, raw);
+    addDatabase(*session, raw)->required();
+
+    CLI::App* check = app.add_subcommand("check", "Reports everything wrong with a document");
+    addCommon(*check, raw);
+    addDatabase(*check, raw);
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        exitStatus = finishParsing(app, error);
+        return std::nullopt;
+    }
+
+    Options options = raw.options;
+    options.command = render->parsed()    ? Command::render
+                      : session->parsed() ? Command::session
+                                          : Command::check;
+    if (mode->count() > 0) options.mode = raw.mode;
+    options.format = formatOf(options);
+    std::string problem = readFilters(raw.filters, options.filters);
+    if (problem.empty() && options.format.empty())
+        problem = options.output + ": the ending names no format; add --format json or --format xml";
+    if (!problem.empty()) {
+        exitStatus = usageError(problem);
+        return std::nullopt;
+    }
+    return options;
+}
+
+}  // namespace tessera_cli

@@ -1,0 +1,40 @@
+// The command line of the program.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+
+namespace tessera_cli {
+
+enum class Command { render, session, check };
+
+struct Options {
+    Command command = Command::render;
+    std::string document;
+    std::string database;  // "" when none was given
+    std::string output;    // "" is standard output
+    std::string format;    // "json" or "xml"
+    std::optional<std::string> mode;
+    std::map<std::string, std::string> filters;
+    std::string catalogs;
+    std::string locale;
+    std::string logConfig;
+    std::string logLevel;
+    double queryTimeout = 600;  // seconds
+};
+
+// Exit statuses of the program.
+enum ExitStatus : int {
+    exitDone = 0,
+    exitFailed = 1,
+    exitUsage = 2,
+    exitUnopened = 3,
+    exitInterrupted = 130
+};
+
+// Reads the command line. When there is nothing to run (help was asked for, or the usage is wrong) the text
+// for that has been printed and `exitStatus` is what the program ends with.
+[[nodiscard]] std::optional<Options> parseCommandLine(int argc, const char* const* argv, int& exitStatus);
+
+}  // namespace tessera_cli

@@ -1,0 +1,73 @@
+#include <fmt/format.h>
+
+#include "cli/commands.h"
+#include "cli/interrupt.h"
+#include "cli/message.h"
+#include "cli/output_file.h"
+#include "host/text/json_writer.h"
+#include "host/text/xml_writer.h"
+
+namespace tessera_cli {
+namespace {
+
+using basekit2::error_code_t;
+using basekit2::variant_bag_t;
+
+variant_bag_t modeRequest(const std::string& mode) {
+    variant_bag_t in;
+    in.add_variant_bag("mode").put("", mode);
+    return in;
+}
+
+// Asks for the diagram in the wanted mode. False, with the message printed, when there is none.
+bool makeDiagram(const Options& options, tessera_host::Pane& pane, variant_bag_t& diagram) {
+    InterruptProgress progress;
+    error_code_t code = pane.request("create", {}, diagram, &progress);
+    if (code.is_success() && options.mode) {
+        diagram = {};
+        code = pane.request("changeDisplayMode", modeRequest(*options.mode), diagram, &progress);
+    }
+    if (!code.is_success() && !isInterrupted())
+        printMessage(
+            fmt::format("{}: no diagram: {}", options.document,
+                        code.message().empty() ? "what is wrong was reported above" : code.message()));
+    return code.is_success();
+}
+
+bool writeDiagram(const Options& options, const variant_bag_t& diagram, OutputFile& file) {
+    if (options.format == "json") {
+        tessera_host::writeJson(diagram, file.sink(), tessera_host::JsonForm::indented);
+        file.sink().put('\n');
+    } else if (const auto problem = tessera_host::writeXml(diagram, file.sink())) {
+        printMessage(*problem);
+        return false;
+    }
+    if (isInterrupted()) return false;
+    if (file.commit()) return true;
+    printMessage(file.error());
+    return false;
+}
+
+}  // namespace
+
+int render(const Options& options) {
+    ConsoleMessenger messenger(options.document);
+    InterruptProgress progress;
+    int exitStatus = exitDone;
+    const auto pane = openPane(options, messenger, progress, exitStatus);
+    if (!pane) return exitStatus;
+    OutputFile file;  // opened before the work: a place that cannot be written is known at once
+    if (!file.open(options.output)) {
+        printMessage(file.error());
+        return exitUnopened;
+    }
+    variant_bag_t diagram;
+    if (!makeDiagram(options, *pane, diagram)) return exitFailed;
+    if (!writeDiagram(options, diagram, file)) return exitUnopened;
+    if (messenger.errorCount() == 0) return exitDone;
+    printMessage(fmt::format("{}: the diagram was written, but values are missing because of the {} above",
+                             options.document, messenger.errorCount() == 1 ? "error" : "errors"));
+    return exitFailed;
+}
+
+}  // namespace tessera_cli

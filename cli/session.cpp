@@ -1,0 +1,106 @@
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "cli/commands.h"
+#include "cli/interrupt.h"
+#include "cli/line_reader.h"
+#include "cli/message.h"
+#include "host/text/json_reader.h"
+#include "host/text/json_writer.h"
+
+namespace tessera_cli {
+namespace {
+
+using basekit2::error_code_t;
+using basekit2::variant_bag_t;
+using tessera_host::FileSink;
+
+// A line longer than this is no request; the longest sensible one has a few hundred bytes.
+constexpr std::size_t maxLine = 16U << 20U;
+
+struct Request {
+    std::string name;
+    const variant_bag_t* in = nullptr;
+};
+
+// Reads a request. Answers what keeps the line from being one, or "". `bag` keeps what the request refers to.
+std::string readRequest(const LineReader& reader, variant_bag_t& bag, Request& request) {
+    static const variant_bag_t noInput;
+    if (reader.isTooLong()) return fmt::format("is longer than {} bytes", maxLine);
+    if (const auto error = tessera_host::readJson(reader.line(), bag))
+        return fmt::format("column {}: {}", error->position.column, error->text);
+    const basekit2::variant_t* name = bag.get("request");
+    if (name == nullptr || !name->can_get<std::string_view>()) return "has no text \"request\"";
+    if (bag.get("in") != nullptr) return "\"in\" is no object";
+    request.name = name->get<std::string_view>();
+    request.in = bag.get_variant_bag("in");
+    if (request.in == nullptr) request.in = &noInput;
+    return {};
+}
+
+class Session {
+  public:
+    explicit Session(tessera_host::Pane& pane) : m_pane(pane) {}
+
+    // Answers one line; false when the answer could not be written.
+    bool answer(const LineReader& reader) {
+        ++m_lineNumber;
+        variant_bag_t bag;
+        Request request;
+        const std::string problem = readRequest(reader, bag, request);
+        variant_bag_t answer;
+        answer.put("request", request.name);
+        if (!problem.empty()) {
+            answer.put("code", bk2::error::IsNot.Valid.Data.name);
+            answer.put("message", fmt::format("line {} is no request: {}", m_lineNumber, problem));
+            (void)answer.add_variant_bag("out");
+            return write(answer);
+        }
+        InterruptProgress progress;
+        variant_bag_t& out = answer.add_variant_bag("out");
+        const error_code_t code = m_pane.request(request.name, *request.in, out, &progress);
+        answer.put("code", code.name());
+        if (!code.succeeded()) answer.put("message", messageOf(code));
+        return write(answer);
+    }
+
+  private:
+    static std::string messageOf(error_code_t code) {
+        if (code.is(bk2::error::FailedTo)) return "unknown request \"" + code.message() + "\"";
+        return code.message();
+    }
+
+    static bool write(const variant_bag_t& answer) {
+        FileSink sink(STDOUT_FILENO);
+        tessera_host::writeJson(answer, sink, tessera_host::JsonForm::compact);
+        sink.put('\n');
+        if (sink.flush()) return true;
+        printMessage(fmt::format("standard output: cannot write: {}", std::strerror(sink.error())));
+        return false;
+    }
+
+    tessera_host::Pane& m_pane;
+    std::size_t m_lineNumber = 0;
+};
+
+}  // namespace
+
+int session(const Options& options) {
+    ConsoleMessenger messenger(options.document);
+    InterruptProgress progress;
+    int exitStatus = exitDone;
+    const auto pane = openPane(options, messenger, progress, exitStatus);
+    if (!pane) return exitStatus;
+    Session session(*pane);
+    LineReader reader(STDIN_FILENO, interruptDescriptor(), maxLine);
+    while (reader.next())
+        if (!session.answer(reader)) return exitUnopened;
+    if (reader.error() == 0 || isInterrupted()) return exitDone;
+    printMessage(fmt::format("standard input: cannot read: {}", std::strerror(reader.error())));
+    return exitUnopened;
+}
+
+}  // namespace tessera_cli
