@@ -1,0 +1,1 @@
+CREATE TABLE t(a); INSERT INTO t VALUES (3), (4);

@@ -1,0 +1,71 @@
+"""Ctrl-C ends whatever runs, cleanly."""
+import os
+import signal
+import subprocess
+import time
+
+import program
+from program import Case, showing
+
+# Counts pairs of pairs; would take hours.
+ENDLESS = 'SUM((SELECT COUNT(*) FROM t AS b, t AS c, t AS d WHERE b.a + c.a + d.a + t.a = 7))'
+MANY_ROWS = ('CREATE TABLE t(a); WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 5000) '
+             'INSERT INTO t SELECT i FROM n;')
+
+
+class Interrupt(Case):
+    def start(self, *arguments):
+        process = subprocess.Popen([program.PROGRAM, *map(str, arguments)], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                   stderr=subprocess.PIPE, text=True)
+        self.addCleanup(process.kill)
+        return process
+
+    def interrupt(self, process, number=signal.SIGINT):
+        """Sends the signal; answers output, messages and the seconds until the end."""
+        process.send_signal(number)
+        begin = time.monotonic()
+        out, err = process.communicate(timeout=30 * program.SLOW)
+        return out, err, time.monotonic() - begin
+
+    def test_render_in_the_middle_of_a_query(self):
+        output = self.write('out.json', 'earlier')
+        process = self.start('render', self.write('v.xml', showing(ENDLESS)), '--db', self.database(MANY_ROWS), '-o', output)
+        time.sleep(1 * program.SLOW)
+        self.assertIsNone(process.poll())
+        out, err, seconds = self.interrupt(process)
+        self.assertEqual((process.returncode, out), (130, ''), err)
+        self.assertIn('tessera: interrupted', err)
+        self.assertLess(seconds, 2 * program.SLOW)
+        self.assertEqual(output.read_text(), 'earlier')
+        self.assertEqual(sorted(os.listdir(self.folder)), ['out.json', 'result.db', 'v.xml'])
+
+    def test_render_by_termination(self):
+        process = self.start('render', self.write('v.xml', showing(ENDLESS)), '--db', self.database(MANY_ROWS))
+        time.sleep(1 * program.SLOW)
+        self.interrupt(process, signal.SIGTERM)
+        self.assertEqual(process.returncode, 130)
+
+    def test_session_while_it_waits(self):
+        process = self.start('session', self.write('v.xml', showing('SUM(a)')), '--db', self.database())
+        process.stdin.write('{"request":"create"}\n')
+        process.stdin.flush()
+        self.assertIn('"success"', process.stdout.readline())
+        out, err, seconds = self.interrupt(process)
+        self.assertEqual((process.returncode, out), (130, ''), err)
+        self.assertLess(seconds, 2 * program.SLOW)
+
+    def test_check(self):
+        process = self.start('check', '/dev/stdin')
+        time.sleep(0.5 * program.SLOW)
+        self.interrupt(process)
+        self.assertNotEqual(process.returncode, 0)
+
+    def test_query_timeout(self):
+        done = self.run_program('render', self.write('v.xml', showing(ENDLESS)), '--db', self.database(MANY_ROWS),
+                                '--query-timeout', '0.2')
+        self.assertEqual(done.returncode, 1, done.stderr)
+        self.assertIn('query "q"', done.stderr)
+
+
+if __name__ == '__main__':
+    program.main()

@@ -1,0 +1,61 @@
+// What the tests of the text formats share.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "host/text/json_reader.h"
+#include "host/text/json_writer.h"
+#include "host/text/xml_reader.h"
+#include "host/text/xml_writer.h"
+
+namespace tessera_host::text_support {
+
+inline std::string toJson(const basekit2::variant_bag_t& bag, JsonForm form = JsonForm::compact) {
+    std::string text;
+    StringSink sink(text);
+    EXPECT_TRUE(writeJson(bag, sink, form));
+    return text;
+}
+
+inline std::string toXml(const basekit2::variant_bag_t& bag) {
+    std::string text;
+    StringSink sink(text);
+    EXPECT_EQ(writeXml(bag, sink), std::nullopt);
+    return text;
+}
+
+inline basekit2::variant_bag_t fromXml(std::string_view text) {
+    basekit2::variant_bag_t bag;
+    const auto error = readXmlText(text, bag);
+    EXPECT_FALSE(error) << describe(*error, "text");
+    return bag;
+}
+
+inline basekit2::variant_bag_t fromJson(std::string_view text) {
+    basekit2::variant_bag_t bag;
+    const auto error = readJson(text, bag);
+    EXPECT_FALSE(error) << describe(*error, "text");
+    return bag;
+}
+
+// What a reader says about a wrong document: "line:column: text".
+inline std::string problem(const std::optional<ReadError>& error) {
+    return error ? describe(*error, "").substr(1) : "no error";
+}
+
+inline double secondsFor(const std::function<void()>& work) {
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// What takes linear time is done in far less, also with sanitizers; what takes quadratic time is not done in
+// minutes.
+inline constexpr double linearSeconds = 30;
+
+}  // namespace tessera_host::text_support

@@ -1,0 +1,60 @@
+#!/usr/bin/env python3
+"""Compiles every header alone, so that each brings what it needs. Headers that passed are not compiled again until they or
+what they include change.
+
+Usage: check_headers.py BUILD_DIR"""
+
+import concurrent.futures
+import os
+import pathlib
+import subprocess
+import sys
+
+import project
+
+FLAGS = ["-std=c++20", "-fsyntax-only", "-Wall", "-Wextra", "-Werror", "-x", "c++", "-"]
+
+
+def search_flags(commands):
+    """Every -I, -isystem and -D of the build, each once."""
+    flags = []
+    for words in commands.values():
+        for i, word in enumerate(words):
+            flag = words[i:i + 2] if word == "-isystem" else [word] if word.startswith(("-I", "-D")) else []
+            if flag and flag not in flags:
+                flags.append(flag)
+    return [word for flag in flags for word in flag]
+
+
+def main():
+    if len(sys.argv) != 2:
+        raise SystemExit(__doc__)
+    base, build = project.root(), pathlib.Path(sys.argv[1])
+    commands = project.compile_commands(build)
+    compiler = os.environ.get("CXX", "g++")
+    command = [compiler, "-I", str(base), *search_flags(commands), *FLAGS]
+    version = subprocess.run([compiler, "--version"], capture_output=True, text=True, check=True).stdout
+    passed = project.Passed(build / "passed-headers")
+    # Folders without a target of their own so far have no flags to compile with either.
+    built = {os.path.relpath(path, base).split("/")[0] for path in commands}
+    names = project.files(base, (".h",), [folder for folder in project.CODE if folder in built])
+
+    def compile_alone(name):
+        digest = passed.digest(base, project.reached(base, name), version, *command)
+        if passed.has(digest):
+            return None
+        result = subprocess.run(command, input=f'#include "{name}"\n', capture_output=True, text=True, check=False)
+        if result.returncode == 0:
+            passed.add(digest)
+            return None
+        return f"{name} does not compile alone:\n{result.stderr}"
+
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        failures = [text for text in pool.map(compile_alone, names) if text]
+    print(*failures, sep="\n", end="\n" if failures else "")
+    print(f"{len(names)} headers, {len(failures)} do not compile alone")
+    return 1 if failures or not names else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
