@@ -71,6 +71,11 @@ int Authorizer::decide(int action, std::string_view first, std::string_view seco
         case SQLITE_READ:
             return decideRead(first, database);
         case SQLITE_FUNCTION:
+            // Asked for billions of characters they cannot be stopped before they have made them all.
+            if (view.empty() && (foldName(second) == "printf" || foldName(second) == "format"))
+                return refuse(
+                    "the function " + quoted(second) +
+                    " is not allowed; the query's \"format\" and \"unit\" say how a value is shown");
             if (m_functions.contains(foldName(second))) return SQLITE_OK;
             return refuse("the function " + quoted(second) + " is not allowed");
         case SQLITE_RECURSIVE:

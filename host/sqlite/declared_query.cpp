@@ -40,6 +40,7 @@ bool isCancelled(const Answer& answer) {
 
 const Answer& DeclaredQuery::answer(const ReferenceQuery& reference, const RunPlace& place) {
     if (place.snapshotNumber != m_snapshotNumber) startSnapshot(place.snapshotNumber);
+    if (const Answer* grouped = groupedAnswer(reference, place)) return *grouped;
     if (const auto it = m_answers.find(reference.keyText()); it != m_answers.end()) return it->second;
     Answer answer = compute(reference, place);
     if (!isCancelled(answer)) return m_answers.emplace(reference.keyText(), std::move(answer)).first->second;
@@ -71,7 +72,7 @@ Answer DeclaredQuery::compute(const ReferenceQuery& reference, const RunPlace& p
     if (m_defect) return *m_defect;
     m_isSound = true;
     if (auto cancellation = considerGrouping(reference, place)) return *cancellation;
-    if (auto answer = groupedAnswer(reference, place)) return std::move(*answer);
+    if (const Answer* grouped = groupedAnswer(reference, place)) return *grouped;
     return runSingle(reference, place);
 }
 
@@ -112,19 +113,19 @@ std::optional<Failure> DeclaredQuery::considerGrouping(const ReferenceQuery& ref
                          {place.progress, place.connection.timeouts().query, cost});
 }
 
-std::optional<Answer> DeclaredQuery::groupedAnswer(const ReferenceQuery& reference, const RunPlace& place) {
+const Answer* DeclaredQuery::groupedAnswer(const ReferenceQuery& reference, const RunPlace& place) {
     if (m_groups.state() != GroupedAnswers::State::loaded || !GroupedAnswers::canServe(reference.keys()))
-        return std::nullopt;
+        return nullptr;
     const Answer* answer = nullptr;
     switch (m_groups.find(reference.keyText(), answer)) {
         case GroupedAnswers::Found::one:
-            return *answer;
+            return answer;
         case GroupedAnswers::Found::none:
-            return runNoRows(place);
+            return &runNoRows(place);
         case GroupedAnswers::Found::several:
-            return std::nullopt;
+            return nullptr;
     }
-    return std::nullopt;
+    return nullptr;
 }
 
 Answer DeclaredQuery::runSingle(const ReferenceQuery& reference, const RunPlace& place) {

@@ -46,7 +46,7 @@ class DeclaredQuery {
     [[nodiscard]] std::optional<Failure> findDefect(Connection& connection);
     [[nodiscard]] std::optional<Failure> considerGrouping(const ReferenceQuery& reference,
                                                           const RunPlace& place);
-    [[nodiscard]] std::optional<Answer> groupedAnswer(const ReferenceQuery& reference, const RunPlace& place);
+    [[nodiscard]] const Answer* groupedAnswer(const ReferenceQuery& reference, const RunPlace& place);
     [[nodiscard]] Answer runSingle(const ReferenceQuery& reference, const RunPlace& place);
     [[nodiscard]] const Answer& runNoRows(const RunPlace& place);
     [[nodiscard]] Answer valueOf(StatementRun& run) const;

@@ -258,21 +258,27 @@ TEST(GraphEnd, ReleasesNodesAndLinksInSpiteOfTheirCycles) {
         EXPECT_TRUE(link.expired());
 }
 
-TEST(GraphEnd, ReleasesAHundredThousandLevelsAndAChainOfAHundredThousandLinks) {
-    auto graph = std::make_unique<Graph>();
-    NodePtr group = makeNode("0"), previous = group;
-    graph->addNode(group);
-    for (int i = 1; i < 100'000; ++i) {
-        group = makeMember(std::to_string(i), group);
+TEST(GraphEnd, ReleasesAHundredThousandLevelsAndAsLongAChainOfLinksWhateverTheOrderOfTheIds) {
+    constexpr int depth = 100'000;
+    for (const bool innermostFirst : {false, true}) {
+        const auto idOf = [&](int level) {
+            return std::to_string(depth + (innermostFirst ? depth - level : level));
+        };
+        auto graph = std::make_unique<Graph>();
+        NodePtr group = makeNode(idOf(0)), previous = group;
         graph->addNode(group);
-        graph->addLink(makeLink(previous, group, std::to_string(i)));
-        previous = group;
+        for (int level = 1; level < depth; ++level) {
+            group = makeMember(idOf(level), group);
+            graph->addNode(group);
+            graph->addLink(makeLink(previous, group, idOf(level)));
+            previous = group;
+        }
+        graph->setChildrenAndParents();
+        const std::weak_ptr<Node> innermost = group, outermost = graph->m_nodeList.front();
+        group = previous = nullptr;
+        graph = nullptr;
+        EXPECT_TRUE(innermost.expired() && outermost.expired());
     }
-    graph->setChildrenAndParents();
-    const std::weak_ptr<Node> innermost = group;
-    group = previous = nullptr;
-    graph = nullptr;
-    EXPECT_TRUE(innermost.expired());
 }
 
 }  // namespace
