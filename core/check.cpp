@@ -11,6 +11,11 @@ constexpr const char* componentName = "tessera";
 constexpr log4cplus::LogLevel errorLevel = 40000;
 constexpr log4cplus::LogLevel infoLevel = 20000;
 
+// Whether anybody learns of an error reported here; otherwise its text need not be made.
+bool isHeard(const Place& place) {
+    return place.unit.logger().isEnabledFor(errorLevel) || place.unit.assertionsOn();
+}
+
 std::string inSignature(const std::string& text, const Place& place) {
     return text + " in " + place.signature;
 }
@@ -40,18 +45,19 @@ bool SourceUnit::assertionsOn() const {
 }
 
 void failed(const Place& place, const char* condition, bool /*again*/) {
-    report(place, inSignature(std::string("Check failed: ") + condition, place));
+    if (isHeard(place)) report(place, inSignature(std::string("Check failed: ") + condition, place));
 }
 
 basekit2::error_code_t failedWith(const Place& place, const char* condition, bool /*again*/,
                                   const char* expression, const basekit2::error_t& error) {
-    report(place, inSignature(std::string("Check failed: ") + condition, place) + " '" + expression + ":" +
-                      error.message.str() + "'");
+    if (isHeard(place))
+        report(place, inSignature(std::string("Check failed: ") + condition, place) + " '" + expression +
+                          ":" + error.message.str() + "'");
     return basekit2::error_code_t::raise(error, place.signature, place.unit.path(), place.line);
 }
 
 void alert(const Place& place, const std::string& message) {
-    report(place, inSignature(message, place));
+    if (isHeard(place)) report(place, inSignature(message, place));
     const log4cplus::Logger& logger = place.unit.logger();
     if (logger.isEnabledFor(infoLevel))
         logger.forcedLog(infoLevel, message, place.unit.path(), place.line, place.signature);

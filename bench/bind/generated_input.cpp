@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <sqlite3.h>
 
+#include <array>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
@@ -26,6 +27,9 @@ constexpr const char* head = R"(<?xml version="1.0" encoding="UTF-8"?>
   <diagram>
     <graph id="generated">
 )";
+
+constexpr std::array modeNames{"bandwidth", "ratio", "size"};
+constexpr std::array modeQueries{"Rate", "Share", "Size"};
 
 // Nodes are n0, n1, ...; a group of ids [begin, end) is g and its first id.
 void writeNodes(std::ostream& out, std::size_t begin, std::size_t end, std::size_t size) {
@@ -75,14 +79,13 @@ void writeDisplay(std::ostream& out, const InputShape& shape, InputCounts& count
             "<link id=\"l{:07}\" displayName=\"Link {}\"><label location=\"center\">"
             "<dataTransfer displayName=\"Traffic\">",
             i, i);
-        for (const auto& [mode, query] :
-             {std::pair{"bandwidth", "Rate"}, {"ratio", "Share"}, {"size", "Size"}})
+        for (std::size_t m = 0; m < shape.modes; ++m)
             out << fmt::format(
-                "<{0}><rowSet displayName=\"Set\"><queryRef displayName=\"{1}\">/{1}/{2}</queryRef></rowSet>"
-                "</{0}>",
-                mode, query, i);
+                "<{0}><rowSet displayName=\"Set\"><queryRef displayName=\"{1}\">/{1}/{2}</queryRef>"
+                "</rowSet></{0}>",
+                modeNames.at(m), modeQueries.at(m), i);
         out << "</dataTransfer></label></link>\n";
-        counts.references += 3;
+        counts.references += shape.modes;
     }
 }
 

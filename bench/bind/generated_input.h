@@ -10,7 +10,8 @@ struct InputShape {
     std::size_t nodes = 100'000;
     double linksPerNode = 1.5;
     double nodesWithValues = 0.1;  // share that shows a row set of two rows
-    double linksWithLabels = 0.3;  // share with a label whose data transfer has all three modes
+    double linksWithLabels = 0.3;  // share with a label at the centre
+    std::size_t modes = 1;         // how many display modes each label has values for, up to 3
     unsigned seed = 1;
 };
 

@@ -1,5 +1,6 @@
 #include "host/sqlite/database_file.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -35,7 +36,8 @@ std::string databaseFileProblem(const std::string& path) {
     }
     if (S_ISDIR(status.st_mode)) return quoted(path) + " is a directory";
     if (!S_ISREG(status.st_mode)) return quoted(path) + " is no regular file";
-    if (access(path.c_str(), R_OK) != 0) return quoted(path) + " may not be read (" + systemText(errno) + ")";
+    if (faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0)
+        return quoted(path) + " may not be read (" + systemText(errno) + ")";
     if (status.st_size == 0) return quoted(path) + " is empty";
     return {};
 }

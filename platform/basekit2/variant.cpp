@@ -12,7 +12,7 @@ namespace {
 
 const char* duplicate(const char* text, std::size_t size) {
     char* copy = new char[size + 1];
-    std::memcpy(copy, text, size);
+    if (size != 0) std::memcpy(copy, text, size);
     copy[size] = '\0';
     return copy;
 }
