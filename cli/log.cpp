@@ -7,14 +7,14 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <fstream>
+#include <system_error>
 
 namespace tessera_cli {
 namespace {
 
 void logToStandardError() {
-    log4cplus::SharedAppenderPtr appender(new log4cplus::ConsoleAppender(true, true));
+    const log4cplus::SharedAppenderPtr appender(new log4cplus::ConsoleAppender(true, true));
     appender->setLayout(std::make_unique<log4cplus::PatternLayout>(LOG4CPLUS_TEXT("%p %c - %m%n")));
     log4cplus::Logger root = log4cplus::Logger::getRoot();
     root.removeAllAppenders();
@@ -29,8 +29,8 @@ std::string configureLog(const std::string& configFile, const std::string& level
         logToStandardError();
     } else {
         if (std::ifstream file(configFile); !file || file.peek() == std::ifstream::traits_type::eof())
-            return configFile +
-                   ": cannot read the log configuration: " + (errno ? std::strerror(errno) : "it is empty");
+            return configFile + ": cannot read the log configuration: " +
+                   (errno ? std::generic_category().message(errno) : "it is empty");
         log4cplus::PropertyConfigurator::doConfigure(configFile);
     }
     if (!level.empty()) {

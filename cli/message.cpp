@@ -3,8 +3,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <cstring>
+#include <system_error>
 
 #include "host/text/text_sink.h"
 
@@ -25,7 +24,8 @@ void printMessage(std::string_view text) {
 bool printText(std::string_view text) {
     tessera_host::FileSink sink(STDOUT_FILENO);
     if (sink.write(text) && sink.flush()) return true;
-    printMessage(fmt::format("cannot write to standard output: {}", std::strerror(sink.error())));
+    printMessage(
+        fmt::format("cannot write to standard output: {}", std::generic_category().message(sink.error())));
     return false;
 }
 

@@ -6,8 +6,8 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
+#include <system_error>
 
 namespace tessera_cli {
 
@@ -17,7 +17,8 @@ OutputFile::~OutputFile() {
 }
 
 bool OutputFile::fail(int number) {
-    m_error = (m_path.empty() ? "standard output" : m_path) + ": cannot write: " + std::strerror(number);
+    m_error = (m_path.empty() ? "standard output" : m_path) +
+              ": cannot write: " + std::generic_category().message(number);
     return false;
 }
 

@@ -1,8 +1,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <cstring>
+#include <system_error>
 
 #include "cli/commands.h"
 #include "cli/interrupt.h"
@@ -78,7 +77,8 @@ class Session {
         tessera_host::writeJson(answer, sink, tessera_host::JsonForm::compact);
         sink.put('\n');
         if (sink.flush()) return true;
-        printMessage(fmt::format("standard output: cannot write: {}", std::strerror(sink.error())));
+        printMessage(
+            fmt::format("standard output: cannot write: {}", std::generic_category().message(sink.error())));
         return false;
     }
 
@@ -99,7 +99,8 @@ int session(const Options& options) {
     while (reader.next())
         if (!session.answer(reader)) return exitUnopened;
     if (reader.error() == 0 || isInterrupted()) return exitDone;
-    printMessage(fmt::format("standard input: cannot read: {}", std::strerror(reader.error())));
+    printMessage(
+        fmt::format("standard input: cannot read: {}", std::generic_category().message(reader.error())));
     return exitUnopened;
 }
 

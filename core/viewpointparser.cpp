@@ -15,8 +15,8 @@ using basekit2::variant_t;
 std::string getAttrAndLocalize(const basekit2::variant_bag_t& bag, std::string name, bool localize) {
     const variant_t* value = bag.get(name);
     if (value == nullptr) return {};
-    std::string text(value->get<std::string_view>());
-    return localize ? getMessageFromCatalog(text) : text;
+    const auto text = value->get<std::string_view>();
+    return localize ? getMessageFromCatalog(std::string(text)) : std::string(text);
 }
 
 std::string getMessageFromCatalog(const std::string& key) {

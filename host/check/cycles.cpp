@@ -57,7 +57,7 @@ struct Edge {
 // Outgoing edges by node, in the order of the links.
 class Edges {
   public:
-    Edges(const DeclaredGraph& graph) : m_first(graph.nodes.size() + 1) {
+    explicit Edges(const DeclaredGraph& graph) : m_first(graph.nodes.size() + 1) {
         const Nesting nesting(graph);
         for (Index i = 0; i < graph.links.size(); ++i) {
             const auto& link = graph.links[i];

@@ -41,7 +41,7 @@ class StructureCheck {
     void readLink(const variant_bag_t& element);
     std::size_t linkEnd(const variant_bag_t& element, std::string_view end);
     void readDisplay(const variant_bag_t& section);
-    void readDisplayEntry(std::string_view what, const variant_bag_t& element, const Positions& later,
+    void readDisplayEntry(std::string_view what, const variant_bag_t& element, const Positions& all,
                           bool known, Positions& seen);
     void readLabels(const variant_bag_t& element);
     void checkRowSets(const variant_bag_t& element);

@@ -1,5 +1,8 @@
 #include "host/pane/pane.h"
 
+#include <log4cplus/logger.h>
+#include <log4cplus/loggingmacros.h>
+
 #include <chrono>
 #include <utility>
 #include <vector>
@@ -7,6 +10,7 @@
 #include "core/factory.h"
 #include "host/catalogs/gettext_catalogs.h"
 #include "host/queries/query_library.h"
+#include "host/queries/text.h"
 #include "host/sqlite/snapshot.h"
 #include "host/text/xml_reader.h"
 
@@ -15,6 +19,16 @@ namespace {
 
 using basekit2::error_code_t;
 using basekit2::variant_bag_t;
+
+log4cplus::Logger logger() {
+    return log4cplus::Logger::getInstance("tessera.host");
+}
+
+// Milliseconds since `begin`.
+std::int64_t since(std::chrono::steady_clock::time_point begin) {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - begin)
+        .count();
+}
 
 // The base handler of the pane: hands the viewpoint over to the one handler that asks for it.
 class ViewpointSource final : public panelcore_1::IRequestHandler {
@@ -78,6 +92,7 @@ Pane::Pane(std::shared_ptr<Database> database, std::shared_ptr<panelcore_1::IReq
 
 std::unique_ptr<Pane> Pane::open(const PaneSettings& settings, relay2::IMessenger& messenger,
                                  relay2::IProgress* progress, OpenError& error) {
+    const auto begin = std::chrono::steady_clock::now();
     variant_bag_t viewpoint;
     if (const auto problem = readXmlFile(settings.document, viewpoint, progress)) {
         error = {describe(*problem, settings.document), problem->unopened, problem->cancelled};
@@ -100,6 +115,9 @@ std::unique_ptr<Pane> Pane::open(const PaneSettings& settings, relay2::IMessenge
         basekit2::make_counted<InputData>(database, declarations, filters, &messenger),
         std::make_shared<ViewpointSource>(std::move(viewpoint)), std::make_shared<PaneFilters>(filters),
         &messenger);
+    LOG4CPLUS_DEBUG(logger(), settings.document << " on " << settings.database << " opened in "
+                                                << since(begin) << " ms: " << declarations->queries().size()
+                                                << " queries, " << filters.size() << " filters");
     return std::unique_ptr<Pane>(new Pane(std::move(database), std::move(handler)));
 }
 
@@ -107,7 +125,11 @@ error_code_t Pane::request(const std::string& name, const variant_bag_t& in, var
                            relay2::IProgress* progress) {
     const std::scoped_lock lock(m_mutex);
     const Snapshot snapshot(m_database, progress);
-    return m_handler->handleRequest(name, in, out, progress);
+    const auto begin = std::chrono::steady_clock::now();
+    const error_code_t code = m_handler->handleRequest(name, in, out, progress);
+    LOG4CPLUS_DEBUG(logger(), "request \"" << oneLine(name) << "\" answered " << code.name() << " in "
+                                           << since(begin) << " ms");
+    return code;
 }
 
 }  // namespace tessera_host

@@ -12,7 +12,7 @@ namespace basekit2 {
 // One error of the table with the message of one occurrence. Made by calling a table entry:
 // `bk2::error::IsNot.Valid.Data(_U("..."))`.
 struct error_t {
-    std::uint32_t number;
+    std::uint32_t number = 0;
     RTBASE_2_18::strings::ustring8 message;
 };
 

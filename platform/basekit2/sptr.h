@@ -14,7 +14,7 @@ template <class T>
 class sptr_t {
   public:
     constexpr sptr_t() noexcept = default;
-    constexpr sptr_t(std::nullptr_t) noexcept {}
+    constexpr sptr_t(std::nullptr_t) noexcept {}  // NOLINT(google-explicit-constructor): as of any pointer
 
     // Takes over a reference that the caller owns (for example that of a newly made object).
     [[nodiscard]] static sptr_t adopt(T* object) noexcept { return sptr_t(object); }
@@ -26,12 +26,13 @@ class sptr_t {
 
     sptr_t(const sptr_t& other) noexcept : sptr_t(share(other.m_object)) {}
     sptr_t(sptr_t&& other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
-    template <class U>
-    requires std::is_convertible_v<U*, T*> sptr_t(const sptr_t<U>& other)
-    noexcept : sptr_t(share(other.get())) {}
-    template <class U>
-    requires std::is_convertible_v<U*, T*> sptr_t(sptr_t<U>&& other)
-    noexcept : m_object(other.detach()) {}
+    // A pointer to a derived interface is one to its base, as with bare pointers.
+    // NOLINTBEGIN(google-explicit-constructor)
+    template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
+    sptr_t(const sptr_t<U>& other) noexcept : sptr_t(share(other.get())) {}
+    template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
+    sptr_t(sptr_t<U>&& other) noexcept : m_object(other.detach()) {}
+    // NOLINTEND(google-explicit-constructor)
 
     sptr_t& operator=(sptr_t other) noexcept {
         std::swap(m_object, other.m_object);

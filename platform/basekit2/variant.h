@@ -19,19 +19,21 @@ class TESSERA_PLATFORM_EXPORT variant_t {
     enum class type_t : std::uint8_t { none, string, integer, boolean };
 
     variant_t() noexcept = default;
-    variant_t(std::string_view text);  // NOLINT(google-explicit-constructor): values are written as they are
-    variant_t(const std::string& text)
-        : variant_t(std::string_view(text)) {}                          // NOLINT(google-explicit-constructor)
-    variant_t(const char* text) : variant_t(std::string_view(text)) {}  // NOLINT(google-explicit-constructor)
+    // Whatever can be stored is a variant where one is wanted.
+    // NOLINTBEGIN(google-explicit-constructor)
+    variant_t(std::string_view text);
+    variant_t(const std::string& text) : variant_t(std::string_view(text)) {}
+    variant_t(const char* text) : variant_t(std::string_view(text)) {}
     template <std::same_as<bool> T>
-    variant_t(T flag) noexcept : m_type(type_t::boolean) {  // NOLINT(google-explicit-constructor)
+    variant_t(T flag) noexcept : m_type(type_t::boolean) {
         m_data.boolean = flag;
     }
     // Signed integers of any width are sign-extended.
     template <std::signed_integral T>
-    variant_t(T number) noexcept : m_type(type_t::integer) {  // NOLINT(google-explicit-constructor)
+    variant_t(T number) noexcept : m_type(type_t::integer) {
         m_data.integer = number;
     }
+    // NOLINTEND(google-explicit-constructor)
 
     variant_t(const variant_t& other);
     variant_t(variant_t&& other) noexcept;

@@ -41,6 +41,8 @@ variant_bag_t::variant_bag_t(const variant_bag_t& other) {
     copy_content(other);
 }
 
+// NOLINTNEXTLINE(performance-noexcept-move-constructor,bugprone-exception-escape): copying may run out of
+// memory
 variant_bag_t::variant_bag_t(variant_bag_t&& other) {
     if (other.m_isRoot) {
         take(other);
@@ -67,6 +69,7 @@ variant_bag_t& variant_bag_t::operator=(const variant_bag_t& other) {
     return *this;
 }
 
+// NOLINTNEXTLINE(performance-noexcept-move-constructor,bugprone-exception-escape): as above
 variant_bag_t& variant_bag_t::operator=(variant_bag_t&& other) {
     if (this == &other) return *this;
     if (!m_isRoot || !other.m_isRoot) return *this = std::as_const(other);

@@ -65,10 +65,10 @@ class TESSERA_PLATFORM_EXPORT variant_bag_t {
     // A deep copy, a tree of its own; positions are copied too.
     variant_bag_t(const variant_bag_t& other);
     // Takes over the content of a root; the content of a child bag is copied, because its tree keeps it.
-    variant_bag_t(variant_bag_t&& other);
+    variant_bag_t(variant_bag_t&& other);  // NOLINT(performance-noexcept-move-constructor): may copy
     // Replaces this bag's content and position. `other` may be a part of this tree or contain it.
     variant_bag_t& operator=(const variant_bag_t& other);
-    variant_bag_t& operator=(variant_bag_t&& other);
+    variant_bag_t& operator=(variant_bag_t&& other);  // NOLINT(performance-noexcept-move-constructor)
     ~variant_bag_t();
 
     // True when there is neither a value nor a child.

@@ -132,8 +132,8 @@ class variant_bag_t::arena_t {
     }
 
     void* allocate(std::size_t size, std::size_t alignment) {
-        auto* start = reinterpret_cast<std::byte*>(
-            (reinterpret_cast<std::uintptr_t>(m_free) + alignment - 1) & ~(alignment - 1));
+        const std::size_t misaligned = reinterpret_cast<std::uintptr_t>(m_free) & (alignment - 1);
+        std::byte* start = m_free + (misaligned == 0 ? 0 : alignment - misaligned);
         if (start > m_end || size > static_cast<std::size_t>(m_end - start)) start = newBlock(size);
         m_free = start + size;
         return start;

@@ -38,5 +38,6 @@ make -f "$here/app/Makefile" OUTPUT="$work/by_pkg_config"
 
 # A binary that found another copy of the libraries would prove nothing.
 for program in "$work/by_cmake/consumer" "$work/by_pkg_config"; do
-    ldd "$program" | grep -q "libtessera.so.* => $work/prefix/" || fail "$program does not load the installed library"
+    loaded=$(ldd "$program")
+    [[ $loaded =~ libtessera\.so[^[:space:]]*\ =\>\ "$work/prefix/" ]] || fail "$program does not load the installed library: $loaded"
 done

@@ -83,6 +83,13 @@ log4cplus.appender.FILE.layout.ConversionPattern=[%p] %m%n
         self.assertEqual(len(lines), 1, lines)  # the INFO line is below the level
         self.assertTrue(lines[0].startswith('[ERROR] Unknown element <edge> found under <graph>.'), lines)
 
+    def test_the_hosts_own_log(self):
+        done = self.run_program('render', self.write('v.xml', showing('SUM(a)')), '--db', self.database(), '--log-level', 'debug')
+        lines = [line for line in done.stderr.splitlines() if line.startswith('DEBUG tessera.host - ')]
+        self.assertEqual(len(lines), 2, done.stderr)
+        self.assertIn('1 queries, 0 filters', lines[0])
+        self.assertIn('request "create" answered success', lines[1])
+
     def test_log_level(self):
         document = self.write('v.xml', program.document('<graph><edge/></graph>'))
         for level, count in (('off', 0), ('error', 1), ('info', 2)):
