@@ -35,7 +35,10 @@ std::string_view blobOf(sqlite3_value* value) {
 // Unlike std::string_view::find, memmem never takes more than linear time.
 std::size_t findPart(std::string_view text, std::string_view part, std::size_t from) {
     if (from >= text.size()) return std::string_view::npos;
-    const void* found = memmem(text.data() + from, text.size() - from, part.data(), part.size());
+    const char* start = text.data() + from;
+    const std::size_t size = text.size() - from;
+    const void* found = part.size() == 1 ? std::memchr(start, static_cast<unsigned char>(part.front()), size)
+                                         : memmem(start, size, part.data(), part.size());
     return found ? static_cast<std::size_t>(static_cast<const char*>(found) - text.data())
                  : std::string_view::npos;
 }

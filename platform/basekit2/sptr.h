@@ -28,10 +28,11 @@ class sptr_t {
     sptr_t(sptr_t&& other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
     // A pointer to a derived interface is one to its base, as with bare pointers.
     // NOLINTBEGIN(google-explicit-constructor)
-    template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
-    sptr_t(const sptr_t<U>& other) noexcept : sptr_t(share(other.get())) {}
-    template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
-    sptr_t(sptr_t<U>&& other) noexcept : m_object(other.detach()) {}
+    template <class U>
+    sptr_t(const sptr_t<U>& other) noexcept requires(std::is_convertible_v<U*, T*>)
+        : sptr_t(share(other.get())) {}
+    template <class U>
+    sptr_t(sptr_t<U>&& other) noexcept requires(std::is_convertible_v<U*, T*>) : m_object(other.detach()) {}
     // NOLINTEND(google-explicit-constructor)
 
     sptr_t& operator=(sptr_t other) noexcept {

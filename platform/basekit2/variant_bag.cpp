@@ -41,8 +41,8 @@ variant_bag_t::variant_bag_t(const variant_bag_t& other) {
     copy_content(other);
 }
 
-// NOLINTNEXTLINE(performance-noexcept-move-constructor,bugprone-exception-escape): copying may run out of
-// memory
+// Moving a child bag copies it, which may run out of memory.
+// NOLINTBEGIN(performance-noexcept-move-constructor,bugprone-exception-escape)
 variant_bag_t::variant_bag_t(variant_bag_t&& other) {
     if (other.m_isRoot) {
         take(other);
@@ -51,6 +51,7 @@ variant_bag_t::variant_bag_t(variant_bag_t&& other) {
     variant_bag_t copy(std::as_const(other));
     take(copy);
 }
+// NOLINTEND(performance-noexcept-move-constructor,bugprone-exception-escape)
 
 variant_bag_t& variant_bag_t::operator=(const variant_bag_t& other) {
     if (this == &other) return *this;
@@ -69,7 +70,7 @@ variant_bag_t& variant_bag_t::operator=(const variant_bag_t& other) {
     return *this;
 }
 
-// NOLINTNEXTLINE(performance-noexcept-move-constructor,bugprone-exception-escape): as above
+// NOLINTBEGIN(performance-noexcept-move-constructor,bugprone-exception-escape)
 variant_bag_t& variant_bag_t::operator=(variant_bag_t&& other) {
     if (this == &other) return *this;
     if (!m_isRoot || !other.m_isRoot) return *this = std::as_const(other);
@@ -77,6 +78,7 @@ variant_bag_t& variant_bag_t::operator=(variant_bag_t&& other) {
     take(taken);
     return *this;
 }
+// NOLINTEND(performance-noexcept-move-constructor,bugprone-exception-escape)
 
 variant_bag_t::~variant_bag_t() {
     if (m_isRoot) arena_t::destroy(m_arena);

@@ -56,6 +56,10 @@ inline double secondsFor(const std::function<void()>& work) {
 
 // What takes linear time is done in far less, also with sanitizers; what takes quadratic time is not done in
 // minutes.
+#ifdef __SANITIZE_THREAD__
+inline constexpr double linearSeconds = 300;
+#else
 inline constexpr double linearSeconds = 30;
+#endif
 
 }  // namespace tessera_host::text_support
