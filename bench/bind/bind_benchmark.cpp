@@ -6,6 +6,7 @@
 // Times are the best of the runs, each in a process of its own, so that none profits from memory of another.
 #include <expat.h>
 #include <fmt/format.h>
+#include <log4cplus/logger.h>
 #include <malloc.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -136,6 +137,7 @@ Figures measure(const tessera_host::PaneSettings& settings) {
 Figures measureApart(const tessera_host::PaneSettings& settings) {
     int ends[2];
     if (pipe(ends) != 0) giveUp("pipe");
+    std::fflush(stdout);  // or the child prints it again
     const pid_t child = fork();
     if (child == 0) {
         const Figures figures = measure(settings);
@@ -190,6 +192,7 @@ void run(const InputShape& shape, std::size_t runs, const std::filesystem::path&
 }  // namespace tessera_bench
 
 int main(int argc, char** argv) {
+    log4cplus::Logger::getRoot().setLogLevel(log4cplus::OFF_LOG_LEVEL);
     tessera_bench::InputShape shape;
     std::size_t runs = 1;
     for (int i = 1; i + 1 < argc; i += 2) {
