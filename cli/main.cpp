@@ -2,9 +2,11 @@
 #include "cli/interrupt.h"
 #include "cli/log.h"
 #include "cli/message.h"
+#include "cli/standard_descriptors.h"
 
 int main(int argc, char** argv) {
     using namespace tessera_cli;
+    fillStandardDescriptors();
     installInterruptHandler();
     int exitStatus = exitDone;
     const auto options = parseCommandLine(argc, argv, exitStatus);

@@ -1,5 +1,7 @@
 #include <fmt/format.h>
 
+#include <filesystem>
+
 #include "cli/commands.h"
 #include "cli/interrupt.h"
 #include "cli/message.h"
@@ -48,9 +50,19 @@ bool writeDiagram(const Options& options, const variant_bag_t& diagram, OutputFi
     return false;
 }
 
+// Whether both paths lead to one existing file.
+bool isSameFile(const std::string& a, const std::string& b) {
+    std::error_code ignored;
+    return std::filesystem::equivalent(a, b, ignored) && std::filesystem::is_regular_file(a, ignored);
+}
+
 }  // namespace
 
 int render(const Options& options) {
+    if (isSameFile(options.output, options.document) || isSameFile(options.output, options.database)) {
+        printMessage(options.output + ": is what is to be read; it will not be written over");
+        return exitUsage;
+    }
     ConsoleMessenger messenger(options.document);
     InterruptProgress progress;
     int exitStatus = exitDone;

@@ -219,6 +219,24 @@ class Outputs(Case):
             self.assertEqual(done.returncode, 3, (command, done.stderr))
             self.assertIn('tessera: standard output: cannot write', done.stderr)
 
+    def test_an_input_is_not_written_over(self):
+        document, database = self.write('v.xml', GOOD), self.database()
+        link = self.folder / 'link.json'
+        link.symlink_to(document)
+        for output in (document, database, link):
+            before = output.read_bytes()
+            done = self.run_program('render', document, '--db', database, '-o', output, '--format', 'json')
+            self.assert_clean_failure(done, 2, f'{output}: ')
+            self.assertEqual(output.read_bytes(), before)
+
+    def test_started_without_standard_descriptors(self):
+        document, database = self.write('v.xml', GOOD), self.database()
+        for redirection, command, status in (('<&-', 'session', 0), ('<&-', 'render', 0), ('>&-', 'render', 3),
+                                             ('2>&-', 'render', 0), ('<&- >&- 2>&-', 'render', 3)):
+            done = subprocess.run(['bash', '-c', f'"$0" "$@" {redirection}', program.PROGRAM, command, document,
+                                   '--db', database], capture_output=True, text=True, timeout=30 * program.SLOW)
+            self.assertEqual(done.returncode, status, (redirection, command, done.stderr))
+
     def test_full_device(self):
         with open('/dev/full', 'w') as full:
             done = subprocess.run([program.PROGRAM, 'render', str(self.write('v.xml', GOOD)), '--db', str(self.database())],
