@@ -1,5 +1,7 @@
 #include "cli/output_file.h"
 
+#include "cli/interrupt.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -25,7 +27,7 @@ bool OutputFile::fail(int number) {
 bool OutputFile::open(const std::string& path) {
     if (path.empty() || path == "-") {
         m_descriptor = STDOUT_FILENO;
-        m_sink = std::make_unique<tessera_host::FileSink>(m_descriptor);
+        m_sink = std::make_unique<tessera_host::FileSink>(m_descriptor, interruptDescriptor());
         return true;
     }
     m_path = path;

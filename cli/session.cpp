@@ -73,10 +73,11 @@ class Session {
     }
 
     static bool write(const variant_bag_t& answer) {
-        FileSink sink(STDOUT_FILENO);
+        FileSink sink(STDOUT_FILENO, interruptDescriptor());
         tessera_host::writeJson(answer, sink, tessera_host::JsonForm::compact);
         sink.put('\n');
         if (sink.flush()) return true;
+        if (isInterrupted()) return false;
         printMessage(
             fmt::format("standard output: cannot write: {}", std::generic_category().message(sink.error())));
         return false;

@@ -68,7 +68,16 @@ std::unique_ptr<Connection> Connection::open(const std::string& path, const Time
         failure = std::move(*problem);
         return nullptr;
     }
+    // SQLite notices missing pages, but not that the last one is only half there.
+    std::int64_t pageSize = 0;
+    (void)connection->forEachRow("PRAGMA page_size",
+                                 [&](sqlite3_stmt* row) { pageSize = sqlite3_column_int64(row, 0); });
+    const auto state = fileStateOf(path);
     connection->endSnapshot();
+    if (pageSize > 0 && state && state->size % pageSize != 0) {
+        failure = Failure{"the database is damaged or cut short"};
+        return nullptr;
+    }
     return connection;
 }
 

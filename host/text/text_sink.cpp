@@ -1,8 +1,11 @@
 #include "host/text/text_sink.h"
 
+#include <limits.h>
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 
 namespace tessera_host {
@@ -29,9 +32,24 @@ bool StringSink::deliver(std::string_view block) {
     return true;
 }
 
+// Waits until the descriptor takes data; true when the waiting is to end instead.
+bool FileSink::isWoken() const {
+    if (m_wake < 0) return false;
+    std::array<pollfd, 2> watched{pollfd{m_descriptor, POLLOUT, 0}, pollfd{m_wake, POLLIN, 0}};
+    while (::poll(watched.data(), watched.size(), -1) < 0 && errno == EINTR)
+        continue;
+    return watched[1].revents != 0;
+}
+
 bool FileSink::deliver(std::string_view block) {
     while (!block.empty()) {
-        const ssize_t written = ::write(m_descriptor, block.data(), block.size());
+        if (isWoken()) {
+            m_error = EINTR;
+            return false;
+        }
+        // What a pipe that is ready takes without waiting for its reader.
+        const std::size_t size = m_wake < 0 ? block.size() : std::min<std::size_t>(block.size(), PIPE_BUF);
+        const ssize_t written = ::write(m_descriptor, block.data(), size);
         if (written > 0) {
             block.remove_prefix(static_cast<std::size_t>(written));
         } else if (written < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) {

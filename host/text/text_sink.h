@@ -67,7 +67,9 @@ class StringSink final : public TextSink {
 // any other write only where SIGPIPE is ignored.
 class FileSink final : public TextSink {
   public:
-    explicit FileSink(int descriptor) : m_descriptor(descriptor) {}
+    // `wake` is a descriptor that becomes readable when waiting for a slow reader is to end (the write then
+    // fails with EINTR); -1 for none.
+    explicit FileSink(int descriptor, int wake = -1) : m_descriptor(descriptor), m_wake(wake) {}
 
     // The errno of the write that failed, 0 when none has.
     [[nodiscard]] int error() const noexcept { return m_error; }
@@ -76,7 +78,10 @@ class FileSink final : public TextSink {
     bool deliver(std::string_view block) override;
 
   private:
+    [[nodiscard]] bool isWoken() const;
+
     int m_descriptor;
+    int m_wake;
     int m_error = 0;
 };
 

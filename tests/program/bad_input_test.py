@@ -92,6 +92,12 @@ class Databases(Case):
         self.assertIn(done.returncode, (1, 3))
         self.assertIn('malformed', done.stderr)
 
+    def test_database_cut_inside_its_last_page(self):
+        whole = self.database().read_bytes()
+        for missing in (1, 5, 18, 1000):
+            done = self.render_with(self.write('cut.db', whole[:-missing]))
+            self.assert_clean_failure(done, 3, 'cut.db: ', 'cut short')
+
     def test_locked_database(self):
         path = self.database()
         with sqlite3.connect(path, isolation_level=None) as writer:

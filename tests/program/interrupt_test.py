@@ -54,6 +54,19 @@ class Interrupt(Case):
         self.assertEqual((process.returncode, out), (130, ''), err)
         self.assertLess(seconds, 2 * program.SLOW)
 
+    def test_while_nobody_reads_the_output(self):
+        nodes = ''.join(f'<node id="n{i}{"y" * 90}"/>' for i in range(2000))
+        document = self.write('v.xml', program.document(f'<graph>{nodes}</graph>'))
+        for command in ('render', 'session'):
+            process = self.start(command, document, '--db', self.database())
+            if command == 'session':
+                process.stdin.write('{"request":"create"}\n')
+                process.stdin.flush()
+            time.sleep(1 * program.SLOW)
+            self.assertIsNone(process.poll())
+            process.send_signal(signal.SIGINT)
+            self.assertEqual(process.wait(10 * program.SLOW), 130)
+
     def test_check(self):
         process = self.start('check', '/dev/stdin')
         time.sleep(0.5 * program.SLOW)
