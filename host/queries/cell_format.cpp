@@ -74,8 +74,10 @@ std::string binaryText(const Number& number, int digits, std::string_view unit) 
     if (!isWithinReach(rounded)) return withSuffix(scientificText(rounded), unit);
     double scaled = std::visit([](auto value) { return static_cast<double>(value); }, number);
     std::size_t index = 0;
-    for (; index < lastPrefix && reachesNextBinaryPrefix(rounded); ++index) {
+    for (; index < lastPrefix && (std::abs(scaled) >= 1024 || reachesNextBinaryPrefix(rounded)); ++index) {
         scaled /= 1024;
+        if (std::abs(scaled) < 1)
+            scaled = std::copysign(1.0, scaled);  // it was rounded up to the next prefix
         rounded = roundToSignificant(scaled, digits);
     }
     return withPrefixedUnit(positionalText(rounded, 0), binaryPrefixes[index], unit);

@@ -151,6 +151,9 @@ TEST(CellFormat, BinaryCountsInPowersOf1024) {
     EXPECT_EQ(format(integer(-1536), "binary:3", "B"), "-1.50 KiB");
     EXPECT_EQ(format(integer(1023), "binary:4"), "1023");
     EXPECT_EQ(format(integer(1024), "binary:4"), "1.000 Ki");
+    EXPECT_EQ(format(integer(1024), "binary:3", "B"), "1.00 KiB");
+    EXPECT_EQ(format(integer(1048576), "binary:3", "B"), "1.00 MiB");
+    EXPECT_EQ(format(1023.5, "binary:4"), "1.000 Ki");
     EXPECT_EQ(format(integer(1023 * 1024), "binary:4"), "1023 Ki");
     EXPECT_EQ(format(integer(1024 * 1024 - 1), "binary:4"),
               "1.000 Mi");  // 1023.999 would be written as 1024 Ki
