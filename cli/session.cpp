@@ -62,16 +62,11 @@ class Session {
         variant_bag_t& out = answer.add_variant_bag("out");
         const error_code_t code = m_pane.request(request.name, *request.in, out, &progress);
         answer.put("code", code.name());
-        if (!code.succeeded()) answer.put("message", messageOf(code));
+        if (!code.succeeded()) answer.put("message", code.message());
         return write(answer);
     }
 
   private:
-    static std::string messageOf(error_code_t code) {
-        if (code.is(bk2::error::FailedTo)) return "unknown request \"" + code.message() + "\"";
-        return code.message();
-    }
-
     static bool write(const variant_bag_t& answer) {
         FileSink sink(STDOUT_FILENO, interruptDescriptor());
         tessera_host::writeJson(answer, sink, tessera_host::JsonForm::compact);

@@ -1,8 +1,10 @@
 #include "host/catalogs/gettext_catalogs.h"
 
 #include <boost/locale/gnu_gettext.hpp>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <locale>
 
 namespace tessera_host {
@@ -45,13 +47,34 @@ std::shared_ptr<const RTBASE_2_18::i18n::catalog_t> load(const std::string& dire
     return std::make_shared<GettextCatalog>(gettext::create_messages_facet<char>(info));
 }
 
-// The library takes a file without this head for an empty catalogue.
+// The four bytes at `offset`, in the order that the file is written in. REQUIRES: they are inside of `file`.
+std::uint64_t wordAt(const std::string& file, std::uint64_t offset, bool isBigEndian) {
+    std::uint64_t word = 0;
+    for (std::uint64_t i = 0; i < 4; ++i)
+        word = word << 8U | static_cast<unsigned char>(file[offset + (isBigEndian ? i : 3 - i)]);
+    return word;
+}
+
+// The library follows a file's offsets wherever they lead: all its tables and texts must lie inside of the
+// file.
 bool isCatalog(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    char magic[4] = {};
-    if (!file.read(magic, sizeof magic)) return false;
-    const std::string head(magic, sizeof magic);
-    return head == "\xDE\x12\x04\x95" || head == "\x95\x04\x12\xDE";
+    constexpr std::uint64_t headSize = 28;
+    std::ifstream stream(path, std::ios::binary);
+    const std::string file(std::istreambuf_iterator<char>(stream), {});
+    if (file.size() < headSize) return false;
+    const bool isBigEndian = file.starts_with("\x95\x04\x12\xDE");
+    if (!isBigEndian && !file.starts_with("\xDE\x12\x04\x95")) return false;
+    const auto word = [&](std::uint64_t offset) { return wordAt(file, offset, isBigEndian); };
+    const std::uint64_t count = word(8);
+    if (word(24) + word(20) * 4 > file.size()) return false;  // the hash table
+    for (const std::uint64_t table : {word(12), word(16)}) {
+        if (table + count * 8 > file.size()) return false;
+        for (std::uint64_t entry = table; entry < table + count * 8; entry += 8) {
+            const std::uint64_t end = word(entry) + word(entry + 4);
+            if (end >= file.size() || file[end] != '\0') return false;
+        }
+    }
+    return true;
 }
 
 }  // namespace

@@ -1,12 +1,12 @@
 #include "host/text/text_sink.h"
 
-#include <limits.h>
 #include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <climits>
 
 namespace tessera_host {
 

@@ -206,7 +206,7 @@ class Requests(Case):
         answers = self.ask(*({'request': name} for name in ('Create', 'create ', 'config', 'close', '')))
         for answer in answers:
             self.assertEqual((answer['code'], answer['out']), ('FailedTo', {}))
-            self.assertIn(f'"{answer["request"]}"', answer['message'])
+            self.assertEqual(answer['message'], answer['request'])
 
     def test_last_line_without_end(self):
         process = subprocess.run([program.PROGRAM, 'session', str(self.write('v.xml', GOOD)), '--db', str(self.database())],

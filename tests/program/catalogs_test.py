@@ -43,7 +43,10 @@ class Catalogs(Case):
     def test_what_is_no_catalogue_is_told_and_passed_over(self):
         self.catalog('de', 'viewpoint', {'title': 'Übersicht'})
         path = self.folder / 'de/LC_MESSAGES/slicer2.mo'
-        for content in (b'', b'no catalogue', b'\xde\x12\x04\x95' + b'\xff' * 40):
+        whole = (self.folder / 'de/LC_MESSAGES/viewpoint.mo').read_bytes()
+        table = int.from_bytes(whole[16:20], 'little')
+        outside = whole[:table + 4] + b'\xf0\xff\xff\xff' + whole[table + 8:]
+        for content in (b'', b'no catalogue', outside, whole[:-1], whole[:28], b'\xde\x12\x04\x95' + b'\xff' * 40):
             path.write_bytes(content)
             done = self.run_program('render', self.write('v.xml', DOCUMENT), '--db', self.database(f'CREATE TABLE t(a);', 'e.db'),
                                     '--catalogs', self.folder, '--locale', 'de', '--format', 'xml')
