@@ -4,6 +4,7 @@
 #include <log4cplus/loggingmacros.h>
 
 #include <chrono>
+#include <filesystem>
 #include <utility>
 #include <vector>
 
@@ -93,6 +94,11 @@ Pane::Pane(std::shared_ptr<Database> database, std::shared_ptr<panelcore_1::IReq
 std::unique_ptr<Pane> Pane::open(const PaneSettings& settings, relay2::IMessenger& messenger,
                                  relay2::IProgress* progress, OpenError& error) {
     const auto begin = std::chrono::steady_clock::now();
+    std::error_code unknown;
+    if (!settings.catalogs.empty() && !std::filesystem::is_directory(settings.catalogs, unknown)) {
+        error = {settings.catalogs + ": there is no such folder", true, false};
+        return nullptr;
+    }
     variant_bag_t viewpoint;
     if (const auto problem = readXmlFile(settings.document, viewpoint, progress)) {
         error = {describe(*problem, settings.document), problem->unopened, problem->cancelled};

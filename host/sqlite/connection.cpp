@@ -58,27 +58,34 @@ std::unique_ptr<Connection> Connection::open(const std::string& path, const Time
     failure = Failure{databaseFileProblem(path)};
     if (!failure.text.empty()) return nullptr;
     std::unique_ptr<Connection> connection(new Connection(timeouts));
-    int code = connection->openFile(path);
-    if (code == SQLITE_OK) code = connection->loadBuiltIns();
-    if (code != SQLITE_OK) {
-        failure = connection->failureOf(code);
-        return nullptr;
+    auto problem = connection->start(path, Access::locked, progress);
+    if (problem && connection->isLost() && isSettledInClosedFolder(path)) {
+        connection.reset(new Connection(timeouts));
+        problem = connection->start(path, Access::unlocked, progress);
     }
-    if (auto problem = connection->beginSnapshot(progress)) {
-        failure = std::move(*problem);
-        return nullptr;
-    }
+    if (!problem) return connection;
+    failure = std::move(*problem);
+    return nullptr;
+}
+
+std::optional<Failure> Connection::start(const std::string& path, Access access,
+                                         const relay2::IProgress* progress) {
+    int code = openFile(path, access);
+    if (code == SQLITE_OK) code = loadBuiltIns();
+    if (code != SQLITE_OK) return failureOf(code);
+    if (auto problem = beginSnapshot(progress)) return problem;
     // SQLite notices missing pages, but not that the last one is only half there.
     std::int64_t pageSize = 0;
-    (void)connection->forEachRow("PRAGMA page_size",
-                                 [&](sqlite3_stmt* row) { pageSize = sqlite3_column_int64(row, 0); });
+    (void)forEachRow("PRAGMA page_size", [&](sqlite3_stmt* row) { pageSize = sqlite3_column_int64(row, 0); });
     const auto state = fileStateOf(path);
-    connection->endSnapshot();
-    if (pageSize > 0 && state && state->size % pageSize != 0) {
-        failure = Failure{"the database is damaged or cut short"};
-        return nullptr;
-    }
-    return connection;
+    endSnapshot();
+    if (pageSize > 0 && state && state->size % pageSize != 0)
+        return Failure{"the database is damaged or cut short"};
+    return std::nullopt;
+}
+
+bool Connection::isUnchanged() const {
+    return m_unlockedPath.empty() || fileStateOf(m_unlockedPath) == m_unlockedState;
 }
 
 Connection::~Connection() {
@@ -90,9 +97,16 @@ Connection::~Connection() {
     sqlite3_close_v2(m_database);
 }
 
-int Connection::openFile(const std::string& path) {
+int Connection::openFile(const std::string& path, Access access) {
     constexpr int flags = SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
-    const int code = sqlite3_open_v2(literalPath(path).c_str(), &m_database, flags, nullptr);
+    int code = SQLITE_OK;
+    if (access == Access::locked) {
+        code = sqlite3_open_v2(literalPath(path).c_str(), &m_database, flags, nullptr);
+    } else {
+        m_unlockedPath = path;
+        m_unlockedState = fileStateOf(path);
+        code = sqlite3_open_v2(immutableUri(path).c_str(), &m_database, flags | SQLITE_OPEN_URI, nullptr);
+    }
     if (code != SQLITE_OK) return code;
     for (const Setting& limit : limits)
         sqlite3_limit(m_database, limit.id, limit.value);

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "host/sqlite/authorizer.h"
+#include "host/sqlite/database_file.h"
 #include "host/sqlite/failure.h"
 #include "host/sqlite/statement.h"
 #include "host/sqlite/step_watch.h"
@@ -49,6 +50,9 @@ class Connection {
     // the run will see.
     [[nodiscard]] Statement prepare(const std::string& sql, bool mayRecurse, std::string& problem);
 
+    // False when a file that is read without locks was changed meanwhile: what was read may be no one state.
+    [[nodiscard]] bool isUnchanged() const;
+
     // An error has happened after which the connection is of no more use.
     [[nodiscard]] bool isLost() const noexcept { return m_isLost; }
     [[nodiscard]] const Timeouts& timeouts() const noexcept { return m_timeouts; }
@@ -58,7 +62,13 @@ class Connection {
 
     explicit Connection(const Timeouts& timeouts) : m_timeouts(timeouts), m_watch(timeouts.busy) {}
 
-    [[nodiscard]] int openFile(const std::string& path);
+    enum class Access {
+        locked,
+        unlocked,  // for a file that SQLite cannot lock; nobody should write to it meanwhile
+    };
+    [[nodiscard]] std::optional<Failure> start(const std::string& path, Access access,
+                                               const relay2::IProgress* progress);
+    [[nodiscard]] int openFile(const std::string& path, Access access);
     [[nodiscard]] int loadBuiltIns();
     void connectVirtualTable(const std::string& name);
     [[nodiscard]] int beginReading();
@@ -74,6 +84,9 @@ class Connection {
     Authorizer m_authorizer;
     std::int64_t m_schemaVersion = -1;
     bool m_isLost = false;
+    // Of a file that is read without locks: where it is and what it looked like.
+    std::string m_unlockedPath;
+    std::optional<FileState> m_unlockedState;
 };
 
 }  // namespace tessera_host

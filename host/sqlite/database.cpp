@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "host/queries/text.h"
+
 namespace tessera_host {
 
 std::shared_ptr<Database> Database::open(const std::string& path, const Settings& settings,
@@ -28,7 +30,8 @@ std::optional<Failure> Database::reopen(const relay2::IProgress* progress) {
 // which SQLite cannot tell them apart.
 std::optional<Failure> Database::begin(const relay2::IProgress* progress) {
     if (!m_connection || m_connection->isLost() || fileStateOf(m_path) != m_fileState)
-        if (auto failure = reopen(progress)) return failure;
+        if (auto failure = reopen(progress))
+            return Failure{quoted(m_path) + ": " + failure->text, failure->isCancelled};
     const std::int64_t schemaVersion = m_connection->schemaVersion();
     auto failure = m_connection->beginSnapshot(progress);
     if (m_connection->schemaVersion() != schemaVersion) ++m_epoch;

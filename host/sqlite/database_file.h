@@ -26,7 +26,13 @@ struct FileState {
 // Why the file cannot be a database that may be read, as a clause; "" when it can.
 [[nodiscard]] std::string databaseFileProblem(const std::string& path);
 
+// Whether nothing can be made beside the file and no unfinished changes stand there. SQLite then cannot make
+// what it wants beside a file in WAL mode, and needs none of it.
+[[nodiscard]] bool isSettledInClosedFolder(const std::string& path);
+
 // A form of `path` that SQLite takes as the name of that file, whatever it looks like. REQUIRES: not empty.
 [[nodiscard]] std::string literalPath(const std::string& path);
+// The same as a URI, for SQLITE_OPEN_URI: a file that is read without looking for locks and changes.
+[[nodiscard]] std::string immutableUri(const std::string& path);
 
 }  // namespace tessera_host

@@ -1,5 +1,7 @@
 #include "host/sqlite/error_text.h"
 
+#include <fmt/format.h>
+
 #include "host/queries/text.h"
 
 namespace tessera_host {
@@ -31,7 +33,9 @@ std::string errorText(sqlite3* database, int code) {
         case SQLITE_FULL:
             return "there is no space left for temporary data";
         case SQLITE_TOOBIG:
-            return message == "statement too long" ? "it is too long" : "a value is too large";
+            if (message == "statement too long") return "it is too long";
+            return fmt::format("a value has more than {} bytes, the most that a query can work on",
+                               sqlite3_limit(database, SQLITE_LIMIT_LENGTH, -1));
         case SQLITE_NOMEM:
             return "there is not enough memory";
         default:

@@ -48,6 +48,13 @@ ReadError unreadable(int error) {
     return answer;
 }
 
+ReadError tooLong() {
+    ReadError answer;
+    answer.unopened = true;
+    answer.text = "the file has more than 1 GiB, the most that is read";
+    return answer;
+}
+
 // Waits until something can be read; false when the work has been cancelled.
 bool waitForInput(int descriptor, relay2::IProgress* progress) {
     if (!progress) return true;
@@ -72,9 +79,12 @@ std::optional<ReadError> readFileText(const std::string& path, std::string& text
     const Descriptor file(path);
     if (file.get() < 0) return unreadable(errno);
 
+    const std::size_t expected = expectedSize(file.get());
+    if (expected > maxFileText) return tooLong();
     std::size_t used = 0;
-    text.resize(std::max(expectedSize(file.get()) + 1, smallestPiece));  // one more, to meet the end
+    text.resize(std::max(expected + 1, smallestPiece));  // one more, to meet the end
     while (waitForInput(file.get(), progress)) {
+        if (used > maxFileText) return tooLong();
         if (used == text.size()) text.resize(2 * text.size());
         const ssize_t count = ::read(file.get(), text.data() + used, text.size() - used);
         if (count > 0) {

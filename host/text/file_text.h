@@ -1,6 +1,7 @@
 // The content of a file, in one piece.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 
@@ -9,9 +10,12 @@
 
 namespace tessera_host {
 
+// The most bytes that a file may have. Nobody writes such a document; a device may never end.
+inline constexpr std::size_t maxFileText = std::size_t{1} << 30U;
+
 // Reads `path` to its end into `text`; any file will do that can be read, also a pipe or /dev/stdin. Watches
 // `progress`, which may be null, while nothing arrives. Answers nothing, or why it could not be read
-// (`unopened`, or `cancelled`).
+// (`unopened`, also when it is longer than `maxFileText`, or `cancelled`).
 std::optional<ReadError> readFileText(const std::string& path, std::string& text,
                                       relay2::IProgress* progress);
 

@@ -35,9 +35,9 @@ TEST_F(SqliteDatabase, OpensADatabase) {
 }
 
 TEST_F(SqliteDatabase, SaysWhatIsNoFile) {
-    EXPECT_EQ(reasonFor(folder.file("none.db")), "there is no file " + named("none.db", ""));
-    EXPECT_EQ(reasonFor(folder.file("none/a.db")), "there is no file " + named("none/a.db", ""));
-    EXPECT_EQ(reasonFor(folder.file("")), named("", " is a directory"));
+    EXPECT_EQ(reasonFor(folder.file("none.db")), "there is no such file");
+    EXPECT_EQ(reasonFor(folder.file("none/a.db")), "there is no such file");
+    EXPECT_EQ(reasonFor(folder.file("")), "it is a directory");
     EXPECT_EQ(reasonFor(""), "\"\" is no name of a file");
     EXPECT_EQ(reasonFor(std::string("a\0b", 3)), "\"a b\" is no name of a file");
     EXPECT_FALSE(fs::exists(folder.file("none.db")));
@@ -45,7 +45,7 @@ TEST_F(SqliteDatabase, SaysWhatIsNoFile) {
 
 TEST_F(SqliteDatabase, DoesNotWaitForAPipe) {
     ASSERT_EQ(mkfifo(folder.file("pipe").c_str(), 0600), 0);
-    EXPECT_EQ(reasonFor(folder.file("pipe")), named("pipe", " is no regular file"));
+    EXPECT_EQ(reasonFor(folder.file("pipe")), "it is no regular file");
 }
 
 TEST_F(SqliteDatabase, SaysThatAFileMayNotBeRead) {
@@ -56,7 +56,74 @@ TEST_F(SqliteDatabase, SaysThatAFileMayNotBeRead) {
     ASSERT_EQ(seteuid(user == 0 ? 65534 : user), 0);  // the superuser may read every file
     const std::string reason = reasonFor(folder.file("a.db"));
     ASSERT_EQ(seteuid(user), 0);
-    EXPECT_EQ(reason, named("a.db", " may not be read (Permission denied)"));
+    EXPECT_EQ(reason, "it may not be read (Permission denied)");
+}
+
+// SQLite wants to make files beside one in WAL mode, even to read it.
+class SqliteWalInAClosedFolder : public SqliteDatabase {
+  protected:
+    SqliteWalInAClosedFolder() {
+        fs::create_directory(folder.file("closed"));
+        makeDatabase(path, "PRAGMA journal_mode = WAL; CREATE TABLE t(a); INSERT INTO t VALUES (1), (2)");
+        fs::permissions(folder.file(""), fs::perms::group_exec | fs::perms::others_exec,
+                        fs::perm_options::add);
+        fs::permissions(path, fs::perms::group_read | fs::perms::others_read, fs::perm_options::add);
+    }
+    ~SqliteWalInAClosedFolder() override { open(); }
+
+    // Nobody may write, not even the superuser, who is another user until open().
+    void close() {
+        fs::permissions(folder.file("closed"), fs::perms(0555));
+        ASSERT_EQ(seteuid(user == 0 ? 65534 : user), 0);
+    }
+    void open() {
+        EXPECT_EQ(seteuid(user), 0);
+        fs::permissions(folder.file("closed"), fs::perms::owner_all, fs::perm_options::add);
+    }
+
+    Database::Settings settings;
+    const std::string path = folder.file("closed/a.db");
+    const uid_t user = geteuid();
+};
+
+TEST_F(SqliteWalInAClosedFolder, IsReadAsItIs) {
+    for (const char* name : {"closed/a.db-wal", "closed/a.db-shm"})
+        ASSERT_FALSE(fs::exists(folder.file(name)));
+    close();
+    Pane pane(path, settings);
+    pane.query("Sum", "t", "SUM(a)");
+    EXPECT_EQ(pane.value("/Sum"), "3");
+}
+
+TEST_F(SqliteWalInAClosedFolder, ItsNameIsTakenLiterally) {
+    const std::string odd = folder.file("closed/a?mode=rw#%41.db");
+    fs::rename(path, odd);
+    close();
+    EXPECT_EQ(reasonFor(odd), "");
+}
+
+TEST_F(SqliteWalInAClosedFolder, AChangeWhileItIsReadIsTold) {
+    close();
+    Pane pane(path, settings);
+    pane.query("Sum", "t", "SUM(a)").query("Count", "t", "COUNT(*)");
+    {
+        const Snapshot snapshot(pane.database(), nullptr);
+        EXPECT_EQ(pane.value("/Sum"), "3");
+        open();
+        Writer(path).run("INSERT INTO t VALUES (39)");  // its end brings the change into the file
+        EXPECT_EQ(pane.failure("/Count"), "query \"Count\": the database was changed while it was read");
+    }
+    EXPECT_EQ(pane.value("/Sum"), "42");
+}
+
+TEST_F(SqliteWalInAClosedFolder, PendingChangesAreNotPassedOver) {
+    fs::copy_file(path, folder.file("other.db"));
+    const Writer writer(folder.file("other.db"));
+    writer.run("INSERT INTO t VALUES (39)");
+    for (const char* ending : {"", "-wal"})
+        fs::copy_file(folder.file("other.db") + ending, path + ending, fs::copy_options::overwrite_existing);
+    close();
+    EXPECT_NE(reasonFor(path), "");
 }
 
 TEST_F(SqliteDatabase, SaysWhatIsNoDatabase) {
@@ -65,7 +132,7 @@ TEST_F(SqliteDatabase, SaysWhatIsNoDatabase) {
     std::ofstream(folder.file("short")) << "SQLite format 3";
     EXPECT_EQ(reasonFor(folder.file("short")), "the file is no SQLite database");
     std::ofstream(folder.file("empty")).flush();
-    EXPECT_EQ(reasonFor(folder.file("empty")), named("empty", " is empty"));
+    EXPECT_EQ(reasonFor(folder.file("empty")), "it is empty");
 }
 
 TEST_F(SqliteDatabase, NoticesThatAFileIsCutShort) {
@@ -125,7 +192,7 @@ TEST_F(SqliteDatabase, TakesPathsLiterally) {
     const fs::path before = fs::current_path();
     fs::current_path(folder.file(""));
     for (const char* name : {"file:a.db?mode=rwc", ":memory:", "-x y%41#.db", "file::memory:"}) {
-        EXPECT_EQ(reasonFor(name), std::string("there is no file \"") + name + "\"");
+        EXPECT_EQ(reasonFor(name), "there is no such file");
         makeDatabase(std::string("./") + name, "CREATE TABLE t(a)");
         EXPECT_EQ(reasonFor(name), "") << name;
         Pane pane(name);

@@ -102,7 +102,7 @@ TEST_F(SqliteDiagnose, ALostDatabaseIsOneProblem) {
     pane.query("T", "t", "COUNT(*)");
     pane.database();
     std::filesystem::remove(path);
-    EXPECT_EQ(problems(), (Texts{"0: there is no file \"" + path + "\""}));
+    EXPECT_EQ(problems(), (Texts{"0: \"" + path + "\": there is no such file"}));
 }
 
 }  // namespace

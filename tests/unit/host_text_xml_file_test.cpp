@@ -92,6 +92,18 @@ TEST_F(XmlFile, TellsThatPermissionIsMissing) {
     EXPECT_EQ(error->text, "there is no permission to read the file");
 }
 
+TEST_F(XmlFile, OneWithoutEndIsRefused) {
+    variant_bag_t bag;
+    const auto error = readXmlFile("/dev/zero", bag);
+    ASSERT_TRUE(error);
+    EXPECT_TRUE(error->unopened);
+    EXPECT_EQ(error->text, "the file has more than 1 GiB, the most that is read");
+
+    const std::string large = fileWith("<r/>");
+    std::filesystem::resize_file(large, (std::uintmax_t{1} << 30U) + 1);
+    EXPECT_EQ(readXmlFile(large, bag)->text, error->text);
+}
+
 TEST_F(XmlFile, ErrorsOfTheContentHaveAPosition) {
     variant_bag_t bag;
     const auto empty = readXmlFile(fileWith(""), bag);
