@@ -34,6 +34,9 @@ void installInterruptHandler() {
     sigemptyset(&action.sa_mask);
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
+    struct sigaction hangUp {};
+    sigaction(SIGHUP, nullptr, &hangUp);
+    if (hangUp.sa_handler != SIG_IGN) sigaction(SIGHUP, &action, nullptr);  // "nohup" is to hold
     std::signal(SIGPIPE, SIG_IGN);
 }
 

@@ -5,8 +5,8 @@
 
 namespace tessera_cli {
 
-// From now on SIGINT and SIGTERM ask the running work to stop; a second one ends the program at once. SIGPIPE
-// is ignored, so that closed output is an error of its write.
+// From now on SIGINT, SIGTERM and SIGHUP ask the running work to stop; a second one ends the program at once.
+// SIGPIPE is ignored, so that closed output is an error of its write.
 void installInterruptHandler();
 
 [[nodiscard]] bool isInterrupted() noexcept;

@@ -2,12 +2,15 @@
 
 #include <log4cplus/configurator.h>
 #include <log4cplus/consoleappender.h>
+#include <log4cplus/helpers/property.h>
 #include <log4cplus/layout.h>
 #include <log4cplus/logger.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <fstream>
+#include <iostream>
+#include <sstream>
 #include <system_error>
 
 namespace tessera_cli {
@@ -22,17 +25,54 @@ void logToStandardError() {
     root.setLogLevel(log4cplus::INFO_LOG_LEVEL);
 }
 
+// Holds back what is written to std::cerr meanwhile, which is how log4cplus tells of mistakes in its
+// settings.
+class HeldMessages {
+  public:
+    HeldMessages() : m_before(std::cerr.rdbuf(m_text.rdbuf())) {}
+    ~HeldMessages() { std::cerr.rdbuf(m_before); }
+    HeldMessages(const HeldMessages&) = delete;
+    HeldMessages& operator=(const HeldMessages&) = delete;
+
+    [[nodiscard]] std::string text() const { return m_text.str(); }
+
+  private:
+    std::ostringstream m_text;
+    std::streambuf* m_before;
+};
+
+// Standard output is for data: an appender for the console writes to standard error, whatever was set.
+void keepOffStandardOutput(log4cplus::helpers::Properties& settings) {
+    const auto appenders = settings.getPropertySubset(LOG4CPLUS_TEXT("log4cplus.appender."));
+    for (const auto& name : appenders.propertyNames())
+        if (appenders.getProperty(name) == LOG4CPLUS_TEXT("log4cplus::ConsoleAppender"))
+            settings.setProperty("log4cplus.appender." + name + ".logToStdErr", "true");
+}
+
+// Answers what is wrong with the file, a line each, or "".
+std::string configureFrom(const std::string& file) {
+    errno = 0;
+    if (std::ifstream stream(file); !stream || stream.peek() == std::ifstream::traits_type::eof())
+        return file + ": cannot read the log configuration: " +
+               (errno ? std::generic_category().message(errno) : "it is empty");
+    const HeldMessages messages;
+    log4cplus::helpers::Properties settings(file);
+    keepOffStandardOutput(settings);
+    log4cplus::PropertyConfigurator(settings).configure();
+    std::istringstream lines(messages.text());
+    std::string problems;
+    for (std::string line; std::getline(lines, line);)
+        problems += (problems.empty() ? "" : "\n") + file + ": " + line;
+    return problems;
+}
+
 }  // namespace
 
 std::string configureLog(const std::string& configFile, const std::string& level) {
-    if (configFile.empty()) {
+    if (configFile.empty())
         logToStandardError();
-    } else {
-        if (std::ifstream file(configFile); !file || file.peek() == std::ifstream::traits_type::eof())
-            return configFile + ": cannot read the log configuration: " +
-                   (errno ? std::generic_category().message(errno) : "it is empty");
-        log4cplus::PropertyConfigurator::doConfigure(configFile);
-    }
+    else if (std::string problems = configureFrom(configFile); !problems.empty())
+        return problems;
     if (!level.empty()) {
         std::string name = level;
         std::transform(name.begin(), name.end(), name.begin(),

@@ -1,11 +1,31 @@
+#include <new>
+#include <stdexcept>
+
 #include "cli/commands.h"
 #include "cli/interrupt.h"
 #include "cli/log.h"
 #include "cli/message.h"
 #include "cli/standard_descriptors.h"
 
-int main(int argc, char** argv) {
-    using namespace tessera_cli;
+namespace {
+
+using namespace tessera_cli;
+
+int run(const Options& options) {
+    switch (options.command) {
+        case Command::render:
+            return render(options);
+        case Command::session:
+            return session(options);
+        case Command::check:
+            return check(options);
+    }
+    return exitUsage;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) try {
     fillStandardDescriptors();
     installInterruptHandler();
     int exitStatus = exitDone;
@@ -15,21 +35,15 @@ int main(int argc, char** argv) {
         printMessage(problem);
         return exitUnopened;
     }
-    switch (options->command) {
-        case Command::render:
-            exitStatus = render(*options);
-            break;
-        case Command::session:
-            exitStatus = session(*options);
-            break;
-        case Command::check:
-            exitStatus = check(*options);
-            break;
-    }
+    exitStatus = run(*options);
     closeLog();
-    if (isInterrupted()) {
-        printMessage("interrupted");
-        return exitInterrupted;
-    }
-    return exitStatus;
+    if (!isInterrupted()) return exitStatus;
+    printMessage("interrupted");
+    return exitInterrupted;
+} catch (const std::bad_alloc&) {
+    printMessage("there is not enough memory");
+    return exitFailed;
+} catch (const std::length_error&) {
+    printMessage("something is longer than memory can hold");
+    return exitFailed;
 }

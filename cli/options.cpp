@@ -30,9 +30,11 @@ void addCommon(CLI::App& command, RawOptions& raw) {
     CLI::Option* locale =
         command.add_option("--locale", options.locale, "Language of the message catalogues, for example de")
             ->type_name("NAME");
-    command.add_option("--catalogs", options.catalogs, "Folder of the message catalogues")
-        ->type_name("DIR")
-        ->needs(locale);
+    CLI::Option* catalogs =
+        command.add_option("--catalogs", options.catalogs, "Folder of the message catalogues")
+            ->type_name("DIR");
+    locale->needs(catalogs);
+    catalogs->needs(locale);
     command.add_option("--log-config", options.logConfig, "log4cplus properties file")->type_name("FILE");
     command
         .add_option("--log-level", options.logLevel,
@@ -41,7 +43,11 @@ void addCommon(CLI::App& command, RawOptions& raw) {
         ->check(CLI::IsMember({"off", "fatal", "error", "warn", "info", "debug", "trace"}, CLI::ignore_case));
     command.add_option("--query-timeout", options.queryTimeout, "Stops a query that runs longer (600)")
         ->type_name("SECONDS")
-        ->check(CLI::Range(0.001, 1e9));
+        ->check([](const std::string& text) {
+            double seconds = 0;
+            const bool isNumber = CLI::detail::lexical_cast(text, seconds);
+            return isNumber && seconds >= 0.001 && seconds <= 1e9 ? "" : text + " is not from 0.001 to 1e9";
+        });
 }
 
 CLI::Option* addDatabase(CLI::App& command, RawOptions& raw) {
@@ -77,8 +83,11 @@ int usageError(const std::string& text) {
     return exitUsage;
 }
 
-// Help and version go to standard output; what is wrong with the usage is a message.
-int finishParsing(const CLI::App& app, const CLI::ParseError& error) {
+// Help and version go to standard output; what is wrong with the usage is a message. `command` is the word
+// that should have been a subcommand, "" when there was none.
+int finishParsing(const CLI::App& app, const CLI::ParseError& error, const std::string& command) {
+    if (error.get_exit_code() != 0 && app.get_subcommands().empty() && !command.empty())
+        return usageError("there is no command " + command + "; there are render, session and check");
     if (error.get_exit_code() != 0) return usageError(error.what());
     std::ostringstream text;
     (void)app.exit(error, text, text);
@@ -103,7 +112,8 @@ std::optional<Options> parseCommandLine(int argc, const char* const* argv, int& 
                      "json or xml; without it the file's ending decides, else json")
         ->check(CLI::IsMember({"json", "xml"}));
     CLI::Option* mode =
-        render->add_option("--mode", raw.mode, "Display mode: bandwidth (the default), ratio or size");
+        render->add_option("--mode", raw.mode, "Display mode: bandwidth (the default), ratio or size")
+            ->check(CLI::IsMember({"bandwidth", "ratio", "size"}));
 
     CLI::App* session =
         app.add_subcommand("session", "Answers requests, one JSON line each, until end of input");
@@ -117,7 +127,7 @@ std::optional<Options> parseCommandLine(int argc, const char* const* argv, int& 
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        exitStatus = finishParsing(app, error);
+        exitStatus = finishParsing(app, error, argc > 1 ? argv[1] : "");
         return std::nullopt;
     }
 

@@ -2,16 +2,50 @@
 
 #include "cli/interrupt.h"
 
+#include <fmt/format.h>
+
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <random>
 #include <system_error>
 
 namespace tessera_cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int maxLinks = 40;  // as many as the kernel follows
+constexpr int readerWaitMilliseconds = 50;
+
+// Follows the links that `path` ends in, also to a file that does not exist yet: a link stays a link, and
+// what it points to is written. Answers 0, or the errno.
+int followLinks(std::string& path) {
+    for (int links = 0; links < maxLinks; ++links) {
+        std::error_code noLink;
+        const fs::path target = fs::read_symlink(path, noLink);
+        if (noLink) return 0;
+        path = (fs::path(path).parent_path() / target).string();
+    }
+    return ELOOP;
+}
+
+std::string folderOf(const std::string& path) {
+    const fs::path folder = fs::path(path).parent_path();
+    return folder.empty() ? "." : folder.string();
+}
+
+// Where the system keeps the name of an open file that has no other.
+std::string descriptorPath(int descriptor) {
+    return fmt::format("/proc/self/fd/{}", descriptor);
+}
+
+}  // namespace
 
 OutputFile::~OutputFile() {
     if (m_descriptor > STDERR_FILENO) close(m_descriptor);
@@ -31,40 +65,69 @@ bool OutputFile::open(const std::string& path) {
         return true;
     }
     m_path = path;
-    // A link stays a link: what it points to is replaced.
-    std::error_code unresolved;
-    const auto target = std::filesystem::canonical(path, unresolved);
-    if (!unresolved) m_path = target.string();
+    if (const int number = followLinks(m_path); number != 0) return fail(number);
 
     struct stat status {};
     const bool exists = stat(m_path.c_str(), &status) == 0;
     if (exists && S_ISDIR(status.st_mode)) return fail(EISDIR);
-    if (exists && !S_ISREG(status.st_mode)) {
-        m_descriptor = ::open(m_path.c_str(), O_WRONLY | O_CLOEXEC);
-        if (m_descriptor < 0) return fail(errno);
-    } else {
-        if (exists && access(m_path.c_str(), W_OK) != 0) return fail(errno);
-        if (!openBeside()) return false;
-        const mode_t mask = umask(0);
-        umask(mask);
-        fchmod(m_descriptor, exists ? status.st_mode & 07777U : 0666U & ~mask);
-    }
+    if (exists && !S_ISREG(status.st_mode)) return openDirectly();
+    if (exists && access(m_path.c_str(), W_OK) != 0) return fail(errno);
+    if (!openBeside()) return false;
+    const mode_t mask = umask(0);
+    umask(mask);
+    fchmod(m_descriptor, exists ? status.st_mode & 07777U : 0666U & ~mask);
     m_sink = std::make_unique<tessera_host::FileSink>(m_descriptor);
     return true;
 }
 
+// A named pipe can be opened once somebody reads it; an interruption ends the waiting.
+bool OutputFile::openDirectly() {
+    pollfd interruption{interruptDescriptor(), POLLIN, 0};
+    while ((m_descriptor = ::open(m_path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC)) < 0) {
+        if (errno != ENXIO && errno != EINTR) return fail(errno);
+        (void)poll(&interruption, 1, readerWaitMilliseconds);
+        if (isInterrupted()) return fail(EINTR);
+    }
+    fcntl(m_descriptor, F_SETFL, O_WRONLY);
+    m_sink = std::make_unique<tessera_host::FileSink>(m_descriptor, interruptDescriptor());
+    return true;
+}
+
 bool OutputFile::openBeside() {
-    std::string name = m_path + ".XXXXXX";
+    m_descriptor = ::open(folderOf(m_path).c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    m_unnamed = m_descriptor >= 0;
+    if (m_unnamed && access(descriptorPath(m_descriptor).c_str(), F_OK) != 0) {
+        close(m_descriptor);  // it could never be named
+        m_unnamed = false;
+    }
+    if (m_unnamed) return true;
+    std::string name = folderOf(m_path) + "/.tessera-XXXXXX";
     m_descriptor = mkostemp(name.data(), O_CLOEXEC);
     if (m_descriptor < 0) return fail(errno);
     m_temporary = name;
     return true;
 }
 
+// Gives the file a name beside the final one, to be renamed: only so can it take a name that exists.
+bool OutputFile::nameUnnamed() {
+    std::random_device random;
+    const std::string source = descriptorPath(m_descriptor);
+    while (true) {
+        const std::string name = fmt::format("{}/.tessera-{:08x}", folderOf(m_path), random());
+        if (linkat(AT_FDCWD, source.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0) {
+            m_temporary = name;
+            return true;
+        }
+        if (errno != EEXIST) return false;
+    }
+}
+
 bool OutputFile::commit() {
     if (!m_sink->flush()) return fail(m_sink->error());
-    if (m_temporary.empty()) return true;
-    if (fsync(m_descriptor) != 0 || rename(m_temporary.c_str(), m_path.c_str()) != 0) return fail(errno);
+    if (m_temporary.empty() && !m_unnamed) return true;
+    if (fsync(m_descriptor) != 0) return fail(errno);
+    if (m_unnamed && !nameUnnamed()) return fail(errno);
+    if (rename(m_temporary.c_str(), m_path.c_str()) != 0) return fail(errno);
     m_temporary.clear();
     return true;
 }

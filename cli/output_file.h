@@ -8,8 +8,9 @@
 
 namespace tessera_cli {
 
-// Writes to standard output (path "" or "-"), or beside the named file, which commit() replaces. Without
-// commit() nothing is left behind. What is no regular file (a pipe, a device) is written directly.
+// Writes to standard output (path "" or "-"), or to a file that takes the named file's place with commit().
+// Where the file system allows it, that file has no name until then, so that nothing is left behind however
+// the program ends. What is no regular file (a pipe, a device) is written directly.
 class OutputFile {
   public:
     OutputFile() = default;
@@ -28,11 +29,14 @@ class OutputFile {
     [[nodiscard]] const std::string& error() const noexcept { return m_error; }
 
   private:
+    bool openDirectly();
     bool openBeside();
+    bool nameUnnamed();
     bool fail(int number);
 
     std::string m_path;       // of the final file; "" for standard output
     std::string m_temporary;  // what is to be renamed or removed; "" when there is none
+    bool m_unnamed = false;   // the file has no name yet
     int m_descriptor = -1;
     std::unique_ptr<tessera_host::FileSink> m_sink;
     std::string m_error;

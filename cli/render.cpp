@@ -46,7 +46,7 @@ bool writeDiagram(const Options& options, const variant_bag_t& diagram, OutputFi
     }
     if (isInterrupted()) return false;
     if (file.commit()) return true;
-    printMessage(file.error());
+    if (!isInterrupted()) printMessage(file.error());
     return false;
 }
 
@@ -70,15 +70,15 @@ int render(const Options& options) {
     if (!pane) return exitStatus;
     OutputFile file;  // opened before the work: a place that cannot be written is known at once
     if (!file.open(options.output)) {
-        printMessage(file.error());
+        if (!isInterrupted()) printMessage(file.error());
         return exitUnopened;
     }
     variant_bag_t diagram;
     if (!makeDiagram(options, *pane, diagram)) return exitFailed;
     if (!writeDiagram(options, diagram, file)) return exitUnopened;
     if (messenger.errorCount() == 0) return exitDone;
-    printMessage(fmt::format("{}: the diagram was written, but values are missing because of the {} above",
-                             options.document, messenger.errorCount() == 1 ? "error" : "errors"));
+    printMessage(fmt::format("{}: the diagram was written in spite of the {} above", options.document,
+                             messenger.errorCount() == 1 ? "error" : "errors"));
     return exitFailed;
 }
 

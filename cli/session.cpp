@@ -33,8 +33,8 @@ std::string readRequest(const LineReader& reader, variant_bag_t& bag, Request& r
         return fmt::format("column {}: {}", error->position.column, error->text);
     const basekit2::variant_t* name = bag.get("request");
     if (name == nullptr || !name->can_get<std::string_view>()) return "has no text \"request\"";
-    if (bag.get("in") != nullptr) return "\"in\" is no object";
     request.name = name->get<std::string_view>();
+    if (bag.get("in") != nullptr) return "\"in\" is no object";
     request.in = bag.get_variant_bag("in");
     if (request.in == nullptr) request.in = &noInput;
     return {};

@@ -181,7 +181,8 @@ class Requests(Case):
         answers = self.ask(*lines, {'request': 'create'})
         self.assertEqual(len(answers), len(lines) + 1)
         for number, answer in enumerate(answers[:-1], start=1):
-            self.assertEqual((answer['request'], answer['code'], answer['out']), ('', 'IsNot.Valid.Data', {}))
+            self.assertEqual((answer['code'], answer['out']), ('IsNot.Valid.Data', {}))
+            self.assertEqual(answer['request'], 'create' if number == 7 else '')  # its name was read, its "in" is none
             self.assertIn(f'line {number} ', answer['message'])
         self.assertEqual(answers[-1]['code'], 'success')
 
@@ -273,6 +274,28 @@ class Outputs(Case):
         self.assertEqual(shown_value(json.loads(target.read_text())), '1')
 
 
+    def test_link_to_a_file_that_is_not_there_yet(self):
+        link = self.folder / 'out.json'
+        link.symlink_to('later.json')
+        done = self.run_program('render', self.write('v.xml', GOOD), '--db', self.database(), '-o', link)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertTrue(link.is_symlink())
+        self.assertEqual(shown_value(json.loads((self.folder / 'later.json').read_text())), '1')
+
+    def test_links_in_a_circle(self):
+        link = self.folder / 'out.json'
+        link.symlink_to('out.json')
+        done = self.run_program('render', self.write('v.xml', GOOD), '--db', self.database(), '-o', link)
+        self.assert_clean_failure(done, 3, 'out.json: cannot write: Too many levels of symbolic links')
+        self.assertTrue(link.is_symlink())
+
+    def test_name_as_long_as_a_name_may_be(self):
+        output = self.folder / ('x' * 250 + '.json')
+        done = self.run_program('render', self.write('v.xml', GOOD), '--db', self.database(), '-o', output)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertEqual(shown_value(json.loads(output.read_text())), '1')
+
+
 class Usage(Case):
     def test_wrong_usage(self):
         path, database = self.write('v.xml', GOOD), self.database()
@@ -282,8 +305,15 @@ class Usage(Case):
                           ['render', path, '--db', database, '--filter', 'selection'],
                           ['render', path, '--db', database, '--filter', 'other=1'],
                           ['render', path, '--db', database, '--catalogs', self.folder],
+                          ['render', path, '--db', database, '--locale', 'de'],
+                          ['render', path, '--db', database, '--mode', 'Ratio'],
+                          ['render', path, '--db', database, '--query-timeout', 'nan'],
+                          ['render', path, '--db', database, '--query-timeout', '0'],
                           ['check', path, '--log-level', 'loud'], ['render', path, '--db', database, '--bogus']):
             self.assert_clean_failure(self.run_program(*arguments), 2)
+
+    def test_unknown_command_is_named(self):
+        self.assert_clean_failure(self.run_program('frob', 'v.xml'), 2, 'there is no command frob')
 
     def test_help_and_version(self):
         for arguments in (['--help'], ['render', '--help'], ['--version']):
@@ -294,6 +324,27 @@ class Usage(Case):
     def test_log_configuration_that_is_not_there(self):
         done = self.run_program('render', self.write('v.xml', GOOD), '--db', self.database(), '--log-config', 'none.properties')
         self.assert_clean_failure(done, 3, 'none.properties')
+
+    def test_log_configuration_with_mistakes(self):
+        settings = self.write('log.properties', 'log4cplus.rootLogger=LOUD, A\nlog4cplus.appender.A=log4cplus::Nothing\n')
+        done = self.run_program('render', self.write('v.xml', GOOD), '--db', self.database(), '--log-config', settings)
+        self.assert_clean_failure(done, 3, f'{settings}: ', 'Nothing')
+        self.assertTrue(all(line.startswith('tessera: ') for line in done.stderr.splitlines()), done.stderr)
+
+    def test_log_stays_off_standard_output(self):
+        settings = self.write('log.properties', 'log4cplus.rootLogger=DEBUG, A\n'
+                              'log4cplus.appender.A=log4cplus::ConsoleAppender\n'
+                              'log4cplus.appender.A.layout=log4cplus::PatternLayout\n'
+                              'log4cplus.appender.A.layout.ConversionPattern=[%c] %m%n\n')
+        done = self.run_program('render', self.write('v.xml', GOOD), '--db', self.database(), '--log-config', settings)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertEqual(shown_value(json.loads(done.stdout)), '1')
+        self.assertIn('[tessera.host] ', done.stderr)
+
+    def test_folder_of_catalogues_that_is_not_there(self):
+        done = self.run_program('render', self.write('v.xml', GOOD), '--db', self.database(), '--locale', 'de',
+                                '--catalogs', self.folder / 'none')
+        self.assert_clean_failure(done, 3, 'none: there is no such folder')
 
 
 if __name__ == '__main__':

@@ -1,4 +1,5 @@
 """Ctrl-C ends whatever runs, cleanly."""
+import json
 import os
 import signal
 import subprocess
@@ -39,11 +40,40 @@ class Interrupt(Case):
         self.assertEqual(output.read_text(), 'earlier')
         self.assertEqual(sorted(os.listdir(self.folder)), ['out.json', 'result.db', 'v.xml'])
 
-    def test_render_by_termination(self):
-        process = self.start('render', self.write('v.xml', showing(ENDLESS)), '--db', self.database(MANY_ROWS))
+    def test_render_by_other_signals(self):
+        for number, status in ((signal.SIGTERM, 130), (signal.SIGHUP, 130), (signal.SIGKILL, -signal.SIGKILL)):
+            process = self.start('render', self.write('v.xml', showing(ENDLESS)), '--db', self.database(MANY_ROWS), '-o',
+                                 self.folder / 'out.json')
+            time.sleep(1 * program.SLOW)
+            self.interrupt(process, number)
+            self.assertEqual(process.returncode, status)
+            self.assertEqual(sorted(os.listdir(self.folder)), ['result.db', 'v.xml'])
+
+    def test_hanging_up_does_not_end_what_ignores_it(self):
+        process = subprocess.Popen(['nohup', program.PROGRAM, 'render', self.write('v.xml', showing(ENDLESS)), '--db',
+                                    self.database(MANY_ROWS), '--query-timeout', str(2 * program.SLOW)],
+                                   stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         time.sleep(1 * program.SLOW)
-        self.interrupt(process, signal.SIGTERM)
-        self.assertEqual(process.returncode, 130)
+        process.send_signal(signal.SIGHUP)
+        process.communicate()
+        self.assertEqual(process.returncode, 1)
+
+    def test_while_nobody_opens_the_output(self):
+        pipe = self.folder / 'out.json'
+        os.mkfifo(pipe)
+        process = self.start('render', self.write('v.xml', showing('SUM(a)')), '--db', self.database(), '-o', pipe)
+        time.sleep(0.5 * program.SLOW)
+        out, err, seconds = self.interrupt(process)
+        self.assertEqual((process.returncode, out, err), (130, '', 'tessera: interrupted\n'))
+        self.assertLess(seconds, 2 * program.SLOW)
+
+    def test_output_to_a_named_pipe(self):
+        pipe = self.folder / 'out.json'
+        os.mkfifo(pipe)
+        process = self.start('render', self.write('v.xml', showing('SUM(a)')), '--db', self.database(), '-o', pipe)
+        time.sleep(0.2 * program.SLOW)
+        self.assertEqual(program.shown_value(json.loads(pipe.read_text())), '1')
+        self.assertEqual(process.wait(10 * program.SLOW), 0)
 
     def test_session_while_it_waits(self):
         process = self.start('session', self.write('v.xml', showing('SUM(a)')), '--db', self.database())
