@@ -31,4 +31,13 @@ inline std::string textOf(const basekit2::variant_bag_t& bag, std::string_view n
     return value ? std::string(value->get<std::string_view>()) : "(none)";
 }
 
+// a = "1", then the children x (with v = "2") and y.
+inline basekit2::variant_bag_t smallTree() {
+    basekit2::variant_bag_t bag;
+    bag.put("a", "1");
+    bag.add_variant_bag("x").put("v", "2");
+    bag.add_variant_bag("y");
+    return bag;
+}
+
 }  // namespace tessera_test

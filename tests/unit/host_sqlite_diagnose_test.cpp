@@ -77,9 +77,7 @@ TEST_F(SqliteDiagnose, AFilterThatIsWrongEverywhereIsToldOnce) {
 
 TEST_F(SqliteDiagnose, NothingIsRun) {
     pane.query("Long", "n", "SUM((SELECT COUNT(*) FROM n a, n b, n c, n d))");
-    const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(problems(), Texts());
-    EXPECT_LT(elapsedSince(start), std::chrono::seconds(1));
+    EXPECT_EQ(problems(), Texts());  // it would take days
 }
 
 TEST_F(SqliteDiagnose, PartsThatAreTooMuchTogetherAreFound) {

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <functional>
 #include <string>
 #include <string_view>
 
@@ -47,19 +45,5 @@ inline basekit2::variant_bag_t fromJson(std::string_view text) {
 inline std::string problem(const std::optional<ReadError>& error) {
     return error ? describe(*error, "").substr(1) : "no error";
 }
-
-inline double secondsFor(const std::function<void()>& work) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-// What takes linear time is done in far less, also with sanitizers; what takes quadratic time is not done in
-// minutes.
-#ifdef __SANITIZE_THREAD__
-inline constexpr double linearSeconds = 300;
-#else
-inline constexpr double linearSeconds = 30;
-#endif
 
 }  // namespace tessera_host::text_support

@@ -13,15 +13,6 @@ using basekit2::source_position_t;
 using basekit2::variant_bag_t;
 using basekit2::variant_t;
 
-// a = "1", then the children x (with v = "2") and y.
-variant_bag_t smallTree() {
-    variant_bag_t bag;
-    bag.put("a", "1");
-    bag.add_variant_bag("x").put("v", "2");
-    bag.add_variant_bag("y");
-    return bag;
-}
-
 TEST(VariantBag, NewBagIsEmpty) {
     const variant_bag_t bag;
     EXPECT_TRUE(bag.is_empty());
