@@ -53,7 +53,8 @@ class TESSERA_EXPORT Graph {
     std::string m_id;
     std::string m_name;
     std::string m_displayMode = "bandwidth";
-    std::map<std::string, std::shared_ptr<Node>> m_nodes;  // ascending byte order of the id
+    // By ascending byte order of the id. REQUIRES: entries are added and replaced, never erased.
+    std::map<std::string, std::shared_ptr<Node>> m_nodes;
     std::map<std::string, std::shared_ptr<Link>> m_links;
     std::vector<std::shared_ptr<Node>> m_nodeList;  // in order of addNode
     std::vector<std::shared_ptr<Link>> m_linkList;  // in order of addLink
