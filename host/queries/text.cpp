@@ -10,8 +10,9 @@ namespace {
 
 constexpr std::size_t maxLineBytes = 300;
 
-bool isControl(char c) {
-    return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+// U+2028 and U+2029 are no control characters by name, but they end lines as well.
+bool isControl(char32_t code) {
+    return code < 0x20 || (code >= 0x7F && code <= 0x9F) || code == 0x2028 || code == 0x2029;
 }
 
 }  // namespace
@@ -23,7 +24,7 @@ std::string oneLine(std::string_view bytes) {
         const Utf8Character piece = decodeUtf8(bytes.substr(at));
         if (!piece.valid)
             line.append("\xEF\xBF\xBD");
-        else if (isControl(bytes[at]))
+        else if (isControl(piece.code))
             line.push_back(' ');
         else
             line.append(bytes.substr(at, piece.length));

@@ -6,8 +6,8 @@
 
 namespace tessera_host {
 
-// `bytes` on one line: valid UTF-8 in which control characters are blanks, cut after about 300 bytes with
-// "...".
+// `bytes` on one line: valid UTF-8 in which control characters and whatever else ends lines are blanks, cut
+// after about 300 bytes with "...".
 [[nodiscard]] std::string oneLine(std::string_view bytes);
 
 // `bytes` as one line between double quotes, to name something in a message.
