@@ -22,7 +22,7 @@ std::string lineOf(const std::string& document, const Finding& finding) {
 
 // Prints the findings; answers whether an error is among them.
 bool report(const std::string& document, const std::vector<Finding>& findings) {
-    tessera_host::FileSink sink(STDERR_FILENO);
+    tessera_host::FileSink sink(STDERR_FILENO, interruptDescriptor());
     bool hasError = false;
     for (const Finding& finding : findings) {
         sink.write(lineOf(document, finding));

@@ -38,7 +38,7 @@ int main(int argc, char** argv) try {
     exitStatus = run(*options);
     closeLog();
     if (!isInterrupted()) return exitStatus;
-    printMessage("interrupted");
+    printMessageWithoutWaiting("interrupted");
     return exitInterrupted;
 } catch (const std::bad_alloc&) {
     printMessage("there is not enough memory");

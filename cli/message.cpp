@@ -1,6 +1,7 @@
 #include "cli/message.h"
 
 #include <fmt/format.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <system_error>
@@ -19,6 +20,11 @@ void printMessage(std::string_view text) {
     }
     tessera_host::FileSink sink(STDERR_FILENO);
     if (sink.write(lines)) (void)sink.flush();  // nobody is left to be told
+}
+
+void printMessageWithoutWaiting(std::string_view text) {
+    pollfd ready{STDERR_FILENO, POLLOUT, 0};
+    if (::poll(&ready, 1, 0) == 1 && (ready.revents & POLLOUT) != 0) printMessage(text);
 }
 
 bool printText(std::string_view text) {

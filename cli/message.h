@@ -11,6 +11,9 @@ namespace tessera_cli {
 // Prints `text` for people, on standard error: "tessera: " and the text, each line of it. Any thread.
 void printMessage(std::string_view text);
 
+// The same, unless whoever reads standard error would have to be waited for.
+void printMessageWithoutWaiting(std::string_view text);
+
 // Prints data to standard output; false, with a message, when that is closed or full.
 [[nodiscard]] bool printText(std::string_view text);
 

@@ -97,6 +97,17 @@ class Interrupt(Case):
             process.send_signal(signal.SIGINT)
             self.assertEqual(process.wait(10 * program.SLOW), 130)
 
+    def test_check_while_nobody_reads_the_findings(self):
+        # Findings of 256 bytes fill a pipe to the brim, so that not even the last message has room.
+        path = self.folder / 'v.xml'
+        name = 'x' * (256 - len(f'{path}:10000:1: error: unknown element <> in <graph>; expected <node>, <link>\n'))
+        self.write('v.xml', '<v><diagram><graph><node id="a"/>' + '\n' * 9999 + f'<{name}/>\n' * 1000 + '</graph></diagram></v>')
+        process = self.start('check', path)
+        time.sleep(1 * program.SLOW)
+        self.assertIsNone(process.poll())
+        process.send_signal(signal.SIGINT)
+        self.assertEqual(process.wait(10 * program.SLOW), 130)
+
     def test_check(self):
         process = self.start('check', '/dev/stdin')
         time.sleep(0.5 * program.SLOW)
