@@ -60,7 +60,8 @@ int check(const Options& options) {
     for (const auto& [name, predicate] : options.filters)
         tessera_host::setFilter(filters, name, {predicate, {}});
     const auto findings = tessera_host::checkDocument(viewpoint, *declarations, filters, database, &progress);
-    return report(options.document, findings) ? exitFailed : exitDone;
+    if (!findings) return exitInterrupted;
+    return report(options.document, *findings) ? exitFailed : exitDone;
 }
 
 }  // namespace tessera_cli

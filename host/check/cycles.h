@@ -1,12 +1,13 @@
 // Links that go in circles.
 #pragma once
 
-#include "host/check/structure.h"
+#include "host/check/graph_sections.h"
 
 namespace tessera_host {
 
-// Reports each set of nodes of one group that links connect in a circle, once. A link between groups counts
-// for the two nodes or groups that hold its ends and stand side by side. Takes n log n time.
-void checkCycles(const DeclaredGraph& graph, Findings& findings);
+// Reports each set of nodes of one group that links connect in circles, once: a shortest cycle through the
+// first of its links. A link between groups counts for the two nodes or groups that hold its ends and stand
+// side by side. Takes n log n time.
+void checkCycles(const DeclaredGraph& graph, Findings& findings, Watch& watch);
 
 }  // namespace tessera_host

@@ -8,19 +8,24 @@
 
 namespace tessera_host {
 
-std::vector<Finding> checkDocument(const basekit2::variant_bag_t& viewpoint, const Declarations& declarations,
-                                   const Filters& filters, const std::shared_ptr<Database>& database,
-                                   const relay2::IProgress* progress) {
+std::optional<std::vector<Finding>> checkDocument(const basekit2::variant_bag_t& viewpoint,
+                                                  const Declarations& declarations, const Filters& filters,
+                                                  const std::shared_ptr<Database>& database,
+                                                  const relay2::IProgress* progress) {
     Findings findings;
-    checkVocabulary(viewpoint, findings);
-    checkCycles(checkStructure(viewpoint, findings), findings);
-    checkReferences(viewpoint, declarations, findings);
-    checkDeclarations(declarations, findings);
+    Watch watch(progress);
+    checkVocabulary(viewpoint, findings, watch);
+    const Structure structure = checkStructure(viewpoint, findings, watch);
+    checkCycles(structure.graph, findings, watch);
+    checkReferences(structure.rowSets, declarations, findings, watch);
+    checkDeclarations(viewpoint, declarations, findings, watch);
+    if (watch.mustStopNow()) return std::nullopt;
     if (!database)
-        checkSqlText(declarations, filters, findings);
+        checkSqlText(declarations, filters, findings, watch);
     else
         for (const Problem& problem : diagnose(database, declarations, filters, progress))
             findings.error(problem.position, problem.text);
+    if (watch.mustStopNow()) return std::nullopt;
     return findings.sorted();
 }
 

@@ -4,74 +4,85 @@
 #include <unordered_map>
 #include <vector>
 
+#include "host/check/element.h"
+#include "host/queries/text.h"
 #include "host/sqlite/declaration_check.h"
 
 namespace tessera_host {
 namespace {
 
+using basekit2::source_position_t;
 using basekit2::variant_bag_t;
 
-void checkRowSet(const variant_bag_t& rowSet, const Declarations& declarations, Findings& findings) {
-    for (auto child = rowSet.begin(); !child.at_end(); child.next()) {
+using Positions = std::unordered_map<std::string_view, source_position_t>;
+
+void checkRowSet(const variant_bag_t& rowSet, const Declarations& declarations, Findings& findings,
+                 Watch& watch) {
+    std::string reason;
+    for (auto child = rowSet.begin(); !child.at_end() && !watch.mustStop(); child.next()) {
         if (child.get_name() != "queryRef") continue;
-        const basekit2::variant_t* value = child.get_value().get("");
-        if (value == nullptr) {
-            findings.warning(child.get_value().position(),
-                             "this queryRef refers to no query, so it never has a value");
-            continue;
+        const source_position_t here = child.get_value().position();
+        const std::string_view text = attribute(child.get_value(), "");
+        if (text.empty()) {
+            findings.warning(here, "this queryRef refers to no query, so it never has a value");
+        } else if (!declarations.parseReference(text, reason)) {
+            findings.error(here,
+                           quoted(text) + " is no reference: " + reason + "; the whole rowSet stays empty");
         }
-        const auto text = value->get<std::string_view>();
-        std::string reason;
-        if (!declarations.parseReference(text, reason))
-            findings.error(child.get_value().position(), "\"" + std::string(text) + "\" is no reference: " +
-                                                             reason + "; the whole rowSet stays empty");
     }
+}
+
+void checkQueries(const Declarations& declarations, Findings& findings, Watch& watch) {
+    Positions seen;
+    for (const QueryDeclaration& query : declarations.queries()) {
+        if (watch.mustStop()) return;
+        const auto [it, isNew] = seen.try_emplace(query.id, query.position);
+        if (!isNew)
+            findings.error(query.position, "query id " + quoted(query.id) + " is used before, at " +
+                                               placeOf(it->second, query.position) +
+                                               "; the query there is not used");
+        it->second = query.position;
+    }
+}
+
+void checkFilter(const variant_bag_t& element, Findings& findings) {
+    const std::string_view name = attribute(element, "name");
+    if (name.empty()) return;  // told with the declarations
+    const source_position_t here = element.position();
+    if (name != "selection" && name != "global")
+        findings.warning(here, "filter " + quoted(name) +
+                                   " is never applied; the filters are called \"selection\" and \"global\"");
 }
 
 }  // namespace
 
-void checkReferences(const variant_bag_t& viewpoint, const Declarations& declarations, Findings& findings) {
-    std::vector<const variant_bag_t*> open;
-    for (auto child = viewpoint.begin(); !child.at_end(); child.next()) {
-        if (child.get_name() != "diagram") continue;
-        for (auto section = child.get_value().begin(); !section.at_end(); section.next())
-            if (section.get_name() == "display") open.push_back(&section.get_value());
-    }
-    while (!open.empty()) {
-        const variant_bag_t& element = *open.back();
-        open.pop_back();
-        for (auto child = element.begin(); !child.at_end(); child.next())
-            if (child.get_name() == "rowSet")
-                checkRowSet(child.get_value(), declarations, findings);
-            else
-                open.push_back(&child.get_value());
+void checkReferences(const DisplaySections::RowSets& rowSets, const Declarations& declarations,
+                     Findings& findings, Watch& watch) {
+    for (const variant_bag_t* rowSet : rowSets) {
+        if (watch.mustStop()) return;
+        checkRowSet(*rowSet, declarations, findings, watch);
     }
 }
 
-void checkDeclarations(const Declarations& declarations, Findings& findings) {
+void checkDeclarations(const variant_bag_t& viewpoint, const Declarations& declarations, Findings& findings,
+                       Watch& watch) {
     for (const Problem& problem : declarations.problems())
         findings.error(problem.position, problem.text);
-    std::unordered_map<std::string_view, const QueryDeclaration*> seen;
-    for (const QueryDeclaration& query : declarations.queries()) {
-        const auto [it, isNew] = seen.try_emplace(query.id, &query);
-        if (!isNew)
-            findings.error(query.position, "query id \"" + query.id + "\" is used before, at line " +
-                                               std::to_string(it->second->position.line) +
-                                               "; only this one is used");
-        it->second = &query;
-    }
-    for (const auto& [name, filter] : declarations.filters()) {
-        if (name != "selection" && name != "global")
-            findings.warning(filter.position,
-                             "filter \"" + name +
-                                 "\" is never applied; the filters are called \"selection\" and \"global\"");
+    checkQueries(declarations, findings, watch);
+    for (auto section = viewpoint.begin(); !section.at_end() && !watch.mustStop(); section.next()) {
+        if (section.get_name() != "filters") continue;
+        for (auto child = section.get_value().begin(); !child.at_end() && !watch.mustStop(); child.next())
+            if (child.get_name() == "filter") checkFilter(child.get_value(), findings);
     }
 }
 
-void checkSqlText(const Declarations& declarations, const Filters& filters, Findings& findings) {
-    for (const QueryDeclaration& query : declarations.queries())
+void checkSqlText(const Declarations& declarations, const Filters& filters, Findings& findings,
+                  Watch& watch) {
+    for (const QueryDeclaration& query : declarations.queries()) {
+        if (watch.mustStop()) return;
         for (const std::string& problem : fragmentProblems(query))
-            findings.error(query.position, "query \"" + query.id + "\": " + problem);
+            findings.error(query.position, "query " + quoted(query.id) + ": " + problem);
+    }
     for (const auto& [name, filter] : filters)
         if (const auto problem = fragmentProblem(filterSubject(name), filter.predicate))
             findings.error(filter.position, *problem);

@@ -1,36 +1,21 @@
 // Whether nodes, links and display entries of a document fit together.
 #pragma once
 
-#include <string>
-#include <string_view>
-#include <unordered_map>
-#include <vector>
-
-#include "host/check/finding.h"
+#include "host/check/display_sections.h"
+#include "host/check/graph_sections.h"
 
 namespace tessera_host {
 
-// The nodes and links that a document declares, in its order. Index 0 of the nodes stands for the top level.
-struct DeclaredGraph {
-    struct Node {
-        std::string_view id;
-        std::size_t parent;
-        basekit2::source_position_t position;
-    };
-    struct Link {
-        std::string_view id;
-        std::size_t from;  // 0: no such node
-        std::size_t to;
-        basekit2::source_position_t position;
-    };
-
-    std::vector<Node> nodes{Node{{}, 0, {}}};
-    std::vector<Link> links;
+// What a document holds where the diagram library looks for it. Refers to the document.
+struct Structure {
+    DeclaredGraph graph;
+    DisplaySections::RowSets rowSets;
 };
 
 // Reads the document as the diagram library will and reports missing, doubled and unknown ids, links that
-// come before their nodes, and display entries that reach nothing or replace each other. The answer refers to
-// text in `viewpoint`.
-[[nodiscard]] DeclaredGraph checkStructure(const basekit2::variant_bag_t& viewpoint, Findings& findings);
+// come before their nodes, display entries that reach nothing or replace each other, and a document that
+// shows nothing.
+[[nodiscard]] Structure checkStructure(const basekit2::variant_bag_t& viewpoint, Findings& findings,
+                                       Watch& watch);
 
 }  // namespace tessera_host

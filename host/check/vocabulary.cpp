@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "host/queries/text.h"
+
 namespace tessera_host {
 namespace {
 
@@ -112,13 +114,13 @@ void checkValues(const variant_bag_t& bag, const ElementRule& rule, Findings& fi
         if (text.empty() ||
             std::find(values.values.begin(), values.values.end(), text) != values.values.end())
             continue;
-        findings.warning(bag.position(), std::string(values.attribute) + " \"" + std::string(text) + "\" " +
-                                             std::string(values.what));
+        findings.warning(bag.position(),
+                         std::string(values.attribute) + " " + quoted(text) + " " + std::string(values.what));
     }
 }
 
-void checkAttributes(const variant_bag_t& bag, const ElementRule& rule, Findings& findings) {
-    for (auto value = bag.begin_values(); !value.at_end(); value.next()) {
+void checkAttributes(const variant_bag_t& bag, const ElementRule& rule, Findings& findings, Watch& watch) {
+    for (auto value = bag.begin_values(); !value.at_end() && !watch.mustStop(); value.next()) {
         const std::string name(value.get_name());
         if (name.empty()) {
             if (!rule.hasText)
@@ -126,7 +128,7 @@ void checkAttributes(const variant_bag_t& bag, const ElementRule& rule, Findings
         } else if (std::find(rule.attributes.begin(), rule.attributes.end(), name) == rule.attributes.end()) {
             findings.warning(
                 bag.position(),
-                "unknown attribute \"" + name + "\" of " + std::string(rule.what) +
+                "unknown attribute " + quoted(name) + " of " + std::string(rule.what) +
                     (rule.attributes.empty() ? "; it has none" : "; it has " + listOf(rule.attributes)));
         }
     }
@@ -138,7 +140,7 @@ void checkAttributes(const variant_bag_t& bag, const ElementRule& rule, Findings
 void reportUnknown(std::string_view name, const variant_bag_t& bag, const ElementRule& parent,
                    Findings& findings) {
     const std::string text =
-        "unknown element <" + std::string(name) + "> in " + std::string(parent.what) +
+        "unknown element <" + oneLine(name) + "> in " + std::string(parent.what) +
         (parent.children.empty() ? "; nothing is expected there" : "; expected " + listOf(parent.children));
     if (&parent == &root)
         findings.warning(bag.position(), text);
@@ -148,7 +150,7 @@ void reportUnknown(std::string_view name, const variant_bag_t& bag, const Elemen
 
 }  // namespace
 
-void checkVocabulary(const variant_bag_t& viewpoint, Findings& findings) {
+void checkVocabulary(const variant_bag_t& viewpoint, Findings& findings, Watch& watch) {
     struct Open {
         const variant_bag_t* bag;
         const ElementRule* rule;
@@ -157,8 +159,9 @@ void checkVocabulary(const variant_bag_t& viewpoint, Findings& findings) {
     while (!open.empty()) {
         const Open element = open.back();
         open.pop_back();
-        checkAttributes(*element.bag, *element.rule, findings);
+        checkAttributes(*element.bag, *element.rule, findings, watch);
         for (auto child = element.bag->begin(); !child.at_end(); child.next()) {
+            if (watch.mustStop()) return;
             const auto& children = element.rule->children;
             const auto it = std::find_if(children.begin(), children.end(), [&](const ChildRule& rule) {
                 return rule.name == child.get_name();

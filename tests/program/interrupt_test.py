@@ -108,6 +108,20 @@ class Interrupt(Case):
         process.send_signal(signal.SIGINT)
         self.assertEqual(process.wait(10 * program.SLOW), 130)
 
+    def test_check_of_a_large_document(self):
+        graph = ''.join(f'<node id="n{i}"><node id="m{i}"/></node><link id="l{i}" from="m{i // 2}" to="n{i}"/>'
+                        for i in range(200_000))
+        document = self.write('v.xml', program.document(f'<graph>{graph}</graph>'))
+        begin = time.monotonic()
+        whole = self.run_program('check', document)
+        seconds = time.monotonic() - begin
+        self.assertEqual(whole.returncode, 1, whole.stderr)  # m0 is linked to its own group
+        for part in (0.3, 0.5, 0.7):
+            process = self.start('check', document)
+            time.sleep(part * seconds)
+            _, err, _ = self.interrupt(process)
+            self.assertEqual((process.returncode, err), (130, 'tessera: interrupted\n'))
+
     def test_check(self):
         process = self.start('check', '/dev/stdin')
         time.sleep(0.5 * program.SLOW)

@@ -1,0 +1,18 @@
+// Which nodes links connect in circles.
+#pragma once
+
+#include <cstddef>
+#include <limits>
+#include <vector>
+
+#include "host/check/group_edges.h"
+
+namespace tessera_host {
+
+inline constexpr std::size_t noIndex = std::numeric_limits<std::size_t>::max();
+
+// A number for each node; two nodes have the same one when each can be reached from the other. Linear time.
+[[nodiscard]] std::vector<std::size_t> componentsOf(std::size_t nodeCount, const GroupEdges& edges,
+                                                    Watch& watch);
+
+}  // namespace tessera_host

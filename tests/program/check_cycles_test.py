@@ -1,0 +1,66 @@
+"""What `tessera check` reports about links that go in circles."""
+import program
+from check_case import CheckCase
+
+
+class Cycles(CheckCase):
+    def test_cycle_at_top_level(self):
+        self.assert_finds(self.graph('<node id="a"/><node id="b"/><node id="c"/>\n<link id="1" from="a" to="b"/>\n'
+                                     '<link id="2" from="b" to="c"/>\n<link id="3" from="c" to="a"/>'),
+                          '4:1: error: cycle at the top level: a -> b -> c -> a')
+
+    def test_link_to_itself(self):
+        self.assert_finds(self.graph('<node id="a"/><link id="1" from="a" to="a"/>'),
+                          '3:15: error: cycle at the top level: a -> a')
+
+    def test_cycle_inside_a_group(self):
+        self.assert_finds(self.graph('<node id="G"><node id="a"/><node id="b"/></node>\n<link id="1" from="a" to="b"/>\n'
+                                     '<link id="2" from="b" to="a"/>'),
+                          '4:1: error: cycle inside group "G": a -> b -> a')
+
+    def test_links_between_groups_count_for_the_groups(self):
+        self.assert_finds(self.graph('<node id="G"><node id="a"/></node><node id="H"><node id="b"/><node id="c"/></node>\n'
+                                     '<link id="1" from="a" to="b"/>\n<link id="2" from="c" to="a"/>'),
+                          '4:1: error: cycle at the top level: G -> H -> G')
+
+    def test_link_from_a_member_to_its_own_group(self):
+        self.assert_finds(self.graph('<node id="G"><node id="a"/></node>\n<link id="1" from="a" to="G"/>'),
+                          '4:1: error: cycle at the top level: G -> G')
+
+    def test_both_ways_round_is_no_cycle(self):
+        self.assert_finds(self.graph('<node id="a"/><node id="b"/><link id="1" from="a" to="b" direction="both"/>'
+                                     '<link id="2" from="a" to="b" direction="back"/>'), status=0)
+
+    def test_separate_cycles_are_told_each(self):
+        self.assert_finds(self.graph('<node id="a"/><node id="b"/>\n<link id="1" from="a" to="a"/>\n'
+                                     '<link id="2" from="b" to="b"/>'),
+                          '4:1: error: cycle at the top level: a -> a',
+                          '5:1: error: cycle at the top level: b -> b')
+
+    def test_long_cycle_is_told_in_short(self):
+        count = 1000
+        nodes = ''.join(f'<node id="n{i}"/>' for i in range(count))
+        links = ''.join(f'<link id="{i}" from="n{i}" to="n{(i + 1) % count}"/>' for i in range(count))
+        found = self.findings(self.graph(nodes + links))
+        self.assertEqual(len(found), 1)
+        self.assertIn('n0 -> n1 -> n2', found[0])
+        # n0 to n7 are named and 992 of the thousand are not.
+        self.assertIn(' -> (992 more) -> n0', found[0])
+        self.assertLess(len(found[0]), 300)
+
+    def test_large_tangles_in_little_time(self):
+        count = 100_000
+        nested = ''.join(f'<node id="n{i}">' for i in range(count)) + '<node id="m"/>' + '</node>' * count
+        flat = ''.join(f'<node id="f{i}"/>' for i in range(count))
+        # Every nested node to its own innermost one: a circle at each depth. The flat ones: one large tangle.
+        links = ''.join(f'<link id="l{i}" from="m" to="n{i}"/><link id="f{i}" from="f{i}" to="f{(i + 1) % count}"/>'
+                        f'<link id="b{i}" from="f{(i + 1) % count}" to="f{i}"/>' for i in range(count))
+        path = self.write('v.xml', self.graph(nested + flat + links))
+        done = self.run_program('check', path, timeout=30 * program.SLOW)
+        found = done.stderr.splitlines()
+        self.assertEqual((done.returncode, len(found)), (1, count + 1))
+        self.assertEqual(sum(f': f0 -> f1 -> f0; it ' in line for line in found), 1)
+
+
+if __name__ == '__main__':
+    program.main()
