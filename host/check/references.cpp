@@ -16,8 +16,10 @@ using basekit2::variant_bag_t;
 
 using Positions = std::unordered_map<std::string_view, source_position_t>;
 
+// Of rows with equal references the first receives the value.
 void checkRowSet(const variant_bag_t& rowSet, const Declarations& declarations, Findings& findings,
                  Watch& watch) {
+    Positions seen;
     std::string reason;
     for (auto child = rowSet.begin(); !child.at_end() && !watch.mustStop(); child.next()) {
         if (child.get_name() != "queryRef") continue;
@@ -28,6 +30,10 @@ void checkRowSet(const variant_bag_t& rowSet, const Declarations& declarations, 
         } else if (!declarations.parseReference(text, reason)) {
             findings.error(here,
                            quoted(text) + " is no reference: " + reason + "; the whole rowSet stays empty");
+        } else if (const auto [it, isNew] = seen.try_emplace(text, here); !isNew) {
+            findings.warning(here, "this rowSet refers to " + quoted(text) + " before, at " +
+                                       placeOf(it->second, here) +
+                                       "; the value goes there, so this row is never shown");
         }
     }
 }
@@ -45,13 +51,18 @@ void checkQueries(const Declarations& declarations, Findings& findings, Watch& w
     }
 }
 
-void checkFilter(const variant_bag_t& element, Findings& findings) {
+void checkFilter(const variant_bag_t& element, Positions& seen, Findings& findings) {
     const std::string_view name = attribute(element, "name");
     if (name.empty()) return;  // told with the declarations
     const source_position_t here = element.position();
     if (name != "selection" && name != "global")
         findings.warning(here, "filter " + quoted(name) +
                                    " is never applied; the filters are called \"selection\" and \"global\"");
+    const auto [it, isNew] = seen.try_emplace(name, here);
+    if (!isNew)
+        findings.error(here, "filter " + quoted(name) + " is declared before, at " +
+                                 placeOf(it->second, here) + "; the filter there is not applied");
+    it->second = here;
 }
 
 }  // namespace
@@ -69,10 +80,11 @@ void checkDeclarations(const variant_bag_t& viewpoint, const Declarations& decla
     for (const Problem& problem : declarations.problems())
         findings.error(problem.position, problem.text);
     checkQueries(declarations, findings, watch);
+    Positions filters;
     for (auto section = viewpoint.begin(); !section.at_end() && !watch.mustStop(); section.next()) {
         if (section.get_name() != "filters") continue;
         for (auto child = section.get_value().begin(); !child.at_end() && !watch.mustStop(); child.next())
-            if (child.get_name() == "filter") checkFilter(child.get_value(), findings);
+            if (child.get_name() == "filter") checkFilter(child.get_value(), filters, findings);
     }
 }
 

@@ -92,7 +92,7 @@ class Ids(CheckCase):
         everything = '\n'.join(found)
         for part in (f'node id {shown} is', f'link id {shown} is', f'there is no node "x{shown[1:]} for',
                      f'direction {shown} ', f'display entry of node "x{shown[1:]}:', f'{shown} is no reference',
-                     f'query id {shown} is', f'query {shown}: ', f'filter {shown} is never',
+                     f'query id {shown} is', f'query {shown}: ', f'filter {shown} is never', f'filter {shown} is declared',
                      f'cycle at the top level: {shown} -> {shown}'):
             self.assertIn(part, everything)
 
@@ -133,6 +133,18 @@ class Display(CheckCase):
         self.assert_finds(self.display('<node id="a"><rowSet/>\n<rowSet/></node>'),
                           '6:1: warning: this rowSet replaces the one at line 5', status=0)
 
+    def test_equal_references_in_one_row_set(self):
+        rows = ('<rowSet><queryRef displayName="one">/q</queryRef>\n<queryRef displayName="two">/q</queryRef>\n'
+                '<queryRef displayName="three">/k/1</queryRef><queryRef displayName="four">/k/%31</queryRef></rowSet>')
+        text = self.display(f'<node id="a">{rows}</node>\n<node id="b">{rows}</node>').replace(
+            '<v>', '<v><queries><query id="q" from="t">SUM(a)</query><query id="k" from="t" key="a">SUM(b)</query></queries>')
+        begin = ': warning: this rowSet refers to "/q" before, at line '
+        self.assert_finds(text, f'6:1{begin}5; the value goes there, so this row is never shown', f'9:1{begin}8;', status=0)
+        # What is said is what happens: two texts for one query are two rows, equal ones are not.
+        diagram = self.render(self.write('v.xml', text), self.database())
+        shown = diagram['nodes']['node'][0]['info']['rows']['row']
+        self.assertEqual([row['name'] for row in shown], ['one', 'three', 'four'])
+
     def test_wrong_references_are_told_each(self):
         self.assert_finds(self.display('<node id="a"><rowSet><queryRef>/q</queryRef>\n<queryRef>/q</queryRef></rowSet></node>'),
                           '5:22: error: "/q" is no reference: ', '6:1: error: "/q" is no reference: ')
@@ -147,6 +159,15 @@ class Declared(CheckCase):
                                         '<queries><query id="q" from="t">3</query></queries>'),
                           '2:1: error: query id "q" is used before, at line 1; the query there is not used',
                           '3:10: error: query id "q" is used before, at line 2; the query there is not used')
+
+    def test_repeated_filters(self):
+        self.assert_finds(self.declared('<filters><filter name="global">a = 1</filter>\n'
+                                        '<filter name="selection">a = 1</filter></filters>\n'
+                                        '<filters><filter name="global"/></filters>'),
+                          '3:10: error: filter "global" is declared before, at line 1; the filter there is not applied')
+        self.assert_finds(self.declared('<filters><filter name="mine">a = 1</filter>\n<filter name="mine"/></filters>'),
+                          '1:13: warning: filter "mine" is never applied;',
+                          '2:1: warning: filter "mine" is never applied;', '2:1: error: filter "mine" is declared before')
 
 
 if __name__ == '__main__':
