@@ -61,7 +61,7 @@ class Ids(CheckCase):
         tied = '; it is tied to the node without id at line 3'
         self.assert_finds(text, '3:15: error: a node with an empty id',
                           '5:1: error: link "1": has no "from"' + tied,
-                          '5:1: error: cycle at the top level: "" -> a -> ""')
+                          '5:1: error: cycle at the top level: "" -> a -> ""; cycles connected with it hold 1 more link')
 
     def test_display_entries_that_are_missing_or_empty(self):
         self.assert_finds(self.graph('<node id="a"/>', '\n<display><node/>\n<node id=""/></display>'),
@@ -93,7 +93,7 @@ class Ids(CheckCase):
         for part in (f'node id {shown} is', f'link id {shown} is', f'there is no node "x{shown[1:]} for',
                      f'direction {shown} ', f'display entry of node "x{shown[1:]}:', f'{shown} is no reference',
                      f'query id {shown} is', f'query {shown}: ', f'filter {shown} is never', f'filter {shown} is declared',
-                     f'cycle at the top level: {shown} -> {shown}'):
+                     f'cycle at the top level: {shown} -> {shown};'):
             self.assertIn(part, everything)
 
 
