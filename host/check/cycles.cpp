@@ -81,7 +81,7 @@ std::vector<Index> wayBetween(Index start, Index goal, const GroupEdges& edges,
 
 // An id between arrows, without quotation marks where it can be told from them.
 std::string step(std::string_view id) {
-    std::string text = oneLine(id);
+    const std::string text = oneLine(id);
     return text.empty() || text.find_first_of(" \"") != std::string::npos ? quoted(id) : text;
 }
 

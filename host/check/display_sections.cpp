@@ -25,8 +25,8 @@ void DisplaySections::read(const variant_bag_t& section) {
         } else if (name == "link") {
             const auto target = m_graph.findLink(id);
             Labels ofNone;
-            const bool reaches = readEntry(element, link, target, m_graph.allLinks(), m_links);
-            readLabels(element, reaches ? m_labels[*target] : ofNone);
+            readEntry(element, link, target, m_graph.allLinks(), m_links);
+            readLabels(element, target ? m_labels[*target] : ofNone);
         }
     }
 }
@@ -37,7 +37,7 @@ void DisplaySections::readGraph(const variant_bag_t& element) {
     m_named = &element;
 }
 
-bool DisplaySections::readEntry(const variant_bag_t& element, const Kind& kind,
+void DisplaySections::readEntry(const variant_bag_t& element, const Kind& kind,
                                 std::optional<std::size_t> target, const GraphSections::Positions& all,
                                 Entries& entries) {
     const std::string what(kind.name);
@@ -55,12 +55,11 @@ bool DisplaySections::readEntry(const variant_bag_t& element, const Kind& kind,
                              : entry + " comes before the " + what + ", which is declared at " +
                                    placeOf(later->second, element.position()) + "; move it behind");
     }
-    if (!target) return false;
+    if (!target) return;
     const auto [it, isNew] = entries.try_emplace(*target, element.position());
-    if (isNew) return true;
+    if (isNew) return;
     tellReplaced(element, entry + " replaces " + std::string(kind.replaced) + " of the one", it->second);
     it->second = element.position();
-    return true;
 }
 
 void DisplaySections::readLabels(const variant_bag_t& element, Labels& labels) {

@@ -39,8 +39,7 @@ class DisplaySections {
     };
 
     void readGraph(const basekit2::variant_bag_t& element);
-    // False when the entry reaches nothing.
-    bool readEntry(const basekit2::variant_bag_t& element, const Kind& kind,
+    void readEntry(const basekit2::variant_bag_t& element, const Kind& kind,
                    std::optional<std::size_t> target, const GraphSections::Positions& all, Entries& entries);
     void readLabels(const basekit2::variant_bag_t& element, Labels& labels);
     void readTransfer(const basekit2::variant_bag_t& transfer, Modes& modes);
