@@ -17,8 +17,8 @@ namespace tessera_1 {
 // any thread, one at a time, and keeps for its life: a reference on the query library and on the opened
 // result, the pane's base handler (asked once for "config", which must put the viewpoint into its output
 // bag), the filter manager, and the messenger, which is not owned, must outlive the handler and may be null.
-// A "create" that is cancelled while values are fetched keeps the diagram that it has; the next "refresh" fetches
-// them again. Never null.
+// A "create" that is cancelled while values are fetched keeps the diagram that it has; the next "refresh"
+// fetches them again. Never null.
 [[nodiscard]] TESSERA_EXPORT std::shared_ptr<panelcore_1::IRequestHandler> createDiagramViewRequestHandler(
     basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary, basekit2::sptr_t<qlib_1::IInputData> inputData,
     std::shared_ptr<panelcore_1::IRequestHandler> baseHandler,
