@@ -62,7 +62,7 @@ std::string configureFrom(const std::string& file) {
     std::istringstream lines(messages.text());
     std::string problems;
     for (std::string line; std::getline(lines, line);)
-        problems += (problems.empty() ? "" : "\n") + file + ": " + line;
+        problems.append(problems.empty() ? "" : "\n").append(file).append(": ").append(line);
     return problems;
 }
 
