@@ -130,7 +130,7 @@ std::unique_ptr<Pane> Pane::open(const PaneSettings& settings, relay2::IMessenge
 error_code_t Pane::request(const std::string& name, const variant_bag_t& in, variant_bag_t& out,
                            relay2::IProgress* progress) {
     const std::scoped_lock lock(m_mutex);
-    const Snapshot snapshot(m_database, progress);
+    const SnapshotHold hold(m_database);
     const auto begin = std::chrono::steady_clock::now();
     const error_code_t code = m_handler->handleRequest(name, in, out, progress);
     LOG4CPLUS_DEBUG(logger(), "request \"" << oneLine(name) << "\" answered " << code.name() << " in "

@@ -39,14 +39,22 @@ std::optional<Failure> Database::begin(const relay2::IProgress* progress) {
 }
 
 void Database::enter(const relay2::IProgress* progress) {
-    if (m_depth++ > 0) return;
+    ++m_depth;
+    if (std::exchange(m_isOpen, true)) return;
     ++m_snapshotNumber;
     m_failure = begin(progress);
 }
 
 void Database::leave() noexcept {
-    if (--m_depth > 0) return;
-    if (m_connection) m_connection->endSnapshot();
+    if (--m_depth == 0 && m_holds == 0) end();
+}
+
+void Database::release() noexcept {
+    if (--m_holds == 0 && m_depth == 0) end();
+}
+
+void Database::end() noexcept {
+    if (std::exchange(m_isOpen, false) && m_connection) m_connection->endSnapshot();
 }
 
 }  // namespace tessera_host

@@ -36,11 +36,15 @@ class Database {
 
   private:
     friend class Snapshot;
+    friend class SnapshotHold;
 
     Database(std::string path, const Settings& settings) : m_path(std::move(path)), m_settings(settings) {}
 
     void enter(const relay2::IProgress* progress);
     void leave() noexcept;
+    void hold() noexcept { ++m_holds; }
+    void release() noexcept;
+    void end() noexcept;
     [[nodiscard]] std::optional<Failure> begin(const relay2::IProgress* progress);
     [[nodiscard]] std::optional<Failure> reopen(const relay2::IProgress* progress);
 
@@ -52,6 +56,8 @@ class Database {
     std::uint64_t m_epoch = 0;
     std::uint64_t m_snapshotNumber = 0;
     int m_depth = 0;
+    int m_holds = 0;
+    bool m_isOpen = false;  // a snapshot is
 };
 
 }  // namespace tessera_host

@@ -50,7 +50,7 @@ std::string fromWhere(const QueryDeclaration& query, const std::vector<std::stri
 }
 
 std::string valueFrom(const QueryDeclaration& query, const std::vector<std::string>& terms) {
-    return "SELECT " + enclosed(query.expression) + ", 1" + fromWhere(query, terms);
+    return "SELECT " + enclosed(query.expression) + fromWhere(query, terms);
 }
 
 }  // namespace

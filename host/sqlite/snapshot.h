@@ -35,4 +35,19 @@ class Snapshot {
     const std::shared_ptr<Database> m_database;
 };
 
+// Keeps the first snapshot made while it lives, and so its state for all that follow, until its own end: a
+// request that asks nothing waits for no lock.
+class SnapshotHold {
+  public:
+    explicit SnapshotHold(std::shared_ptr<Database> database) : m_database(std::move(database)) {
+        m_database->hold();
+    }
+    ~SnapshotHold() { m_database->release(); }
+    SnapshotHold(const SnapshotHold&) = delete;
+    SnapshotHold& operator=(const SnapshotHold&) = delete;
+
+  private:
+    const std::shared_ptr<Database> m_database;
+};
+
 }  // namespace tessera_host

@@ -48,6 +48,10 @@ ReadError unreadable(int error) {
     return answer;
 }
 
+ReadError cancelled() {
+    return ReadError{.text = "cancelled", .position = {}, .cancelled = true};
+}
+
 ReadError tooLong() {
     ReadError answer;
     answer.unopened = true;
@@ -77,6 +81,7 @@ std::size_t expectedSize(int descriptor) {
 std::optional<ReadError> readFileText(const std::string& path, std::string& text,
                                       relay2::IProgress* progress) {
     const Descriptor file(path);
+    if (file.get() < 0 && errno == EINTR && progress && progress->isCancelled()) return cancelled();
     if (file.get() < 0) return unreadable(errno);
 
     const std::size_t expected = expectedSize(file.get());
@@ -96,7 +101,7 @@ std::optional<ReadError> readFileText(const std::string& path, std::string& text
             return unreadable(errno);
         }
     }
-    return ReadError{.text = "cancelled", .position = {}, .cancelled = true};
+    return cancelled();
 }
 
 }  // namespace tessera_host

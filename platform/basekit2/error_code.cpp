@@ -41,7 +41,7 @@ class raise_log_t {
     }
 
   private:
-    static constexpr std::size_t maxRaises = 1024;
+    static constexpr std::size_t maxRaises = 65536;
     static constexpr std::size_t maxBytes = 4U << 20U;
 
     std::mutex m_mutex;

@@ -45,8 +45,9 @@ inline constexpr entry_t Cancelled{4, "Cancelled"};
 //   0      success;
 //   1      "false": a negative or soft result whose reason was already reported where it was found;
 //   other  an error raised from the table, with message and place.
-// A raised code is a plain value; what it says is kept by the process for the most recent raises and can be
-// asked for by any thread. For one that is long past, message() is empty and line() is 0, the name stays.
+// A raised code is a plain value; what it says is kept by the process for the latest raises of all threads
+// (tens of thousands, fewer with long messages) and can be asked for by any thread. For an earlier one
+// message() is empty and line() is 0, the name stays.
 class [[nodiscard]] error_code_t {
   public:
     constexpr error_code_t() noexcept = default;

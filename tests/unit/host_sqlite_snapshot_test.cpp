@@ -87,6 +87,38 @@ TEST_F(SqliteSnapshot, NestedOnesShareTheOuterState) {
     EXPECT_FALSE(outer.failure());
 }
 
+TEST_F(SqliteSnapshot, AHoldBeginsWithTheFirstQuestionAndKeepsWhatItSaw) {
+    const Writer writer(path);
+    Pane pane(path, settings);
+    counting(pane);
+    {
+        const SnapshotHold hold(pane.database());
+        writer.run("BEGIN EXCLUSIVE; INSERT INTO t VALUES ('a', 10); COMMIT");  // nothing is locked yet
+        EXPECT_EQ(pane.value("/Count"), "3");
+        EXPECT_NE(writer.tryRun("INSERT INTO t VALUES ('a', 100)"), SQLITE_OK);
+        EXPECT_EQ(pane.value("/Sum/a"), "11");
+    }
+    writer.run("INSERT INTO t VALUES ('a', 100)");
+    {
+        const SnapshotHold hold(pane.database());
+        const SnapshotHold another(pane.database());
+        EXPECT_EQ(pane.value("/Sum/a"), "111");
+    }
+    writer.run("DELETE FROM t");
+}
+
+TEST_F(SqliteSnapshot, AHoldKeepsTheFailureOfTheFirstQuestion) {
+    Pane pane(path, settings);
+    counting(pane);
+    EXPECT_EQ(pane.value("/Count"), "2");
+    const Writer writer(path);
+    writer.run("BEGIN EXCLUSIVE");
+    const SnapshotHold hold(pane.database());
+    EXPECT_EQ(pane.failure("/Count"), "the database is locked by another program");
+    writer.run("ROLLBACK");
+    EXPECT_EQ(pane.value("/Count"), "[FailedTo]");
+}
+
 TEST_F(SqliteSnapshot, ALockedDatabaseFailsTheRequestOnly) {
     Pane pane(path, settings);
     counting(pane);
