@@ -52,7 +52,7 @@ int check(const Options& options) {
         database = tessera_host::Database::open(options.database, {}, &progress, reason);
         if (!database) {
             if (!isInterrupted()) printMessage(options.database + ": " + reason);
-            return exitUnopened;
+            return unlessInterrupted(exitUnopened);
         }
     }
     const auto declarations = tessera_host::Declarations::read(viewpoint);
@@ -61,7 +61,7 @@ int check(const Options& options) {
         tessera_host::setFilter(filters, name, {predicate, {}});
     const auto findings = tessera_host::checkDocument(viewpoint, *declarations, filters, database, &progress);
     if (!findings) return exitInterrupted;
-    return report(options.document, *findings) ? exitFailed : exitDone;
+    return unlessInterrupted(report(options.document, *findings) ? exitFailed : exitDone);
 }
 
 }  // namespace tessera_cli

@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <csignal>
 
+#include "cli/options.h"
+
 namespace tessera_cli {
 namespace {
 
@@ -42,6 +44,10 @@ void installInterruptHandler() {
 
 bool isInterrupted() noexcept {
     return interrupted;
+}
+
+int unlessInterrupted(int status) noexcept {
+    return isInterrupted() ? exitInterrupted : status;
 }
 
 int interruptDescriptor() noexcept {

@@ -11,6 +11,9 @@ void installInterruptHandler();
 
 [[nodiscard]] bool isInterrupted() noexcept;
 
+// The exit status of work that could not be finished: `status`, or that of an interruption if there was one.
+[[nodiscard]] int unlessInterrupted(int status) noexcept;
+
 // A file descriptor that becomes readable with the interruption, for those who wait for something else
 // meanwhile: the signal may come on any thread, so it need not end a wait by itself.
 [[nodiscard]] int interruptDescriptor() noexcept;

@@ -49,6 +49,13 @@ void keepOffStandardOutput(log4cplus::helpers::Properties& settings) {
             settings.setProperty("log4cplus.appender." + name + ".logToStdErr", "true");
 }
 
+bool hasAppender() {
+    auto loggers = log4cplus::Logger::getCurrentLoggers();
+    loggers.push_back(log4cplus::Logger::getRoot());
+    return std::any_of(loggers.begin(), loggers.end(),
+                       [](log4cplus::Logger& each) { return !each.getAllAppenders().empty(); });
+}
+
 // Answers what is wrong with the file, a line each, or "".
 std::string configureFrom(const std::string& file) {
     errno = 0;
@@ -60,7 +67,7 @@ std::string configureFrom(const std::string& file) {
     keepOffStandardOutput(settings);
     log4cplus::PropertyConfigurator(settings).configure();
     std::istringstream lines(messages.text());
-    std::string problems;
+    std::string problems = hasAppender() ? "" : file + ": no logger has an appender";
     for (std::string line; std::getline(lines, line);)
         problems.append(problems.empty() ? "" : "\n").append(file).append(": ").append(line);
     return problems;

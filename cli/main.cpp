@@ -12,6 +12,10 @@ namespace {
 using namespace tessera_cli;
 
 int run(const Options& options) {
+    if (const std::string problem = configureLog(options.logConfig, options.logLevel); !problem.empty()) {
+        if (!isInterrupted()) printMessage(problem);
+        return unlessInterrupted(exitUnopened);
+    }
     switch (options.command) {
         case Command::render:
             return render(options);
@@ -31,15 +35,10 @@ int main(int argc, char** argv) try {
     int exitStatus = exitDone;
     const auto options = parseCommandLine(argc, argv, exitStatus);
     if (!options) return exitStatus;
-    if (const std::string problem = configureLog(options->logConfig, options->logLevel); !problem.empty()) {
-        printMessage(problem);
-        return exitUnopened;
-    }
     exitStatus = run(*options);
     closeLog();
-    if (!isInterrupted()) return exitStatus;
-    printMessageWithoutWaiting("interrupted");
-    return exitInterrupted;
+    if (exitStatus == exitInterrupted) printMessageWithoutWaiting("interrupted");
+    return exitStatus;
 } catch (const std::bad_alloc&) {
     printMessage("there is not enough memory");
     return exitFailed;

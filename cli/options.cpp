@@ -1,6 +1,8 @@
 #include "cli/options.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
 #include <sstream>
 #include <vector>
 
@@ -17,9 +19,15 @@ struct RawOptions {
     std::string mode;
 };
 
+std::string isNotEmpty(const std::string& text) {
+    return text.empty() ? "the name of a file is empty" : "";
+}
+
 void addCommon(CLI::App& command, RawOptions& raw) {
     Options& options = raw.options;
-    command.add_option("VIEWPOINT", options.document, "The viewpoint document (XML)")->required();
+    command.add_option("VIEWPOINT", options.document, "The viewpoint document (XML)")
+        ->required()
+        ->check(isNotEmpty);
     command
         .add_option("--filter", raw.filters,
                     "Replaces a filter of the document, \"selection\" or \"global\"; with nothing behind the "
@@ -52,7 +60,8 @@ void addCommon(CLI::App& command, RawOptions& raw) {
 
 CLI::Option* addDatabase(CLI::App& command, RawOptions& raw) {
     return command.add_option("--db", raw.options.database, "The result database (SQLite); it is only read")
-        ->type_name("RESULT");
+        ->type_name("RESULT")
+        ->check(isNotEmpty);
 }
 
 // Splits NAME=SQL. Answers what is wrong, or "".
@@ -73,7 +82,9 @@ std::string formatOf(const Options& options) {
     if (!options.format.empty()) return options.format;
     const std::size_t dot = options.output.rfind('.');
     if (options.output.empty() || options.output == "-") return "json";
-    const std::string ending = dot == std::string::npos ? "" : options.output.substr(dot + 1);
+    std::string ending = dot == std::string::npos ? "" : options.output.substr(dot + 1);
+    std::transform(ending.begin(), ending.end(), ending.begin(),
+                   [](unsigned char c) { return std::tolower(c); });
     return ending == "json" || ending == "xml" ? ending : "";
 }
 
@@ -106,10 +117,11 @@ std::optional<Options> parseCommandLine(int argc, const char* const* argv, int& 
     addCommon(*render, raw);
     addDatabase(*render, raw)->required();
     render->add_option("-o,--output", raw.options.output, "Where to write; standard output without it")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(isNotEmpty);
     render
         ->add_option("--format", raw.options.format,
-                     "json or xml; without it the file's ending decides, else json")
+                     "json or xml; without it the file's ending decides, json for standard output")
         ->check(CLI::IsMember({"json", "xml"}));
     CLI::Option* mode =
         render->add_option("--mode", raw.mode, "Display mode: bandwidth (the default), ratio or size")

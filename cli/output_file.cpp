@@ -10,8 +10,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <charconv>
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <random>
 #include <system_error>
 
@@ -23,13 +25,26 @@ namespace fs = std::filesystem;
 constexpr int maxLinks = 40;  // as many as the kernel follows
 constexpr int readerWaitMilliseconds = 50;
 
-// Follows the links that `path` ends in, also to a file that does not exist yet: a link stays a link, and
-// what it points to is written. Answers 0, or the errno.
+// The number of the descriptor of this program that a path such as /dev/stdout or /dev/fd/3 names, in the
+// end.
+std::optional<int> descriptorNamed(const fs::path& path) {
+    std::error_code none;
+    const fs::path folder = fs::canonical(path.parent_path(), none);
+    if (none || folder != fs::canonical("/proc/self/fd", none)) return std::nullopt;
+    const std::string name = path.filename().string();
+    int number = -1;
+    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), number);
+    const bool isNumber = error == std::errc() && end == name.data() + name.size();
+    return isNumber ? std::optional(number) : std::nullopt;
+}
+
+// Follows the links that `path` ends in, also to a file that does not exist yet, but not those that stand for
+// descriptors: a link stays a link, and what it points to is written. Answers 0, or the errno.
 int followLinks(std::string& path) {
     for (int links = 0; links < maxLinks; ++links) {
         std::error_code noLink;
         const fs::path target = fs::read_symlink(path, noLink);
-        if (noLink) return 0;
+        if (noLink || descriptorNamed(path)) return 0;
         path = (fs::path(path).parent_path() / target).string();
     }
     return ELOOP;
@@ -66,6 +81,7 @@ bool OutputFile::open(const std::string& path) {
     }
     m_path = path;
     if (const int number = followLinks(m_path); number != 0) return fail(number);
+    if (const auto descriptor = descriptorNamed(m_path)) return openAgain(*descriptor);
 
     struct stat status {};
     const bool exists = stat(m_path.c_str(), &status) == 0;
@@ -77,6 +93,14 @@ bool OutputFile::open(const std::string& path) {
     umask(mask);
     fchmod(m_descriptor, exists ? status.st_mode & 07777U : 0666U & ~mask);
     m_sink = std::make_unique<tessera_host::FileSink>(m_descriptor);
+    return true;
+}
+
+// Opening its name would begin anew at the start of a file that others have written to.
+bool OutputFile::openAgain(int descriptor) {
+    m_descriptor = fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    if (m_descriptor < 0) return fail(errno);
+    m_sink = std::make_unique<tessera_host::FileSink>(m_descriptor, interruptDescriptor());
     return true;
 }
 

@@ -30,6 +30,7 @@ class OutputFile {
 
   private:
     bool openDirectly();
+    bool openAgain(int descriptor);
     bool openBeside();
     bool nameUnnamed();
     bool fail(int number);

@@ -17,7 +17,7 @@ std::unique_ptr<tessera_host::Pane> openPane(const Options& options, relay2::IMe
     auto pane = tessera_host::Pane::open(settings, messenger, &progress, error);
     if (pane) return pane;
     if (!error.cancelled) printMessage(error.text);
-    exitStatus = error.unopened ? exitUnopened : exitFailed;
+    exitStatus = unlessInterrupted(error.unopened ? exitUnopened : exitFailed);
     return nullptr;
 }
 

@@ -71,11 +71,11 @@ int render(const Options& options) {
     OutputFile file;  // opened before the work: a place that cannot be written is known at once
     if (!file.open(options.output)) {
         if (!isInterrupted()) printMessage(file.error());
-        return exitUnopened;
+        return unlessInterrupted(exitUnopened);
     }
     variant_bag_t diagram;
-    if (!makeDiagram(options, *pane, diagram)) return exitFailed;
-    if (!writeDiagram(options, diagram, file)) return exitUnopened;
+    if (!makeDiagram(options, *pane, diagram)) return unlessInterrupted(exitFailed);
+    if (!writeDiagram(options, diagram, file)) return unlessInterrupted(exitUnopened);
     if (messenger.errorCount() == 0) return exitDone;
     printMessage(fmt::format("{}: the diagram was written in spite of the {} above", options.document,
                              messenger.errorCount() == 1 ? "error" : "errors"));

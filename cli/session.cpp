@@ -93,8 +93,8 @@ int session(const Options& options) {
     Session session(*pane);
     LineReader reader(STDIN_FILENO, interruptDescriptor(), maxLine);
     while (reader.next())
-        if (!session.answer(reader)) return exitUnopened;
-    if (reader.error() == 0 || isInterrupted()) return exitDone;
+        if (!session.answer(reader)) return unlessInterrupted(exitUnopened);
+    if (reader.error() == 0 || isInterrupted()) return unlessInterrupted(exitDone);
     printMessage(
         fmt::format("standard input: cannot read: {}", std::generic_category().message(reader.error())));
     return exitUnopened;

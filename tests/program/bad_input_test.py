@@ -282,6 +282,26 @@ class Outputs(Case):
         self.assertTrue(link.is_symlink())
         self.assertEqual(shown_value(json.loads((self.folder / 'later.json').read_text())), '1')
 
+    def test_names_of_open_descriptors(self):
+        """What is already open is written where it stands, as if no name had been given."""
+        document, database = self.write('v.xml', GOOD), self.database()
+        for name in ('/dev/stdout', '/dev/fd/1', '/proc/self/fd/1', '-'):
+            log = self.write('all.log', 'earlier\n')
+            command = [program.PROGRAM, 'render', document, '--db', database, '--format', 'json', '-o', name]
+            with open(log, 'a', encoding='utf-8') as file:
+                done = subprocess.run(command, stdout=file, stderr=subprocess.PIPE, text=True)
+                file.write('later\n')
+            self.assertEqual(done.returncode, 0, (name, done.stderr))
+            text = log.read_text()
+            self.assertTrue(text.startswith('earlier\n{') and text.endswith('}\nlater\n'), (name, text))
+            done = subprocess.run(command, capture_output=True, text=True)  # to a pipe
+            self.assertEqual(done.returncode, 0, (name, done.stderr))
+            self.assertEqual(shown_value(json.loads(done.stdout)), '1')
+
+    def test_name_of_a_descriptor_that_is_not_open(self):
+        done = self.run_program('render', self.write('v.xml', GOOD), '--db', self.database(), '--format', 'json', '-o', '/dev/fd/99')
+        self.assert_clean_failure(done, 3, '/dev/fd/99: cannot write')
+
     def test_links_in_a_circle(self):
         link = self.folder / 'out.json'
         link.symlink_to('out.json')
@@ -306,6 +326,7 @@ class Usage(Case):
                           ['render', path, '--db', database, '--filter', 'other=1'],
                           ['render', path, '--db', database, '--catalogs', self.folder],
                           ['render', path, '--db', database, '--locale', 'de'],
+                          ['render', path, '--db', database, '-o', ''], ['render', path, '--db', ''], ['check', ''],
                           ['render', path, '--db', database, '--mode', 'Ratio'],
                           ['render', path, '--db', database, '--query-timeout', 'nan'],
                           ['render', path, '--db', database, '--query-timeout', '0'],
@@ -330,6 +351,11 @@ class Usage(Case):
         done = self.run_program('render', self.write('v.xml', GOOD), '--db', self.database(), '--log-config', settings)
         self.assert_clean_failure(done, 3, f'{settings}: ', 'Nothing')
         self.assertTrue(all(line.startswith('tessera: ') for line in done.stderr.splitlines()), done.stderr)
+
+    def test_log_configuration_that_configures_nothing(self):
+        settings = self.write('log.properties', 'something=else\n')
+        done = self.run_program('render', self.write('v.xml', GOOD), '--db', self.database(), '--log-config', settings)
+        self.assert_clean_failure(done, 3, f'{settings}: no logger has an appender')
 
     def test_log_stays_off_standard_output(self):
         settings = self.write('log.properties', 'log4cplus.rootLogger=DEBUG, A\n'

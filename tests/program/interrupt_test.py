@@ -75,6 +75,15 @@ class Interrupt(Case):
         self.assertEqual(program.shown_value(json.loads(pipe.read_text())), '1')
         self.assertEqual(process.wait(10 * program.SLOW), 0)
 
+    def test_while_nobody_writes_the_input(self):
+        pipe = self.folder / 'v.xml'
+        os.mkfifo(pipe)
+        for arguments in (['render', pipe], ['check', pipe], ['render', self.write('d.xml', showing('SUM(a)')), '--log-config', pipe]):
+            process = self.start(*arguments, '--db', self.database())
+            time.sleep(0.5 * program.SLOW)
+            out, err, _ = self.interrupt(process)
+            self.assertEqual((process.returncode, out, err), (130, '', 'tessera: interrupted\n'), arguments)
+
     def test_session_while_it_waits(self):
         process = self.start('session', self.write('v.xml', showing('SUM(a)')), '--db', self.database())
         process.stdin.write('{"request":"create"}\n')
