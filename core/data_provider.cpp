@@ -1,9 +1,12 @@
 #include "core/data_provider.h"
 
+#include <cassert>
+#include <chrono>
 #include <utility>
 #include <vector>
 
 #include "core/check.h"
+#include "core/layout_watch.h"
 
 namespace tessera_1 {
 
@@ -11,6 +14,30 @@ TESSERA_SOURCE_UNIT("core/data_provider");
 
 using basekit2::error_code_t;
 using basekit2::variant_bag_t;
+
+namespace {
+
+// Tells the watcher, if there is one, of the stages of one "create". Debug builds verify the graph behind
+// each.
+class StageWatch {
+  public:
+    bool goesOn(const char* stage, const view_model::Graph& graph) {
+        assert(verifyGraph(graph, stage).empty());
+        if (m_watcher == nullptr) return true;
+        const auto took = Clock::now() - m_begin;
+        const bool goesOn = m_watcher->stageEnded(stage, took, graph);
+        m_begin = Clock::now();
+        return goesOn;
+    }
+
+  private:
+    using Clock = std::chrono::steady_clock;
+
+    ILayoutWatcher* const m_watcher = layoutWatcher();
+    Clock::time_point m_begin = m_watcher == nullptr ? Clock::time_point() : Clock::now();
+};
+
+}  // namespace
 
 std::unique_ptr<DataProvider> DataProvider::create(variant_bag_t& config, variant_bag_t& /*out*/,
                                                    basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary,
@@ -20,12 +47,29 @@ std::unique_ptr<DataProvider> DataProvider::create(variant_bag_t& config, varian
     auto dp = std::make_unique<DataProvider>();
     dp->m_queryLibrary = queryLibrary;
     dp->m_inputData = inputData;
+    StageWatch watch;
     dp->parseViewpoint(config, std::move(queryLibrary), messenger, std::move(inputData), dp->m_graph);
     TESSERA_CHECK(dp->m_graph, nullptr);
+    if (!watch.goesOn("viewpoint", *dp->m_graph)) return dp;
     TESSERA_CHECK(dp->getData(progress).succeeded(), nullptr);
-    // The layout passes follow here, one statement each: setLinkInfoAsNodes, setGroupInfoAsNodes,
-    // createDummyLinksForGroups, calculateHierarchicalLevels, addDummyNodesForLabels,
-    // addDummyNodesForInterfaces, adjustLabelLocations, setNodeAlignings, setGroupLevels.
+    if (!watch.goesOn("data", *dp->m_graph)) return dp;
+    TESSERA_CHECK(dp->m_graph->setLinkInfoAsNodes().succeeded(), nullptr);
+    TESSERA_CHECK(dp->m_graph->setGroupInfoAsNodes().succeeded(), nullptr);
+    if (!watch.goesOn("info_nodes", *dp->m_graph)) return dp;
+    dp->m_graph->createDummyLinksForGroups();
+    if (!watch.goesOn("group_links", *dp->m_graph)) return dp;
+    TESSERA_CHECK(dp->m_graph->calculateHierarchicalLevels().succeeded(), nullptr);
+    if (!watch.goesOn("hierarchical_levels", *dp->m_graph)) return dp;
+    TESSERA_CHECK(dp->m_graph->addDummyNodesForLabels().succeeded(), nullptr);
+    if (!watch.goesOn("label_dummies", *dp->m_graph)) return dp;
+    TESSERA_CHECK(dp->m_graph->addDummyNodesForInterfaces().succeeded(), nullptr);
+    if (!watch.goesOn("interfaces", *dp->m_graph)) return dp;
+    TESSERA_CHECK(dp->m_graph->adjustLabelLocations().succeeded(), nullptr);
+    if (!watch.goesOn("label_locations", *dp->m_graph)) return dp;
+    dp->m_graph->setNodeAlignings();
+    if (!watch.goesOn("node_alignings", *dp->m_graph)) return dp;
+    (void)dp->m_graph->setGroupLevels();
+    (void)watch.goesOn("group_levels", *dp->m_graph);
     return dp;
 }
 

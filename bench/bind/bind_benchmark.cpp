@@ -4,24 +4,18 @@
 //     tessera_bench_bind [--nodes N] [--modes N] [--runs N]
 //
 // Times are the best of the runs, each in a process of its own, so that none profits from memory of another.
-#include <expat.h>
 #include <fmt/format.h>
 #include <log4cplus/logger.h>
-#include <malloc.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <string>
 
-#include "bench/bind/generated_input.h"
+#include "bench/support/generated_input.h"
+#include "bench/support/measuring.h"
 #include "host/pane/pane.h"
 #include "host/text/json_writer.h"
 #include "host/text/xml_reader.h"
@@ -29,77 +23,15 @@
 namespace tessera_bench {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-double secondsOf(const std::function<void()>& work) {
-    const auto begin = Clock::now();
-    work();
-    return std::chrono::duration<double>(Clock::now() - begin).count();
-}
-
-// Bytes that the program has allocated and not given back.
-double allocated() {
-    const auto info = mallinfo2();
-    return static_cast<double>(info.uordblks + info.hblkhd);
-}
-
-double peakResident() {
-    std::ifstream status("/proc/self/status");
-    for (std::string line; std::getline(status, line);)
-        if (line.starts_with("VmHWM:")) return std::atof(line.c_str() + 6) * 1024;
-    return 0;
-}
-
-class Counter final : public tessera_host::TextSink {
-  public:
-    std::size_t bytes = 0;
-
-  protected:
-    bool deliver(std::string_view block) override {
-        bytes += block.size();
-        return true;
-    }
-};
-
-class Complaints final : public relay2::IMessenger {
-  public:
-    void post(relay2::severity_t, const std::string& text, basekit2::source_position_t) override {
-        fmt::print(stderr, "{}\n", text);
-        std::exit(1);
-    }
-};
-
-double parseAlone(const std::string& text) {
-    const XML_Parser parser = XML_ParserCreate(nullptr);
-    std::size_t events = 0;
-    XML_SetUserData(parser, &events);
-    XML_SetElementHandler(
-        parser, [](void* count, const char*, const char**) { ++*static_cast<std::size_t*>(count); },
-        [](void* count, const char*) { ++*static_cast<std::size_t*>(count); });
-    XML_SetCharacterDataHandler(parser,
-                                [](void* count, const char*, int) { ++*static_cast<std::size_t*>(count); });
-    const double seconds = secondsOf([&] {
-        if (XML_Parse(parser, text.data(), static_cast<int>(text.size()), 1) != XML_STATUS_OK) std::exit(1);
-    });
-    XML_ParserFree(parser);
-    return seconds;
-}
-
 // What one run took, in seconds and bytes.
 struct Figures {
     double alone, reading, opening, create, writing, refresh;
     double parsedBytes, keptBytes, peakBytes, jsonBytes;
 };
 
-[[noreturn]] void giveUp(const std::string& text) {
-    fmt::print(stderr, "{}\n", text);
-    std::exit(1);
-}
-
 Figures measure(const tessera_host::PaneSettings& settings) {
     Figures figures{};
-    std::ifstream file(settings.document, std::ios::binary);
-    const std::string text((std::istreambuf_iterator<char>(file)), {});
+    const std::string text = contentOf(settings.document);
     figures.alone = parseAlone(text);
     double before = allocated();
     {
@@ -133,26 +65,6 @@ Figures measure(const tessera_host::PaneSettings& settings) {
     return figures;
 }
 
-// Measures in a child process, which starts with fresh memory.
-Figures measureApart(const tessera_host::PaneSettings& settings) {
-    int ends[2];
-    if (pipe(ends) != 0) giveUp("pipe");
-    std::fflush(stdout);  // or the child prints it again
-    const pid_t child = fork();
-    if (child == 0) {
-        const Figures figures = measure(settings);
-        _exit(write(ends[1], &figures, sizeof figures) == sizeof figures ? 0 : 1);
-    }
-    Figures figures{};
-    int status = 0;
-    const bool read = ::read(ends[0], &figures, sizeof figures) == sizeof figures;
-    waitpid(child, &status, 0);
-    if (!read || status != 0) giveUp("the measuring process failed");
-    close(ends[0]);
-    close(ends[1]);
-    return figures;
-}
-
 void print(const Figures& best, const InputCounts& counts) {
     const auto line = [&](const char* what, double seconds) {
         fmt::print("{:34} {:8.3f} s {:6.2f} times\n", what, seconds, seconds / best.alone);
@@ -178,9 +90,10 @@ void run(const InputShape& shape, std::size_t runs, const std::filesystem::path&
     writeDatabase(counts, settings.database);
     fmt::print("{} nodes, {} links, {} references, {:.1f} MB of XML\n", counts.nodes, counts.links,
                counts.references, static_cast<double>(std::filesystem::file_size(settings.document)) / 1e6);
-    Figures best = measureApart(settings);
+    const std::function<Figures()> once = [&] { return measure(settings); };
+    Figures best = measureApart(once);
     for (std::size_t i = 1; i < runs; ++i) {
-        const Figures figures = measureApart(settings);
+        const Figures figures = measureApart(once);
         for (double Figures::*each : {&Figures::alone, &Figures::reading, &Figures::opening, &Figures::create,
                                       &Figures::writing, &Figures::refresh})
             best.*each = std::min(best.*each, figures.*each);

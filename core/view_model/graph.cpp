@@ -1,5 +1,7 @@
 #include "core/view_model/graph.h"
 
+#include <algorithm>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -20,21 +22,26 @@ void takeApart(Link& link) {
     link.m_dummyLink = nullptr;
 }
 
-// Ordered pairs of nodes that have been seen.
-class NodePairs {
+// Adds to lists of nodes what they do not hold yet. Long ones are remembered as sets.
+class Neighbours {
   public:
-    bool insert(const Node* a, const Node* b) { return m_pairs.insert({a, b}).second; }
+    void add(std::vector<std::shared_ptr<Node>>& list, const std::shared_ptr<Node>& node) {
+        if (list.size() < longList) {
+            if (std::find(list.begin(), list.end(), node) != list.end()) return;
+        } else {
+            auto& known = m_known[&list];
+            if (known.empty())
+                for (const auto& each : list)
+                    known.insert(each.get());
+            if (!known.insert(node.get()).second) return;
+        }
+        list.push_back(node);
+    }
 
   private:
-    using Pair = std::pair<const Node*, const Node*>;
-    struct Hash {
-        std::size_t operator()(const Pair& pair) const noexcept {
-            const auto a = reinterpret_cast<std::uintptr_t>(pair.first);
-            const auto b = reinterpret_cast<std::uintptr_t>(pair.second);
-            return (a * 0x9E3779B97F4A7C15U) ^ (b >> 4U);
-        }
-    };
-    std::unordered_set<Pair, Hash> m_pairs;
+    static constexpr std::size_t longList = 16;
+
+    std::unordered_map<const void*, std::unordered_set<const Node*>> m_known;  // by list
 };
 
 }  // namespace
@@ -51,11 +58,13 @@ Graph::~Graph() {
 }
 
 void Graph::addNode(std::shared_ptr<Node> node) {
+    m_idBytes += node->m_id.size();
     m_nodeIndex.file(m_nodes, node->m_id, node);
     m_nodeList.push_back(std::move(node));
 }
 
 void Graph::addLink(std::shared_ptr<Link> link) {
+    m_idBytes += link->m_id.size();
     m_linkIndex.file(m_links, link->m_id, link);
     m_linkList.push_back(std::move(link));
 }
@@ -66,22 +75,11 @@ void Graph::setChildrenAndParents() {
         node->m_parents.clear();
         node->m_children.clear();
     }
-    // Node::addChildParent for every link, without its search through the lists. A node that another of the
-    // same id has pushed out of m_nodes keeps its lists, so what they hold counts as seen.
-    NodePairs children;
-    NodePairs parents;
-    for (const auto& node : m_nodeList) {
-        for (const auto& child : node->m_children)
-            children.insert(node.get(), child.get());
-        for (const auto& parent : node->m_parents)
-            parents.insert(node.get(), parent.get());
-    }
+    Neighbours neighbours;  // Node::addChildParent for every link, without its search through long lists
     for (const auto& link : m_linkList) {
-        const auto& child = link->m_to;
-        const auto& parent = link->m_from;
-        if (!child || !parent) continue;
-        if (children.insert(parent.get(), child.get())) parent->m_children.push_back(child);
-        if (parents.insert(child.get(), parent.get())) child->m_parents.push_back(parent);
+        if (!link->m_to || !link->m_from) continue;
+        neighbours.add(link->m_from->m_children, link->m_to);
+        neighbours.add(link->m_to->m_parents, link->m_from);
     }
 }
 

@@ -3,10 +3,14 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "core/export.h"
+#include "core/layout_limits.h"
 #include "core/view_model/hierarchical_level_manager.h"
 #include "core/view_model/id_index.h"
 #include "core/view_model/link.h"
@@ -45,6 +49,33 @@ class TESSERA_EXPORT Graph {
     // Clears `out` and fills it with the display infos of all nodes, then of all links; no null entries.
     void getDisplayInfos(std::vector<std::shared_ptr<DisplayInfo>>& out) const;
 
+    // The layout passes, each described in the file of its name in passes/; in this order, once a diagram.
+    basekit2::error_code_t setLinkInfoAsNodes();
+    basekit2::error_code_t setGroupInfoAsNodes();
+    void createDummyLinksForGroups();
+    basekit2::error_code_t calculateHierarchicalLevels();
+    basekit2::error_code_t addDummyNodesForLabels();
+    basekit2::error_code_t addDummyNodesForInterfaces();
+    basekit2::error_code_t adjustLabelLocations();
+    void setNodeAlignings();
+    basekit2::error_code_t setGroupLevels();
+
+    // What they are made of.
+    using NodeAndLink = std::pair<std::shared_ptr<Node>, std::shared_ptr<Link>>;
+    NodeAndLink insertNode(const std::shared_ptr<Link>& link, DataTransferTable transfers,
+                           const std::string& type);
+    // Empty as well when the diagram would grow beyond a limit.
+    NodeAndLink insertDummyNode(const std::shared_ptr<Link>& link);
+    std::shared_ptr<Node> createInfoNode(const std::shared_ptr<Node>& group);
+    void createDummyLink(const std::shared_ptr<Node>& from, const std::shared_ptr<Node>& to,
+                         const std::shared_ptr<Link>& link);
+    basekit2::error_code_t calculateHierarchicalLevelsForGroup(const std::shared_ptr<Node>& group);
+    // Empties the layers of all groups.
+    void clearHierarchicalLevelManagers();
+    basekit2::error_code_t addDummyNodesForLabelsOnCrosslevelLinks();
+    void swapNodes(const std::shared_ptr<Node>& a, const std::shared_ptr<Node>& b);
+    void changeNodeGroup(const std::shared_ptr<Node>& node, const std::shared_ptr<Node>& group);
+
     // Each adds one child bag to `out`: "diagram", "nodes", "links".
     void dumpTotalInfo(basekit2::variant_bag_t& out) const;
     void dumpNodes(basekit2::variant_bag_t& out);
@@ -62,10 +93,20 @@ class TESSERA_EXPORT Graph {
         m_groups;  // distinct groups of all nodes; null stands for the top level
     GroupLevelManager m_groupLevelManager;
     std::map<std::shared_ptr<Node>, HierarchicalLevelManager> m_levelManagers;
+    LayoutLimits m_limits = layoutLimits();
+    bool m_isCutShort = false;  // a limit has kept a pass from ending its work
 
   private:
+    using Members = std::vector<std::shared_ptr<Node>>;  // of one group, by ascending id
+
+    TESSERA_HIDDEN Members membersOf(const std::shared_ptr<Node>& group);
+
+    // Of the groups that are yet to be layered, while all are.
+    std::optional<std::unordered_map<const Node*, Members>> m_members;
     IdIndex<Node> m_nodeIndex;
     IdIndex<Link> m_linkIndex;
+    std::unordered_map<std::string, std::size_t> m_dummyLinkCounts;  // by their ids without number
+    std::size_t m_idBytes = 0;                                       // of all nodes and links
 };
 
 }  // namespace tessera_1::view_model

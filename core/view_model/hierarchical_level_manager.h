@@ -21,6 +21,13 @@ class TESSERA_EXPORT HierarchicalLevelManager {
 
     // Appends an empty layer.
     void addLevel();
+    // Puts the node at the end of layer `level`, making layers as needed, and records the level on it. A node
+    // that is in a layer already leaves it, and may only go to a deeper one; with `keepPlaceholder` a null
+    // entry stays behind, so that whoever reads that layer is not disturbed. A range error, reported, when
+    // the level is negative or not deeper; the false code, reported, when the node is not where its level
+    // says.
+    basekit2::error_code_t setLevel(const std::shared_ptr<Node>& node, std::int32_t level,
+                                    bool keepPlaceholder);
 
     std::vector<std::shared_ptr<Level>> m_levels;
 };

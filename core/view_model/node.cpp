@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/check.h"
+#include "core/view_model/hierarchical_level_manager.h"
 
 namespace tessera_1::view_model {
 
@@ -43,6 +44,40 @@ error_code_t Node::addToGroup(const std::shared_ptr<Node>& group) {
 void Node::removeFromGroup(const std::shared_ptr<Node>& member) {
     const auto it = std::find(m_groupChildren.begin(), m_groupChildren.end(), member);
     if (it != m_groupChildren.end()) m_groupChildren.erase(it);
+}
+
+void Node::setHierarchicalLevel(std::int32_t level) {
+    if (level < -1) {
+        check::failed(TESSERA_HERE, "level >= -1", level >= -1);
+        (void)TESSERA_RAISE(bk2::error::IsNot.Valid.Range(_U("The level is below -1")));
+    }
+    m_hierarchicalLevel = level;
+}
+
+error_code_t Node::setGroupChildLevelGroup(GroupLevelManager& manager) {
+    std::int32_t level = 0;
+    const error_code_t err = manager.getGroupLevel(m_id, level);
+    TESSERA_CHECK(err.succeeded(), err);
+    // The groups on the way down to the present one, and how many of their members have been visited.
+    struct Visit {
+        const Node* group;
+        std::size_t next;
+    };
+    std::vector<Visit> way{{this, 0}};
+    while (!way.empty()) {
+        Visit& visit = way.back();
+        if (visit.next == visit.group->m_groupChildren.size()) {
+            way.pop_back();
+            --level;
+            continue;
+        }
+        const Node& member = *visit.group->m_groupChildren[visit.next++];
+        manager.setGroupLevel(member.m_id, level + 1);
+        if (!member.isGroup()) continue;
+        way.push_back({&member, 0});
+        ++level;
+    }
+    return {};
 }
 
 void Node::setLocation(const std::string& location) {

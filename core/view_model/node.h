@@ -1,6 +1,7 @@
 // A box of the diagram, or a group box that contains others.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -11,6 +12,8 @@
 #include "platform/basekit2/error_code.h"
 
 namespace tessera_1::view_model {
+
+class GroupLevelManager;
 
 // Held by shared pointers, in cycles that the graph breaks when it ends. Used by one thread at a time.
 class TESSERA_EXPORT Node : public std::enable_shared_from_this<Node> {
@@ -38,6 +41,12 @@ class TESSERA_EXPORT Node : public std::enable_shared_from_this<Node> {
     // Strikes the first entry of `member` from this group's members; the member itself is left alone.
     void removeFromGroup(const std::shared_ptr<Node>& member);
 
+    // The layer inside the group; no layer manager hears of it. A level below -1 is reported, and stored.
+    void setHierarchicalLevel(std::int32_t level);
+    // Gives the members of this group, and of the groups in it at any depth, their levels: one more than the
+    // group's own, which the manager should know (0 when it does not).
+    basekit2::error_code_t setGroupChildLevelGroup(GroupLevelManager& manager);
+
     // "from" and "to" set the aligning as well.
     void setLocation(const std::string& location);
 
@@ -60,6 +69,15 @@ class TESSERA_EXPORT Node : public std::enable_shared_from_this<Node> {
     std::string m_location;
     std::string m_aligning = "none";
     std::string m_displayType = "none";
+
+    // Where something last was in a list; looked at before the list is searched.
+    struct Hints {
+        std::size_t inLayer = 0;
+        bool isInSomeLayer = false;
+        bool mayBeInLayersTwice = false;  // put into layers anew while it may still be in old ones
+        std::size_t inMembers = 0;
+    };
+    Hints m_hints;
 };
 
 }  // namespace tessera_1::view_model

@@ -111,6 +111,7 @@ std::unique_ptr<Pane> Pane::open(const PaneSettings& settings, relay2::IMessenge
         return nullptr;
     }
     installCatalogs(settings, messenger);
+    tessera_1::setLayoutLimits(settings.limits);
 
     const auto declarations = Declarations::read(viewpoint);
     for (const Problem& problem : declarations->problems())

@@ -6,6 +6,7 @@
 #include <mutex>
 #include <string>
 
+#include "core/layout_limits.h"
 #include "host/sqlite/table_tree_engine.h"
 #include "host/text/read_error.h"
 #include "platform/panelcore_1/request_handler.h"
@@ -21,6 +22,7 @@ struct PaneSettings {
     std::string catalogs;                        // folder of the message catalogues; "" for none
     std::string locale;
     double queryTimeout = 600;  // seconds
+    tessera_1::LayoutLimits limits;
 };
 
 // Why a pane could not be opened. `text` names the file, and line and column where there are any.
@@ -33,7 +35,8 @@ struct OpenError {
 class Pane {
   public:
     // Reads the document, opens the database read-only and makes the handler. `messenger` must outlive the
-    // pane. Null, with `error` filled, when that fails. Catalogues become those of the whole process.
+    // pane. Null, with `error` filled, when that fails. Catalogues and limits become those of the whole
+    // process.
     [[nodiscard]] static std::unique_ptr<Pane> open(const PaneSettings& settings,
                                                     relay2::IMessenger& messenger,
                                                     relay2::IProgress* progress, OpenError& error);

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs cases against the program: run.py PROGRAM [CASE...] [--write] [--without-levels]. See README.md beside this file."""
+"""Runs cases against the program: run.py PROGRAM [CASE...] [--write]. See README.md beside this file."""
 import argparse
 import json
 import pathlib
@@ -32,13 +32,6 @@ def reports(log):
     return found
 
 
-def without_levels(answer):
-    for node in answer['out'].get('nodes', {}).get('node', []):
-        node.pop('hierarchicalLevel')
-        node.pop('groupLevel')
-    return answer
-
-
 def run(program, case):
     """Answers and reports of one case."""
     requests = [json.loads(line) for line in (case / 'requests.jsonl').read_text('utf-8').splitlines()]
@@ -69,12 +62,10 @@ def normal(answer, keys):
     return json.dumps({key: answer.get(key) for key in keys}, ensure_ascii=False)
 
 
-def difference(program, case, levels):
+def difference(program, case):
     expected = [json.loads(line) for line in (case / 'expected.jsonl').read_text('utf-8').splitlines()]
     answers, log = run(program, case)
     for number, (want, got) in enumerate(zip(expected, answers, strict=True), start=1):
-        if not levels:
-            want, got = without_levels(want), without_levels(got)
         if normal(want, want) != normal(got, want):
             return f'answer {number}:\n  expected {normal(want, want)}\n  got      {normal(got, want)}'
     want = (case / 'expected.log').read_text('utf-8').splitlines()
@@ -88,7 +79,6 @@ def main():
     parser.add_argument('program')
     parser.add_argument('cases', nargs='*', type=pathlib.Path)
     parser.add_argument('--write', action='store_true', help='write the answers down as expected')
-    parser.add_argument('--without-levels', action='store_true')
     options = parser.parse_args()
     cases = options.cases or sorted(path.parent for path in HERE.glob('*/viewpoint.xml'))
     failed = 0
@@ -100,7 +90,7 @@ def main():
             (case / 'expected.log').write_text(''.join(line + '\n' for line in log), 'utf-8')
             continue
         try:
-            found = difference(options.program, case, not options.without_levels)
+            found = difference(options.program, case)
         except Exception as error:  # whatever it is, the other cases are run
             found = f'{type(error).__name__}: {error}'
         if found:

@@ -118,7 +118,7 @@ sptr_t<qlib_1::IQuery> MemoryQueryLibrary::buildQuery(const variant_bag_t& defin
         const basekit2::variant_t* text = child.get_value().get("");
         if (child.get_name() != "queryRef" || text == nullptr) continue;
         const std::string reference(text->get<std::string_view>());
-        if (reference.front() != '/' || (!known.empty() && !known.contains(reference.substr(1)))) {
+        if (!reference.starts_with('/') || (!known.empty() && !known.contains(reference.substr(1)))) {
             if (messenger)
                 messenger->post(relay2::severity_t::error, "no query " + reference,
                                 child.get_value().position());

@@ -33,8 +33,11 @@ void Graph::dumpTotalInfo(variant_bag_t& out) const {
 void Graph::dumpNodes(variant_bag_t& out) {
     variant_bag_t& nodes = out.add_variant_bag("nodes");
     nodes.put("arrayOf", "node");
-    for (const auto& [id, level] : m_groupLevelManager.m_groupLevels)
-        if (const auto& node = m_nodes[id]) node->m_groupLevel = level;
+    for (const auto& [id, level] : m_groupLevelManager.m_groupLevels) {
+        auto node = findNode(id);
+        if (!node) node = m_nodes[id];  // which leaves an empty entry for an id that nobody has
+        if (node) node->m_groupLevel = level;
+    }
     for (const auto& node : m_nodeList)
         if (node->m_type != "groupInfo") node->dump(nodes, m_displayMode);
     for (const auto& node : m_nodeList)

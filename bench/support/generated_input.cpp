@@ -1,4 +1,4 @@
-#include "bench/bind/generated_input.h"
+#include "bench/support/generated_input.h"
 
 #include <fmt/format.h>
 #include <sqlite3.h>
@@ -8,12 +8,14 @@
 #include <fstream>
 #include <iostream>
 #include <random>
+#include <utility>
 #include <vector>
 
 namespace tessera_bench {
 namespace {
 
 constexpr std::size_t groupSize = 100;
+constexpr std::size_t rankSize = 10;
 
 constexpr const char* head = R"(<?xml version="1.0" encoding="UTF-8"?>
 <viewpoint>
@@ -29,6 +31,7 @@ constexpr const char* head = R"(<?xml version="1.0" encoding="UTF-8"?>
 )";
 
 constexpr std::array modeNames{"bandwidth", "ratio", "size"};
+constexpr std::array locations{"from", "center", "to"};
 constexpr std::array modeQueries{"Rate", "Share", "Size"};
 
 // Nodes are n0, n1, ...; a group of ids [begin, end) is g and its first id.
@@ -45,16 +48,55 @@ void writeNodes(std::ostream& out, std::size_t begin, std::size_t end, std::size
     }
 }
 
+// Ends of random links that make no cycle.
+class LinkEnds {
+  public:
+    explicit LinkEnds(const InputShape& shape) : m_shape(shape), m_random(shape.seed) {}
+
+    using Ends = std::pair<std::size_t, std::size_t>;
+
+    Ends next() { return m_shape.isTangled ? nextTangled() : nextBetweenRanks(); }
+
+  private:
+    std::size_t below(std::size_t n) { return m_random() % n; }
+
+    Ends nextTangled() {
+        const std::size_t from = below(m_shape.nodes);
+        const std::size_t groupEnd = std::min((from / groupSize + 1) * groupSize, m_shape.nodes);
+        std::size_t to = below(20) != 0 ? from + below(groupEnd - from) : below(m_shape.nodes);
+        if (to == from) to = from > 0 ? from - 1 : 1;  // a link to itself would be a cycle
+        return {std::min(from, to), std::max(from, to)};
+    }
+
+    // Every node that is not in the first rank is first given a link from the rank before.
+    Ends nextBetweenRanks() {
+        const bool isSpanning = m_nextTo < m_shape.nodes;
+        const std::size_t to = isSpanning ? m_nextTo++ : below(m_shape.nodes);
+        const bool isLocal = below(20) != 0;
+        // The unit is what stands in ranks: nodes of a group, or groups of the group around it.
+        const std::size_t unit = isLocal || m_shape.isFlat ? 1 : groupSize;
+        const std::size_t place = to / unit % groupSize;
+        const std::size_t rank = place / rankSize;
+        if (rank == 0) return nextBetweenRanks();
+        const std::size_t above = rank > 1 && !isSpanning && below(5) == 0 ? 2 : 1;
+        std::size_t first = to / unit - place;
+        if (!isLocal && m_shape.isFlat) first = below(m_shape.nodes) / groupSize * groupSize;
+        const std::size_t from = (first + (rank - above) * rankSize + below(rankSize)) * unit + below(unit);
+        return from < m_shape.nodes ? Ends{from, to} : nextBetweenRanks();
+    }
+
+    const InputShape& m_shape;
+    std::mt19937 m_random;
+    std::size_t m_nextTo = 0;
+};
+
 void writeLinks(std::ostream& out, const InputShape& shape, InputCounts& counts) {
-    std::mt19937 random(shape.seed);
+    LinkEnds ends(shape);
     counts.links = static_cast<std::size_t>(static_cast<double>(shape.nodes) * shape.linksPerNode);
     for (std::size_t i = 0; i < counts.links; ++i) {
-        const std::size_t from = random() % shape.nodes;
-        const std::size_t groupEnd = std::min((from / groupSize + 1) * groupSize, shape.nodes);
-        const bool isLocal = random() % 20 != 0;
-        const std::size_t to = isLocal ? from + random() % (groupEnd - from) : random() % shape.nodes;
+        const auto [from, to] = ends.next();
         out << fmt::format("<link id=\"l{:07}\" from=\"n{:07}\" to=\"n{:07}\" direction=\"forward\"/>\n", i,
-                           std::min(from, to), std::max(from, to));
+                           from, to);
     }
 }
 
@@ -76,9 +118,9 @@ void writeDisplay(std::ostream& out, const InputShape& shape, InputCounts& count
     for (std::size_t i = 0; i < counts.links; ++i) {
         if (!chosen(shape.linksWithLabels)) continue;
         out << fmt::format(
-            "<link id=\"l{:07}\" displayName=\"Link {}\"><label location=\"center\">"
+            "<link id=\"l{:07}\" displayName=\"Link {}\"><label location=\"{}\">"
             "<dataTransfer displayName=\"Traffic\">",
-            i, i);
+            i, i, shape.allLocations ? locations.at(random() % locations.size()) : "center");
         for (std::size_t m = 0; m < shape.modes; ++m)
             out << fmt::format(
                 "<{0}><rowSet displayName=\"Set\"><queryRef displayName=\"{1}\">/{1}/{2}</queryRef>"
@@ -102,7 +144,7 @@ InputCounts writeDocument(const InputShape& shape, const std::string& path) {
     counts.nodes = shape.nodes;
     std::ofstream out(path);
     out << head;
-    writeNodes(out, 0, shape.nodes, groupSize * groupSize);
+    writeNodes(out, 0, shape.nodes, shape.isFlat ? 1 : groupSize * groupSize);
     writeLinks(out, shape, counts);
     out << "</graph>\n<display><graph displayName=\"Generated\"/>\n";
     writeDisplay(out, shape, counts);

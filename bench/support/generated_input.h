@@ -10,7 +10,10 @@ struct InputShape {
     std::size_t nodes = 100'000;
     double linksPerNode = 1.5;
     double nodesWithValues = 0.1;  // share that shows a row set of two rows
-    double linksWithLabels = 0.3;  // share with a label at the centre
+    double linksWithLabels = 0.3;  // share with a label
+    bool isFlat = false;           // no groups
+    bool isTangled = false;        // links inside a group join any two members
+    bool allLocations = false;     // labels at both ends as well as at the centre
     std::size_t modes = 1;         // how many display modes each label has values for, up to 3
     unsigned seed = 1;
 };
@@ -21,8 +24,9 @@ struct InputCounts {
     std::size_t references = 0;
 };
 
-// Writes the viewpoint: nodes in groups of a hundred, groups in groups of a hundred, links mostly inside a
-// group.
+// Writes the viewpoint: nodes in groups of a hundred, groups in groups of a hundred. A hundred stand in ten
+// ranks of ten; a link joins members of one group, mostly of neighbouring ranks, and in one of twenty cases
+// members of two groups that stand side by side. Without groups that one goes to any hundred.
 InputCounts writeDocument(const InputShape& shape, const std::string& path);
 
 // Writes the database that the document's queries ask: one table with a row a node, one with a row a link.

@@ -1,0 +1,56 @@
+// What the benchmarks share: clocks, memory, a process of its own for each run.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+#include "host/text/text_sink.h"
+#include "platform/relay2/messenger.h"
+
+namespace tessera_bench {
+
+[[noreturn]] void giveUp(const std::string& text);
+
+double secondsOf(const std::function<void()>& work);
+
+// Bytes that the program has allocated and not given back.
+double allocated();
+
+// The most memory that the process has had so far, in bytes.
+double peakResident();
+
+std::string contentOf(const std::string& path);
+
+// Seconds that the XML library alone takes to parse the text.
+double parseAlone(const std::string& text);
+
+// Counts what is written.
+class Counter final : public tessera_host::TextSink {
+  public:
+    std::size_t bytes = 0;
+
+  protected:
+    bool deliver(std::string_view block) override;
+};
+
+// Any message ends the benchmark.
+class Complaints final : public relay2::IMessenger {
+  public:
+    void post(relay2::severity_t severity, const std::string& text,
+              basekit2::source_position_t position) override;
+};
+
+// Runs `measure`, which fills `size` bytes, in a child process, which starts with fresh memory.
+void runApart(void* figures, std::size_t size, const std::function<void(void*)>& measure);
+
+template <class Figures>
+Figures measureApart(const std::function<Figures()>& measure) {
+    static_assert(std::is_trivially_copyable_v<Figures>);
+    Figures figures{};
+    runApart(&figures, sizeof figures, [&](void* out) { *static_cast<Figures*>(out) = measure(); });
+    return figures;
+}
+
+}  // namespace tessera_bench

@@ -1,0 +1,28 @@
+// The layers of one group as numbers, for groups in which the plain walk would visit its nodes too often.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+namespace tessera_1::view_model {
+
+// What a walk starts from. Nodes are counted from 0.
+struct LayerGraph {
+    std::vector<std::uint32_t>
+        childrenStart;                    // of each node in `children`; one entry more than there are nodes
+    std::vector<std::uint32_t> children;  // of all nodes, in order
+    std::vector<std::uint32_t> roots;     // in order
+};
+
+struct Layers {
+    std::vector<std::vector<std::uint32_t>> nodes;  // of each layer, in the order of their last arrival
+    bool isBroken = false;  // the walk would have gone beyond the last layer allowed: there is a cycle
+};
+
+// The walk of Graph::calculateHierarchicalLevelsForGroup without its placeholders: each sweep reads a layer
+// and moves the children of its nodes into the next one; layer `lastLayer` is the deepest. Without a cycle on
+// the way it takes linear time. With one it takes a step for each node of each sweep, until a layer repeats
+// an earlier one: from there the rest is known.
+[[nodiscard]] Layers walkLayers(const LayerGraph& graph, std::uint32_t lastLayer);
+
+}  // namespace tessera_1::view_model
