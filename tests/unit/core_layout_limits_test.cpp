@@ -1,0 +1,110 @@
+// Diagrams that would grow too large.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "core/layout_limits.h"
+#include "tests/support/layout_building.h"
+#include "tests/support/log_capture.h"
+
+namespace tessera_test {
+namespace {
+
+using tessera_1::LayoutLimits;
+using tessera_1::layoutLimits;
+using tessera_1::setLayoutLimits;
+using tessera_1::view_model::Graph;
+
+// A chain of ten nodes, and a link from the first to the last that needs eight dummies.
+struct LayoutLimitsOfAGraph : testing::Test, Diagram {
+    LayoutLimitsOfAGraph() {
+        std::vector<NodePtr> all;
+        for (int i = 0; i < 10; ++i)
+            all.push_back(node(std::to_string(i)));
+        chain(all);
+        longLink = link(all.front(), all.back());
+        longLink->m_id = "the long one";
+        EXPECT_TRUE(graph.calculateHierarchicalLevels().is_success());
+    }
+    std::size_t elements() const { return graph.m_nodeList.size() + graph.m_linkList.size(); }
+    // That the pass has stopped with one report, which names the link and the limit.
+    void expectStop(const std::string& limit) {
+        EXPECT_TRUE(graph.addDummyNodesForLabels().is_false());
+        const auto reports = log.reports();
+        ASSERT_EQ(reports.size(), 2U) << "an alert, and its message once more";
+        ASSERT_TRUE(reports[0].starts_with("ERROR alert "));
+        const std::string message = reports[0].substr(std::string("ERROR alert ").size());
+        EXPECT_EQ(reports[1], "INFO " + message);
+        EXPECT_NE(message.find("<the long one>"), std::string::npos) << message;
+        EXPECT_NE(message.find(limit), std::string::npos) << message;
+    }
+
+    LogCapture log;
+    LinkPtr longLink;
+};
+
+TEST_F(LayoutLimitsOfAGraph, WithinTheLimitsTheLinkGetsAllItsDummies) {
+    graph.m_limits.maxElements = elements() + 16;  // a node and a link each
+    EXPECT_TRUE(graph.addDummyNodesForLabels().is_success());
+    EXPECT_EQ(graph.m_nodeList.size(), 18U);
+    EXPECT_EQ(log.reports(), Names{});
+}
+
+TEST_F(LayoutLimitsOfAGraph, OneElementTooManyStopsThePassAndWhatIsThereStays) {
+    graph.m_limits.maxElements = elements() + 15;
+    expectStop(std::to_string(elements() + 15));
+    EXPECT_EQ(graph.m_nodeList.size(), 17U) << "the last of eight has no room";
+    EXPECT_EQ(longLink->m_from->m_hierarchicalLevel, 0);
+    EXPECT_EQ(longLink->m_to->m_hierarchicalLevel, 2) << "what is left of the link skips one layer";
+}
+
+TEST_F(LayoutLimitsOfAGraph, WithoutRoomForOneDummyNothingChanges) {
+    graph.m_limits.maxElements = elements();
+    expectStop(std::to_string(elements()));
+    EXPECT_EQ(elements(), 20U);
+    EXPECT_EQ(endsOf(*longLink), "0>9");
+}
+
+TEST_F(LayoutLimitsOfAGraph, IdsMayNotGrowWithoutEndEither) {
+    // The ids of the chain take 76 bytes, each dummy and its link 20, 36, 52 and so on.
+    graph.m_limits.maxIdBytes = 150;
+    expectStop("150 bytes");
+    std::size_t bytes = 0;
+    for (const auto& each : graph.m_nodeList)
+        bytes += each->m_id.size();
+    for (const auto& each : graph.m_linkList)
+        bytes += each->m_id.size();
+    EXPECT_LE(bytes, 150U);
+    EXPECT_GT(graph.m_nodeList.size(), 10U);
+}
+
+TEST_F(LayoutLimitsOfAGraph, LinkBetweenGroupsStopsAsWell) {
+    const NodePtr g = node("g"), x = node("x", g), y = node("y", g), z = node("z", g);
+    chain({x, y, z});
+    longLink = link(x, graph.m_nodeList.front());
+    longLink->m_id = "the long one";
+    graph.clearHierarchicalLevelManagers();
+    graph.createDummyLinksForGroups();
+    EXPECT_TRUE(graph.calculateHierarchicalLevels().is_success());
+    // Room for the eight dummies inside the top level and one of the two that the way out of g takes.
+    graph.m_limits.maxElements = elements() + 18;
+    expectStop(std::to_string(elements() + 18));
+    EXPECT_EQ(endsOf(*longLink), "x>0_x_dummy");
+    EXPECT_EQ(graph.m_levelManagers[g].m_levels[1]->back()->m_id, "0_x_dummy");
+}
+
+TEST(LayoutLimits, AreThoseOfTheDiagramsMadeFromNowOn) {
+    const LayoutLimits usual = layoutLimits();
+    const Graph before;
+    setLayoutLimits({123, 4567});
+    const Graph after;
+    EXPECT_EQ(layoutLimits().maxElements, 123U);
+    EXPECT_EQ(after.m_limits.maxElements, 123U);
+    EXPECT_EQ(after.m_limits.maxIdBytes, 4567U);
+    EXPECT_EQ(before.m_limits.maxElements, usual.maxElements);
+    setLayoutLimits(usual);
+    EXPECT_EQ(Graph().m_limits.maxIdBytes, usual.maxIdBytes);
+}
+
+}  // namespace
+}  // namespace tessera_test

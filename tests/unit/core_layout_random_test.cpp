@@ -1,0 +1,200 @@
+// Every pass against a literal second implementation of it, on random diagrams.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "core/layout_watch.h"
+#include "core/view_model/graph.h"
+#include "tests/support/graph_difference.h"
+#include "tests/support/literal_layout.h"
+#include "tests/support/log_capture.h"
+#include "tests/support/random_diagram.h"
+
+namespace tessera_test {
+namespace {
+
+using basekit2::error_code_t;
+using basekit2::variant_bag_t;
+using literal::Code;
+using literal::Record;
+using tessera_1::view_model::Graph;
+
+struct Pass {
+    const char* name;
+    const char* stage;
+    std::function<error_code_t(Graph&)> run;
+    std::function<Code(Graph&, Record&)> runLiterally;
+};
+
+const std::vector<Pass>& passes() {
+    static const std::vector<Pass> all{
+        {"setLinkInfoAsNodes", "data", &Graph::setLinkInfoAsNodes, literal::setLinkInfoAsNodes},
+        {"setGroupInfoAsNodes", "info_nodes", &Graph::setGroupInfoAsNodes, literal::setGroupInfoAsNodes},
+        {"createDummyLinksForGroups", "group_links",
+         [](Graph& graph) {
+             graph.createDummyLinksForGroups();
+             return error_code_t::success();
+         },
+         [](Graph& graph, Record&) {
+             literal::createDummyLinksForGroups(graph);
+             return Code::success;
+         }},
+        {"calculateHierarchicalLevels", "hierarchical_levels", &Graph::calculateHierarchicalLevels,
+         literal::calculateHierarchicalLevels},
+        {"addDummyNodesForLabels", "label_dummies", &Graph::addDummyNodesForLabels,
+         literal::addDummyNodesForLabels},
+        {"addDummyNodesForInterfaces", "interfaces", &Graph::addDummyNodesForInterfaces,
+         literal::addDummyNodesForInterfaces},
+        {"adjustLabelLocations", "label_locations", &Graph::adjustLabelLocations,
+         literal::adjustLabelLocations},
+        {"setNodeAlignings", "node_alignings",
+         [](Graph& graph) {
+             graph.setNodeAlignings();
+             return error_code_t::success();
+         },
+         [](Graph& graph, Record& record) {
+             literal::setNodeAlignings(graph, record);
+             return Code::success;
+         }},
+        {"setGroupLevels", "group_levels", &Graph::setGroupLevels, literal::setGroupLevels}};
+    return all;
+}
+
+std::string nameOf(error_code_t code) {
+    return code.name();
+}
+std::string nameOf(Code code) {
+    return code == Code::success ? "success" : code == Code::falseCode ? "false" : "IsNot.Valid.Range";
+}
+
+// In how many diagrams something was met, so that a test can tell that they are of all kinds.
+struct Met {
+    int finished = 0;
+    int exchanged = 0;
+    int centresAligned = 0;
+    std::map<std::string, int> failures;  // by pass
+    std::map<std::string, int> growths;   // more nodes than before, by pass
+};
+
+// The differences between what the passes say, or "".
+std::string saidDifferently(error_code_t code, Code literalCode, const LogCapture& log,
+                            const Record& record) {
+    if (nameOf(code) != nameOf(literalCode))
+        return "it answers " + nameOf(code) + ", not " + nameOf(literalCode);
+    std::vector<std::string> expected;
+    for (const std::string& condition : record.failed)
+        expected.push_back("ERROR check " + condition);
+    const auto reports = log.reports();
+    const auto [report, other] =
+        std::mismatch(reports.begin(), reports.end(), expected.begin(), expected.end());
+    if (report == reports.end() && other == expected.end()) return "";
+    return "it reports " + (report == reports.end() ? "nothing" : *report) + ", not " +
+           (other == expected.end() ? "nothing" : *other);
+}
+
+void note(const Pass& pass, bool hasFailed, bool hasGrown, Met& met) {
+    if (hasFailed) ++met.failures[pass.name];
+    if (hasGrown) ++met.growths[pass.name];
+}
+
+variant_bag_t dumped(Graph& graph) {
+    variant_bag_t out;
+    graph.dumpTotalInfo(out);
+    graph.dumpNodes(out);
+    graph.dumpLinks(out);
+    return out;
+}
+
+// Empty when all passes do the same.
+std::string compareAllPasses(std::uint64_t seed, Met& met) {
+    Graph graph;
+    Graph literalGraph;
+    fillRandomDiagram(graph, seed);
+    fillRandomDiagram(literalGraph, seed);
+    const std::string start = firstDifference(graph, literalGraph, true);
+    if (!start.empty()) return "at the start: " + start;
+    const LogCapture log;
+    Record record;
+    bool placeholders = true;
+    for (const Pass& pass : passes()) {
+        const std::size_t nodesBefore = literalGraph.m_nodeList.size();
+        const std::size_t failedBefore = record.failed.size();
+        Code literalCode = Code::success;
+        try {
+            literalCode = pass.runLiterally(literalGraph, record);
+        } catch (const literal::TooLarge&) {
+            return "";
+        }
+        const error_code_t code = pass.run(graph);
+        // A walk that fails may have been cut short, and then leaves none.
+        if (std::string(pass.name) == "calculateHierarchicalLevels")
+            placeholders = literalCode == Code::success;
+        const std::string said = saidDifferently(code, literalCode, log, record);
+        if (!said.empty()) return std::string(pass.name) + ": " + said;
+        const auto unsound = tessera_1::verifyGraph(graph, pass.stage);
+        if (!unsound.empty()) return "after " + std::string(pass.name) + ": " + unsound.front();
+        const std::string difference = firstDifference(graph, literalGraph, placeholders);
+        if (!difference.empty()) return "after " + std::string(pass.name) + ": " + difference;
+        note(pass, record.failed.size() > failedBefore, literalGraph.m_nodeList.size() > nodesBefore, met);
+    }
+    if (dumped(graph) != dumped(graph)) return "the second dump is another one";
+    ++met.finished;
+    if (record.exchanges > 0) ++met.exchanged;
+    for (const auto& node : literalGraph.m_nodeList) {
+        if (node->m_location != "center" || node->m_aligning == "none") continue;
+        ++met.centresAligned;
+        break;
+    }
+    return "";
+}
+
+TEST(LayoutRandom, EveryPassDoesWhatTheLiteralOneDoes) {
+    constexpr int seeds = 6'000;
+    Met met;
+    for (int seed = 0; seed < seeds; ++seed) {
+        const std::string difference = compareAllPasses(static_cast<std::uint64_t>(seed), met);
+        ASSERT_EQ(difference, "") << "seed " << seed;
+    }
+    // All kinds of diagrams have been there, and few were too large.
+    EXPECT_GT(met.finished, seeds * 99 / 100);
+    EXPECT_GT(met.exchanged, seeds / 20);
+    EXPECT_GT(met.centresAligned, seeds / 20);
+    EXPECT_GT(met.failures["calculateHierarchicalLevels"], seeds / 10);
+    EXPECT_GT(met.failures["addDummyNodesForLabels"], seeds / 100);
+    EXPECT_GT(met.failures["addDummyNodesForInterfaces"], seeds / 10);
+    EXPECT_GT(met.failures["adjustLabelLocations"], seeds / 10);
+    EXPECT_GT(met.failures["setNodeAlignings"], seeds / 10);
+    EXPECT_LT(met.failures["setNodeAlignings"], seeds / 2);
+    EXPECT_GT(met.growths["setLinkInfoAsNodes"], seeds / 4);
+    EXPECT_GT(met.growths["setGroupInfoAsNodes"], seeds / 4);
+    EXPECT_GT(met.growths["addDummyNodesForLabels"], seeds / 4);
+}
+
+// Nothing is cleared between two layerings, so the second finds the layers of the first.
+TEST(LayoutRandom, SecondLayeringOnTopOfTheFirstDoesWhatTheLiteralOneDoes) {
+    constexpr std::uint64_t seeds = 1'000;
+    for (std::uint64_t seed = 0; seed < seeds; ++seed) {
+        Graph graph;
+        Graph literalGraph;
+        fillRandomDiagram(graph, seed);
+        fillRandomDiagram(literalGraph, seed);
+        Record record;
+        const LogCapture log;
+        bool placeholders = true;
+        for (int times = 0; times < 2; ++times) {
+            const error_code_t code = graph.calculateHierarchicalLevels();
+            const Code literalCode = literal::calculateHierarchicalLevels(literalGraph, record);
+            if (literalCode != Code::success) placeholders = false;
+            ASSERT_EQ(saidDifferently(code, literalCode, log, record), "") << "seed " << seed;
+            ASSERT_EQ(firstDifference(graph, literalGraph, placeholders), "") << "seed " << seed;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace tessera_test
