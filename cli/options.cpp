@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cli/message.h"
+#include "core/layout_watch.h"
 
 namespace tessera_cli {
 namespace {
@@ -56,6 +57,43 @@ void addCommon(CLI::App& command, RawOptions& raw) {
             const bool isNumber = CLI::detail::lexical_cast(text, seconds);
             return isNumber && seconds >= 0.001 && seconds <= 1e9 ? "" : text + " is not from 0.001 to 1e9";
         });
+}
+
+void addLimits(CLI::App& command, RawOptions& raw) {
+    const auto isCount = [](const std::string& text) {
+        const bool isNumber =
+            !text.empty() && text.size() <= 15 &&
+            std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isdigit(c); });
+        return isNumber && text.find_first_not_of('0') != std::string::npos
+                   ? ""
+                   : "\"" + text + "\" is no whole number of 1 and more";
+    };
+    command
+        .add_option("--max-elements", raw.options.limits.maxElements,
+                    "No dummy box is added to a diagram of that many nodes and links (5000000)")
+        ->type_name("N")
+        ->check(isCount);
+    command
+        .add_option("--max-id-bytes", raw.options.limits.maxIdBytes,
+                    "No dummy box is added when the ids would take more bytes together (1073741824)")
+        ->type_name("N")
+        ->check(isCount);
+}
+
+// What shows the layout at work.
+void addInspection(CLI::App& command, RawOptions& raw) {
+    Options& options = raw.options;
+    command
+        .add_option("--stop-after", options.stopAfter, "Leaves out the stages of the layout behind this one")
+        ->type_name("PASS")
+        ->check(CLI::IsMember(tessera_1::layoutStages()));
+    command
+        .add_option("--dump-passes", options.dumpFolder,
+                    "Writes the graph as text after each stage, into a file of its own")
+        ->type_name("DIR")
+        ->check(isNotEmpty);
+    command.add_flag("--time-passes", options.timePasses, "Prints how long each stage took");
+    command.add_flag("--verify", options.verify, "Looks for errors of the layout after each stage");
 }
 
 CLI::Option* addDatabase(CLI::App& command, RawOptions& raw) {
@@ -116,6 +154,8 @@ std::optional<Options> parseCommandLine(int argc, const char* const* argv, int& 
     CLI::App* render = app.add_subcommand("render", "Makes one diagram and writes it");
     addCommon(*render, raw);
     addDatabase(*render, raw)->required();
+    addLimits(*render, raw);
+    addInspection(*render, raw);
     render->add_option("-o,--output", raw.options.output, "Where to write; standard output without it")
         ->type_name("FILE")
         ->check(isNotEmpty);
@@ -131,6 +171,7 @@ std::optional<Options> parseCommandLine(int argc, const char* const* argv, int& 
         app.add_subcommand("session", "Answers requests, one JSON line each, until end of input");
     addCommon(*session, raw);
     addDatabase(*session, raw)->required();
+    addLimits(*session, raw);
 
     CLI::App* check = app.add_subcommand("check", "Reports everything wrong with a document");
     addCommon(*check, raw);

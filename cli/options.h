@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+#include "core/layout_limits.h"
+
 namespace tessera_cli {
 
 enum class Command { render, session, check };
@@ -22,6 +24,11 @@ struct Options {
     std::string logConfig;
     std::string logLevel;
     double queryTimeout = 600;  // seconds
+    tessera_1::LayoutLimits limits;
+    std::string stopAfter;   // a stage of "create"; "" is none
+    std::string dumpFolder;  // where the graph is written after each stage; "" is nowhere
+    bool timePasses = false;
+    bool verify = false;
 };
 
 // Exit statuses of the program.

@@ -13,6 +13,7 @@ std::unique_ptr<tessera_host::Pane> openPane(const Options& options, relay2::IMe
     settings.catalogs = options.catalogs;
     settings.locale = options.locale;
     settings.queryTimeout = options.queryTimeout;
+    settings.limits = options.limits;
     tessera_host::OpenError error;
     auto pane = tessera_host::Pane::open(settings, messenger, &progress, error);
     if (pane) return pane;

@@ -4,6 +4,7 @@
 
 #include "cli/commands.h"
 #include "cli/interrupt.h"
+#include "cli/layout_inspector.h"
 #include "cli/message.h"
 #include "cli/output_file.h"
 #include "host/text/json_writer.h"
@@ -73,10 +74,13 @@ int render(const Options& options) {
         if (!isInterrupted()) printMessage(file.error());
         return unlessInterrupted(exitUnopened);
     }
+    const LayoutInspector inspector(options);
+    if (const int problem = inspector.prepare(); problem != exitDone) return unlessInterrupted(problem);
     variant_bag_t diagram;
     if (!makeDiagram(options, *pane, diagram)) return unlessInterrupted(exitFailed);
     if (!writeDiagram(options, diagram, file)) return unlessInterrupted(exitUnopened);
-    if (messenger.errorCount() == 0) return exitDone;
+    const int inspected = inspector.report();
+    if (messenger.errorCount() == 0) return inspected;
     printMessage(fmt::format("{}: the diagram was written in spite of the {} above", options.document,
                              messenger.errorCount() == 1 ? "error" : "errors"));
     return exitFailed;
