@@ -39,6 +39,9 @@ function(tessera_target name)
     CXX_VISIBILITY_PRESET hidden
     VISIBILITY_INLINES_HIDDEN ON
     POSITION_INDEPENDENT_CODE ON)
+  if(TESSERA_FUZZ)
+    target_compile_options(${name} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
   if(TESSERA_SANITIZE)
     target_compile_options(${name} PRIVATE -fsanitize=${TESSERA_SANITIZE} -fno-omit-frame-pointer
       -fno-sanitize-recover=all)

@@ -49,6 +49,15 @@ else
     check tsan "${fixed[@]}"
 fi
 
+if [ "${TESSERA_QUICK:-0}" != 1 ]; then
+    step "Fuzzing documents for a minute"
+    build fuzz
+    mkdir -p build/fuzz/corpus
+    build/fuzz/bin/tessera_fuzz_document -max_total_time=60 -timeout=20 -print_final_stats=1 -dict=fuzz/document.dict \
+        build/fuzz/corpus examples tests/cases 2>build/fuzz/fuzz.log || { tail -60 build/fuzz/fuzz.log; exit 1; }
+    tail -8 build/fuzz/fuzz.log
+fi
+
 step "Optimised build, all tests"
 build dev
 check dev
