@@ -195,6 +195,21 @@ TEST(LayerWalk, RingsOfDifferentLengthsRepeatLate) {
         expectSame(children, last, "last layer " + std::to_string(last));
 }
 
+TEST(LayerWalk, RingsBehindOneNodeAreTakenApartAsWell) {
+    // 0 leads to 1 and 2, these to rings of 1 to 6 nodes, some of which both lead to.
+    for (Number last = 20; last < 200; last += 7) {
+        Children children{{1, 2}, {}, {}};
+        for (const Number length : {2U, 5U, 3U, 1U, 6U, 4U}) {
+            const auto first = static_cast<Number>(children.size());
+            for (Number i = 0; i < length; ++i)
+                children.push_back({i + 1 == length ? first : first + i + 1});
+            children[1 + length % 2].push_back(first);
+            if (length % 3 == 0) children[1].push_back(first + length - 1);
+        }
+        expectSame(children, last, "last layer " + std::to_string(last));
+    }
+}
+
 // Together they repeat after more sweeps than there are layers; each by itself repeats soon. All sweeps of
 // all rings would be ten thousand million steps.
 TEST(LayerWalk, ManyRingsOfDifferentLengthsAreEachCutShort) {

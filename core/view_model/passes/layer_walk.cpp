@@ -3,22 +3,18 @@
 #include <algorithm>
 #include <compare>
 #include <cstddef>
-#include <iterator>
 #include <numeric>
-#include <span>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
+
+#include "core/view_model/passes/layer_sweeps.h"
 
 namespace tessera_1::view_model {
 namespace {
 
 using Number = std::uint32_t;
 using Layer = std::vector<Number>;
-
-std::span<const Number> childrenOf(const LayerGraph& graph, Number node) {
-    const auto* begin = graph.children.data();
-    return {begin + graph.childrenStart[node], begin + graph.childrenStart[node + 1]};
-}
 
 // The nodes that can be reached from the roots.
 struct Reached {
@@ -73,26 +69,20 @@ std::vector<Layer> layersInOrder(const LayerGraph& graph, Layer roots, const Lay
     return layers;
 }
 
-// The parts of what can be reached that no link connects with each other. What one part does in the sweeps
-// does not depend on the others.
+// Nodes joined by links, as numbers that are the same for all nodes of a part.
 class Parts {
   public:
-    Parts(const LayerGraph& graph, const Reached& reached) : m_above(graph.childrenStart.size() - 1) {
+    // Of the graph, or of what is left without the nodes in `leftOut`.
+    Parts(const LayerGraph& graph, const Layer& nodes, const std::vector<bool>& leftOut)
+        : m_above(graph.childrenStart.size() - 1) {
         std::iota(m_above.begin(), m_above.end(), 0U);
-        for (const Number node : reached.nodes)
+        for (const Number node : nodes) {
+            if (leftOut[node]) continue;
             for (const Number child : childrenOf(graph, node))
-                m_above[of(child)] = of(node);
-        m_isCyclic.resize(m_above.size(), true);
-        std::vector<Number> missing(m_above.size(), 0);  // in the order
-        for (const Number node : reached.nodes)
-            ++missing[of(node)];
-        for (const Number node : reached.order)
-            --missing[of(node)];
-        for (const Number node : reached.nodes)
-            m_isCyclic[of(node)] = missing[of(node)] > 0;
+                if (!leftOut[child]) m_above[of(child)] = of(node);
+        }
     }
 
-    // The same number for all nodes of a part.
     Number of(Number node) {
         while (m_above[node] != node) {
             m_above[node] = m_above[m_above[node]];
@@ -100,207 +90,160 @@ class Parts {
         }
         return node;
     }
-    bool isCyclic(Number node) { return m_isCyclic[of(node)]; }
 
   private:
     std::vector<Number> m_above;
-    std::vector<bool> m_isCyclic;
 };
 
-// Where a node comes to stay. Of two nodes in a layer the one whose way down started at the earlier root
-// comes first; ways from one root are told apart by the order of their arrival.
+// Where a node comes to stay. What parts that no link joins do in the sweeps does not depend on the others;
+// of two nodes in a layer the one comes first whose way down started at the earlier root; behind one root, at
+// the earlier place of the layer in which a part was taken apart; and then whichever arrived earlier.
 struct Stay {
-    std::int64_t level;
-    Number root;
-    std::uint64_t arrival;
-    Number node;
+    std::int64_t level = -1;  // nowhere
+    Number root = 0;
+    Number place = 0;
+    std::uint64_t arrival = 0;
+    Number node = 0;
 
     friend auto operator<=>(const Stay&, const Stay&) = default;
 };
 
-// The sweeps of one part that has a cycle. There are up to as many as the graph has nodes, so this is kept
-// lean: all that is known of a node is the number of its last arrival in any layer, and the root, as its
-// place among the roots, from which its way there started.
-class CyclicWalk {
+// Layers of a graph that has cycles.
+class CyclicLayers {
   public:
-    using Arrival = std::uint64_t;
-    static constexpr Arrival nowhere = 0;
-
-    // `arrivals` and `rootsOf` have an entry a node of the graph; the walk uses those of its part, `nodes`.
-    CyclicWalk(const LayerGraph& graph, Number lastLayer, const Layer& nodes, const Layer& roots,
-               std::vector<Arrival>& arrivals, std::vector<Number>& rootsOf)
+    CyclicLayers(const LayerGraph& graph, Number lastLayer, const Reached& reached,
+                 const relay2::IProgress* progress)
         : m_graph(graph),
           m_lastLayer(lastLayer),
-          m_nodes(nodes),
-          m_hasManyRoots(roots.size() > 1),
-          m_arrivals(arrivals),
-          m_rootsOf(rootsOf),
-          m_layer(nodes.size() + 1),
-          m_next(nodes.size() + 1),
-          m_size(roots.size()) {
-        std::copy(roots.begin(), roots.end(), m_layer.begin());
-        settle();
-        remember();
+          m_progress(progress),
+          m_isAcyclic(graph.childrenStart.size() - 1, false),
+          m_swept(m_isAcyclic.size()),
+          m_stays(m_isAcyclic.size()) {
+        for (const Number node : reached.order)
+            m_isAcyclic[node] = true;
+        findParts(reached);
     }
 
-    void run(std::vector<Stay>& stays) {
-        while (m_level < m_lastLayer) {
-            ++m_level;
-            if (m_hasManyRoots)
-                sweep<true>();
-            else
-                sweep<false>();
-            if (!m_hasJumped) jump();
-        }
-        for (const Number node : m_nodes) {
-            const Arrival arrival = m_arrivals[node];
-            if (arrival == nowhere) continue;
-            const auto behind =
-                std::upper_bound(m_starts.begin(), m_starts.end(), arrival,
-                                 [](Arrival value, const Start& start) { return value < start.first; });
-            const Number root = m_rootsOf[m_hasManyRoots ? node : m_nodes.front()];
-            stays.push_back({std::prev(behind)->level, root, arrival, node});
-        }
+    Layers run() {
+        layOutWithoutCycles();
+        Parts cores(m_graph, m_reached, m_isAcyclic);
+        for (const auto& [number, part] : m_cyclic)
+            if (!layOut(part, cores)) m_isCancelled = true;
+        Layers layers;
+        layers.isBroken = true;
+        layers.isCancelled = m_isCancelled;
+        if (m_isCancelled) return layers;
+        std::sort(m_stays.begin(), m_stays.end());
+        layers.nodes.resize(static_cast<std::size_t>(m_lastLayer) + 1);
+        for (const Stay& stay : m_stays)
+            if (stay.level >= 0) layers.nodes[static_cast<std::size_t>(stay.level)].push_back(stay.node);
+        return layers;
     }
 
   private:
-    struct Start {
-        Arrival first;  // of those in the layer
-        std::int64_t level;
+    struct Part {
+        Layer nodes;
+        Layer roots;
+        Layer rootPlaces;  // among all roots
     };
 
-    [[nodiscard]] std::span<const Number> layer() const { return {m_layer.data(), m_size}; }
+    // All nodes on cycles or behind them that links among these join, and those of them that are there in the
+    // layer in which the nodes before the cycles are gone.
+    struct Core {
+        Layer nodes;
+        Layer first;
+        Layer roots;   // of each of the first
+        Layer places;  // of each of the first, in the whole layer; from 1
+    };
 
-    // The nodes of the present layer arrive in it.
-    void settle() {
-        m_starts.push_back({m_nextArrival, m_level});
-        for (const Number node : layer())
-            m_arrivals[node] = m_nextArrival++;
-    }
-
-    // Reads the present layer into the next one. There is a cycle below, so that one is never empty.
-    template <bool hasManyRoots>
-    void sweep() {
-        const Arrival start = m_nextArrival;
-        m_starts.push_back({start, m_level});
-        Arrival nextArrival = start;
-        Number* next = m_next.data();
-        Arrival* const arrivals = m_arrivals.data();
-        Number* const rootsOf = m_rootsOf.data();
-        for (const Number node : layer()) {
-            if (arrivals[node] >= start) continue;  // it has just moved on
-            for (const Number child : childrenOf(m_graph, node)) {
-                const Arrival before = arrivals[child];
-                const bool isNew = before < start;  // whether it is cannot be foretold: no branch
-                *next = child;
-                next += isNew ? 1 : 0;
-                arrivals[child] = isNew ? nextArrival : before;
-                nextArrival += isNew ? 1 : 0;
-                if constexpr (hasManyRoots) rootsOf[child] = isNew ? rootsOf[node] : rootsOf[child];
-            }
+    void findParts(const Reached& reached) {
+        m_reached = reached.nodes;
+        Parts parts(m_graph, m_reached, std::vector<bool>(m_isAcyclic.size(), false));
+        std::unordered_set<Number> cyclic;
+        for (const Number node : m_reached)
+            if (!m_isAcyclic[node]) cyclic.insert(parts.of(node));
+        for (const Number node : m_reached)
+            if (cyclic.contains(parts.of(node))) m_cyclic[parts.of(node)].nodes.push_back(node);
+        for (std::size_t i = 0; i < m_graph.roots.size(); ++i) {
+            const Number root = m_graph.roots[i];
+            Part& part = cyclic.contains(parts.of(root)) ? m_cyclic[parts.of(root)] : m_acyclic;
+            part.roots.push_back(root);
+            part.rootPlaces.push_back(static_cast<Number>(i));
         }
-        m_nextArrival = nextArrival;
-        m_size = static_cast<std::size_t>(next - m_next.data());
-        std::swap(m_layer, m_next);
+        for (const Number node : reached.order)
+            if (!cyclic.contains(parts.of(node))) m_acyclic.nodes.push_back(node);
     }
 
-    void remember() {
-        m_seen.assign(layer().begin(), layer().end());
-        m_seenRoots.clear();
-        if (!m_hasManyRoots) return;
-        for (const Number node : layer())
-            m_seenRoots.push_back(m_rootsOf[node]);
+    void layOutWithoutCycles() {
+        std::vector<Number> rootsOf(m_stays.size(), 0);
+        for (std::size_t i = 0; i < m_acyclic.roots.size(); ++i)
+            rootsOf[m_acyclic.roots[i]] = m_acyclic.rootPlaces[i];
+        const auto layers = layersInOrder(m_graph, m_acyclic.roots, m_acyclic.nodes, rootsOf);
+        std::uint64_t arrival = 0;
+        for (std::size_t level = 0; level < layers.size(); ++level)
+            for (const Number node : layers[level])
+                m_stays[node] = {static_cast<std::int64_t>(level), rootsOf[node], 0, arrival++, node};
     }
 
-    [[nodiscard]] bool isAsRemembered() const {
-        if (!std::equal(layer().begin(), layer().end(), m_seen.begin(), m_seen.end())) return false;
-        for (std::size_t i = 0; i < m_seenRoots.size(); ++i)
-            if (m_rootsOf[m_layer[i]] != m_seenRoots[i]) return false;
+    // False when it was cancelled.
+    bool layOut(const Part& part, Parts& cores) {
+        Sweeps sweeps(m_graph, m_swept, part.roots, 0, part.nodes.size(), 1);
+        if (!sweeps.run(m_lastLayer, &m_isAcyclic, m_progress)) return false;
+        const auto rootOf = [&](Number node) { return part.rootPlaces[sweeps.wayOf(node)]; };
+        std::unordered_map<Number, Core> coresHere;
+        for (const Number node : part.nodes) {
+            if (!m_isAcyclic[node]) coresHere[cores.of(node)].nodes.push_back(node);
+            const std::int64_t level = sweeps.levelOf(node);
+            if (level >= 0) m_stays[node] = {level, rootOf(node), 0, m_swept.arrivals[node], node};
+        }
+        if (sweeps.level() == m_lastLayer) return true;
+        Number place = 0;
+        for (const Number node : sweeps.layer()) {
+            Core& core = coresHere[cores.of(node)];
+            core.first.push_back(node);
+            core.roots.push_back(rootOf(node));
+            core.places.push_back(++place);
+        }
+        for (const auto& [number, core] : coresHere)
+            if (!core.first.empty() && !layOut(core, sweeps)) return false;
         return true;
     }
 
-    // A layer depends on nothing but the one above it. When it has been there before, whole rounds are left
-    // out, but for one: it gives every node its place. What a layer is compared with is renewed at ever
-    // longer intervals, so a repetition is found soon after it begins.
-    void jump() {
-        ++m_sinceSeen;
-        if (isAsRemembered()) {
-            const std::int64_t rounds = (m_lastLayer - m_level) / m_sinceSeen;
-            if (rounds > 1) m_level += (rounds - 1) * m_sinceSeen;
-            settle();
-            m_hasJumped = true;
-        } else if (m_sinceSeen == m_interval) {
-            remember();
-            m_interval *= 2;
-            m_sinceSeen = 0;
+    bool layOut(const Core& core, const Sweeps& before) {
+        Sweeps sweeps(m_graph, m_swept, core.first, before.level(), core.nodes.size(), before.nextArrival());
+        if (!sweeps.run(m_lastLayer, nullptr, m_progress)) return false;
+        for (const Number node : core.nodes) {
+            const std::int64_t level = sweeps.levelOf(node);
+            const Number way = sweeps.wayOf(node);
+            if (level >= 0)
+                m_stays[node] = {level, core.roots[way], core.places[way], m_swept.arrivals[node], node};
         }
+        return true;
     }
 
     const LayerGraph& m_graph;
-    const std::int64_t m_lastLayer;
-    const Layer& m_nodes;
-    const bool m_hasManyRoots;
-    std::vector<Arrival>& m_arrivals;
-    std::vector<Number>& m_rootsOf;
-    std::int64_t m_level = 0;
-    Layer m_layer;  // the present one is its first m_size nodes; there is room for all, and one more
-    Layer m_next;
-    std::size_t m_size;
-    Layer m_seen;
-    Layer m_seenRoots;
-    Arrival m_nextArrival = nowhere + 1;
-    std::vector<Start> m_starts;  // of the layers that were swept into, in that order
-    std::int64_t m_sinceSeen = 0;
-    std::int64_t m_interval = 1;
-    bool m_hasJumped = false;
+    const Number m_lastLayer;
+    const relay2::IProgress* const m_progress;
+    std::vector<bool> m_isAcyclic;  // neither on a cycle nor behind one
+    SweptNodes m_swept;
+    std::vector<Stay> m_stays;  // of each node, and then in order
+    Layer m_reached;
+    Part m_acyclic;
+    std::unordered_map<Number, Part> m_cyclic;
+    bool m_isCancelled = false;
 };
-
-struct Part {
-    Layer nodes;
-    Layer roots;
-};
-
-Layers layersWithCycles(const LayerGraph& graph, Number lastLayer, const Reached& reached) {
-    const std::size_t size = graph.childrenStart.size() - 1;
-    Parts parts(graph, reached);
-    Part acyclic;
-    std::unordered_map<Number, Part> cyclic;  // by the number of the part
-    std::vector<Number> rootsOf(size, 0);
-    for (std::size_t i = 0; i < graph.roots.size(); ++i) {
-        const Number root = graph.roots[i];
-        rootsOf[root] = static_cast<Number>(i);
-        (parts.isCyclic(root) ? cyclic[parts.of(root)] : acyclic).roots.push_back(root);
-    }
-    for (const Number node : reached.nodes)
-        if (parts.isCyclic(node)) cyclic[parts.of(node)].nodes.push_back(node);
-    for (const Number node : reached.order)
-        if (!parts.isCyclic(node)) acyclic.nodes.push_back(node);
-
-    std::vector<Stay> stays;
-    const auto layersOfAcyclic = layersInOrder(graph, std::move(acyclic.roots), acyclic.nodes, rootsOf);
-    for (std::size_t level = 0; level < layersOfAcyclic.size(); ++level)
-        for (const Number node : layersOfAcyclic[level])
-            stays.push_back({static_cast<std::int64_t>(level), rootsOf[node], stays.size(), node});
-    std::vector<CyclicWalk::Arrival> arrivals(size, CyclicWalk::nowhere);
-    for (const auto& [number, part] : cyclic)
-        CyclicWalk(graph, lastLayer, part.nodes, part.roots, arrivals, rootsOf).run(stays);
-    std::sort(stays.begin(), stays.end());
-    Layers layers;
-    layers.isBroken = true;
-    layers.nodes.resize(static_cast<std::size_t>(lastLayer) + 1);
-    for (const Stay& stay : stays)
-        layers.nodes[static_cast<std::size_t>(stay.level)].push_back(stay.node);
-    return layers;
-}
 
 }  // namespace
 
-Layers walkLayers(const LayerGraph& graph, Number lastLayer) {
+Layers walkLayers(const LayerGraph& graph, Number lastLayer, const relay2::IProgress* progress) {
     if (graph.roots.empty()) return {};
     const Reached reached = reach(graph);
-    if (reached.order.size() < reached.nodes.size()) return layersWithCycles(graph, lastLayer, reached);
+    if (reached.order.size() < reached.nodes.size())
+        return CyclicLayers(graph, lastLayer, reached, progress).run();
     std::vector<Number> rootsOf(graph.childrenStart.size() - 1, 0);
-    return {layersInOrder(graph, graph.roots, reached.order, rootsOf), false};
+    Layers layers;
+    layers.nodes = layersInOrder(graph, graph.roots, reached.order, rootsOf);
+    return layers;
 }
 
 }  // namespace tessera_1::view_model

@@ -2,7 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <vector>
+
+#include "platform/relay2/progress.h"
 
 namespace tessera_1::view_model {
 
@@ -14,15 +17,22 @@ struct LayerGraph {
     std::vector<std::uint32_t> roots;     // in order
 };
 
+[[nodiscard]] inline std::span<const std::uint32_t> childrenOf(const LayerGraph& graph, std::uint32_t node) {
+    const auto* begin = graph.children.data();
+    return {begin + graph.childrenStart[node], begin + graph.childrenStart[node + 1]};
+}
+
 struct Layers {
     std::vector<std::vector<std::uint32_t>> nodes;  // of each layer, in the order of their last arrival
-    bool isBroken = false;  // the walk would have gone beyond the last layer allowed: there is a cycle
+    bool isBroken = false;     // the walk would have gone beyond the last layer allowed: there is a cycle
+    bool isCancelled = false;  // the layers are not whole
 };
 
 // The walk of Graph::calculateHierarchicalLevelsForGroup without its placeholders: each sweep reads a layer
 // and moves the children of its nodes into the next one; layer `lastLayer` is the deepest. Without a cycle on
 // the way it takes linear time. With one it takes a step for each node of each sweep, until a layer repeats
-// an earlier one: from there the rest is known.
-[[nodiscard]] Layers walkLayers(const LayerGraph& graph, std::uint32_t lastLayer);
+// an earlier one: from there the rest is known. Asks `progress`, which may be null, every few milliseconds.
+[[nodiscard]] Layers walkLayers(const LayerGraph& graph, std::uint32_t lastLayer,
+                                const relay2::IProgress* progress = nullptr);
 
 }  // namespace tessera_1::view_model
