@@ -21,7 +21,21 @@ namespace {
 // each.
 class StageWatch {
   public:
+    explicit StageWatch(relay2::IProgress* progress) : m_progress(progress) {}
+    StageWatch(const StageWatch&) = delete;
+    StageWatch& operator=(const StageWatch&) = delete;
+    ~StageWatch() {
+        if (m_graph) m_graph->m_progress = nullptr;
+    }
+
+    // The passes of this graph may be cancelled, as long as this lives.
+    void lendProgressTo(const std::shared_ptr<view_model::Graph>& graph) {
+        m_graph = graph;
+        m_graph->m_progress = m_progress;
+    }
+
     bool goesOn(const char* stage, const view_model::Graph& graph) {
+        if (graph.m_isCancelled) return false;
         assert(verifyGraph(graph, stage).empty());
         if (m_watcher == nullptr) return true;
         const auto took = Clock::now() - m_begin;
@@ -33,6 +47,8 @@ class StageWatch {
   private:
     using Clock = std::chrono::steady_clock;
 
+    relay2::IProgress* const m_progress;
+    std::shared_ptr<view_model::Graph> m_graph;
     ILayoutWatcher* const m_watcher = layoutWatcher();
     Clock::time_point m_begin = m_watcher == nullptr ? Clock::time_point() : Clock::now();
 };
@@ -47,9 +63,10 @@ std::unique_ptr<DataProvider> DataProvider::create(variant_bag_t& config, varian
     auto dp = std::make_unique<DataProvider>();
     dp->m_queryLibrary = queryLibrary;
     dp->m_inputData = inputData;
-    StageWatch watch;
+    StageWatch watch(progress);
     dp->parseViewpoint(config, std::move(queryLibrary), messenger, std::move(inputData), dp->m_graph);
     TESSERA_CHECK(dp->m_graph, nullptr);
+    watch.lendProgressTo(dp->m_graph);
     if (!watch.goesOn("viewpoint", *dp->m_graph)) return dp;
     TESSERA_CHECK(dp->getData(progress).succeeded(), nullptr);
     if (!watch.goesOn("data", *dp->m_graph)) return dp;

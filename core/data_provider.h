@@ -14,7 +14,8 @@ namespace tessera_1 {
 class TESSERA_EXPORT DataProvider : public DViewpointParser {
   public:
     // The pipeline from the pane's configuration to the laid-out graph. Null when a step fails; what failed
-    // has been reported. `out` is left alone.
+    // has been reported. A graph that says so was cancelled on the way, and is of no use. `out` is left
+    // alone.
     [[nodiscard]] static std::unique_ptr<DataProvider> create(
         basekit2::variant_bag_t& config, basekit2::variant_bag_t& out,
         basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary, relay2::IMessenger* messenger,

@@ -63,6 +63,10 @@ error_code_t DiagramViewRequestHandler::create(const variant_bag_t& in, variant_
         m_provider =
             DataProvider::create(m_configBag, out, m_queryLibrary, m_messenger, m_inputData, progress);
     if (!m_provider) return error_code_t::false_code();
+    if (m_provider->m_graph->m_isCancelled) {  // half a layout is nothing to keep
+        m_provider.reset();
+        return TESSERA_RAISE(bk2::error::Cancelled(_U("Cancelled while the diagram was laid out")));
+    }
     return m_provider->getMetadata(out, progress);
 }
 

@@ -18,7 +18,7 @@ namespace tessera_1 {
 // result, the pane's base handler (asked once for "config", which must put the viewpoint into its output
 // bag), the filter manager, and the messenger, which is not owned, must outlive the handler and may be null.
 // A "create" that is cancelled while values are fetched keeps the diagram that it has; the next "refresh"
-// fetches them again. Never null.
+// fetches them again; one that is cancelled while a large diagram is laid out keeps nothing. Never null.
 [[nodiscard]] TESSERA_EXPORT std::shared_ptr<panelcore_1::IRequestHandler> createDiagramViewRequestHandler(
     basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary, basekit2::sptr_t<qlib_1::IInputData> inputData,
     std::shared_ptr<panelcore_1::IRequestHandler> baseHandler,

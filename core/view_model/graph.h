@@ -15,6 +15,7 @@
 #include "core/view_model/id_index.h"
 #include "core/view_model/link.h"
 #include "core/view_model/node.h"
+#include "platform/relay2/progress.h"
 
 namespace tessera_1::view_model {
 
@@ -94,7 +95,9 @@ class TESSERA_EXPORT Graph {
     GroupLevelManager m_groupLevelManager;
     std::map<std::shared_ptr<Node>, HierarchicalLevelManager> m_levelManagers;
     LayoutLimits m_limits = layoutLimits();
-    bool m_isCutShort = false;  // a limit has kept a pass from ending its work
+    bool m_isCutShort = false;                      // a limit has kept a pass from ending its work
+    const relay2::IProgress* m_progress = nullptr;  // asked by passes that take long; borrowed for "create"
+    bool m_isCancelled = false;                     // a pass was cancelled, and the graph is of no use
 
   private:
     using Members = std::vector<std::shared_ptr<Node>>;  // of one group, by ascending id

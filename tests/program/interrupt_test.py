@@ -40,6 +40,23 @@ class Interrupt(Case):
         self.assertEqual(output.read_text(), 'earlier')
         self.assertEqual(sorted(os.listdir(self.folder)), ['out.json', 'result.db', 'v.xml'])
 
+    def test_render_in_the_middle_of_the_layout(self):
+        """A ring of 20,000 nodes with chords takes seconds to be layered, and many more to be filled with dummies."""
+        size = 20000
+        document = self.write('v.xml', program.document(
+            '<graph><node id="r"/>' + ''.join(f'<node id="n{i}"/>' for i in range(size)) +
+            '<link id="in" from="r" to="n0"/>' +
+            ''.join(f'<link id="l{i}" from="n{i}" to="n{(i + 1) % size}"/>' for i in range(size)) +
+            ''.join(f'<link id="c{i}" from="n{i}" to="n{i * 7919 % size}"/>' for i in range(0, size, 2)) +
+            '</graph><display/>'))
+        process = self.start('render', document, '--db', self.database(), '-o', self.folder / 'out.json')
+        time.sleep(1 * program.SLOW)
+        self.assertIsNone(process.poll())
+        out, err, seconds = self.interrupt(process)
+        self.assertEqual((process.returncode, out, err), (130, '', 'tessera: interrupted\n'))
+        self.assertLess(seconds, 2 * program.SLOW)
+        self.assertFalse((self.folder / 'out.json').exists())
+
     def test_render_by_other_signals(self):
         for number, status in ((signal.SIGTERM, 130), (signal.SIGHUP, 130), (signal.SIGKILL, -signal.SIGKILL)):
             process = self.start('render', self.write('v.xml', showing(ENDLESS)), '--db', self.database(MANY_ROWS), '-o',

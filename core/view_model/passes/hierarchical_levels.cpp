@@ -8,6 +8,7 @@
 // Fails:  with the false code at the first group with a cycle that a root leads to: its nodes keep the deep
 //         layers that they were driven to, the groups behind it have no layers.
 #include <algorithm>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -87,11 +88,14 @@ void removeFirstPlaceholders(HierarchicalLevelManager& manager) {
 }
 
 // The layers of members that the plain walk would take too long for. No placeholders are left, which nobody
-// reads. False when the walk would go deeper than `lastLevel`.
-bool layerQuickly(HierarchicalLevelManager& manager, const NodePtrs& members, std::size_t lastLevel) {
-    const Layers layers = walkLayers(layerGraph(members), static_cast<std::uint32_t>(lastLevel));
+// reads. Answers the deepest layer, one beyond `lastLevel` when the walk would go on there; nothing when it
+// was cancelled, and then members stay as they are.
+std::optional<std::size_t> layerQuickly(HierarchicalLevelManager& manager, const NodePtrs& members,
+                                        std::size_t lastLevel, const relay2::IProgress* progress) {
+    const Layers layers = walkLayers(layerGraph(members), static_cast<std::uint32_t>(lastLevel), progress);
+    if (layers.isCancelled) return std::nullopt;
     takeLayers(manager, layers, members);
-    return !layers.isBroken;
+    return layers.isBroken ? lastLevel + 1 : manager.m_levels.size() - 1;
 }
 
 basekit2::error_t cycleError() {
@@ -107,7 +111,7 @@ error_code_t Graph::calculateHierarchicalLevels() {
     for (const auto& [id, node] : m_nodes)
         (*m_members)[node->m_group.get()].push_back(node);
     error_code_t err;
-    for (std::size_t i = 0; i < m_groups.size() && err.succeeded(); ++i)
+    for (std::size_t i = 0; i < m_groups.size() && err.succeeded() && !m_isCancelled; ++i)
         err = calculateHierarchicalLevelsForGroup(m_groups[i]);
     m_members.reset();
     TESSERA_CHECK(err.succeeded(), error_code_t::false_code());
@@ -150,10 +154,11 @@ error_code_t Graph::calculateHierarchicalLevelsForGroup(const NodePtr& group) {
             if (!node) continue;
             looks += 1 + node->getChildren().size();
             if (isFirstTime && looks > looksAllowed) {
-                const bool isWhole = layerQuickly(manager, members, m_nodes.size());
-                nextLevel = isWhole ? manager.m_levels.size() - 1 : m_nodes.size() + 1;
+                const auto deepest = layerQuickly(manager, members, m_nodes.size(), m_progress);
+                m_isCancelled = !deepest;
+                nextLevel = deepest.value_or(0);
                 TESSERA_CHECK(nextLevel <= m_nodes.size(), TESSERA_RAISE(cycleError()));
-                return {};
+                return m_isCancelled ? error_code_t::false_code() : error_code_t();
             }
             for (const NodePtr& child : node->getChildren()) {
                 if (!membership.has(child)) continue;

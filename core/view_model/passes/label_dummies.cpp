@@ -35,13 +35,13 @@ class DummyMaker {
   public:
     explicit DummyMaker(Graph& graph) : m_graph(graph) {}
 
-    // On the link, into layer `level` of the group. Both are null beyond a limit.
+    // On the link, into layer `level` of the group. Both are null beyond a limit, and after a cancellation.
     Graph::NodeAndLink insert(const LinkPtr& link, const NodePtr& group, std::int32_t level) {
         HierarchicalLevelManager& layers = m_graph.m_levelManagers[group];
         const std::size_t before = layers.m_levels.size();
         const std::size_t needed = level < 0 ? 0 : static_cast<std::size_t>(level) + 1;
         m_newLayers += needed > before ? needed - before : 0;
-        if (m_newLayers > m_graph.m_limits.maxElements) return {};
+        if (m_newLayers > m_graph.m_limits.maxElements || isCancelled()) return {};
         Graph::NodeAndLink made = m_graph.insertDummyNode(link);
         if (!made.first) return {};
         (void)made.first->addToGroup(group);
@@ -62,8 +62,17 @@ class DummyMaker {
     }
 
   private:
+    static constexpr std::size_t insertsUnasked = 16'384;
+
+    bool isCancelled() {
+        if (++m_inserts % insertsUnasked == 0 && m_graph.m_progress && m_graph.m_progress->isCancelled())
+            m_graph.m_isCancelled = true;
+        return m_graph.m_isCancelled;
+    }
+
     Graph& m_graph;
     std::size_t m_newLayers = 0;
+    std::size_t m_inserts = 0;
 };
 
 // The climbs of links out of groups. A climb goes through all groups on its way and puts dummies into those
@@ -171,8 +180,8 @@ error_code_t Graph::addDummyNodesForLabels() {
             std::int32_t gap = link->m_to->getHierarchicalLevel() - link->m_from->getHierarchicalLevel() - 1;
             for (; gap > 0; --gap) {
                 if (dummies.insert(split, group, link->m_to->getHierarchicalLevel() - 1).first) continue;
-                m_isCutShort = true;
-                TESSERA_ALERT(dummies.problem(*split));
+                m_isCutShort = !m_isCancelled;
+                if (m_isCutShort) TESSERA_ALERT(dummies.problem(*split));
                 return error_code_t::false_code();
             }
         }
@@ -191,8 +200,8 @@ error_code_t Graph::addDummyNodesForLabelsOnCrosslevelLinks() {
         const bool isDone = climbs->up(link, link->m_to, sideBySide->m_to->m_group) &&
                             climbs->down(link, link->m_from, sideBySide->m_from->m_group);
         if (isDone) continue;
-        m_isCutShort = true;
-        TESSERA_ALERT(climbs->problem(*link));
+        m_isCutShort = !m_isCancelled;
+        if (m_isCutShort) TESSERA_ALERT(climbs->problem(*link));
         return error_code_t::false_code();
     }
     return {};
