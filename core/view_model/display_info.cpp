@@ -99,8 +99,8 @@ error_code_t DisplayInfo::setDataFromResult(sptr_t<qlib_1::IQueryLibrary> queryL
 }
 
 bool LinkDisplayInfo::emptyDataTransfer(const DataTransferTable& table, const std::string& key) {
-    const auto it = table.find(key);
-    return it == table.end() || !it->second || it->second->m_rowSet.empty();
+    const auto info = table.find(key);
+    return !info || info->m_rowSet.empty();
 }
 
 bool LinkDisplayInfo::empty(const std::string& key) const {

@@ -3,10 +3,10 @@
 
 #include <memory>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "core/export.h"
+#include "core/view_model/data_transfer_table.h"
 #include "platform/basekit2/error_code.h"
 #include "platform/basekit2/sptr.h"
 #include "platform/basekit2/variant_bag.h"
@@ -62,10 +62,6 @@ class TESSERA_EXPORT DisplayInfo {
     std::string m_name;
     RowSet m_rowSet;
 };
-
-// Display infos by the name of the display mode that shows them. An entry without display info stands for
-// "nothing to show".
-using DataTransferTable = std::unordered_map<std::string, std::shared_ptr<DisplayInfo>>;
 
 // The data of one link.
 struct TESSERA_EXPORT LinkDisplayInfo {

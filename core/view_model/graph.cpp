@@ -49,28 +49,28 @@ class Neighbours {
 Graph::~Graph() {
     for (const auto& node : m_nodeList)
         takeApart(*node);
-    for (const auto& [id, node] : m_nodes)
+    for (const auto& node : m_nodes.objects())
         if (node) takeApart(*node);
     for (const auto& link : m_linkList)
         takeApart(*link);
-    for (const auto& [id, link] : m_links)
+    for (const auto& link : m_links.objects())
         if (link) takeApart(*link);
 }
 
 void Graph::addNode(std::shared_ptr<Node> node) {
     m_idBytes += node->m_id.size();
-    m_nodeIndex.file(m_nodes, node->m_id, node);
+    m_nodes.file(node);
     m_nodeList.push_back(std::move(node));
 }
 
 void Graph::addLink(std::shared_ptr<Link> link) {
     m_idBytes += link->m_id.size();
-    m_linkIndex.file(m_links, link->m_id, link);
+    m_links.file(link);
     m_linkList.push_back(std::move(link));
 }
 
 void Graph::setChildrenAndParents() {
-    for (const auto& [id, node] : m_nodes) {
+    for (const auto& node : m_nodes.objects()) {
         if (!node) continue;
         node->m_parents.clear();
         node->m_children.clear();

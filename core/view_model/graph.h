@@ -35,12 +35,8 @@ class TESSERA_EXPORT Graph {
     void addLink(std::shared_ptr<Link> link);
 
     // The object filed under `id`, or null. Constant time.
-    [[nodiscard]] std::shared_ptr<Node> findNode(const std::string& id) const {
-        return m_nodeIndex.find(m_nodes, id);
-    }
-    [[nodiscard]] std::shared_ptr<Link> findLink(const std::string& id) const {
-        return m_linkIndex.find(m_links, id);
-    }
+    [[nodiscard]] std::shared_ptr<Node> findNode(const std::string& id) const { return m_nodes.find(id); }
+    [[nodiscard]] std::shared_ptr<Link> findLink(const std::string& id) const { return m_links.find(id); }
 
     // Rebuilds the children and parents of the nodes in m_nodes from m_linkList. Links with a missing end
     // take no part.
@@ -85,9 +81,8 @@ class TESSERA_EXPORT Graph {
     std::string m_id;
     std::string m_name;
     std::string m_displayMode = "bandwidth";
-    // By ascending byte order of the id. REQUIRES: entries are added and replaced, never erased.
-    std::map<std::string, std::shared_ptr<Node>> m_nodes;
-    std::map<std::string, std::shared_ptr<Link>> m_links;
+    IdTable<Node> m_nodes;
+    IdTable<Link> m_links;
     std::vector<std::shared_ptr<Node>> m_nodeList;  // in order of addNode
     std::vector<std::shared_ptr<Link>> m_linkList;  // in order of addLink
     std::vector<std::shared_ptr<Node>>
@@ -106,8 +101,6 @@ class TESSERA_EXPORT Graph {
 
     // Of the groups that are yet to be layered, while all are.
     std::optional<std::unordered_map<const Node*, Members>> m_members;
-    IdIndex<Node> m_nodeIndex;
-    IdIndex<Link> m_linkIndex;
     std::unordered_map<std::string, std::size_t> m_dummyLinkCounts;  // by their ids without number
     std::size_t m_idBytes = 0;                                       // of all nodes and links
 };

@@ -60,14 +60,42 @@ error_code_t HierarchicalLevelManager::setLevel(const std::shared_ptr<Node>& nod
     return {};
 }
 
+const std::int32_t* GroupLevels::find(std::string_view id) const {
+    const std::uint32_t at = position(id, IdIndex::hashOf(id));
+    return at == IdIndex::nowhere ? nullptr : &m_places[at].level;
+}
+
+void GroupLevels::set(std::string_view id, std::int32_t level) {
+    const std::uint32_t hash = IdIndex::hashOf(id);
+    const std::uint32_t at = position(id, hash);
+    if (at != IdIndex::nowhere) {
+        m_places[at].level = level;
+        return;
+    }
+    m_index.add(hash, static_cast<std::uint32_t>(m_places.size()));
+    m_places.push_back({m_ids.size(), static_cast<std::uint32_t>(id.size()), level});
+    m_ids.append(id);
+}
+
+void GroupLevels::clear() {
+    m_ids.clear();
+    m_places.clear();
+    m_index.clear();
+}
+
+void GroupLevels::reserve(std::size_t count) {
+    m_places.reserve(count);
+    m_index.reserve(count);
+}
+
 void GroupLevelManager::setGroupLevel(const std::string& id, std::int32_t level) {
-    m_groupLevels.insert_or_assign(id, level);
+    m_groupLevels.set(id, level);
 }
 
 error_code_t GroupLevelManager::getGroupLevel(const std::string& id, std::int32_t& level) const {
-    const auto it = m_groupLevels.find(id);
-    if (it == m_groupLevels.end()) return error_code_t::false_code();
-    level = it->second;
+    const std::int32_t* known = m_groupLevels.find(id);
+    if (!known) return error_code_t::false_code();
+    level = *known;
     return {};
 }
 

@@ -4,10 +4,11 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <unordered_map>
+#include <string_view>
 #include <vector>
 
 #include "core/export.h"
+#include "core/view_model/id_index.h"
 #include "core/view_model/node.h"
 #include "platform/basekit2/error_code.h"
 
@@ -32,6 +33,43 @@ class TESSERA_EXPORT HierarchicalLevelManager {
     std::vector<std::shared_ptr<Level>> m_levels;
 };
 
+// Levels by id, as a hash map that keeps the ids one behind the other in one text. An id is shorter than
+// 4 GiB.
+class TESSERA_EXPORT GroupLevels {
+  public:
+    struct Entry {
+        std::string_view first;  // the id
+        std::int32_t second;     // its level
+    };
+
+    [[nodiscard]] std::size_t size() const noexcept { return m_places.size(); }
+    // In the order in which the ids came.
+    [[nodiscard]] Entry entry(std::size_t i) const { return {idAt(m_places[i]), m_places[i].level}; }
+    // Null when the id is not known.
+    [[nodiscard]] const std::int32_t* find(std::string_view id) const;
+    void set(std::string_view id, std::int32_t level);
+    void clear();
+    void reserve(std::size_t count);
+
+  private:
+    struct Place {
+        std::size_t start;
+        std::uint32_t size;
+        std::int32_t level;
+    };
+
+    [[nodiscard]] std::string_view idAt(const Place& place) const {
+        return std::string_view(m_ids).substr(place.start, place.size);
+    }
+    [[nodiscard]] std::uint32_t position(std::string_view id, std::uint32_t hash) const {
+        return m_index.find(id, hash, [this](std::uint32_t at) { return idAt(m_places[at]); });
+    }
+
+    std::string m_ids;
+    std::vector<Place> m_places;
+    IdIndex m_index;
+};
+
 // Nesting depths by node id.
 class TESSERA_EXPORT GroupLevelManager {
   public:
@@ -39,7 +77,7 @@ class TESSERA_EXPORT GroupLevelManager {
     // The false code, and `level` left alone, when the id is not known.
     basekit2::error_code_t getGroupLevel(const std::string& id, std::int32_t& level) const;
 
-    std::unordered_map<std::string, std::int32_t> m_groupLevels;
+    GroupLevels m_groupLevels;
 };
 
 }  // namespace tessera_1::view_model

@@ -48,15 +48,15 @@ class Verification {
 
     // Every object by id is one that is listed.
     template <class Object>
-    void tables(const char* kind, const std::map<std::string, std::shared_ptr<Object>>& byId,
+    void tables(const char* kind, const view_model::IdTable<Object>& byId,
                 const std::vector<std::shared_ptr<Object>>& list) {
         std::unordered_set<const Object*> listed;
         for (const auto& object : list)
             listed.insert(object.get());
-        for (const auto& [id, object] : byId) {
+        for (const auto& object : byId.objects()) {
             if (!object) continue;
-            if (object->m_id != id) find(kind, id, "is filed under another id than its own");
-            if (!listed.contains(object.get())) find(kind, id, "is not listed");
+            if (byId.find(object->m_id) != object) find(kind, object->m_id, "is filed under another id");
+            if (!listed.contains(object.get())) find(kind, object->m_id, "is not listed");
         }
     }
 

@@ -105,8 +105,7 @@ class Comparison {
     static std::vector<std::string> named(const DataTransferTable& table) {
         std::vector<std::string> out;
         for (const char* mode : {"bandwidth", "ratio", "size"}) {
-            const auto it = table.find(mode);
-            if (it != table.end()) out.push_back(std::string(mode) + ": " + named(it->second));
+            if (table.contains(mode)) out.push_back(std::string(mode) + ": " + named(table.find(mode)));
         }
         out.push_back(std::to_string(table.size()) + " entries");
         return out;
@@ -159,8 +158,8 @@ class Comparison {
         const auto levels = [](const Graph& graph) {
             std::vector<int> out;
             for (const auto& [id, node] : graph.m_nodes) {
-                const auto it = graph.m_groupLevelManager.m_groupLevels.find(id);
-                out.push_back(it == graph.m_groupLevelManager.m_groupLevels.end() ? -1 : it->second);
+                const std::int32_t* level = graph.m_groupLevelManager.m_groupLevels.find(id);
+                out.push_back(level ? *level : -1);
             }
             out.push_back(static_cast<int>(graph.m_groupLevelManager.m_groupLevels.size()));
             return out;

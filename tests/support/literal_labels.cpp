@@ -95,9 +95,9 @@ bool countSteps(const NodePtr& label, const Side& side, int& count, Record& reco
 
 void setGroupChildLevelGroup(Graph& graph, const NodePtr& group) {
     auto& levels = graph.m_groupLevelManager.m_groupLevels;
-    const int level = levels.at(group->m_id);
+    const int level = *levels.find(group->m_id);
     for (const NodePtr& member : group->m_groupChildren) {
-        levels[member->m_id] = level + 1;
+        levels.set(member->m_id, level + 1);
         if (!member->m_groupChildren.empty()) setGroupChildLevelGroup(graph, member);
     }
 }
@@ -142,7 +142,7 @@ Code setGroupLevels(Graph& graph, Record& /*record*/) {
     auto& levels = graph.m_groupLevelManager.m_groupLevels;
     levels.clear();
     for (const auto& [id, node] : graph.m_nodes)
-        levels[node->m_id] = 0;
+        levels.set(node->m_id, 0);
     for (const auto& [id, node] : graph.m_nodes)
         if (!node->m_groupChildren.empty() && node->m_group == nullptr) setGroupChildLevelGroup(graph, node);
     return Code::success;

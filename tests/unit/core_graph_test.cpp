@@ -1,7 +1,9 @@
 // The graph: filing, children and parents, groups, display infos, and its end.
 #include <gtest/gtest.h>
 
+#include <map>
 #include <memory>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -22,7 +24,7 @@ TEST(GraphModel, NodesAreListedInOrderOfAdditionAndMappedInOrderOfTheirBytes) {
     EXPECT_EQ(idsOf(graph.m_nodeList), (Names{"b", "a", "\xC3\xA4", "B", "", "aa"}));
     Names mapped;
     for (const auto& [id, node] : graph.m_nodes) {
-        mapped.push_back(id);
+        mapped.emplace_back(id);
         EXPECT_EQ(node->m_id, id);
     }
     EXPECT_EQ(mapped, (Names{"", "B", "a", "aa", "b", "\xC3\xA4"}));
@@ -35,7 +37,7 @@ TEST(GraphModel, LaterNodeOfAnIdTakesTheMapAndBothStayListed) {
     graph.addNode(makeNode("y"));
     graph.addNode(second);
     EXPECT_EQ(graph.m_nodes.size(), 2U);
-    EXPECT_EQ(graph.m_nodes.at("x"), second);
+    EXPECT_EQ(graph.m_nodes.find("x"), second);
     EXPECT_EQ(graph.m_nodeList.front(), first);
     EXPECT_EQ(graph.m_nodeList.back(), second);
 }
@@ -45,7 +47,7 @@ TEST(GraphModel, LaterNodeOfTheLargestIdTakesTheMapAsWell) {
     graph.addNode(makeNode("x"));
     const auto second = makeNode("x");
     graph.addNode(second);
-    EXPECT_EQ(graph.m_nodes.at("x"), second);
+    EXPECT_EQ(graph.m_nodes.find("x"), second);
     EXPECT_EQ(graph.m_nodeList.size(), 2U);
 }
 
@@ -57,8 +59,8 @@ TEST(GraphModel, LinksAreFiledLikeNodesAndTheirEndsAreNotLookedAt) {
     graph.addLink(second);
     graph.addLink(makeLink(nullptr, nullptr, "k"));
     EXPECT_EQ(graph.m_links.size(), 2U);
-    EXPECT_EQ(graph.m_links.begin()->first, "k");
-    EXPECT_EQ(graph.m_links.at("l"), second);
+    EXPECT_EQ((*graph.m_links.begin()).first, "k");
+    EXPECT_EQ(graph.m_links.find("l"), second);
     EXPECT_EQ(graph.m_linkList.size(), 3U);
     EXPECT_EQ(graph.m_linkList[0], first);
     EXPECT_TRUE(graph.m_nodes.empty());
@@ -80,18 +82,42 @@ TEST(GraphModel, ObjectsAreFoundUnderTheirIds) {
     EXPECT_EQ(graph.findLink("x"), nullptr);
 }
 
-TEST(GraphModel, EntryPutIntoTheMapItselfIsFoundAndReplacedLikeAnyOther) {
+TEST(GraphModel, EntriesAreInOrderHoweverTheyCameAndWheneverOneLooks) {
     Graph graph;
-    graph.addNode(makeNode("b"));
-    const auto direct = makeNode("a"), later = makeNode("a"), swapped = makeNode("b");
-    graph.m_nodes["a"] = direct;
-    EXPECT_EQ(graph.findNode("a"), direct);
-    graph.m_nodes["b"] = swapped;
-    EXPECT_EQ(graph.findNode("b"), swapped);
+    std::map<std::string, std::shared_ptr<Node>> expected;
+    std::mt19937 random(7);
+    for (int i = 0; i < 3'000; ++i) {
+        const auto node = makeNode(std::to_string(random() % 1'500));
+        graph.addNode(node);
+        expected[node->m_id] = node;
+        if (i % 700 != 0) continue;
+        ASSERT_EQ(graph.m_nodes.size(), expected.size());
+        auto it = expected.begin();
+        for (const auto& [id, found] : graph.m_nodes) {
+            ASSERT_EQ(id, it->first);
+            ASSERT_EQ(found, (it++)->second);
+        }
+    }
+    for (const auto& [id, node] : expected)
+        ASSERT_EQ(graph.findNode(id), node);
+    EXPECT_EQ(graph.findNode("1500"), nullptr);
+}
+
+TEST(GraphModel, EntryOfNoObjectStandsAtItsIdUntilThereIsOne) {
+    Graph graph;
+    graph.addNode(makeNode("a"));
+    graph.addNode(makeNode("c"));
+    graph.m_nodes.keep("b");
+    graph.m_nodes.keep("a");
+    Names ids;
+    for (const auto& [id, node] : graph.m_nodes)
+        ids.push_back(std::string(id) + (node ? "" : " of nobody"));
+    EXPECT_EQ(ids, (Names{"a", "b of nobody", "c"}));
+    EXPECT_EQ(graph.findNode("b"), nullptr);
+    const auto later = makeNode("b");
     graph.addNode(later);
-    EXPECT_EQ(graph.findNode("a"), later);
-    EXPECT_EQ(graph.m_nodes.size(), 2U);
-    EXPECT_EQ(graph.findNode("c"), nullptr);
+    EXPECT_EQ(graph.findNode("b"), later);
+    EXPECT_EQ(graph.m_nodes.size(), 3U);
 }
 
 struct ThreeNodes : testing::Test {

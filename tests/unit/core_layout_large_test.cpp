@@ -25,7 +25,7 @@ struct LargeLayouts : testing::Test, Diagram {
         return graph.setGroupLevels().is_success() && succeeds;
     }
     int depthOf(const NodePtr& which) const {
-        return graph.m_groupLevelManager.m_groupLevels.at(which->m_id);
+        return *graph.m_groupLevelManager.m_groupLevels.find(which->m_id);
     }
     // Nodes with numbers as ids, from 0 on.
     std::vector<NodePtr> makeMany(int count, const NodePtr& group = nullptr) {

@@ -97,7 +97,7 @@ TEST_F(ParserDriver, SeveralDiagramsAreReadIntoOneGraph) {
     </v>)");
     EXPECT_EQ(graph->m_id, "2");
     EXPECT_EQ(graph->m_nodeList.size(), 2U);
-    EXPECT_EQ(graph->m_linkList[0]->m_from, graph->m_nodes.at("a"));
+    EXPECT_EQ(graph->m_linkList[0]->m_from, graph->m_nodes.find("a"));
     EXPECT_EQ(log.reports(), Reports{});
 }
 
@@ -170,9 +170,9 @@ TEST_F(ParserDriver, DisplaySectionBeforeTheGraphSectionReachesNothing) {
       <graph id="g"><node id="a"/><node id="b"/><link id="l" from="a" to="b"/></graph>
     </diagram></v>)");
     EXPECT_EQ(graph->m_name, "Name");
-    EXPECT_EQ(graph->m_nodes.at("a")->m_displayName, "");
-    EXPECT_EQ(graph->m_nodes.at("a")->m_info, nullptr);
-    EXPECT_EQ(graph->m_links.at("l")->m_displayName, "");
+    EXPECT_EQ(graph->m_nodes.find("a")->m_displayName, "");
+    EXPECT_EQ(graph->m_nodes.find("a")->m_info, nullptr);
+    EXPECT_EQ(graph->m_links.find("l")->m_displayName, "");
     EXPECT_EQ(log.reports(), Reports{});
 }
 
@@ -304,8 +304,8 @@ TEST_F(Localisation, DisplayNamesOfADocumentAreKeysOrShownAsWritten) {
     DViewpointParser parser;
     std::shared_ptr<Graph> graph;
     parser.parseViewpoint(host.base->config, host.library, nullptr, host.inputData, graph);
-    EXPECT_EQ(graph->m_nodes.at("a")->m_displayName, "Text");
-    EXPECT_EQ(graph->m_nodes.at("b")->m_displayName, "Plain words");
+    EXPECT_EQ(graph->m_nodes.find("a")->m_displayName, "Text");
+    EXPECT_EQ(graph->m_nodes.find("b")->m_displayName, "Plain words");
 }
 
 TEST_F(Localisation, OnlyDisplayNamesAreLocalised) {
@@ -328,14 +328,14 @@ TEST_F(Localisation, OnlyDisplayNamesAreLocalised) {
     std::shared_ptr<Graph> graph;
     parser.parseViewpoint(host.base->config, host.library, nullptr, host.inputData, graph);
     EXPECT_EQ(graph->m_id, "g");
-    const auto& node = *graph->m_nodes.at("a");
+    const auto& node = *graph->m_nodes.find("a");
     EXPECT_EQ(node.m_displayType, "label");
     EXPECT_EQ(node.m_aligning, "to");
     EXPECT_EQ(node.m_info->m_rowSet.rows.at(0).m_query, "/q");
-    const auto& link = *graph->m_links.at("l");
+    const auto& link = *graph->m_links.find("l");
     EXPECT_EQ(link.m_from->m_id, "a");
     EXPECT_EQ(link.m_direction, "both");
-    EXPECT_EQ(link.m_displayInfo.m_toInfo.count("size"), 1U);
+    EXPECT_TRUE(link.m_displayInfo.m_toInfo.contains("size"));
 }
 
 }  // namespace

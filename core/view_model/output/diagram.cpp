@@ -12,8 +12,7 @@ namespace {
 
 // Looks the mode up, leaving an empty entry where the table has none, and writes what is found.
 void dumpTransfer(DataTransferTable& table, variant_bag_t& info, const std::string& displayMode) {
-    if (table.empty()) table.reserve(1);  // most tables never get more than this entry
-    if (const auto& shown = table[displayMode]) shown->dump(info);
+    if (const auto shown = table.lookUp(displayMode)) shown->dump(info);
 }
 
 const std::string& idOf(const std::shared_ptr<Node>& node) {
@@ -33,10 +32,13 @@ void Graph::dumpTotalInfo(variant_bag_t& out) const {
 void Graph::dumpNodes(variant_bag_t& out) {
     variant_bag_t& nodes = out.add_variant_bag("nodes");
     nodes.put("arrayOf", "node");
-    for (const auto& [id, level] : m_groupLevelManager.m_groupLevels) {
-        auto node = findNode(id);
-        if (!node) node = m_nodes[id];  // which leaves an empty entry for an id that nobody has
-        if (node) node->m_groupLevel = level;
+    const GroupLevels& levels = m_groupLevelManager.m_groupLevels;
+    for (std::size_t i = 0; i < levels.size(); ++i) {
+        const auto [id, level] = levels.entry(i);
+        if (const auto node = m_nodes.find(id))
+            node->m_groupLevel = level;
+        else
+            m_nodes.keep(std::string(id));
     }
     for (const auto& node : m_nodeList)
         if (node->m_type != "groupInfo") node->dump(nodes, m_displayMode);
