@@ -5,7 +5,7 @@ docs/benchmarks.md.
     bench/layout/run.py PROGRAM [--sizes 1000,10000,...] [--runs N] [--peers] [--peer-sizes 100,1000,...]
 
 PROGRAM is tessera_bench_layout of a release build. --peers needs `dot` (graphviz), node, and once
-`npm install --no-package-lock` in bench/layout/peers. A peer has 120 seconds for a graph."""
+`npm ci` in bench/layout/peers. A peer has 120 seconds for a graph."""
 import argparse
 import json
 import pathlib

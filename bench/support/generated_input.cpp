@@ -14,9 +14,6 @@
 namespace tessera_bench {
 namespace {
 
-constexpr std::size_t groupSize = 100;
-constexpr std::size_t rankSize = 10;
-
 constexpr const char* head = R"(<?xml version="1.0" encoding="UTF-8"?>
 <viewpoint>
   <queries>
@@ -47,48 +44,6 @@ void writeNodes(std::ostream& out, std::size_t begin, std::size_t end, std::size
         out << "</node>\n";
     }
 }
-
-// Ends of random links that make no cycle.
-class LinkEnds {
-  public:
-    explicit LinkEnds(const InputShape& shape) : m_shape(shape), m_random(shape.seed) {}
-
-    using Ends = std::pair<std::size_t, std::size_t>;
-
-    Ends next() { return m_shape.isTangled ? nextTangled() : nextBetweenRanks(); }
-
-  private:
-    std::size_t below(std::size_t n) { return m_random() % n; }
-
-    Ends nextTangled() {
-        const std::size_t from = below(m_shape.nodes);
-        const std::size_t groupEnd = std::min((from / groupSize + 1) * groupSize, m_shape.nodes);
-        std::size_t to = below(20) != 0 ? from + below(groupEnd - from) : below(m_shape.nodes);
-        if (to == from) to = from > 0 ? from - 1 : 1;  // a link to itself would be a cycle
-        return {std::min(from, to), std::max(from, to)};
-    }
-
-    // Every node that is not in the first rank is first given a link from the rank before.
-    Ends nextBetweenRanks() {
-        const bool isSpanning = m_nextTo < m_shape.nodes;
-        const std::size_t to = isSpanning ? m_nextTo++ : below(m_shape.nodes);
-        const bool isLocal = below(20) != 0;
-        // The unit is what stands in ranks: nodes of a group, or groups of the group around it.
-        const std::size_t unit = isLocal || m_shape.isFlat ? 1 : groupSize;
-        const std::size_t place = to / unit % groupSize;
-        const std::size_t rank = place / rankSize;
-        if (rank == 0) return nextBetweenRanks();
-        const std::size_t above = rank > 1 && !isSpanning && below(5) == 0 ? 2 : 1;
-        std::size_t first = to / unit - place;
-        if (!isLocal && m_shape.isFlat) first = below(m_shape.nodes) / groupSize * groupSize;
-        const std::size_t from = (first + (rank - above) * rankSize + below(rankSize)) * unit + below(unit);
-        return from < m_shape.nodes ? Ends{from, to} : nextBetweenRanks();
-    }
-
-    const InputShape& m_shape;
-    std::mt19937 m_random;
-    std::size_t m_nextTo = 0;
-};
 
 void writeLinks(std::ostream& out, const InputShape& shape, InputCounts& counts) {
     LinkEnds ends(shape);

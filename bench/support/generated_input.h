@@ -4,19 +4,9 @@
 #include <cstddef>
 #include <string>
 
-namespace tessera_bench {
+#include "bench/support/link_ends.h"
 
-struct InputShape {
-    std::size_t nodes = 100'000;
-    double linksPerNode = 1.5;
-    double nodesWithValues = 0.1;  // share that shows a row set of two rows
-    double linksWithLabels = 0.3;  // share with a label
-    bool isFlat = false;           // no groups
-    bool isTangled = false;        // links inside a group join any two members
-    bool allLocations = false;     // labels at both ends as well as at the centre
-    std::size_t modes = 1;         // how many display modes each label has values for, up to 3
-    unsigned seed = 1;
-};
+namespace tessera_bench {
 
 struct InputCounts {
     std::size_t nodes = 0;

@@ -1,0 +1,118 @@
+"""What can be counted in a drawing of a graph: one way for all programs that write SVG."""
+import collections
+import math
+import re
+import xml.etree.ElementTree as ElementTree
+
+PIECES = 8  # straight ones that stand for a curve
+SVG = '{http://www.w3.org/2000/svg}'
+NUMBER = re.compile(r'[-+]?(?:\d+\.?\d*|\.\d+)(?:[eE][-+]?\d+)?')
+COMMAND = re.compile(r'([A-Za-z])([^A-Za-z]*(?:[eE][-+]?\d+[^A-Za-z]*)*)')
+
+Figures = collections.namedtuple('Figures', 'lines crossings length bends area aspect')
+
+
+def chains_of(path):
+    """The points along each piece of a path that is drawn in one go; M, L and C only, as all the programs write."""
+    chains = []
+    for command, rest in COMMAND.findall(path):
+        numbers = [float(number) for number in NUMBER.findall(rest)]
+        points = list(zip(numbers[::2], numbers[1::2]))
+        if command == 'M':
+            chains.append(points[:1])
+            chains[-1] += points[1:]
+        elif command == 'L':
+            chains[-1] += points
+        elif command == 'C':
+            for first, second, end in zip(points[::3], points[1::3], points[2::3]):
+                chains[-1] += curve(chains[-1][-1], first, second, end)
+        else:
+            raise ValueError(f'path command {command}')
+    return chains
+
+
+def curve(start, first, second, end):
+    def at(axis, t):
+        s = 1 - t
+        return s * s * s * start[axis] + 3 * s * s * t * first[axis] + 3 * s * t * t * second[axis] + t * t * t * end[axis]
+    return [(at(0, i / PIECES), at(1, i / PIECES)) for i in range(1, PIECES + 1)]
+
+
+def is_line(group):
+    return group.get('data-kind') == 'line' or group.get('class') == 'edge'
+
+
+def is_stroke(path):
+    """Arrow heads are closed."""
+    return not path.get('d').rstrip().lower().endswith('z')
+
+
+def picture_of(file):
+    """Width, height and, for each line, the chains that it is drawn with."""
+    root = ElementTree.parse(file).getroot()
+    width, height = (float(NUMBER.match(root.get(name))[0]) for name in ('width', 'height'))
+    lines = [[chain for path in group.iter(SVG + 'path') if is_stroke(path) for chain in chains_of(path.get('d'))]
+             for group in root.iter(SVG + 'g') if is_line(group)]
+    return width, height, lines
+
+
+def crossings_of(pieces):
+    """How often pieces (x1, y1, x2, y2, line) of different lines cross. Pieces meet in the squares of a grid about as
+    large as they are; a crossing counts in the square that it lies in."""
+    if not pieces:
+        return 0
+    size = max(8.0, 2 * sum(math.dist(piece[:2], piece[2:4]) for piece in pieces) / len(pieces))
+    squares = collections.defaultdict(list)
+    for piece in pieces:
+        for square in squares_of(piece, size):
+            squares[square].append(piece)
+    count = 0
+    for square, inside in squares.items():
+        for i, p in enumerate(inside):
+            for q in inside[:i]:
+                if p[4] != q[4] and (at := crossing(p, q)) and (at[0] // size, at[1] // size) == square:
+                    count += 1
+    return count
+
+
+def squares_of(piece, size):
+    """Those that the piece goes through, column by column, and some beside it."""
+    (x1, y1), (x2, y2) = sorted((piece[:2], piece[2:4]))
+    column, last = x1 // size, x2 // size
+    while column <= last:
+        left, right = max(x1, column * size), min(x2, (column + 1) * size)
+        slope = (y2 - y1) / (x2 - x1) if x2 > x1 else None
+        ends = (y1, y2) if slope is None else (y1 + (left - x1) * slope, y1 + (right - x1) * slope)
+        row, bottom = min(ends) // size - (slope is not None), max(ends) // size + (slope is not None)
+        while row <= bottom:
+            yield column, row
+            row += 1
+        column += 1
+
+
+def crossing(p, q):
+    """Where they cross. Half open, so that a crossing at a joint counts once; lines upon each other do not cross."""
+    def side(a, x, y):
+        return (a[2] - a[0]) * (y - a[1]) - (a[3] - a[1]) * (x - a[0])
+    before, behind = side(q, p[0], p[1]), side(q, p[2], p[3])
+    if (before >= 0) == (behind >= 0) or (side(p, q[0], q[1]) >= 0) == (side(p, q[2], q[3]) >= 0):
+        return None
+    t = before / (before - behind)
+    return p[0] + t * (p[2] - p[0]), p[1] + t * (p[3] - p[1])
+
+
+def turn(a, b, c):
+    return abs(math.remainder(math.atan2(c[1] - b[1], c[0] - b[0]) - math.atan2(b[1] - a[1], b[0] - a[0]), 2 * math.pi))
+
+
+def figures_of(picture):
+    """Bends are all that lines turn, in right angles: so curves and corners are told in the same way."""
+    width, height, lines = picture
+    pieces, length, turns = [], 0.0, 0.0
+    for number, chains in enumerate(lines):
+        for chain in chains:
+            points = [point for i, point in enumerate(chain) if i == 0 or math.dist(point, chain[i - 1]) > 1e-6]
+            pieces += [(*a, *b, number) for a, b in zip(points, points[1:])]
+            length += sum(math.dist(a, b) for a, b in zip(points, points[1:]))
+            turns += sum(turn(a, b, c) for a, b, c in zip(points, points[1:], points[2:]))
+    return Figures(len(lines), crossings_of(pieces), length, turns / (math.pi / 2), width * height, width / height)

@@ -1,0 +1,63 @@
+// How large boxes are, and where in them their texts stand.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "draw/diagram.h"
+#include "draw/geometry.h"
+#include "draw/reservation.h"
+#include "draw/threads.h"
+
+namespace tessera_draw {
+
+inline constexpr double cardLeft = 16;  // from a card's edge to its texts
+inline constexpr double cardRight = 12;
+inline constexpr double cardNameLine = 22;  // base lines, from the top
+inline constexpr double cardNameAlone = 24;
+inline constexpr double cardFirstRow = 42;
+inline constexpr double rowStep = 18;
+inline constexpr double columnGap = 12;  // between a row's name and its value, at least
+inline constexpr double markSize = 8;
+inline constexpr double markRoom = 14;  // with the gap beside it
+inline constexpr double barWidth = 4;
+
+inline constexpr double labelSide = 10;
+inline constexpr double labelTitleLine = 14;
+inline constexpr double labelValueLine = 28;
+inline constexpr double labelFirstRow = 30;
+inline constexpr double labelRowStep = 15;
+
+inline constexpr double groupSide = 16;
+inline constexpr double groupTitleLine = 25;
+inline constexpr double groupFirstRow = 45;
+
+// The room of one box: how many rows, and how wide their two columns are, in pixels.
+struct BoxRoom {
+    std::uint32_t rows = 0;
+    double nameColumn = 0;
+    double valueColumn = 0;
+    Size size;       // of a container: the least
+    Insets padding;  // of a container
+};
+
+// What a box is in the drawing.
+enum class BoxKind : std::uint8_t { none, card, label, container };
+
+struct BoxKinds {
+    std::vector<BoxKind> kinds;     // by node; `none` for dummies and for groups' values
+    std::vector<Index> groupInfos;  // by node: the node whose rows are the group's own
+};
+
+[[nodiscard]] BoxKinds findKinds(const Diagram& diagram);
+
+// The name that people read: the display name, or else the id.
+[[nodiscard]] inline std::string_view captionOf(const Node& node) noexcept {
+    return node.name.empty() ? node.id : node.name;
+}
+
+// The room of every node, by node. Cards of one layer are equally wide.
+[[nodiscard]] std::vector<BoxRoom> reserveBoxes(const Diagram& diagram, const Threads& threads,
+                                                const BoxKinds& kinds, const Reservation* reservation);
+
+}  // namespace tessera_draw

@@ -1,0 +1,135 @@
+#include "draw/pictures/painter.h"
+
+#include <array>
+#include <numbers>
+
+#include "draw/pictures/text_painter.h"
+#include "draw/shapes.h"
+
+namespace tessera_draw {
+namespace {
+
+constexpr double outlineWidth = 2;  // of marks
+
+void roundedRect(cairo_t* cairo, const Rect& rect, double radius) {
+    constexpr double right = std::numbers::pi / 2;
+    cairo_new_sub_path(cairo);
+    cairo_arc(cairo, rect.right() - radius, rect.y + radius, radius, -right, 0);
+    cairo_arc(cairo, rect.right() - radius, rect.bottom() - radius, radius, 0, right);
+    cairo_arc(cairo, rect.x + radius, rect.bottom() - radius, radius, right, 2 * right);
+    cairo_arc(cairo, rect.x + radius, rect.y + radius, radius, 2 * right, 3 * right);
+    cairo_close_path(cairo);
+}
+
+void tracePath(cairo_t* cairo, const Outline& outline) {
+    for (const OutlineStep& step : outline) {
+        switch (step.kind) {
+            case OutlineStep::Kind::move:
+                cairo_move_to(cairo, step.end.x, step.end.y);
+                break;
+            case OutlineStep::Kind::line:
+                cairo_line_to(cairo, step.end.x, step.end.y);
+                break;
+            case OutlineStep::Kind::curve:
+                cairo_curve_to(cairo, step.control1.x, step.control1.y, step.control2.x, step.control2.y,
+                               step.end.x, step.end.y);
+                break;
+            case OutlineStep::Kind::close:
+                cairo_close_path(cairo);
+                break;
+        }
+    }
+}
+
+class Painter {
+  public:
+    Painter(cairo_t* cairo, const Palette& palette)
+        : m_cairo(cairo), m_palette(palette), m_text(cairo, palette) {}
+
+    void paint(const Scene& scene, const Element& element) {
+        for (std::uint32_t i = 0; i < element.boxes.count; ++i)
+            box(scene.boxes[element.boxes.first + i]);
+        for (std::uint32_t i = 0; i < element.marks.count; ++i)
+            mark(scene.marks[element.marks.first + i]);
+        for (std::uint32_t i = 0; i < element.lines.count; ++i)
+            line(scene.lines[element.lines.first + i]);
+        for (std::uint32_t i = 0; i < element.texts.count; ++i)
+            m_text.paint(scene.texts[element.texts.first + i]);
+    }
+
+  private:
+    void fill(const Outline& outline, Ink ink) {
+        setInk(m_cairo, m_palette, ink);
+        tracePath(m_cairo, outline);
+        cairo_fill(m_cairo);
+    }
+
+    void box(const BoxShape& box) {
+        const BoxStyle& style = styleOf(box.role);
+        roundedRect(m_cairo, box.rect, style.radius);
+        setInk(m_cairo, m_palette, style.fill);
+        cairo_fill_preserve(m_cairo);
+        setInk(m_cairo, m_palette, style.stroke);
+        cairo_set_line_width(m_cairo, boxStrokeWidth);
+        const std::array<double, 2> dashes = {dashLength, dashGap};
+        cairo_set_dash(m_cairo, dashes.data(), style.isDashed ? 2 : 0, 0);
+        cairo_stroke(m_cairo);
+        cairo_set_dash(m_cairo, nullptr, 0, 0);
+        if (box.bar != Ink::none) fill(barOf(box.rect, style.radius), box.bar);
+    }
+
+    void mark(const MarkShape& mark) {
+        if (!isOutlined(mark.look.mark)) {
+            fill(outlineOf(mark), mark.look.accent);
+            return;
+        }
+        setInk(m_cairo, m_palette, mark.look.accent);
+        tracePath(m_cairo, outlineOf(mark));
+        cairo_set_line_width(m_cairo, outlineWidth);
+        cairo_stroke(m_cairo);
+    }
+
+    void line(const LineShape& line) {
+        for (const auto& stretch : line.stretches) {
+            cairo_move_to(m_cairo, stretch.start.x, stretch.start.y);
+            for (const Segment& segment : stretch.segments) {
+                if (segment.isCurve)
+                    cairo_curve_to(m_cairo, segment.control1.x, segment.control1.y, segment.control2.x,
+                                   segment.control2.y, segment.end.x, segment.end.y);
+                else
+                    cairo_line_to(m_cairo, segment.end.x, segment.end.y);
+            }
+        }
+        setInk(m_cairo, m_palette, Ink::line);
+        cairo_set_line_width(m_cairo, lineStrokeWidth);
+        cairo_stroke(m_cairo);
+        if (line.hasFromHead) fill(outlineOf(line.fromHead), Ink::line);
+        if (line.hasToHead) fill(outlineOf(line.toHead), Ink::line);
+    }
+
+    cairo_t* m_cairo;
+    const Palette& m_palette;
+    TextPainter m_text;
+};
+
+}  // namespace
+
+void setInk(cairo_t* cairo, const Palette& palette, Ink ink) {
+    const Rgb& colour = palette[static_cast<std::size_t>(ink)];
+    cairo_set_source_rgb(cairo, colour.red / 255.0, colour.green / 255.0, colour.blue / 255.0);
+}
+
+bool paintScene(cairo_t* cairo, const Scene& scene, const PictureOptions& options) {
+    const Palette& palette = options.theme == Theme::dark ? darkPalette() : lightPalette();
+    setInk(cairo, palette, Ink::ground);
+    cairo_paint(cairo);
+    cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
+    Painter painter(cairo, palette);
+    for (const Element& element : scene.elements) {
+        if (options.isStopped && options.isStopped()) return false;
+        painter.paint(scene, element);
+    }
+    return true;
+}
+
+}  // namespace tessera_draw

@@ -1,0 +1,17 @@
+// Scenes on a cairo surface.
+#pragma once
+
+#include <cairo.h>
+
+#include "draw/picture_writer.h"
+#include "draw/scene.h"
+#include "draw/theme.h"
+
+namespace tessera_draw {
+
+// Paints the whole scene, its ground included, in the scene's own coordinates. False when it was stopped.
+bool paintScene(cairo_t* cairo, const Scene& scene, const PictureOptions& options);
+
+void setInk(cairo_t* cairo, const Palette& palette, Ink ink);
+
+}  // namespace tessera_draw

@@ -1,0 +1,80 @@
+#include "draw/pictures/text_painter.h"
+
+#include "draw/pictures/painter.h"
+#include "draw/shapes.h"
+#include "draw/utf8.h"
+
+namespace tessera_draw {
+namespace {
+
+// The text as it is shown: valid, on one line.
+void appendShown(std::string& shown, std::string_view text) {
+    while (!text.empty()) {
+        const auto [code, length] = firstCharacter(text);
+        const char32_t character = shownAs(code);
+        if (character == code && code != replacement)
+            shown += text.substr(0, length);
+        else
+            shown += character == ' ' ? " " : "\xEF\xBF\xBD";
+        text.remove_prefix(length);
+    }
+}
+
+}  // namespace
+
+TextPainter::TextPainter(cairo_t* cairo, const Palette& palette)
+    : m_cairo(cairo), m_palette(palette), m_layout(pango_cairo_create_layout(cairo)) {
+    // Letters keep their places at every scale.
+    cairo_font_options_t* options = cairo_font_options_create();
+    cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_NONE);
+    cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
+    cairo_font_options_set_antialias(options, CAIRO_ANTIALIAS_GRAY);
+    pango_cairo_context_set_font_options(pango_layout_get_context(m_layout.get()), options);
+    cairo_font_options_destroy(options);
+    pango_context_set_round_glyph_positions(pango_layout_get_context(m_layout.get()), FALSE);
+    pango_layout_context_changed(m_layout.get());
+    pango_layout_set_single_paragraph_mode(m_layout.get(), TRUE);
+    for (std::size_t i = 0; i < textRoleCount; ++i) {
+        const TextStyle& style = styleOf(static_cast<TextRole>(i));
+        m_fonts[i].reset(pango_font_description_new());
+        pango_font_description_set_family_static(m_fonts[i].get(), fontFamily);
+        pango_font_description_set_absolute_size(m_fonts[i].get(), style.size * PANGO_SCALE);
+        pango_font_description_set_weight(
+            m_fonts[i].get(), style.weight == Weight::bold ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
+    }
+}
+
+void TextPainter::paint(const TextShape& text) {
+    m_shown.clear();
+    appendShown(m_shown, text.text);
+    if (text.isShortened) m_shown += "…";
+    PangoLayout* layout = m_layout.get();
+    pango_layout_set_width(layout, -1);
+    pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_NONE);
+    pango_layout_set_font_description(layout, m_fonts[static_cast<std::size_t>(text.role)].get());
+    pango_layout_set_text(layout, m_shown.data(), static_cast<int>(m_shown.size()));
+    PangoRectangle extents;
+    pango_layout_get_extents(layout, nullptr, &extents);
+    if (extents.width > (text.room + 1) * PANGO_SCALE) {
+        pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
+        pango_layout_set_width(layout, static_cast<int>(text.room * PANGO_SCALE));
+    }
+    PangoLayoutLine* line = pango_layout_get_line_readonly(layout, 0);
+    if (line == nullptr) return;
+    pango_layout_line_get_extents(line, nullptr, &extents);
+    const double width = extents.width / static_cast<double>(PANGO_SCALE);
+    const Anchor anchor = styleOf(text.role).anchor;
+    const double back = anchor == Anchor::start ? 0 : anchor == Anchor::middle ? width / 2 : width;
+    cairo_move_to(m_cairo, text.at.x - back, text.at.y);
+    if (text.halo != Ink::none) {
+        pango_cairo_layout_line_path(m_cairo, line);
+        setInk(m_cairo, m_palette, text.halo);
+        cairo_set_line_width(m_cairo, haloWidth);
+        cairo_stroke(m_cairo);
+        cairo_move_to(m_cairo, text.at.x - back, text.at.y);
+    }
+    setInk(m_cairo, m_palette, styleOf(text.role).ink);
+    pango_cairo_show_layout_line(m_cairo, line);
+}
+
+}  // namespace tessera_draw

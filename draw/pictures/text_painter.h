@@ -1,0 +1,35 @@
+// Texts of scenes, by Pango: it finds fonts for scripts that the drawing's own font lacks.
+#pragma once
+
+#include <pango/pangocairo.h>
+
+#include <array>
+#include <memory>
+#include <string>
+
+#include "draw/scene.h"
+#include "draw/theme.h"
+
+namespace tessera_draw {
+
+class TextPainter {
+  public:
+    TextPainter(cairo_t* cairo, const Palette& palette);
+
+    // A text that turns out wider than its room ends with "…" there.
+    void paint(const TextShape& text);
+
+  private:
+    struct Freed {
+        void operator()(PangoFontDescription* font) const { pango_font_description_free(font); }
+        void operator()(PangoLayout* layout) const { g_object_unref(layout); }
+    };
+
+    cairo_t* m_cairo;
+    const Palette& m_palette;
+    std::unique_ptr<PangoLayout, Freed> m_layout;
+    std::array<std::unique_ptr<PangoFontDescription, Freed>, textRoleCount> m_fonts;
+    std::string m_shown;
+};
+
+}  // namespace tessera_draw

@@ -1,0 +1,52 @@
+// Where on the sides of boxes edges begin and end.
+#pragma once
+
+#include <vector>
+
+#include "draw/placement/keys.h"
+
+namespace tessera_draw::placing {
+
+class Offsets {
+  public:
+    Offsets(Net& net, const Nesting& nesting, const Spacing& spacing);
+
+    // Of the edges of the container's members. Needs the layers' order, the heights of boxes, and the inside
+    // of containers.
+    void set(Index container);
+
+    // Moves ends a little where that makes their edges straight. Needs the members' tops.
+    void straighten(Index container);
+
+    // The vertex's ends of edges that are not plain: visit(edge, whether it is the tail).
+    template <typename Visit>
+    void forOthers(Index vertex, Visit visit) const {
+        if (vertex + 1 >= m_otherBegin.size()) return;
+        for (Index i = m_otherBegin[vertex]; i < m_otherBegin[vertex + 1]; ++i)
+            visit(m_others[i].edge, m_others[i].isTail);
+    }
+
+  private:
+    struct EdgeEnd {
+        Index edge;
+        bool isTail;
+    };
+
+    void collectSide(Index box, bool isAtEnd);
+    void spread(Index box);
+    void slide(Index box);
+    [[nodiscard]] double straightOffset(const SideKey& side, Index box) const;
+    [[nodiscard]] double& offsetOf(const SideKey& side) {
+        return side.isTail ? m_net.edges[side.edge].tailOffset : m_net.edges[side.edge].headOffset;
+    }
+
+    Net& m_net;
+    const Nesting& m_nesting;
+    const Spacing& m_spacing;
+    Keys m_keys;
+    std::vector<Index> m_otherBegin;
+    std::vector<EdgeEnd> m_others;
+    std::vector<SideKey> m_side;
+};
+
+}  // namespace tessera_draw::placing

@@ -1,0 +1,370 @@
+#include "draw/placement/ordering.h"
+
+#include <algorithm>
+#include <limits>
+#include <numeric>
+
+#include "draw/placement/crossings.h"
+#include "draw/placement/sifting.h"
+
+namespace tessera_draw::placing {
+namespace {
+
+constexpr int rounds = 3;  // inwards and outwards again
+
+// What may be spent, in comparisons: much on each vertex of a small diagram, less on those of a large one.
+constexpr double freeWork = 5e6;
+constexpr double smallDiagram = 1200;  // vertices; beyond, the free work shrinks with their square
+constexpr double workPerVertex = 250;
+constexpr std::size_t smallEnoughForTwo = 3000;  // vertices and edges; beyond, one start has to do
+constexpr Index siftingReach = 10;
+
+// Orders the layers of one container.
+class ContainerOrdering {
+  public:
+    ContainerOrdering(Net& net, const Nesting& nesting)
+        : m_net(net), m_keys(net, nesting), m_counter(net, m_keys), m_sifting(net, m_keys) {}
+
+    [[nodiscard]] Keys& keys() noexcept { return m_keys; }
+
+    // From nothing, spending so much work.
+    void begin(Index container, double work) {
+        enter(container, false);
+        if (m_size == 0) return;
+        walkThrough(true);
+        optimize(work * 0.7);
+        if (m_bestCrossings == 0 || m_size > smallEnoughForTwo) return;
+        const std::uint64_t crossings = m_bestCrossings;
+        const std::vector<Index> order = m_best;
+        walkThrough(false);
+        optimize(work * 0.3);
+        if (m_bestCrossings > crossings) restore(order);
+    }
+
+    // From what there is.
+    void improve(Index container, bool keepBorders, double work) {
+        enter(container, keepBorders);
+        if (m_size > 0) optimize(work);
+    }
+
+    void refresh(Index container) {
+        for (Index layer = m_net.firstLayer[container]; layer < m_net.firstLayer[container + 1]; ++layer)
+            m_keys.refresh(layer);
+    }
+
+    [[nodiscard]] std::uint64_t crossings(Index container) { return m_counter.inContainer(container); }
+
+  private:
+    void enter(Index container, bool keepBorders) {
+        m_first = m_net.firstLayer[container];
+        m_last = m_net.lastLayer(container);
+        m_keepBorders = keepBorders;
+        m_size = m_net.layerBegin[m_last + 1] - m_net.layerBegin[m_first];
+        for (Index i = m_net.layerBegin[m_first]; i < m_net.layerBegin[m_last + 1]; ++i)
+            m_size += m_net.outBegin[m_net.order[i] + 1] - m_net.outBegin[m_net.order[i]];
+        refresh(container);
+    }
+
+    // First order: that of a walk along the edges, depth first or breadth first.
+    void walkThrough(bool isDepthFirst) {
+        const Index begin = m_net.layerBegin[m_first];
+        const Index end = m_net.layerBegin[m_last + 1];
+        m_isSeen.resize(m_net.vertexCount(), 0);
+        const std::vector<Index> starts(m_net.order.begin() + begin, m_net.order.begin() + end);
+        std::vector<Index> next(m_net.layerBegin.begin() + m_first, m_net.layerBegin.begin() + m_last + 1);
+        for (const Index start : starts) {
+            m_way.assign(1, start);
+            for (std::size_t head = 0; head < m_way.size();) {
+                const Index vertex = isDepthFirst ? m_way.back() : m_way[head];
+                if (isDepthFirst)
+                    m_way.pop_back();
+                else
+                    ++head;
+                if (m_isSeen[vertex] != 0) continue;
+                m_isSeen[vertex] = 1;
+                m_net.order[next[m_net.layer[vertex] - m_first]++] = vertex;
+                addNeighbours(vertex);
+            }
+        }
+        for (const Index vertex : starts)
+            m_isSeen[vertex] = 0;
+        for (Index layer = m_first; layer <= m_last; ++layer)
+            settle(layer);
+    }
+
+    void addNeighbours(Index vertex) {
+        for (Index i = m_net.outBegin[vertex]; i < m_net.outBegin[vertex + 1]; ++i)
+            if (const Index head = m_net.edges[m_net.outEdges[i]].head; m_isSeen[head] == 0)
+                m_way.push_back(head);
+        for (Index i = m_net.inBegin[vertex]; i < m_net.inBegin[vertex + 1]; ++i)
+            if (const Index tail = m_net.edges[m_net.inEdges[i]].tail; m_isSeen[tail] == 0)
+                m_way.push_back(tail);
+    }
+
+    // The layer's order stands: what depends on it.
+    void settle(Index layer) {
+        const Index begin = m_net.layerBegin[layer];
+        for (Index i = begin; i < m_net.layerBegin[layer + 1]; ++i)
+            m_net.place[m_net.order[i]] = i - begin;
+        m_keys.refresh(layer);
+    }
+
+    // Sweeps, then sifting; then, as long as there is work to spend, again from a sweep on.
+    void optimize(double work) {
+        m_bestCrossings = countAll();
+        keep();
+        if (m_bestCrossings == 0) return;
+        const double end = spent() + work;
+        sweep(8);
+        restore(m_best);
+        std::uint64_t crossings = m_bestCrossings;
+        bool isForwards = true;
+        for (int failures = 0; failures < 12; isForwards = !isForwards) {
+            crossings -= sift(isForwards, end);
+            ++failures;
+            if (crossings < m_bestCrossings) {
+                m_bestCrossings = crossings;
+                keep();
+                failures = 0;
+            }
+            if (m_bestCrossings == 0 || spent() > end) break;
+            sweepOnce(isForwards, failures % 2 == 1);
+            crossings = countAll();
+        }
+        restore(m_best);
+    }
+
+    void sweep(int most) {
+        int failures = 0;
+        for (int i = 0; i < most && m_bestCrossings > 0 && failures < 3; ++i) {
+            sweepOnce(i % 2 == 0, i % 4 >= 2);
+            const std::uint64_t crossings = countAll();
+            ++failures;
+            if (crossings >= m_bestCrossings) continue;
+            if (crossings < m_bestCrossings - m_bestCrossings / 100) failures = 0;
+            m_bestCrossings = crossings;
+            keep();
+        }
+    }
+
+    void sweepOnce(bool isForwards, bool mayFlip) {
+        for (Index k = 1; k <= m_last - m_first; ++k)
+            reorder(isForwards ? m_first + k : m_last - k, isForwards, mayFlip);
+        m_sweepWork += static_cast<double>(m_size) * 10;
+    }
+
+    [[nodiscard]] double spent() const { return static_cast<double>(m_sifting.work()) + m_sweepWork; }
+
+    [[nodiscard]] bool isKept(Index layer) const {
+        return m_keepBorders && (layer == m_first || layer == m_last);
+    }
+
+    // By the mean of the neighbours in the layer before, or behind. Vertices without any stay where they are.
+    void reorder(Index layer, bool isForwards, bool mayFlip) {
+        if (isKept(layer)) return;
+        m_sorted.clear();
+        m_slots.clear();
+        const Index begin = m_net.layerBegin[layer];
+        for (Index i = begin; i < m_net.layerBegin[layer + 1]; ++i) {
+            const Index vertex = m_net.order[i];
+            const double mean = isForwards ? meanOfTails(vertex) : meanOfHeads(vertex);
+            if (mean < 0) continue;
+            m_slots.push_back(i);
+            m_sorted.push_back({mean, mayFlip ? begin - i : i, vertex});
+        }
+        std::sort(m_sorted.begin(), m_sorted.end(), [](const Sorted& a, const Sorted& b) {
+            return a.mean != b.mean ? a.mean < b.mean : a.place < b.place;
+        });
+        for (std::size_t i = 0; i < m_slots.size(); ++i)
+            m_net.order[m_slots[i]] = m_sorted[i].vertex;
+        settle(layer);
+    }
+
+    [[nodiscard]] double meanOfTails(Index vertex) const {
+        const Index begin = m_net.inBegin[vertex];
+        const Index end = m_net.inBegin[vertex + 1];
+        double sum = 0;
+        for (Index i = begin; i < end; ++i)
+            sum += m_keys.ofTail(m_net.edges[m_net.inEdges[i]]);
+        return begin == end ? -1 : sum / (end - begin);
+    }
+    [[nodiscard]] double meanOfHeads(Index vertex) const {
+        const Index begin = m_net.outBegin[vertex];
+        const Index end = m_net.outBegin[vertex + 1];
+        double sum = 0;
+        for (Index i = begin; i < end; ++i)
+            sum += m_keys.ofHead(m_net.edges[m_net.outEdges[i]]);
+        return begin == end ? -1 : sum / (end - begin);
+    }
+
+    // Layer by layer, until nothing changes or the work is done. Answers how many crossings fewer there are.
+    std::uint64_t sift(bool isForwards, double end) {
+        const Index count = m_last - m_first + 1;
+        std::uint64_t gained = 0;
+        m_isStale.assign(count, 1);
+        for (bool hasGained = true; hasGained && spent() < end; isForwards = !isForwards) {
+            hasGained = false;
+            for (Index k = 0; k < count; ++k) {
+                const Index layer = isForwards ? k : count - 1 - k;
+                if (m_isStale[layer] == 0 || isKept(m_first + layer) || spent() > end) continue;
+                m_isStale[layer] = 0;
+                const std::uint64_t gain = m_sifting.sift(m_first + layer, siftingReach);
+                if (gain == 0) continue;
+                settle(m_first + layer);
+                gained += gain;
+                hasGained = true;
+                m_isStale[layer] = 1;
+                if (layer > 0) m_isStale[layer - 1] = 1;
+                if (layer + 1 < count) m_isStale[layer + 1] = 1;
+            }
+        }
+        return gained;
+    }
+
+    [[nodiscard]] std::uint64_t countAll() {
+        std::uint64_t count = 0;
+        for (Index layer = m_first; layer < m_last; ++layer)
+            count += m_counter.behind(layer);
+        return count;
+    }
+
+    void keep() {
+        m_best.assign(m_net.order.begin() + m_net.layerBegin[m_first],
+                      m_net.order.begin() + m_net.layerBegin[m_last + 1]);
+    }
+
+    void restore(const std::vector<Index>& order) {
+        std::copy(order.begin(), order.end(), m_net.order.begin() + m_net.layerBegin[m_first]);
+        for (Index layer = m_first; layer <= m_last; ++layer)
+            settle(layer);
+    }
+
+    struct Sorted {
+        double mean;
+        Index place;
+        Index vertex;
+    };
+
+    Net& m_net;
+    Keys m_keys;
+    CrossingCounter m_counter;
+    Sifting m_sifting;
+    Index m_first = 0;
+    Index m_last = 0;
+    bool m_keepBorders = false;
+    std::size_t m_size = 0;
+    std::uint64_t m_bestCrossings = 0;
+    std::vector<Index> m_best;
+    double m_sweepWork = 0;
+    std::vector<char> m_isStale;  // layers that are worth sifting
+    std::vector<char> m_isSeen;
+    std::vector<Index> m_way;
+    std::vector<Sorted> m_sorted;
+    std::vector<Index> m_slots;
+};
+
+// Goes through the containers, inwards and outwards.
+class NestedOrdering {
+  public:
+    NestedOrdering(Net& net, const Nesting& nesting)
+        : m_net(net), m_nesting(nesting), m_inner(net, nesting), m_outerEnd(net.borderPoints.size()) {
+        for (Index i = 0; i < net.edges.size(); ++i) {
+            if (net.edges[i].tailPort != nothing) m_outerEnd[net.edges[i].tailPort] = {i, true};
+            if (net.edges[i].headPort != nothing) m_outerEnd[net.edges[i].headPort] = {i, false};
+        }
+    }
+
+    void run() {
+        const Index count = m_nesting.containerCount();
+        for (Index i = count; i-- > 0;)
+            m_inner.begin(i, workOn(i) * (m_net.borderPoints.empty() ? 1 : 0.5));
+        if (m_net.borderPoints.empty()) return;
+        std::uint64_t best = std::numeric_limits<std::uint64_t>::max();
+        std::vector<Index> bestOrder;
+        for (int round = 0; round < rounds; ++round) {
+            if (round > 0)
+                for (Index i = count; i-- > 0;)
+                    m_inner.improve(i, false, workOn(i) / (4 * rounds));
+            for (Index i = 0; i < count; ++i)
+                goInto(i);
+            const std::uint64_t crossings = crossingsOf(m_net, m_nesting);
+            if (crossings >= best) continue;
+            best = crossings;
+            bestOrder = m_net.order;
+            if (best == 0) break;
+        }
+        m_net.order = bestOrder;
+        for (Index layer = 0; layer < m_net.firstLayer.back(); ++layer)
+            for (Index i = 0; i < m_net.sizeOf(layer); ++i)
+                m_net.place[m_net.at(layer, i)] = i;
+    }
+
+  private:
+    struct OuterEnd {
+        Index edge = nothing;
+        bool isTail = false;
+    };
+
+    // The container's share.
+    [[nodiscard]] double workOn(Index container) const {
+        const Index begin = m_net.layerBegin[m_net.firstLayer[container]];
+        const double vertices = m_net.layerBegin[m_net.firstLayer[container + 1]] - begin;
+        const double all = m_net.vertexCount();
+        const double small = std::min(smallDiagram / all, 1.0);
+        return vertices * (workPerVertex + freeWork * small * small / all);
+    }
+
+    void goInto(Index container) {
+        if (container == 0) return;
+        const Index first = m_net.firstLayer[container];
+        const Index last = m_net.lastLayer(container);
+        if (m_net.sizeOf(first) + m_net.sizeOf(last) == 0) return;
+        orderBorder(first);
+        orderBorder(last);
+        m_inner.improve(container, true, workOn(container) / (4 * rounds));
+    }
+
+    // As their lines go on outside. Points without an outside keep their places.
+    void orderBorder(Index layer) {
+        m_points.clear();
+        m_slots.clear();
+        const Index begin = m_net.layerBegin[layer];
+        for (Index i = begin; i < m_net.layerBegin[layer + 1]; ++i) {
+            const OuterEnd end = m_outerEnd[m_net.order[i] - m_net.boxCount];
+            if (end.edge == nothing) continue;
+            SideKey key = sideKey(m_net, m_inner.keys(), end.edge, end.isTail);
+            key.edge = i - begin;
+            m_points.emplace_back(key, m_net.order[i]);
+            m_slots.push_back(i);
+        }
+        std::sort(m_points.begin(), m_points.end());
+        for (std::size_t i = 0; i < m_slots.size(); ++i)
+            m_net.order[m_slots[i]] = m_points[i].second;
+        for (Index i = begin; i < m_net.layerBegin[layer + 1]; ++i)
+            m_net.place[m_net.order[i]] = i - begin;
+    }
+
+    Net& m_net;
+    const Nesting& m_nesting;
+    ContainerOrdering m_inner;
+    std::vector<OuterEnd> m_outerEnd;  // of each border point
+    std::vector<std::pair<SideKey, Index>> m_points;
+    std::vector<Index> m_slots;
+};
+
+}  // namespace
+
+void orderLayers(Net& net, const Nesting& nesting) {
+    NestedOrdering(net, nesting).run();
+}
+
+std::uint64_t crossingsOf(const Net& net, const Nesting& nesting) {
+    const Keys keys(net, nesting);
+    CrossingCounter counter(net, keys);
+    std::uint64_t count = 0;
+    for (Index container = 0; container < nesting.containerCount(); ++container)
+        count += counter.inContainer(container);
+    return count;
+}
+
+}  // namespace tessera_draw::placing

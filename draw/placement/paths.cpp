@@ -1,0 +1,183 @@
+#include "draw/placement/paths.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace tessera_draw::placing {
+namespace {
+
+// A corner of a line, or where it passes.
+struct Knot {
+    Point at;
+    bool isCurve = false;  // from the knot before to here
+};
+
+// The control points' distance that makes a cubic curve nearly a quarter of a circle.
+constexpr double roundness = 0.5522847498;
+
+bool isLevel(const Point& a, const Point& b) {
+    return std::abs(a.y - b.y) < 1e-6;
+}
+
+Point towards(const Point& from, const Point& to, double distance) {
+    const double length = std::hypot(to.x - from.x, to.y - from.y);
+    if (length == 0) return from;
+    return {from.x + (to.x - from.x) * distance / length, from.y + (to.y - from.y) * distance / length};
+}
+
+class PathMaker {
+  public:
+    PathMaker(const Nesting& nesting, const Net& net, const Frame& frame, const std::vector<Rect>& boxes,
+              const Spacing& spacing)
+        : m_nesting(nesting), m_net(net), m_frame(frame), m_boxes(boxes), m_spacing(spacing) {}
+
+    PlacedLine::Stretch stretch(const Hop& hop, const PieceRange& pieces) {
+        m_knots.clear();
+        if (hop.isDirect) {
+            addDirect(hop);
+        } else {
+            for (Index i = pieces.begin; i < pieces.end; ++i)
+                addPiece(m_net.pieces[i]);
+        }
+        return drawn();
+    }
+
+  private:
+    void addDirect(const Hop& hop) {
+        const Rect& from = m_boxes[hop.from];
+        const Rect& to = m_boxes[hop.to];
+        add({from.right(), from.y + from.height / 2}, false);
+        add({to.x, to.y + to.height / 2}, true);
+    }
+
+    void addPiece(const Piece& piece) {
+        for (Index k = 0; k < piece.edgeCount; ++k) {
+            const Index index = piece.firstEdge + (piece.isReversed ? piece.edgeCount - 1 - k : k);
+            setEdgeKnots(m_net.edges[index], piece.container);
+            if (piece.isReversed) reverseEdgeKnots();
+            for (std::size_t i = 0; i < m_edgeKnotCount; ++i)
+                add(m_edgeKnots.at(i).at, m_edgeKnots.at(i).isCurve);
+        }
+    }
+
+    void setEdgeKnots(const Edge& edge, Index container) {
+        const Index box = m_nesting.boxOf[container];
+        m_origin = box == m_nesting.drawing ? Point{} : Point{m_boxes[box].x, m_boxes[box].y};
+        m_edgeKnotCount = 0;
+        const bool isLoop = edge.kind == Edge::Kind::loop;
+        const double fromY = edge.tail == nothing ? edge.tailOffset : m_net.tailY(edge);
+        const double toY = edge.head == nothing ? edge.headOffset : m_net.headY(edge);
+        const Index gap = edge.tail == nothing ? m_net.layer[edge.head] - 1 : m_net.layer[edge.tail];
+        if (edge.tail != nothing) addToEdge(rightOf(edge.tail), fromY);
+        if (edge.bend == Edge::Bend::curve) {
+            addToEdge(m_frame.gapBegin(gap), fromY);
+            addToEdge(m_frame.gapEnd(gap), toY, true);
+        } else if (edge.bend == Edge::Bend::track) {
+            addToEdge(m_frame.gapBegin(gap) + edge.trackX, fromY);
+            addToEdge(m_frame.gapBegin(gap) + edge.trackX, toY);
+        }
+        if (edge.head != nothing) addToEdge(isLoop ? rightOf(edge.head) : leftOf(edge.head), toY);
+    }
+
+    void addToEdge(double x, double y, bool isCurve = false) {
+        m_edgeKnots.at(m_edgeKnotCount++) = {{m_origin.x + x, m_origin.y + y}, isCurve};
+    }
+
+    void reverseEdgeKnots() {
+        std::reverse(m_edgeKnots.begin(), m_edgeKnots.begin() + static_cast<std::ptrdiff_t>(m_edgeKnotCount));
+        // The flag is that of the way to a knot.
+        for (std::size_t i = m_edgeKnotCount; i-- > 1;)
+            m_edgeKnots.at(i).isCurve = m_edgeKnots.at(i - 1).isCurve;
+        if (m_edgeKnotCount > 0) m_edgeKnots.at(0).isCurve = false;
+    }
+
+    [[nodiscard]] double leftOf(Index vertex) const {
+        return vertex < m_net.boxCount ? m_frame.boxes[vertex].x : m_frame.layerX[m_net.layer[vertex]];
+    }
+    [[nodiscard]] double rightOf(Index vertex) const {
+        return vertex < m_net.boxCount ? m_frame.boxes[vertex].right()
+                                       : m_frame.gapBegin(m_net.layer[vertex]);
+    }
+
+    void add(const Point& at, bool isCurve) {
+        const std::size_t count = m_knots.size();
+        if (!isCurve && count > 0) {
+            if (m_knots.back().at == at) return;
+            const bool isStraightOn = count > 1 && !m_knots.back().isCurve &&
+                                      isLevel(m_knots[count - 2].at, m_knots.back().at) &&
+                                      isLevel(m_knots.back().at, at);
+            if (isStraightOn) m_knots.pop_back();
+        }
+        m_knots.push_back({at, isCurve});
+    }
+
+    [[nodiscard]] PlacedLine::Stretch drawn() const {
+        PlacedLine::Stretch stretch;
+        if (m_knots.empty()) return stretch;
+        stretch.start = m_knots.front().at;
+        // A box may touch the border that its line leads to.
+        if (m_knots.size() == 1) stretch.segments.push_back({false, {}, {}, stretch.start});
+        for (std::size_t i = 1; i < m_knots.size(); ++i) {
+            const Point& from = m_knots[i - 1].at;
+            const Knot& to = m_knots[i];
+            if (to.isCurve) {
+                const double middle = (from.x + to.at.x) / 2;
+                stretch.segments.push_back({true, {middle, from.y}, {middle, to.at.y}, to.at});
+                continue;
+            }
+            const double radius = radiusAt(i);
+            if (radius > 0) {
+                const Point& next = m_knots[i + 1].at;
+                addCorner(stretch, from, to.at, next, radius);
+            } else {
+                stretch.segments.push_back({false, {}, {}, to.at});
+            }
+        }
+        return stretch;
+    }
+
+    [[nodiscard]] double radiusAt(std::size_t i) const {
+        if (i + 1 >= m_knots.size() || m_knots[i].isCurve || m_knots[i + 1].isCurve) return 0;
+        const Point& a = m_knots[i - 1].at;
+        const Point& b = m_knots[i].at;
+        const Point& c = m_knots[i + 1].at;
+        if (isLevel(a, b) && isLevel(b, c)) return 0;
+        const double before = std::hypot(b.x - a.x, b.y - a.y);
+        const double after = std::hypot(c.x - b.x, c.y - b.y);
+        return std::min(m_spacing.cornerRadius, std::min(before, after) / 2);
+    }
+
+    static void addCorner(PlacedLine::Stretch& stretch, const Point& from, const Point& corner,
+                          const Point& next, double radius) {
+        const Point begin = towards(corner, from, radius);
+        const Point end = towards(corner, next, radius);
+        stretch.segments.push_back({false, {}, {}, begin});
+        const double away = radius * (1 - roundness);
+        stretch.segments.push_back({true, towards(corner, from, away), towards(corner, next, away), end});
+    }
+
+    const Nesting& m_nesting;
+    const Net& m_net;
+    const Frame& m_frame;
+    const std::vector<Rect>& m_boxes;
+    const Spacing& m_spacing;
+    Point m_origin;
+    std::array<Knot, 4> m_edgeKnots;
+    std::size_t m_edgeKnotCount = 0;
+    std::vector<Knot> m_knots;
+};
+
+}  // namespace
+
+std::vector<PlacedLine> pathsOf(const PlacementInput& input, const Nesting& nesting,
+                                const std::vector<Hop>& hops, const Net& net, const Frame& frame,
+                                const std::vector<Rect>& boxes, const Spacing& spacing) {
+    std::vector<PlacedLine> lines(input.lines.size());
+    PathMaker maker(nesting, net, frame, boxes, spacing);
+    for (std::size_t i = 0; i < hops.size(); ++i)
+        lines[hops[i].line].stretches.push_back(maker.stretch(hops[i], net.ofHop[i]));
+    return lines;
+}
+
+}  // namespace tessera_draw::placing

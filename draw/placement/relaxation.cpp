@@ -1,0 +1,157 @@
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include "draw/placement/strip.h"
+
+namespace tessera_draw::placing {
+namespace {
+
+constexpr double straight = 1e-6;
+constexpr int passes = 6;
+
+// Moves bodies, vertices that stay straight to one another, to where their edges lose least.
+class Relaxation {
+  public:
+    Relaxation(const Strip& strip, std::vector<double>& tops) : m_strip(strip), m_tops(tops) {}
+
+    // Bodies are lines' straight runs, or all that is joined by straight edges.
+    void run(bool onlyLines, bool isForwards) {
+        findBodies(onlyLines);
+        const Index count = static_cast<Index>(m_bodyBegin.size()) - 1;
+        for (Index k = 0; k < count; ++k)
+            settle(isForwards ? k : count - 1 - k);
+    }
+
+  private:
+    struct Wish {
+        double move;
+        double weight;
+    };
+
+    [[nodiscard]] double difference(Index i, const Tie& tie) const {
+        return m_tops[tie.other] + tie.otherOffset - m_tops[i] - tie.ownOffset;
+    }
+
+    // Bodies are listed in the order of their first vertices.
+    void findBodies(bool onlyLines) {
+        m_body.assign(m_strip.size(), nothing);
+        m_bodyBegin.assign(1, 0);
+        m_members.clear();
+        for (Index start = 0; start < m_strip.size(); ++start) {
+            if (m_body[start] != nothing) continue;
+            const Index body = static_cast<Index>(m_bodyBegin.size()) - 1;
+            m_body[start] = body;
+            m_members.push_back(start);
+            for (std::size_t head = m_bodyBegin.back(); head < m_members.size(); ++head) {
+                const Index i = m_members[head];
+                for (Index k = m_strip.inBegin[i]; k < m_strip.inBegin[i + 1]; ++k)
+                    join(i, m_strip.in[k], body, onlyLines);
+                for (Index k = m_strip.outBegin[i]; k < m_strip.outBegin[i + 1]; ++k)
+                    join(i, m_strip.out[k], body, onlyLines);
+            }
+            m_bodyBegin.push_back(static_cast<Index>(m_members.size()));
+        }
+    }
+
+    void join(Index i, const Tie& tie, Index body, bool onlyLines) {
+        if (m_body[tie.other] != nothing || (onlyLines && !tie.isInner)) return;
+        if (std::abs(difference(i, tie)) > straight) return;
+        m_body[tie.other] = body;
+        m_members.push_back(tie.other);
+    }
+
+    void settle(Index body) {
+        double up = -std::numeric_limits<double>::infinity();
+        double down = std::numeric_limits<double>::infinity();
+        m_wishes.clear();
+        for (Index k = m_bodyBegin[body]; k < m_bodyBegin[body + 1]; ++k) {
+            const Index i = m_members[k];
+            if (m_strip.isFirst[i] == 0 && m_body[i - 1] != body)
+                up = std::max(up, m_tops[i - 1] + m_strip.step(i - 1) - m_tops[i]);
+            if (m_strip.isLast[i] == 0 && m_body[i + 1] != body)
+                down = std::min(down, m_tops[i + 1] - m_strip.step(i) - m_tops[i]);
+            addWishes(i, body);
+        }
+        if (m_wishes.empty()) return;
+        const double move = std::clamp(bestMove(), std::min(up, 0.0), std::max(down, 0.0));
+        if (std::abs(move) <= straight) return;
+        for (Index k = m_bodyBegin[body]; k < m_bodyBegin[body + 1]; ++k)
+            m_tops[m_members[k]] += move;
+    }
+
+    // One for each side: a vertex with two equal neighbours there wants to stand between them.
+    void addWishes(Index i, Index body) {
+        addWish(i, body, m_strip.in, m_strip.inBegin);
+        addWish(i, body, m_strip.out, m_strip.outBegin);
+    }
+
+    void addWish(Index i, Index body, const std::vector<Tie>& ties, const std::vector<Index>& begin) {
+        m_side.clear();
+        double weight = 0;
+        for (Index k = begin[i]; k < begin[i + 1]; ++k) {
+            if (m_body[ties[k].other] == body) continue;
+            m_side.push_back({difference(i, ties[k]), ties[k].weight});
+            weight += ties[k].weight;
+        }
+        if (m_side.empty()) return;
+        m_wishes.push_back({median(m_side, weight, [](double a, double b) { return (a + b) / 2; }), weight});
+    }
+
+    [[nodiscard]] double bestMove() {
+        double weight = 0;
+        for (const Wish& wish : m_wishes)
+            weight += wish.weight;
+        return median(m_wishes, weight, between);
+    }
+
+    // By weight; where two are in the middle, what `choose` makes of them.
+    template <typename Choose>
+    static double median(std::vector<Wish>& wishes, double all, Choose choose) {
+        std::sort(wishes.begin(), wishes.end(), [](const Wish& a, const Wish& b) {
+            return a.move != b.move ? a.move < b.move : a.weight < b.weight;
+        });
+        double sum = 0;
+        for (std::size_t i = 0; i < wishes.size(); ++i) {
+            sum += wishes[i].weight;
+            if (2 * sum < all) continue;
+            if (2 * sum > all || i + 1 == wishes.size()) return wishes[i].move;
+            return choose(wishes[i].move, wishes[i + 1].move);
+        }
+        return 0;
+    }
+
+    // Any move between the two is as good; what is straight stays so, and what is symmetric is best.
+    static double between(double a, double b) {
+        if (std::abs(a) <= straight || std::abs(b) <= straight) return 0;
+        return (a + b) / 2;
+    }
+
+    const Strip& m_strip;
+    std::vector<double>& m_tops;
+    std::vector<Index> m_body;
+    std::vector<Index> m_bodyBegin;  // in m_members
+    std::vector<Index> m_members;
+    std::vector<Wish> m_wishes;
+    std::vector<Wish> m_side;
+};
+
+// Rounding has left nothing nearer than it may be.
+void keepDistances(const Strip& strip, std::vector<double>& tops) {
+    for (Index i = 0; i + 1 < strip.size(); ++i)
+        if (strip.isLast[i] == 0) tops[i + 1] = std::max(tops[i + 1], tops[i] + strip.step(i));
+}
+
+}  // namespace
+
+void relax(const Strip& strip, std::vector<double>& tops) {
+    Relaxation relaxation(strip, tops);
+    for (int pass = 0; pass < passes; ++pass) {
+        relaxation.run(true, pass % 2 == 0);
+        relaxation.run(false, pass % 2 == 0);
+    }
+    keepDistances(strip, tops);
+}
+
+}  // namespace tessera_draw::placing

@@ -1,0 +1,119 @@
+#include "draw/placement/sifting.h"
+
+#include <algorithm>
+
+namespace tessera_draw::placing {
+
+std::uint64_t Sifting::sift(Index layer, Index reach) {
+    if (m_net.sizeOf(layer) < 2) return 0;
+    collect(layer);
+    const auto count = static_cast<Index>(m_layer.size());
+    std::uint64_t gained = 0;
+    for (Index next = 0; next < count; ++next) {
+        // Vertices move by few places, so that the one to be tried next is mostly found at once.
+        Index place = next;
+        for (Index away = 0; m_order[place] != next;) {
+            ++away;
+            if (next >= away && m_order[next - away] == next) place = next - away;
+            if (next + away < count && m_order[next + away] == next) place = next + away;
+        }
+        gained += moveBest(place, reach);
+    }
+    if (gained == 0) return 0;
+    const Index begin = m_net.layerBegin[layer];
+    for (Index i = 0; i < count; ++i)
+        m_net.order[begin + i] = m_layer[m_order[i]].vertex;
+    return gained;
+}
+
+void Sifting::collect(Index layer) {
+    m_neighbours.clear();
+    m_layer.clear();
+    m_order.clear();
+    for (Index i = 0; i < m_net.sizeOf(layer); ++i) {
+        appendKeys(m_net.at(layer, i));
+        m_order.push_back(i);
+    }
+}
+
+void Sifting::appendKeys(Index vertex) {
+    Sifted sifted;
+    sifted.vertex = vertex;
+    sifted.begin = static_cast<Index>(m_neighbours.size());
+    for (Index k = m_net.inBegin[vertex]; k < m_net.inBegin[vertex + 1]; ++k)
+        m_neighbours.push_back(m_keys.ofTail(m_net.edges[m_net.inEdges[k]]));
+    sifted.middle = static_cast<Index>(m_neighbours.size());
+    for (Index k = m_net.outBegin[vertex]; k < m_net.outBegin[vertex + 1]; ++k)
+        m_neighbours.push_back(m_keys.ofHead(m_net.edges[m_net.outEdges[k]]));
+    sifted.end = static_cast<Index>(m_neighbours.size());
+    const auto at = [&](Index i) { return m_neighbours.begin() + i; };
+    if (sifted.middle - sifted.begin > 1) std::sort(at(sifted.begin), at(sifted.middle));
+    if (sifted.end - sifted.middle > 1) std::sort(at(sifted.middle), at(sifted.end));
+    m_layer.push_back(sifted);
+}
+
+// How many pairs have a less than b, less those with a more than b.
+inline std::int64_t Sifting::balance(Index a, Index endA, Index b, Index endB) const {
+    const Index* keys = m_neighbours.data();
+    if (endA - a > 4 && endB - b > 4) return balanceOfMany(a, endA, b, endB);
+    std::int64_t sum = 0;
+    for (; a < endA; ++a)
+        for (Index k = b; k < endB; ++k)
+            sum += static_cast<int>(keys[a] < keys[k]) - static_cast<int>(keys[a] > keys[k]);
+    return sum;
+}
+
+// Both lists are in order, so one walk along them tells.
+std::int64_t Sifting::balanceOfMany(Index a, Index endA, Index b, Index endB) const {
+    const Index* keys = m_neighbours.data();
+    std::int64_t sum = 0;
+    Index less = b;  // the first of b that is not less than the one of a
+    Index notMore = b;
+    for (; a < endA; ++a) {
+        while (less < endB && keys[less] < keys[a])
+            ++less;
+        while (notMore < endB && keys[notMore] <= keys[a])
+            ++notMore;
+        sum += static_cast<std::int64_t>(endB - notMore) - static_cast<std::int64_t>(less - b);
+    }
+    return sum;
+}
+
+// Crossings that are added when `vertex` moves from before `other` to behind it.
+inline std::int64_t Sifting::lossBehind(const Sifted& vertex, const Sifted& other) const {
+    return balance(vertex.begin, vertex.middle, other.begin, other.middle) +
+           balance(vertex.middle, vertex.end, other.middle, other.end);
+}
+
+std::uint64_t Sifting::moveBest(Index place, Index reach) {
+    const Index index = m_order[place];
+    const Sifted vertex = m_layer[index];
+    const Index first = place > reach ? place - reach : 0;
+    const Index last = std::min(place + reach, static_cast<Index>(m_order.size()) - 1);
+    Index best = place;
+    std::int64_t least = 0;
+    std::int64_t loss = 0;
+    for (Index i = place + 1; i <= last; ++i) {
+        loss += lossBehind(vertex, m_layer[m_order[i]]);
+        if (loss >= least) continue;
+        least = loss;
+        best = i;
+    }
+    loss = 0;
+    for (Index i = place; i-- > first;) {
+        loss -= lossBehind(vertex, m_layer[m_order[i]]);
+        if (loss >= least) continue;
+        least = loss;
+        best = i;
+    }
+    m_work += static_cast<std::uint64_t>(last - first) * (2 + vertex.end - vertex.begin);
+    if (best == place) return 0;
+    const auto at = [&](Index i) { return m_order.begin() + i; };
+    if (best > place)
+        std::rotate(at(place), at(place + 1), at(best + 1));
+    else
+        std::rotate(at(best), at(place), at(place + 1));
+    return static_cast<std::uint64_t>(-least);
+}
+
+}  // namespace tessera_draw::placing

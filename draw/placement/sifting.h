@@ -1,0 +1,46 @@
+// Moves single vertices of a layer to where they make the fewest crossings.
+#pragma once
+
+#include <vector>
+
+#include "draw/placement/keys.h"
+
+namespace tessera_draw::placing {
+
+class Sifting {
+  public:
+    Sifting(Net& net, const Keys& keys) : m_net(net), m_keys(keys) {}
+
+    // Tries for each vertex of the layer all places that are at most `reach` from its own, the layers on both
+    // sides being as they are. Answers how many crossings fewer there are; unless 0, `place` is to be set
+    // anew.
+    std::uint64_t sift(Index layer, Index reach);
+
+    // Comparisons so far.
+    [[nodiscard]] std::uint64_t work() const noexcept { return m_work; }
+
+  private:
+    // A vertex's neighbours as keys in rising order: those before from begin to middle, those behind to end.
+    struct Sifted {
+        Index begin = 0;
+        Index middle = 0;
+        Index end = 0;
+        Index vertex = 0;
+    };
+
+    void collect(Index layer);
+    void appendKeys(Index vertex);
+    [[nodiscard]] std::int64_t lossBehind(const Sifted& vertex, const Sifted& other) const;
+    [[nodiscard]] std::int64_t balance(Index a, Index endA, Index b, Index endB) const;
+    [[nodiscard]] std::int64_t balanceOfMany(Index a, Index endA, Index b, Index endB) const;
+    [[nodiscard]] std::uint64_t moveBest(Index place, Index reach);
+
+    Net& m_net;
+    const Keys& m_keys;
+    std::vector<Index> m_neighbours;
+    std::vector<Sifted> m_layer;
+    std::vector<Index> m_order;  // of m_layer
+    std::uint64_t m_work = 0;
+};
+
+}  // namespace tessera_draw::placing

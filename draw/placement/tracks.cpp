@@ -1,0 +1,166 @@
+#include "draw/placement/tracks.h"
+
+#include <algorithm>
+#include <cmath>
+#include <queue>
+
+namespace tessera_draw::placing {
+namespace {
+
+constexpr double straight = 1e-3;
+constexpr Index mostTracks = 24;  // in full width; more of them are narrower
+
+// Tracks for edges that all go the same way: the one that starts lowest comes first, the others in turn get
+// the next track behind those that they overlap. `source` and `target` with source < target.
+template <typename Source, typename Target>
+Index stack(std::vector<GapEdge*>& edges, double distance, Source source, Target target) {
+    std::sort(edges.begin(), edges.end(), [&](const GapEdge* a, const GapEdge* b) {
+        if (source(*a) != source(*b)) return source(*a) > source(*b);
+        return target(*a) != target(*b) ? target(*a) < target(*b) : a->edge < b->edge;
+    });
+    std::vector<double> sources;
+    sources.reserve(edges.size());
+    for (const GapEdge* edge : edges)
+        sources.push_back(source(*edge));
+    std::reverse(sources.begin(), sources.end());
+    // Prefix maxima, by source from the top, of one more than the track.
+    std::vector<Index> tree(edges.size() + 1, 0);
+    Index count = 0;
+    for (std::size_t k = 0; k < edges.size(); ++k) {
+        GapEdge& edge = *edges[k];
+        const auto reach = std::upper_bound(sources.begin(), sources.end(), target(edge) + distance);
+        edge.track = 0;
+        for (auto i = static_cast<std::size_t>(reach - sources.begin()); i > 0; i &= i - 1)
+            edge.track = std::max(edge.track, tree[i]);
+        for (std::size_t i = edges.size() - k; i <= edges.size(); i += i & (~i + 1))
+            tree[i] = std::max(tree[i], edge.track + 1);
+        count = std::max(count, edge.track + 1);
+    }
+    return count;
+}
+
+// The largest tracks among those that still overlap, of one direction.
+class Overlapping {
+  public:
+    void add(const GapEdge& edge) { m_heap.emplace(edge.track, edge.lower()); }
+
+    // One more than the largest, at this height and below.
+    Index at(double height) {
+        while (!m_heap.empty() && m_heap.top().second < height)
+            m_heap.pop();
+        return m_heap.empty() ? 0 : m_heap.top().first + 1;
+    }
+
+  private:
+    std::priority_queue<std::pair<Index, double>> m_heap;
+};
+
+// Edges that go down have tracks from the left, those that go up from the right. How many tracks keep apart
+// those that overlap?
+Index tracksForBoth(const std::vector<GapEdge*>& downs, const std::vector<GapEdge*>& ups, double distance) {
+    std::vector<std::pair<const GapEdge*, bool>> all;
+    all.reserve(downs.size() + ups.size());
+    for (const GapEdge* edge : downs)
+        all.emplace_back(edge, true);
+    for (const GapEdge* edge : ups)
+        all.emplace_back(edge, false);
+    std::sort(all.begin(), all.end(), [](const auto& a, const auto& b) {
+        return a.first->upper() != b.first->upper() ? a.first->upper() < b.first->upper()
+                                                    : a.first->edge < b.first->edge;
+    });
+    Overlapping openDowns;
+    Overlapping openUps;
+    Index count = 0;
+    for (const auto& [edge, isDown] : all) {
+        const Index others = (isDown ? openUps : openDowns).at(edge->upper() - distance);
+        count = std::max(count, edge->track + 1 + others);
+        (isDown ? openDowns : openUps).add(*edge);
+    }
+    return count;
+}
+
+}  // namespace
+
+double GapPlan::width() {
+    std::erase_if(m_edges, [](const GapEdge& edge) {
+        return !edge.isLoop && std::abs(edge.from - edge.to) < straight;
+    });
+    std::sort(m_edges.begin(), m_edges.end(), [](const GapEdge& a, const GapEdge& b) {
+        return a.upper() != b.upper() ? a.upper() < b.upper() : a.edge < b.edge;
+    });
+    m_width = 0;
+    for (auto begin = m_edges.begin(); begin != m_edges.end();) {
+        auto end = begin;
+        double reach = begin->lower();
+        for (; end != m_edges.end() && end->upper() < reach + m_spacing.betweenLines; ++end)
+            reach = std::max(reach, end->lower());
+        planCluster(begin, end);
+        begin = end;
+    }
+    return m_width;
+}
+
+bool GapPlan::isCurved(Iterator begin, Iterator end) const {
+    double longest = 0;
+    for (auto it = begin; it != end; ++it) {
+        if (it->isLoop) return false;
+        longest = std::max(longest, it->lower() - it->upper());
+    }
+    const auto count = end - begin;
+    return count == 1 || longest <= 1.5 * m_spacing.betweenLayers ||
+           (count <= 3 && longest <= 5 * m_spacing.betweenLayers);
+}
+
+// Edges of a cluster overlap each other, and none outside of it.
+void GapPlan::planCluster(Iterator begin, Iterator end) {
+    if (!isCurved(begin, end)) {
+        assignTracks(begin, end);
+        return;
+    }
+    double longest = 0;
+    for (auto it = begin; it != end; ++it) {
+        m_net.edges[it->edge].bend = Edge::Bend::curve;
+        longest = std::max(longest, it->lower() - it->upper());
+    }
+    const double steepness = std::clamp((longest / m_spacing.betweenLayers - 2) / 6, 0.0, 1.0);
+    m_width = std::max(m_width, m_spacing.betweenLayers * (1 + steepness));
+}
+
+void GapPlan::assignTracks(Iterator begin, Iterator end) {
+    std::vector<GapEdge*> loops;
+    std::vector<GapEdge*> downs;
+    std::vector<GapEdge*> ups;
+    for (auto it = begin; it != end; ++it) {
+        m_net.edges[it->edge].bend = Edge::Bend::track;
+        (it->isLoop ? loops : it->from < it->to ? downs : ups).push_back(&*it);
+    }
+    const auto upper = [](const GapEdge& edge) { return edge.upper(); };
+    const auto lower = [](const GapEdge& edge) { return edge.lower(); };
+    const double distance = m_spacing.betweenLines;
+    const Index loopTracks = stack(loops, distance, upper, lower);
+    (void)stack(downs, distance, upper, lower);
+    (void)stack(ups, distance, upper, lower);
+    const Index tracks = tracksForBoth(downs, ups, distance);
+    for (GapEdge* edge : downs)
+        edge->track += loopTracks;
+    for (GapEdge* edge : ups)
+        edge->track = loopTracks + tracks - 1 - edge->track;
+    for (auto it = begin; it != end; ++it)
+        it->tracks = loopTracks + tracks;
+    m_width = std::max(m_width, widthFor(loopTracks + tracks));
+}
+
+double GapPlan::widthFor(Index tracks) const {
+    return m_spacing.betweenLayers + std::min(tracks - 1, mostTracks) * m_spacing.betweenLines;
+}
+
+void GapPlan::setTracks(double gapWidth) {
+    for (const GapEdge& edge : m_edges) {
+        if (m_net.edges[edge.edge].bend != Edge::Bend::track) continue;
+        const double width = widthFor(edge.tracks) - m_spacing.betweenLayers;
+        const double pitch = edge.tracks > 1 ? width / (edge.tracks - 1) : 0;
+        m_net.edges[edge.edge].trackX = (gapWidth - width) / 2 + edge.track * pitch;
+    }
+}
+
+}  // namespace tessera_draw::placing

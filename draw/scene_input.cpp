@@ -1,0 +1,145 @@
+#include "draw/scene_input.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tessera_draw {
+namespace {
+
+using Along = BoxToPlace::Along;
+using Border = BoxToPlace::Border;
+
+Along alongOf(std::string_view aligning) {
+    if (aligning == "from") return Along::start;
+    return aligning == "to" ? Along::end : Along::middle;
+}
+
+Along opposite(Along along) {
+    if (along == Along::middle) return along;
+    return along == Along::start ? Along::end : Along::start;
+}
+
+// The placement knows layers along x only; for the other direction everything is turned over its diagonal.
+void turn(BoxToPlace& box) {
+    std::swap(box.size.width, box.size.height);
+    std::swap(box.padding.left, box.padding.top);
+    std::swap(box.padding.right, box.padding.bottom);
+}
+
+void turn(Point& point) {
+    std::swap(point.x, point.y);
+}
+
+void turn(Placement& placement) {
+    std::swap(placement.size.width, placement.size.height);
+    for (Rect& rect : placement.boxes) {
+        std::swap(rect.x, rect.y);
+        std::swap(rect.width, rect.height);
+    }
+    for (PlacedLine& line : placement.lines) {
+        for (auto& stretch : line.stretches) {
+            turn(stretch.start);
+            for (Segment& segment : stretch.segments) {
+                turn(segment.control1);
+                turn(segment.control2);
+                turn(segment.end);
+            }
+        }
+    }
+}
+
+// First and last layer that the members of each group have, by the group; the last entry is the top level.
+struct Layers {
+    std::int32_t first = -1;
+    std::int32_t last = -1;
+};
+
+std::vector<Layers> layersOf(const Diagram& diagram, const BoxKinds& kinds) {
+    std::vector<Layers> layers(diagram.nodes.size() + 1);
+    for (std::size_t i = 0; i < diagram.nodes.size(); ++i) {
+        const Node& node = diagram.nodes[i];
+        if (node.level < 0 || kinds.kinds[i] == BoxKind::none) continue;
+        Layers& group = layers[node.group == nothing ? diagram.nodes.size() : node.group];
+        group.first = group.first < 0 ? node.level : std::min(group.first, node.level);
+        group.last = std::max(group.last, node.level);
+    }
+    return layers;
+}
+
+Border borderOf(const Node& node, const std::vector<Layers>& layers) {
+    if (node.displayType != "interface" || node.group == nothing || node.level < 0) return Border::none;
+    if (node.level == layers[node.group].last) return Border::end;
+    return node.level == layers[node.group].first ? Border::start : Border::none;
+}
+
+// Whether a thread runs against the layers of the group that both its ends are in.
+bool runsBack(const Diagram& diagram, const Thread& thread) {
+    const Node& from = diagram.nodes[thread.from];
+    const Node& to = diagram.nodes[thread.to];
+    return from.group == to.group && from.level > to.level;
+}
+
+// The box that a line to `node` ends at. A group's values stand in its header: lines to them go to the group.
+Index boxFor(const Diagram& diagram, const std::vector<Index>& boxOfNode, Index node) {
+    if (node == nothing) return nothing;
+    if (boxOfNode[node] != nothing || diagram.nodes[node].type != "groupInfo") return boxOfNode[node];
+    return diagram.nodes[node].group == nothing ? nothing : boxOfNode[diagram.nodes[node].group];
+}
+
+void addLine(const Diagram& diagram, const Threads& threads, const BoxKinds& kinds, Index at,
+             SceneInput& answer) {
+    const Thread& thread = threads.threads[at];
+    LineToPlace line{
+        boxFor(diagram, answer.boxOfNode, thread.from), boxFor(diagram, answer.boxOfNode, thread.to), {}};
+    if (line.from == nothing || line.to == nothing) return;
+    for (std::uint32_t i = 0; i < thread.slotCount; ++i) {
+        const Slot& slot = threads.slots[thread.firstSlot + i];
+        if (slot.node == nothing || kinds.kinds[slot.node] != BoxKind::label) continue;
+        BoxToPlace& box = answer.input.boxes[answer.boxOfNode[slot.node]];
+        if (box.isLabel) continue;
+        box.isLabel = true;
+        box.group = slot.group == nothing ? nothing : answer.boxOfNode[slot.group];
+        box.level = slot.level;
+        if (runsBack(diagram, thread)) box.along = opposite(box.along);
+        line.through.push_back(answer.boxOfNode[slot.node]);
+    }
+    answer.input.lines.push_back(std::move(line));
+    answer.threadOfLine.push_back(at);
+}
+
+}  // namespace
+
+SceneInput makeInput(const Diagram& diagram, const Threads& threads, const BoxKinds& kinds,
+                     const std::vector<BoxRoom>& rooms, Direction direction) {
+    SceneInput answer;
+    answer.boxOfNode.assign(diagram.nodes.size(), nothing);
+    Index next = 0;
+    for (std::size_t i = 0; i < diagram.nodes.size(); ++i)
+        if (kinds.kinds[i] != BoxKind::none) answer.boxOfNode[i] = next++;
+    answer.input.boxes.reserve(next);
+    const std::vector<Layers> layers = layersOf(diagram, kinds);
+    for (std::size_t i = 0; i < diagram.nodes.size(); ++i) {
+        if (kinds.kinds[i] == BoxKind::none) continue;
+        const Node& node = diagram.nodes[i];
+        BoxToPlace& box = answer.input.boxes.emplace_back();
+        box.group = node.group == nothing ? nothing : answer.boxOfNode[node.group];
+        box.level = node.level;
+        box.size = rooms[i].size;
+        box.isContainer = kinds.kinds[i] == BoxKind::container;
+        box.padding = rooms[i].padding;
+        box.along = alongOf(node.aligning);
+        if (kinds.kinds[i] == BoxKind::card) box.border = borderOf(node, layers);
+        if (direction == Direction::topToBottom) turn(box);
+    }
+    for (std::size_t i = 0; i < threads.threads.size(); ++i)
+        addLine(diagram, threads, kinds, static_cast<Index>(i), answer);
+    return answer;
+}
+
+Placement placeInput(const SceneInput& input, Direction direction) {
+    Placement placement = place(input.input, Spacing{});
+    if (direction == Direction::topToBottom) turn(placement);
+    return placement;
+}
+
+}  // namespace tessera_draw

@@ -1,0 +1,50 @@
+#include <gtest/gtest.h>
+
+#include "tests/draw/placement_checking.h"
+
+using tessera_draw::place;
+using tessera_draw::PlacementInput;
+using tessera_test::findFault;
+using tessera_test::randomDrawing;
+
+TEST(DrawPlacementProperties, HoldOnRandomDrawings) {
+    for (unsigned seed = 0; seed < 1000; ++seed) {
+        const PlacementInput input = randomDrawing(seed);
+        ASSERT_EQ(findFault(input, place(input, {})), "") << "seed " << seed;
+    }
+}
+
+TEST(DrawPlacementProperties, TheSameInputGivesTheSameAnswer) {
+    for (unsigned seed = 0; seed < 200; ++seed) {
+        const PlacementInput input = randomDrawing(seed);
+        const auto first = place(input, {});
+        (void)place(randomDrawing(seed + 1), {});
+        const auto second = place(input, {});
+        ASSERT_EQ(first.boxes, second.boxes);
+        ASSERT_EQ(first.size, second.size);
+        for (std::size_t i = 0; i < first.lines.size(); ++i) {
+            ASSERT_EQ(first.lines[i].stretches.size(), second.lines[i].stretches.size());
+            for (std::size_t k = 0; k < first.lines[i].stretches.size(); ++k)
+                ASSERT_EQ(first.lines[i].stretches[k].start, second.lines[i].stretches[k].start);
+        }
+    }
+}
+
+// The check itself must see what is wrong.
+TEST(DrawPlacementProperties, AFaultIsFound) {
+    const PlacementInput input = randomDrawing(5);
+    const auto good = place(input, {});
+    ASSERT_GE(input.boxes.size(), 3U);
+    auto moved = good;
+    moved.boxes[0].x += good.size.width;
+    EXPECT_NE(findFault(input, moved), "");
+    auto onOneAnother = good;
+    for (auto& box : onOneAnother.boxes)
+        box.x = box.y = 0;
+    EXPECT_NE(findFault(input, onOneAnother), "");
+    auto torn = good;
+    for (auto& line : torn.lines)
+        for (auto& stretch : line.stretches)
+            stretch.start.y -= 1000;
+    EXPECT_NE(findFault(input, torn), "");
+}

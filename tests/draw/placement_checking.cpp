@@ -1,0 +1,239 @@
+#include "tests/draw/placement_checking.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <random>
+
+namespace tessera_test {
+namespace {
+
+using tessera_draw::BoxToPlace;
+using tessera_draw::Index;
+using tessera_draw::LineToPlace;
+using tessera_draw::nothing;
+using tessera_draw::PlacedLine;
+using tessera_draw::Placement;
+using tessera_draw::PlacementInput;
+using tessera_draw::Point;
+using tessera_draw::Rect;
+
+constexpr double tolerance = 1e-3;
+
+class Checker {
+  public:
+    Checker(const PlacementInput& input, const Placement& placement)
+        : m_input(input), m_placement(placement) {}
+
+    std::string fault() {
+        if (m_placement.boxes.size() != m_input.boxes.size()) return "a box has no place";
+        if (m_placement.lines.size() != m_input.lines.size()) return "a line has no place";
+        for (Index i = 0; i < m_input.boxes.size() && m_fault.empty(); ++i)
+            checkBox(i);
+        for (Index i = 0; i < m_input.boxes.size() && m_fault.empty(); ++i)
+            for (Index k = i + 1; k < m_input.boxes.size() && m_fault.empty(); ++k)
+                if (m_input.boxes[i].group == m_input.boxes[k].group) checkSiblings(i, k);
+        for (std::size_t i = 0; i < m_input.lines.size() && m_fault.empty(); ++i)
+            checkLine(m_input.lines[i], m_placement.lines[i]);
+        return m_fault;
+    }
+
+  private:
+    void require(bool holds, const std::string& text) {
+        if (!holds && m_fault.empty()) m_fault = text;
+    }
+
+    [[nodiscard]] bool contains(Index outer, Index inner) const {
+        while (inner != nothing && inner != outer)
+            inner = m_input.boxes[inner].group;
+        return inner == outer;
+    }
+
+    void checkBox(Index i) {
+        const BoxToPlace& box = m_input.boxes[i];
+        const Rect& rect = m_placement.boxes[i];
+        require(std::isfinite(rect.x) && std::isfinite(rect.y), fmt::format("box {} is nowhere", i));
+        const bool isExact = !box.isContainer;
+        require(isExact
+                    ? rect.width == box.size.width && rect.height == box.size.height
+                    : rect.width >= box.size.width - tolerance && rect.height >= box.size.height - tolerance,
+                fmt::format("box {} has another size", i));
+        Rect around{0, 0, m_placement.size.width, m_placement.size.height};
+        tessera_draw::Insets padding;
+        if (box.group != nothing) {
+            around = m_placement.boxes[box.group];
+            padding = m_input.boxes[box.group].padding;
+        }
+        require(rect.x >= around.x + padding.left - tolerance &&
+                    rect.y >= around.y + padding.top - tolerance &&
+                    rect.right() <= around.right() - padding.right + tolerance &&
+                    rect.bottom() <= around.bottom() - padding.bottom + tolerance,
+                fmt::format("box {} is not inside its container", i));
+    }
+
+    void checkSiblings(Index i, Index k) {
+        const Rect& a = m_placement.boxes[i];
+        const Rect& b = m_placement.boxes[k];
+        const bool isApart = a.right() <= b.x + tolerance || b.right() <= a.x + tolerance ||
+                             a.bottom() <= b.y + tolerance || b.bottom() <= a.y + tolerance;
+        require(isApart, fmt::format("boxes {} and {} overlap", i, k));
+        const BoxToPlace& boxA = m_input.boxes[i];
+        const BoxToPlace& boxB = m_input.boxes[k];
+        const bool areOrdered = boxA.level != -1 && boxB.level != -1 &&
+                                boxA.border == BoxToPlace::Border::none &&
+                                boxB.border == BoxToPlace::Border::none && boxA.level != boxB.level;
+        if (!areOrdered) return;
+        const bool isFirst = boxA.level < boxB.level;
+        require((isFirst ? a.right() : b.right()) <= (isFirst ? b.x : a.x) + tolerance,
+                fmt::format("boxes {} and {} are not in the order of their levels", i, k));
+    }
+
+    void checkLine(const LineToPlace& line, const PlacedLine& placed) {
+        std::vector<Index> stops{line.from};
+        stops.insert(stops.end(), line.through.begin(), line.through.end());
+        stops.push_back(line.to);
+        const bool isWhole =
+            std::all_of(stops.begin(), stops.end(), [&](Index box) { return box < m_input.boxes.size(); });
+        const std::size_t stretches = isWhole ? stops.size() - 1 : 0;
+        require(placed.stretches.size() == stretches, "a line has another number of stretches");
+        for (std::size_t i = 0; i < stretches && m_fault.empty(); ++i)
+            checkStretch(stops[i], stops[i + 1], placed.stretches[i]);
+    }
+
+    [[nodiscard]] bool isOnSide(Index box, const Point& at) const {
+        const Rect& rect = m_placement.boxes[box];
+        const bool isAtSide =
+            std::abs(at.x - rect.x) < tolerance || std::abs(at.x - rect.right()) < tolerance;
+        return isAtSide && at.y > rect.y - tolerance && at.y < rect.bottom() + tolerance;
+    }
+
+    void checkStretch(Index from, Index to, const PlacedLine::Stretch& stretch) {
+        const std::string name = fmt::format("the stretch from {} to {}", from, to);
+        if (stretch.segments.empty()) return require(false, name + " is empty");
+        require(isOnSide(from, stretch.start), name + " does not begin on its box");
+        require(isOnSide(to, stretch.segments.back().end), name + " does not end on its box");
+        const Point& first = stretch.segments.front().isCurve ? stretch.segments.front().control1
+                                                              : stretch.segments.front().end;
+        require(std::abs(first.y - stretch.start.y) < tolerance, name + " leaves askew");
+        Point at = stretch.start;
+        for (const auto& segment : stretch.segments) {
+            for (int i = 1; i <= 8; ++i) {
+                const Point next =
+                    segment.isCurve ? onCurve(at, segment, i / 8.0) : onLine(at, segment.end, i / 8.0);
+                checkPiece(from, to, i == 1 ? at : m_before, next, name);
+                m_before = next;
+            }
+            at = segment.end;
+        }
+    }
+
+    static Point onLine(const Point& a, const Point& b, double t) {
+        return {a.x + (b.x - a.x) * t, a.y + (b.y - a.y) * t};
+    }
+    static Point onCurve(const Point& a, const tessera_draw::Segment& segment, double t) {
+        const Point ab = onLine(a, segment.control1, t);
+        const Point bc = onLine(segment.control1, segment.control2, t);
+        const Point cd = onLine(segment.control2, segment.end, t);
+        return onLine(onLine(ab, bc, t), onLine(bc, cd, t), t);
+    }
+
+    // Pieces are short, so that their bounds tell; those through a box's own inside are the exceptions.
+    void checkPiece(Index from, Index to, const Point& a, const Point& b, const std::string& name) {
+        for (Index i = 0; i < m_input.boxes.size(); ++i) {
+            if (contains(i, from) || contains(i, to)) continue;
+            if (contains(from, i) && contains(to, i)) continue;
+            const Rect& rect = m_placement.boxes[i];
+            const bool isOutside =
+                std::max(a.x, b.x) < rect.x + tolerance || std::min(a.x, b.x) > rect.right() - tolerance ||
+                std::max(a.y, b.y) < rect.y + tolerance || std::min(a.y, b.y) > rect.bottom() - tolerance;
+            require(isOutside, fmt::format("{} passes through box {}", name, i));
+        }
+        const auto isInside = [&](const Point& point) {
+            return point.x >= -tolerance && point.y >= -tolerance &&
+                   point.x <= m_placement.size.width + tolerance &&
+                   point.y <= m_placement.size.height + tolerance;
+        };
+        require(isInside(a) && isInside(b), name + " leaves the drawing");
+    }
+
+    const PlacementInput& m_input;
+    const Placement& m_placement;
+    std::string m_fault;
+    Point m_before;
+};
+
+class Maker {
+  public:
+    explicit Maker(unsigned seed) : m_random(seed) {}
+
+    PlacementInput make() {
+        const unsigned boxes = 1 + below(40);
+        for (unsigned i = 0; i < boxes; ++i)
+            addBox(below(4) == 0);
+        const unsigned lines = below(2 * boxes);
+        for (unsigned i = 0; i < lines; ++i)
+            addLine();
+        return m_input;
+    }
+
+  private:
+    unsigned below(unsigned n) { return static_cast<unsigned>(m_random() % n); }
+
+    std::int32_t level() {
+        constexpr std::array extremes{std::numeric_limits<std::int32_t>::min(),
+                                      std::numeric_limits<std::int32_t>::max(), -2, -1};
+        const unsigned kind = below(10);
+        if (kind == 0) return extremes.at(below(4));
+        return kind < 3 ? -1 : static_cast<std::int32_t>(below(6));
+    }
+
+    Index addBox(bool isContainer) {
+        BoxToPlace box;
+        if (!m_containers.empty() && below(3) != 0)
+            box.group = m_containers[below(static_cast<unsigned>(m_containers.size()))];
+        box.level = level();
+        box.size = {10.0 + below(120), 10.0 + below(80)};
+        box.isContainer = isContainer;
+        if (isContainer)
+            box.padding = {double(below(20)), double(below(40)), double(below(20)), double(below(20))};
+        box.along = static_cast<BoxToPlace::Along>(below(3));
+        if (below(12) == 0) box.border = static_cast<BoxToPlace::Border>(1 + below(2));
+        if (isContainer) m_containers.push_back(static_cast<Index>(m_input.boxes.size()));
+        m_input.boxes.push_back(box);
+        return static_cast<Index>(m_input.boxes.size()) - 1;
+    }
+
+    void addLine() {
+        const auto any = [&] {
+            return static_cast<Index>(below(static_cast<unsigned>(m_input.boxes.size())));
+        };
+        LineToPlace line{any(), any(), {}};
+        if (below(60) == 0) line.to = below(2) == 0 ? nothing : static_cast<Index>(m_input.boxes.size()) + 7;
+        for (unsigned labels = below(3) == 0 ? 1 + below(3) : 0; labels > 0; --labels) {
+            const Index label = addBox(false);
+            m_input.boxes[label].isLabel = true;
+            m_input.boxes[label].border = BoxToPlace::Border::none;
+            line.through.push_back(label);
+        }
+        m_input.lines.push_back(line);
+    }
+
+    std::mt19937 m_random;
+    PlacementInput m_input;
+    std::vector<Index> m_containers;
+};
+
+}  // namespace
+
+PlacementInput randomDrawing(unsigned seed) {
+    return Maker(seed).make();
+}
+
+std::string findFault(const PlacementInput& input, const Placement& placement) {
+    return Checker(input, placement).fault();
+}
+
+}  // namespace tessera_test

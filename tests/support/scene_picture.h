@@ -1,0 +1,160 @@
+// Placements and scenes as the checker of drawings wants them.
+#pragma once
+
+#include <algorithm>
+#include <string>
+
+#include "draw/box_sizes.h"
+#include "draw/diagram.h"
+#include "draw/scene.h"
+#include "draw/scene_lines.h"
+#include "draw/shapes.h"
+#include "draw/threads.h"
+#include "tests/support/picture_check.h"
+
+namespace tessera_test {
+
+inline Picture pictureOf(const tessera_draw::PlacementInput& input,
+                         const tessera_draw::Placement& placement) {
+    Picture picture;
+    picture.size = placement.size;
+    for (std::size_t i = 0; i < input.boxes.size(); ++i) {
+        const tessera_draw::BoxToPlace& box = input.boxes[i];
+        picture.boxes.push_back({placement.boxes[i], box.group, box.isContainer, box.isLabel, box.padding,
+                                 "box " + std::to_string(i)});
+        const tessera_draw::Rect& rect = placement.boxes[i];
+        if (rect.width < box.size.width - 0.01 || rect.height < box.size.height - 0.01) ++picture.missing;
+    }
+    for (std::size_t i = 0; i < input.lines.size(); ++i) {
+        Picture::Line& line = picture.lines.emplace_back();
+        line.from = input.lines[i].from;
+        line.to = input.lines[i].to;
+        line.through = input.lines[i].through;
+        line.stretches = placement.lines[i].stretches;
+        line.name = "line " + std::to_string(i);
+    }
+    return picture;
+}
+
+// What a text covers, from its ascent to its descent; it is held in its room.
+inline tessera_draw::Rect areaOf(const tessera_draw::TextShape& text) {
+    using tessera_draw::Anchor;
+    const double size = styleOf(text.role).size;
+    const double shown = std::min(text.width, text.room);
+    const double free = text.room - shown;
+    const Anchor anchor = styleOf(text.role).anchor;
+    const double before = anchor == Anchor::start ? 0 : anchor == Anchor::end ? free : free / 2;
+    return {leftOf(text) + before, text.at.y - 0.8 * size, shown, size};
+}
+
+// A scene of the diagram in `bag`.
+class ScenePicture {
+  public:
+    ScenePicture(const basekit2::variant_bag_t& bag, const tessera_draw::Scene& scene)
+        : m_diagram(tessera_draw::readDiagram(bag)),
+          m_threads(tessera_draw::findThreads(m_diagram)),
+          m_scene(scene),
+          m_boxes(m_diagram.nodes.size(), nothing) {}
+
+    [[nodiscard]] Picture make() {
+        m_picture.size = m_scene.size;
+        m_picture.headLength = tessera_draw::arrowLength;
+        for (const tessera_draw::Element& element : m_scene.elements)
+            addBox(element);
+        nestBoxes();
+        for (const tessera_draw::Element& element : m_scene.elements) {
+            if (element.kind == Kind::line) addLine(element);
+            addTexts(element);
+        }
+        countMissing();
+        return std::move(m_picture);
+    }
+
+  private:
+    using Kind = tessera_draw::Element::Kind;
+
+    void addBox(const tessera_draw::Element& element) {
+        const bool isBox =
+            element.kind == Kind::group || element.kind == Kind::node || element.kind == Kind::label;
+        if (!isBox || element.boxes.count == 0) return;
+        m_boxes[element.index] = static_cast<Index>(m_picture.boxes.size());
+        m_picture.boxes.push_back({m_scene.boxes[element.boxes.first].rect,
+                                   nothing,
+                                   element.kind == Kind::group,
+                                   element.kind == Kind::label,
+                                   {},
+                                   std::string(element.id)});
+    }
+
+    // Labels are in the group of their slot.
+    void nestBoxes() {
+        const auto put = [this](Index node, Index group) {
+            if (m_boxes[node] != nothing)
+                m_picture.boxes[m_boxes[node]].container = group == nothing ? nothing : m_boxes[group];
+        };
+        for (Index i = 0; i < m_boxes.size(); ++i)
+            put(i, m_diagram.nodes[i].group);
+        for (const tessera_draw::Slot& slot : m_threads.slots)
+            put(slot.node, slot.group);
+    }
+
+    // A group's values are a part of it.
+    [[nodiscard]] Index endBox(Index node) const {
+        if (node == nothing) return nothing;
+        const tessera_draw::Node& end = m_diagram.nodes[node];
+        if (m_boxes[node] == nothing && end.type == "groupInfo" && end.group != nothing)
+            return m_boxes[end.group];
+        return m_boxes[node];
+    }
+
+    void addLine(const tessera_draw::Element& element) {
+        const tessera_draw::Thread& thread = m_threads.threads[element.index];
+        const tessera_draw::LineShape& shape = m_scene.lines[element.lines.first];
+        Picture::Line& line = m_picture.lines.emplace_back();
+        line.from = endBox(thread.from);
+        line.to = endBox(thread.to);
+        for (std::uint32_t i = 0; i < thread.slotCount; ++i)
+            if (const Index label = m_boxes[m_threads.slots[thread.firstSlot + i].node]; label != nothing)
+                line.through.push_back(label);
+        line.stretches = shape.stretches;
+        line.wantsFromHead = thread.direction == "back" || thread.direction == "both";
+        line.wantsToHead = thread.direction == "forward" || thread.direction == "both";
+        if (shape.hasFromHead) line.fromHead = {shape.fromHead.tip, shape.fromHead.direction};
+        if (shape.hasToHead) line.toHead = {shape.toHead.tip, shape.toHead.direction};
+        line.name =
+            std::string(element.id) + " from " + std::string(element.from) + " to " + std::string(element.to);
+    }
+
+    void addTexts(const tessera_draw::Element& element) {
+        const bool hasBox = element.kind == Kind::group || element.kind == Kind::header ||
+                            element.kind == Kind::node || element.kind == Kind::label;
+        for (std::uint32_t i = 0; i < element.texts.count; ++i) {
+            const tessera_draw::TextShape& text = m_scene.texts[element.texts.first + i];
+            m_picture.texts.push_back(
+                {areaOf(text), hasBox ? m_boxes[element.index] : nothing, std::string(text.text)});
+        }
+    }
+
+    void countMissing() {
+        for (std::size_t i = 0; i < m_boxes.size(); ++i) {
+            const std::string_view type = m_diagram.nodes[i].type;
+            if (type != "dummy" && type != "groupInfo" && m_boxes[i] == nothing) ++m_picture.missing;
+        }
+        std::size_t drawable = 0;
+        for (const tessera_draw::Thread& thread : m_threads.threads)
+            drawable += endBox(thread.from) != nothing && endBox(thread.to) != nothing ? 1U : 0U;
+        m_picture.missing += drawable - std::min(drawable, m_picture.lines.size());
+    }
+
+    const tessera_draw::Diagram m_diagram;
+    const tessera_draw::Threads m_threads;
+    const tessera_draw::Scene& m_scene;
+    std::vector<Index> m_boxes;  // by node
+    Picture m_picture;
+};
+
+inline Faults checkScene(const basekit2::variant_bag_t& bag, const tessera_draw::Scene& scene) {
+    return checkPicture(ScenePicture(bag, scene).make());
+}
+
+}  // namespace tessera_test
