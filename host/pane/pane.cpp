@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core/factory.h"
+#include "host/acyclic/acyclic_document.h"
 #include "host/catalogs/gettext_catalogs.h"
 #include "host/queries/query_library.h"
 #include "host/queries/text.h"
@@ -110,10 +111,20 @@ std::unique_ptr<Pane> Pane::open(const PaneSettings& settings, relay2::IMessenge
         error = {settings.database + ": " + reason, true, progress && progress->isCancelled()};
         return nullptr;
     }
+    Watch watch(progress);
+    if (settings.acyclic)
+        makeAcyclic(viewpoint, messenger, watch);
+    else
+        tellCycles(viewpoint, messenger, watch);
+    if (watch.mustStopNow()) {
+        error = {settings.document + ": cancelled", false, true};
+        return nullptr;
+    }
     installCatalogs(settings, messenger);
     tessera_1::setLayoutLimits(settings.limits);
 
     const auto declarations = Declarations::read(viewpoint);
+    if (settings.onDocument) settings.onDocument(viewpoint, *declarations);
     for (const Problem& problem : declarations->problems())
         messenger.post(relay2::severity_t::error, problem.text, problem.position);
     const Filters filters = filtersOf(*declarations, settings);

@@ -1,12 +1,14 @@
 // One diagram pane on real parts: a document, a database, and the diagram library's handler between them.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <string>
 
 #include "core/layout_limits.h"
+#include "host/queries/declarations.h"
 #include "host/sqlite/table_tree_engine.h"
 #include "host/text/read_error.h"
 #include "platform/panelcore_1/request_handler.h"
@@ -22,7 +24,10 @@ struct PaneSettings {
     std::string catalogs;                        // folder of the message catalogues; "" for none
     std::string locale;
     double queryTimeout = 600;  // seconds
+    bool acyclic = false;       // turns links around that go in circles; otherwise they are only told of
     tessera_1::LayoutLimits limits;
+    // Is shown the document as the library will read it, with the queries that it declares. May be empty.
+    std::function<void(const basekit2::variant_bag_t&, const Declarations&)> onDocument;
 };
 
 // Why a pane could not be opened. `text` names the file, and line and column where there are any.
