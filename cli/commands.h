@@ -2,6 +2,7 @@
 #pragma once
 
 #include "cli/options.h"
+#include "draw/reservation.h"
 #include "host/pane/pane.h"
 
 namespace tessera_cli {
@@ -16,9 +17,10 @@ int session(const Options& options);
 int check(const Options& options);
 
 // The pane that the options describe; null, with the message printed and `exitStatus` set, when it cannot be
-// opened.
+// opened. `reservation`, when it is not null, becomes the room that a drawing of the document keeps.
 [[nodiscard]] std::unique_ptr<tessera_host::Pane> openPane(const Options& options,
                                                            relay2::IMessenger& messenger,
-                                                           relay2::IProgress& progress, int& exitStatus);
+                                                           relay2::IProgress& progress, int& exitStatus,
+                                                           tessera_draw::Reservation* reservation = nullptr);
 
 }  // namespace tessera_cli

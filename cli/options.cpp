@@ -18,6 +18,7 @@ struct RawOptions {
     Options options;
     std::vector<std::string> filters;
     std::string mode;
+    CLI::Option* scale = nullptr;
 };
 
 std::string isNotEmpty(const std::string& text) {
@@ -80,6 +81,25 @@ void addLimits(CLI::App& command, RawOptions& raw) {
         ->check(isCount);
 }
 
+void addAcyclic(CLI::App& command, RawOptions& raw) {
+    command.add_flag("--acyclic", raw.options.acyclic,
+                     "Turns the fewest links it can around before the document is read, so that none go in a "
+                     "circle inside a group; the picture means the same");
+}
+
+void addFix(CLI::App& command, RawOptions& raw) {
+    CLI::Option* fix = command.add_flag(
+        "--fix", raw.options.fix,
+        "Writes the document with the fewest links turned around so that none go in a circle inside a group, "
+        "and checks that one; nothing else in it changes");
+    command
+        .add_option("-o,--output", raw.options.output,
+                    "Where to write the document, which may be its own file; standard output without it")
+        ->type_name("FILE")
+        ->check(isNotEmpty)
+        ->needs(fix);
+}
+
 // What shows the layout at work.
 void addInspection(CLI::App& command, RawOptions& raw) {
     Options& options = raw.options;
@@ -102,6 +122,35 @@ CLI::Option* addDatabase(CLI::App& command, RawOptions& raw) {
         ->check(isNotEmpty);
 }
 
+// What is asked of pictures.
+void addPicture(CLI::App& command, RawOptions& raw) {
+    Options& options = raw.options;
+    command
+        .add_option("--theme", options.theme,
+                    "Colours of a picture: light, dark, or auto (the default: as the reader's screen)")
+        ->check(CLI::IsMember({"light", "dark", "auto"}));
+    command
+        .add_option("--direction", options.direction,
+                    "Where a picture's layers go: lr (from left to right, the default) or tb (top to bottom)")
+        ->check(CLI::IsMember({"lr", "tb"}));
+    raw.scale =
+        command.add_option("--scale", options.scale, "Size of a PNG (1)")
+            ->type_name("N")
+            ->check([](const std::string& text) {
+                double scale = 0;
+                const bool isNumber = CLI::detail::lexical_cast(text, scale);
+                return isNumber && scale >= 0.05 && scale <= 20 ? "" : text + " is not from 0.05 to 20";
+            });
+}
+
+// What of the picture's options does not go with the format, or "".
+std::string pictureProblem(const Options& options, bool hasScale) {
+    const bool isPicture = options.format == "svg" || options.format == "png" || options.format == "pdf";
+    if (!options.theme.empty() && !isPicture) return "--theme is for pictures: svg, png or pdf";
+    if (!options.direction.empty() && !isPicture) return "--direction is for pictures: svg, png or pdf";
+    return hasScale && options.format != "png" ? "--scale is for png" : "";
+}
+
 // Splits NAME=SQL. Answers what is wrong, or "".
 std::string readFilters(const std::vector<std::string>& texts, std::map<std::string, std::string>& filters) {
     for (const std::string& text : texts) {
@@ -115,7 +164,12 @@ std::string readFilters(const std::vector<std::string>& texts, std::map<std::str
     return {};
 }
 
-// "json" or "xml", from the option or else from the file's ending; "" when the ending says nothing of use.
+const std::vector<std::string>& formats() {
+    static const std::vector<std::string> all = {"json", "xml", "svg", "png", "pdf"};
+    return all;
+}
+
+// From the option or else from the file's ending; "" when the ending says nothing of use.
 std::string formatOf(const Options& options) {
     if (!options.format.empty()) return options.format;
     const std::size_t dot = options.output.rfind('.');
@@ -123,7 +177,7 @@ std::string formatOf(const Options& options) {
     std::string ending = dot == std::string::npos ? "" : options.output.substr(dot + 1);
     std::transform(ending.begin(), ending.end(), ending.begin(),
                    [](unsigned char c) { return std::tolower(c); });
-    return ending == "json" || ending == "xml" ? ending : "";
+    return std::find(formats().begin(), formats().end(), ending) != formats().end() ? ending : "";
 }
 
 int usageError(const std::string& text) {
@@ -154,15 +208,18 @@ std::optional<Options> parseCommandLine(int argc, const char* const* argv, int& 
     CLI::App* render = app.add_subcommand("render", "Makes one diagram and writes it");
     addCommon(*render, raw);
     addDatabase(*render, raw)->required();
+    addAcyclic(*render, raw);
     addLimits(*render, raw);
     addInspection(*render, raw);
     render->add_option("-o,--output", raw.options.output, "Where to write; standard output without it")
         ->type_name("FILE")
         ->check(isNotEmpty);
     render
-        ->add_option("--format", raw.options.format,
-                     "json or xml; without it the file's ending decides, json for standard output")
-        ->check(CLI::IsMember({"json", "xml"}));
+        ->add_option(
+            "--format", raw.options.format,
+            "json, xml, svg, png or pdf; without it the file's ending decides, json for standard output")
+        ->check(CLI::IsMember(formats()));
+    addPicture(*render, raw);
     CLI::Option* mode =
         render->add_option("--mode", raw.mode, "Display mode: bandwidth (the default), ratio or size")
             ->check(CLI::IsMember({"bandwidth", "ratio", "size"}));
@@ -171,11 +228,13 @@ std::optional<Options> parseCommandLine(int argc, const char* const* argv, int& 
         app.add_subcommand("session", "Answers requests, one JSON line each, until end of input");
     addCommon(*session, raw);
     addDatabase(*session, raw)->required();
+    addAcyclic(*session, raw);
     addLimits(*session, raw);
 
     CLI::App* check = app.add_subcommand("check", "Reports everything wrong with a document");
     addCommon(*check, raw);
     addDatabase(*check, raw);
+    addFix(*check, raw);
 
     try {
         app.parse(argc, argv);
@@ -191,8 +250,10 @@ std::optional<Options> parseCommandLine(int argc, const char* const* argv, int& 
     if (mode->count() > 0) options.mode = raw.mode;
     options.format = formatOf(options);
     std::string problem = readFilters(raw.filters, options.filters);
-    if (problem.empty() && options.format.empty())
-        problem = options.output + ": the ending names no format; add --format json or --format xml";
+    if (problem.empty() && options.command == Command::render && options.format.empty())
+        problem =
+            options.output + ": the ending names no format; add --format with json, xml, svg, png or pdf";
+    if (problem.empty()) problem = pictureProblem(options, raw.scale->count() > 0);
     if (!problem.empty()) {
         exitStatus = usageError(problem);
         return std::nullopt;

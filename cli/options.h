@@ -16,7 +16,7 @@ struct Options {
     std::string document;
     std::string database;  // "" when none was given
     std::string output;    // "" is standard output
-    std::string format;    // "json" or "xml"
+    std::string format;    // "json", "xml", "svg", "png" or "pdf"
     std::optional<std::string> mode;
     std::map<std::string, std::string> filters;
     std::string catalogs;
@@ -24,9 +24,14 @@ struct Options {
     std::string logConfig;
     std::string logLevel;
     double queryTimeout = 600;  // seconds
+    bool acyclic = false;
+    bool fix = false;
     tessera_1::LayoutLimits limits;
     std::string stopAfter;   // a stage of "create"; "" is none
     std::string dumpFolder;  // where the graph is written after each stage; "" is nowhere
+    std::string theme;       // of a picture: "light", "dark" or "auto"
+    std::string direction;   // of a picture: "lr" or "tb"
+    double scale = 1;        // pixels of a PNG for one of the drawing
     bool timePasses = false;
     bool verify = false;
 };

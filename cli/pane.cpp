@@ -1,11 +1,13 @@
 #include "cli/commands.h"
 #include "cli/interrupt.h"
 #include "cli/message.h"
+#include "cli/reserved_room.h"
 
 namespace tessera_cli {
 
 std::unique_ptr<tessera_host::Pane> openPane(const Options& options, relay2::IMessenger& messenger,
-                                             relay2::IProgress& progress, int& exitStatus) {
+                                             relay2::IProgress& progress, int& exitStatus,
+                                             tessera_draw::Reservation* reservation) {
     tessera_host::PaneSettings settings;
     settings.document = options.document;
     settings.database = options.database;
@@ -13,7 +15,12 @@ std::unique_ptr<tessera_host::Pane> openPane(const Options& options, relay2::IMe
     settings.catalogs = options.catalogs;
     settings.locale = options.locale;
     settings.queryTimeout = options.queryTimeout;
+    settings.acyclic = options.acyclic;
     settings.limits = options.limits;
+    if (reservation != nullptr)
+        settings.onDocument = [reservation](const auto& viewpoint, const auto& declarations) {
+            *reservation = reserveRoom(viewpoint, declarations);
+        };
     tessera_host::OpenError error;
     auto pane = tessera_host::Pane::open(settings, messenger, &progress, error);
     if (pane) return pane;

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "cli/commands.h"
+#include "cli/drawing.h"
 #include "cli/interrupt.h"
 #include "cli/layout_inspector.h"
 #include "cli/message.h"
@@ -37,8 +38,11 @@ bool makeDiagram(const Options& options, tessera_host::Pane& pane, variant_bag_t
     return code.is_success();
 }
 
-bool writeDiagram(const Options& options, const variant_bag_t& diagram, OutputFile& file) {
-    if (options.format == "json") {
+bool writeDiagram(const Options& options, const variant_bag_t& diagram,
+                  const tessera_draw::Reservation& reservation, OutputFile& file) {
+    if (isPicture(options.format)) {
+        if (!writeDrawing(options, diagram, reservation, file) && file.sink().good()) return false;
+    } else if (options.format == "json") {
         tessera_host::writeJson(diagram, file.sink(), tessera_host::JsonForm::indented);
         file.sink().put('\n');
     } else if (const auto problem = tessera_host::writeXml(diagram, file.sink())) {
@@ -67,7 +71,9 @@ int render(const Options& options) {
     ConsoleMessenger messenger(options.document);
     InterruptProgress progress;
     int exitStatus = exitDone;
-    const auto pane = openPane(options, messenger, progress, exitStatus);
+    tessera_draw::Reservation reservation;
+    const auto pane = openPane(options, messenger, progress, exitStatus,
+                               isPicture(options.format) ? &reservation : nullptr);
     if (!pane) return exitStatus;
     OutputFile file;  // opened before the work: a place that cannot be written is known at once
     if (!file.open(options.output)) {
@@ -78,7 +84,7 @@ int render(const Options& options) {
     if (const int problem = inspector.prepare(); problem != exitDone) return unlessInterrupted(problem);
     variant_bag_t diagram;
     if (!makeDiagram(options, *pane, diagram)) return unlessInterrupted(exitFailed);
-    if (!writeDiagram(options, diagram, file)) return unlessInterrupted(exitUnopened);
+    if (!writeDiagram(options, diagram, reservation, file)) return unlessInterrupted(exitUnopened);
     const int inspected = inspector.report();
     if (messenger.errorCount() == 0) return inspected;
     printMessage(fmt::format("{}: the diagram was written in spite of the {} above", options.document,

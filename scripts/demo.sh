@@ -12,11 +12,12 @@ run() {
 title "Installing what is missing and building (the first time takes a few minutes)"
 ./scripts/install-packages.sh
 mkdir -p build
-if ! { cmake --preset release && cmake --build --preset release --target tessera_cli; } >build/demo.log 2>&1; then
+if ! { cmake --preset release && cmake --build --preset release --target tessera_cli tessera_pictures; } >build/demo.log 2>&1; then
     cat build/demo.log
     exit 1
 fi
 PATH=$PWD/build/release/bin:$PATH
+build=$PWD/build
 example=$PWD/examples/backup
 show=$PWD/scripts/show_diagram.py
 tessera --version
@@ -38,6 +39,12 @@ title "The diagram: boxes in groups, each with its values"
 run tessera render backup.xml --db backup.db -o diagram.json
 python3 "$show" --boxes <diagram.json
 
+title "The same as a picture"
+run tessera render backup.xml --db backup.db -o backup.svg
+run tessera render backup.xml --db backup.db -o backup.png --theme dark
+cp backup.svg backup.png "$build/"
+echo "  to look at: build/backup.svg, build/backup.png"
+
 title "What the pipe's splitter, tee, writes to each of its readers"
 python3 "$show" --links --only tee <diagram.json
 
@@ -56,6 +63,7 @@ cat <<'TEXT'
   sqlite3 backup.db < examples/backup/backup.sql
   build/release/bin/tessera render examples/backup/backup.xml --db backup.db --filter "selection=ts < 5"
   build/release/bin/tessera render examples/backup/backup.xml --db backup.db --mode size -o diagram.xml
+  build/release/bin/tessera render examples/backup/backup.xml --db backup.db --direction tb -o diagram.pdf
   build/release/bin/tessera --help
 
   examples/backup/README.md    what the recording shows, and how to make one of your own

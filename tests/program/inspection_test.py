@@ -190,7 +190,9 @@ class Inspection(Case):
             '<graph><node id="g"><node id="r"/><node id="a"/><node id="b"/><node id="a"/></node><node id="g"/>'
             '<link id="l" from="r" to="a"/><link id="l" from="a" to="b"/><link id="m" from="b" to="a"/></graph><display/>'))
         done = self.run_program('render', document, '--db', self.result, '--verify', '--log-level', 'off')
-        self.assertEqual((done.returncode, done.stderr), (0, ''))
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertEqual(done.stderr.count('\n'), 1, done.stderr)
+        self.assertIn(': warning: the links "l" (line 1) and "m" (line 1) go in a circle inside group "g"', done.stderr)
 
     def test_unknown_pass(self):
         done = self.run_program('render', self.document, '--db', self.result, '--stop-after', 'nothing')
