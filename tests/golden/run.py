@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Draws the documents of this folder and compares the drawings with those kept beside them.
+"""Draws the documents of this folder, and the examples that the front page shows, and compares the drawings with those kept.
 
 Usage: run.py PROGRAM [NAME...] [--write] [--page FILE]
 
@@ -14,28 +14,46 @@ import sys
 import tempfile
 
 FOLDER = pathlib.Path(__file__).resolve().parent
+ROOT = FOLDER.parents[1]
 # Documents that are drawn in another way than from left to right as well.
 ALSO = {'nested_groups': ['--direction', 'tb'], 'chain': ['--direction', 'tb']}
+# What the front page shows: name, example, options.
+SHOWN = (('backup', 'backup', ['--theme', 'auto']), ('backup_tb', 'backup', ['--theme', 'dark', '--direction', 'tb']),
+         ('first', 'first', ['--theme', 'auto']))
 STYLE = ('body{font:14px sans-serif;margin:24px;background:#888}figure{display:inline-block;margin:8px;vertical-align:top}'
          'figcaption{padding:4px 0}')
 
 
-def drawings(names):
-    """Name of the drawing, its document, and the options."""
+class Drawing:
+    def __init__(self, document, values, kept, options):
+        self.document, self.values, self.kept, self.options = document, values, kept, options
+        self.name = kept.stem if kept.is_relative_to(FOLDER) else f'{kept.parent.name}/{kept.stem}'
+
+    def old(self):
+        return self.kept.read_text(encoding='utf-8') if self.kept.is_file() else None
+
+    def new(self, program):
+        with tempfile.TemporaryDirectory() as folder:
+            database = pathlib.Path(folder) / 'values.db'
+            with sqlite3.connect(database) as connection:
+                connection.executescript(self.values.read_text(encoding='utf-8'))
+            connection.close()
+            done = subprocess.run([program, 'render', self.document, '--db', database, '--format', 'svg', '--log-level', 'off',
+                                   *self.options], capture_output=True, text=True, encoding='utf-8', timeout=60)
+        if done.returncode != 0:
+            sys.exit(f'{self.document.name}: exit status {done.returncode}: {done.stderr}')
+        return done.stdout
+
+
+def drawings():
     for path in sorted((FOLDER / 'documents').glob('*.xml')):
-        if names and path.stem not in names:
-            continue
-        yield path.stem, path, []
-        if path.stem in ALSO:
-            yield f'{path.stem}_tb', path, ALSO[path.stem]
-
-
-def draw(program, document, database, options):
-    done = subprocess.run([program, 'render', document, '--db', database, '--format', 'svg', '--theme', 'light', '--log-level', 'off',
-                           *options], capture_output=True, text=True, encoding='utf-8', timeout=60)
-    if done.returncode != 0:
-        sys.exit(f'{document.name}: exit status {done.returncode}: {done.stderr}')
-    return done.stdout
+        for suffix, options in (('', []), ('_tb', ALSO.get(path.stem))):
+            if options is not None:
+                yield Drawing(path, FOLDER / 'values.sql', FOLDER / 'drawings' / f'{path.stem}{suffix}.svg',
+                              ['--theme', 'light', *options])
+    for name, example, options in SHOWN:
+        path = ROOT / 'examples/backup' / f'{example}.xml'
+        yield Drawing(path, path.with_suffix('.sql'), ROOT / 'docs/pictures' / f'{name}.svg', options)
 
 
 def figure(caption, svg):
@@ -46,8 +64,8 @@ def figure(caption, svg):
 
 def page(shown):
     parts = []
-    for name, old, new in shown:
-        parts.append(f'<h2>{html.escape(name)}</h2>')
+    for drawing, old, new in shown:
+        parts.append(f'<h2>{html.escape(drawing.name)}</h2>')
         if old == new:
             parts.append(figure('unchanged', new))
         else:
@@ -60,25 +78,17 @@ def main():
     wants_page = '--page' in arguments
     page_file = arguments.pop(arguments.index('--page') + 1) if wants_page else None
     program, *names = [each for each in arguments if not each.startswith('--')]
-    results = []
-    with tempfile.TemporaryDirectory() as folder:
-        database = pathlib.Path(folder) / 'values.db'
-        with sqlite3.connect(database) as connection:
-            connection.executescript((FOLDER / 'values.sql').read_text(encoding='utf-8'))
-        connection.close()
-        for name, document, options in drawings(names):
-            kept = FOLDER / 'drawings' / f'{name}.svg'
-            old = kept.read_text(encoding='utf-8') if kept.is_file() else None
-            results.append((name, old, draw(program, document, database, options)))
+    wanted = [each for each in drawings() if not names or each.document.stem in names]
+    results = [(each, each.old(), each.new(program)) for each in wanted]
     changed = [each for each in results if each[1] != each[2]]
     if wants_page:
         pathlib.Path(page_file).write_text(page(changed or results), encoding='utf-8')
     if '--write' in arguments:
-        (FOLDER / 'drawings').mkdir(exist_ok=True)
-        for name, _, new in changed:
-            (FOLDER / 'drawings' / f'{name}.svg').write_text(new, encoding='utf-8')
-    for name, old, _ in changed:
-        print(f'{name}: {"new" if old is None else "changed"}')
+        for drawing, _, new in changed:
+            drawing.kept.parent.mkdir(exist_ok=True)
+            drawing.kept.write_text(new, encoding='utf-8')
+    for drawing, old, _ in changed:
+        print(f'{drawing.name}: {"new" if old is None else "changed"}')
     print(f'{len(results)} drawings, {len(changed)} differ')
     return 1 if not results or (changed and '--write' not in arguments) else 0
 
