@@ -83,7 +83,8 @@ void GroupLevels::clear() {
     m_index.clear();
 }
 
-void GroupLevels::reserve(std::size_t count) {
+void GroupLevels::reserve(std::size_t count, std::size_t idBytes) {
+    m_ids.reserve(idBytes);
     m_places.reserve(count);
     m_index.reserve(count);
 }

@@ -49,7 +49,7 @@ class TESSERA_EXPORT GroupLevels {
     [[nodiscard]] const std::int32_t* find(std::string_view id) const;
     void set(std::string_view id, std::int32_t level);
     void clear();
-    void reserve(std::size_t count);
+    void reserve(std::size_t count, std::size_t idBytes);
 
   private:
     struct Place {

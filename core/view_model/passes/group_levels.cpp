@@ -15,8 +15,11 @@ using basekit2::error_code_t;
 
 error_code_t Graph::setGroupLevels() {
     m_groupLevelManager.m_groupLevels.clear();
-    m_groupLevelManager.m_groupLevels.reserve(m_nodes.size());
-    for (const auto& [id, node] : m_nodes)
+    std::size_t idBytes = 0;
+    for (const auto& node : m_nodes.objects())
+        idBytes += node->m_id.size();
+    m_groupLevelManager.m_groupLevels.reserve(m_nodes.size(), idBytes);
+    for (const auto& node : m_nodes.objects())
         m_groupLevelManager.setGroupLevel(node->m_id, 0);
     for (const auto& [id, node] : m_nodes) {
         if (!node->isGroup() || node->m_group) continue;
