@@ -11,6 +11,7 @@
 #include "draw/scene_input.h"
 #include "host/text/json_reader.h"
 #include "tests/support/drawn_diagram.h"
+#include "tests/support/effort.h"
 #include "tests/support/scene_picture.h"
 
 namespace tessera_draw {
@@ -211,18 +212,18 @@ constexpr Direction directions[] = {Direction::leftToRight, Direction::topToBott
 TEST(DrawPictureCheck, RandomDiagramsAreDrawnSoundly) {
     for (const Direction direction : directions) {
         std::size_t lines = 0;
-        for (std::uint64_t seed = 0; seed < 1000; ++seed) {
+        for (std::uint64_t seed = 0; seed < tessera_test::effort(1000U); ++seed) {
             const variant_bag_t bag = tessera_test::randomDrawing(seed);
             const Scene scene = makeScene(bag, {direction, nullptr});
             expectSound(checkScene(bag, scene), "seed " + std::to_string(seed));
             lines += scene.lines.size();
         }
-        EXPECT_GT(lines, 5000U);
+        EXPECT_GT(lines, tessera_test::effort(5000U));
     }
 }
 
 TEST(DrawPictureCheck, RandomBoxesArePlacedSoundly) {
-    for (std::uint64_t seed = 0; seed < 1000; ++seed) {
+    for (std::uint64_t seed = 0; seed < tessera_test::effort(1000U); ++seed) {
         const variant_bag_t bag = tessera_test::randomDrawing(seed);
         const Diagram diagram = readDiagram(bag);
         const Threads threads = findThreads(diagram);

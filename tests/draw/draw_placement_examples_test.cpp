@@ -6,8 +6,11 @@
 #include <limits>
 
 #include "draw/placement.h"
+#include "tests/support/effort.h"
 
 namespace {
+
+using tessera_test::effort;
 
 using tessera_draw::BoxToPlace;
 using tessera_draw::Index;
@@ -220,7 +223,7 @@ TEST(DrawPlacementLarge, DeepNesting) {
     Drawing drawing;
     Index around = nothing;
     std::vector<Index> boxes;
-    for (int i = 0; i < 20'000; ++i) {
+    for (int i = 0; i < effort(20'000); ++i) {
         around = drawing.container(0, around);
         boxes.push_back(drawing.box(1, around));
     }
@@ -235,7 +238,7 @@ TEST(DrawPlacementLarge, DeepNesting) {
 TEST(DrawPlacementLarge, AHub) {
     Drawing drawing;
     drawing.box(0);
-    for (Index i = 1; i < 30'000; ++i) {
+    for (Index i = 1; i < effort(30'000U); ++i) {
         drawing.box(1);
         drawing.line(0, i);
     }
@@ -247,7 +250,7 @@ TEST(DrawPlacementLarge, ParallelLines) {
     drawing.box(0);
     drawing.box(1);
     drawing.box(2);
-    for (int i = 0; i < 30'000; ++i) {
+    for (int i = 0; i < effort(30'000); ++i) {
         drawing.line(0, 1);
         drawing.line(0, 2);
         drawing.line(2, 2);
@@ -259,7 +262,7 @@ TEST(DrawPlacementLarge, ParallelLines) {
 TEST(DrawPlacementLarge, ManyContainers) {
     Drawing drawing;
     Index before = nothing;
-    for (int i = 0; i < 100'000; ++i) {
+    for (int i = 0; i < effort(100'000); ++i) {
         const Index group = drawing.container(i % 7);
         const Index inside = drawing.box(0, group);
         if (before != nothing) drawing.line(before, inside);
@@ -270,7 +273,7 @@ TEST(DrawPlacementLarge, ManyContainers) {
 
 TEST(DrawPlacementLarge, ALongChainWithLinesOverAllOfIt) {
     Drawing drawing;
-    constexpr Index length = 50'000;
+    constexpr Index length = effort(50'000U);
     for (Index i = 0; i < length; ++i) {
         drawing.box(static_cast<std::int32_t>(i));
         if (i > 0) drawing.line(i - 1, i);

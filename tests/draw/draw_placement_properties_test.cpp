@@ -1,21 +1,23 @@
 #include <gtest/gtest.h>
 
 #include "tests/draw/placement_checking.h"
+#include "tests/support/effort.h"
 
 using tessera_draw::place;
 using tessera_draw::PlacementInput;
+using tessera_test::effort;
 using tessera_test::findFault;
 using tessera_test::randomDrawing;
 
 TEST(DrawPlacementProperties, HoldOnRandomDrawings) {
-    for (unsigned seed = 0; seed < 1000; ++seed) {
+    for (unsigned seed = 0; seed < effort(1000U); ++seed) {
         const PlacementInput input = randomDrawing(seed);
         ASSERT_EQ(findFault(input, place(input, {})), "") << "seed " << seed;
     }
 }
 
 TEST(DrawPlacementProperties, TheSameInputGivesTheSameAnswer) {
-    for (unsigned seed = 0; seed < 200; ++seed) {
+    for (unsigned seed = 0; seed < effort(200U); ++seed) {
         const PlacementInput input = randomDrawing(seed);
         const auto first = place(input, {});
         (void)place(randomDrawing(seed + 1), {});

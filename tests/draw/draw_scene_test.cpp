@@ -11,6 +11,7 @@
 #include "draw/shapes.h"
 #include "draw/svg_writer.h"
 #include "tests/support/drawn_diagram.h"
+#include "tests/support/effort.h"
 
 namespace tessera_draw {
 namespace {
@@ -21,7 +22,7 @@ using tessera_test::randomDrawing;
 using tessera_test::withNames;
 using tessera_test::withValues;
 
-constexpr std::uint64_t seeds = 300;
+constexpr std::uint64_t seeds = tessera_test::effort(300);
 
 std::vector<const Element*> elementsOf(const Scene& scene, Element::Kind kind) {
     std::vector<const Element*> found;
@@ -134,7 +135,7 @@ TEST(DrawScene, TextsOfRandomDiagramsStayInTheirBoxes) {
     }
     for (const TextRole role : {TextRole::heading, TextRole::name, TextRole::rowName, TextRole::rowValue,
                                 TextRole::labelName, TextRole::labelValue})
-        EXPECT_GT(seen[role], 100) << static_cast<int>(role);
+        EXPECT_GT(seen[role], tessera_test::effort(100)) << static_cast<int>(role);
 }
 
 TEST(DrawScene, LongNamesStayInTheirBoxes) {

@@ -14,6 +14,7 @@
 #include "core/view_model/graph.h"
 #include "draw/diagram.h"
 #include "draw/threads.h"
+#include "tests/support/effort.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/model_building.h"
 #include "tests/support/random_diagram.h"
@@ -205,23 +206,23 @@ void check(const LaidOut& laidOut, Met& met) {
 
 TEST(DrawThreadsRandom, EveryLinkIsOneThreadAsTheLayoutMadeIt) {
     Met met;
-    for (std::uint64_t seed = 0; seed < 3000; ++seed) {
+    for (std::uint64_t seed = 0; seed < tessera_test::effort(3000U); ++seed) {
         SCOPED_TRACE(seed);
         const tessera_test::LogCapture log;
         const LaidOut laidOut(seed);
         if (laidOut.hasClearIds()) check(laidOut, met);
         if (HasFatalFailure()) return;
     }
-    EXPECT_GT(met.diagrams, 1000U);
-    EXPECT_GT(met.slots, 20000U);
-    EXPECT_GT(met.exchanges, 100U);
+    EXPECT_GT(met.diagrams, tessera_test::effort(1000U));
+    EXPECT_GT(met.slots, tessera_test::effort(20000U));
+    EXPECT_GT(met.exchanges, tessera_test::effort(100U));
 }
 
 // Where one id can mean several nodes nobody can tell which of two links leads to the one and which to the
 // other; but nothing is lost or drawn twice.
 TEST(DrawThreadsRandom, NothingIsLostWhenIdsAreNotClear) {
     std::size_t diagrams = 0;
-    for (std::uint64_t seed = 0; seed < 3000; ++seed) {
+    for (std::uint64_t seed = 0; seed < tessera_test::effort(3000U); ++seed) {
         SCOPED_TRACE(seed);
         const tessera_test::LogCapture log;
         const LaidOut laidOut(seed);
@@ -231,7 +232,7 @@ TEST(DrawThreadsRandom, NothingIsLostWhenIdsAreNotClear) {
         EXPECT_EQ(threads.threads.size(), laidOut.linkCount());
         EXPECT_EQ(misplaced(laidOut.diagram(), threads), 0U);
     }
-    EXPECT_GT(diagrams, 500U);
+    EXPECT_GT(diagrams, tessera_test::effort(500U));
 }
 
 // A finished diagram that somebody has cut pieces out of, put in another order or given other ends.
@@ -256,7 +257,7 @@ Diagram spoiled(Diagram diagram, std::mt19937_64& random) {
 
 TEST(DrawThreadsRandom, EveryPieceOfASpoiledDiagramIsOnOneThread) {
     std::mt19937_64 random(7);
-    for (std::uint64_t seed = 0; seed < 1000; ++seed) {
+    for (std::uint64_t seed = 0; seed < tessera_test::effort(1000U); ++seed) {
         SCOPED_TRACE(seed);
         const tessera_test::LogCapture log;
         const LaidOut laidOut(seed);

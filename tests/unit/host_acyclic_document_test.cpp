@@ -11,6 +11,7 @@
 #include "host/acyclic/turned_document.h"
 #include "host/acyclic/turning.h"
 #include "tests/support/bag_reading.h"
+#include "tests/support/effort.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/memory_host.h"
 #include "tests/support/model_building.h"
@@ -366,27 +367,27 @@ void expectLayeredToTheEnd(const std::string& text, Met& met) {
 
 TEST(AcyclicDocument, RandomDocumentsAreLayeredToTheEnd) {
     Met met;
-    for (unsigned seed = 0; seed < 1500; ++seed) {
+    for (unsigned seed = 0; seed < tessera_test::effort(1500U); ++seed) {
         SCOPED_TRACE(seed);
         const int cyclicBefore = met.cyclic;
         ASSERT_NO_FATAL_FAILURE(expectLayeredToTheEnd(RandomDocument(seed).text(), met));
         const bool isSound = seed % 4 == 0;
         ASSERT_TRUE(!isSound || met.cyclic == cyclicBefore) << "there is no circle";
     }
-    EXPECT_GT(met.cyclic, 300);
-    EXPECT_GT(met.brokenOff, 100);
-    EXPECT_GT(met.untouched, 400);
-    EXPECT_GT(met.layeredWhole, 600);
+    EXPECT_GT(met.cyclic, tessera_test::effort(300));
+    EXPECT_GT(met.brokenOff, tessera_test::effort(100));
+    EXPECT_GT(met.untouched, tessera_test::effort(400));
+    EXPECT_GT(met.layeredWhole, tessera_test::effort(600));
 }
 
 TEST(AcyclicDocument, RandomDiagramsAreLayeredToTheEnd) {
     Met met;
-    for (std::uint64_t seed = 0; seed < 1000; ++seed) {
+    for (std::uint64_t seed = 0; seed < tessera_test::effort(1000U); ++seed) {
         SCOPED_TRACE(seed);
         ASSERT_NO_FATAL_FAILURE(expectLayeredToTheEnd(randomDiagram(seed), met));
     }
-    EXPECT_GT(met.cyclic, 100);
-    EXPECT_GT(met.layeredWhole, 300);
+    EXPECT_GT(met.cyclic, tessera_test::effort(100));
+    EXPECT_GT(met.layeredWhole, tessera_test::effort(300));
 }
 
 // What a drawing shows: between which nodes, which way arrows point, what stands at which end.
@@ -418,7 +419,7 @@ std::vector<std::string> shown(const variant_bag_t& viewpoint) {
 
 TEST(AcyclicDocument, PictureMeansTheSame) {
     int turned = 0;
-    for (unsigned seed = 0; seed < 1500; ++seed) {
+    for (unsigned seed = 0; seed < tessera_test::effort(1500U); ++seed) {
         SCOPED_TRACE(seed);
         const std::string text = RandomDocument(seed).text();
         const variant_bag_t viewpoint = bagOf(text);
@@ -426,7 +427,7 @@ TEST(AcyclicDocument, PictureMeansTheSame) {
         if (!(changed == viewpoint)) ++turned;
         ASSERT_EQ(shown(changed), shown(viewpoint));
     }
-    EXPECT_GT(turned, 300);
+    EXPECT_GT(turned, tessera_test::effort(300));
 }
 
 TEST(AcyclicDocument, DeepNestingAndManyLinks) {

@@ -8,6 +8,7 @@
 #include <random>
 
 #include "host/acyclic/node_order.h"
+#include "tests/support/effort.h"
 #include "tests/support/memory_host.h"
 
 namespace tessera_host {
@@ -146,7 +147,7 @@ TEST(FeedbackArcs, NearTheFewestInGraphsTooLargeToTryAll) {
 
 TEST(FeedbackArcs, NoneIsTurnedForNothing) {
     std::mt19937 random(3);
-    for (int i = 0; i < 300; ++i) {
+    for (int i = 0; i < tessera_test::effort(300); ++i) {
         const Index nodes = 2 + random() % 60;
         const ArcGraph graph = tangle(random, nodes, random() % (4 * nodes));
         const auto turned = flagsOf(graph, turnedAlone(graph));
@@ -226,7 +227,7 @@ TEST(FeedbackArcs, LongCircleIsOpenedOnce) {
 
 TEST(FeedbackArcs, LargeTanglesInLittleTime) {
     std::mt19937 random(6);
-    constexpr Index nodes = 100'000;
+    constexpr Index nodes = tessera_test::effort(100'000);
     const ArcGraph graph = tangle(random, nodes, 2 * nodes);
     const auto turned = turnedAlone(graph);
     EXPECT_TRUE(isAcyclic(graph, flagsOf(graph, turned)));
