@@ -22,6 +22,7 @@ constexpr std::uint32_t mostLabelRows = 6;
 constexpr double groupMargin = 20;
 constexpr double groupTop = 40;
 constexpr double groupTopWithRows = 48;
+constexpr double belowHeader = 8;  // from a group's texts to where lines may bend
 
 // What is usual, in em: where nobody says what a box will show.
 constexpr Room usualNode = {2, 0, 5.6, 6.6};
@@ -91,6 +92,7 @@ BoxRoom containerRoom(const Node& node, const Room& room) {
     }
     box.padding = {groupMargin, top, groupMargin, groupMargin};
     box.size = {even(inner) + 2 * groupSide, top + groupMargin};
+    box.header = {groupSide + inner, top - belowHeader};
     return box;
 }
 

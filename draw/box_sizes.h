@@ -39,6 +39,7 @@ struct BoxRoom {
     double valueColumn = 0;
     Size size;       // of a container: the least
     Insets padding;  // of a container
+    Size header;     // of a container: its texts, from its corner on
 };
 
 // What a box is in the drawing.

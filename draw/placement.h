@@ -17,6 +17,7 @@ struct BoxToPlace {
     Size size;                // of a container: the least it may be
     bool isContainer = false;
     Insets padding;  // of a container: between its border and its content, room for a title included
+    Size header;  // of a container: its title, in the corner where its first layer begins; no line passes it
     enum class Along : std::uint8_t { start, middle, end };
     Along along = Along::middle;  // where it stands in a column that is wider than it
     bool isLabel = false;         // lines pass straight through it

@@ -24,6 +24,7 @@ void turn(BoxToPlace& box) {
     std::swap(box.size.width, box.size.height);
     std::swap(box.padding.left, box.padding.top);
     std::swap(box.padding.right, box.padding.bottom);
+    std::swap(box.header.width, box.header.height);
 }
 
 void turn(Point& point) {
@@ -127,6 +128,7 @@ SceneInput makeInput(const Diagram& diagram, const Threads& threads, const BoxKi
         box.size = rooms[i].size;
         box.isContainer = kinds.kinds[i] == BoxKind::container;
         box.padding = rooms[i].padding;
+        box.header = rooms[i].header;
         box.along = alongOf(node.aligning);
         if (kinds.kinds[i] == BoxKind::card) box.border = borderOf(node, layers);
         if (direction == Direction::topToBottom) turn(box);

@@ -37,12 +37,20 @@ class FrameBuilder {
     struct Limits {
         Size least;
         Insets padding;
+        // The title, where lines come through the border beside it: how far in, and how far below the
+        // padding.
+        Size header;
     };
 
     [[nodiscard]] Limits limitsOf(Index container) const {
         const Index box = m_nesting.boxOf[container];
         if (box == m_nesting.drawing) return {};
-        return {m_boxes[box].size, m_boxes[box].padding};
+        const BoxToPlace& own = m_boxes[box];
+        Limits limits{own.size, own.padding, {}};
+        const double reach = own.header.height - own.padding.top;
+        if (reach > 0 && m_net.sizeOf(m_net.firstLayer[container]) > 0)
+            limits.header = {std::min(own.header.width, own.padding.left), reach};
+        return limits;
     }
 
     // Edges of lanes by container.
@@ -63,8 +71,9 @@ class FrameBuilder {
             m_net.height[box] = rect.height;
         }
         m_offsets.set(container);
-        fillStrip(m_strip, m_net, container, m_spacing);
+        fillStrip(m_strip, m_net, container, limits.header.height, m_spacing);
         std::vector<double> tops = alignedTops(m_strip);
+        if (limits.header.height > 0) tops.front() = *std::min_element(tops.begin(), tops.end());
         relax(m_strip, tops);
         Rect& own = m_frame.boxes[m_nesting.boxOf[container]];
         own.height = setTops(container, tops, limits);
@@ -88,7 +97,7 @@ class FrameBuilder {
         const double spare = std::max(limits.least.height - height, 0.0);
         const double move = padding.top + spare / 2 - top;
         for (Index i = 0; i < m_strip.size(); ++i)
-            m_net.top[m_strip.vertex[i]] = tops[i] + move;
+            if (m_strip.vertex[i] != nothing) m_net.top[m_strip.vertex[i]] = tops[i] + move;
         for (const Index edge : m_lanes[container]) {
             m_net.edges[edge].headOffset += move;
             m_net.edges[edge + 1].tailOffset = m_net.edges[edge].headOffset;
@@ -150,12 +159,13 @@ class FrameBuilder {
     }
 
     // The gap's width without bends. At borders the padding is there for them too.
-    [[nodiscard]] double leastGap(Index container, Index layer, const Insets& padding) const {
+    [[nodiscard]] double leastGap(Index container, Index layer, const Limits& limits) const {
         const bool isFirst = layer == m_net.firstLayer[container];
         const bool isLast = layer + 1 == m_net.lastLayer(container);
-        if (isFirst && isLast) return padding.left + padding.right;
-        if (isFirst) return padding.left;
-        return isLast ? padding.right : m_spacing.betweenLayers;
+        const double left = limits.padding.left - limits.header.width;
+        if (isFirst && isLast) return left + limits.padding.right;
+        if (isFirst) return left;
+        return isLast ? limits.padding.right : m_spacing.betweenLayers;
     }
 
     // Answers the container's width.
@@ -168,10 +178,10 @@ class FrameBuilder {
         for (Index layer = first; layer < last; ++layer) {
             collectGap(layer);
             GapPlan plan(m_gap, m_net, m_spacing);
-            const double width = std::max(plan.width(), leastGap(container, layer, limits.padding));
+            const double width = std::max(plan.width(), leastGap(container, layer, limits));
             gaps.push_back(m_gap);
             widths.push_back(width);
-            m_frame.layerWidth[layer] = columnWidth(layer);
+            m_frame.layerWidth[layer] = layer == first ? limits.header.width : columnWidth(layer);
             all += width + m_frame.layerWidth[layer];
         }
         const double spare = std::max(limits.least.width - all, 0.0);

@@ -92,12 +92,12 @@ class PathMaker {
         if (m_edgeKnotCount > 0) m_edgeKnots.at(0).isCurve = false;
     }
 
+    // Points have one side: lines go straight on through their layer.
     [[nodiscard]] double leftOf(Index vertex) const {
         return vertex < m_net.boxCount ? m_frame.boxes[vertex].x : m_frame.layerX[m_net.layer[vertex]];
     }
     [[nodiscard]] double rightOf(Index vertex) const {
-        return vertex < m_net.boxCount ? m_frame.boxes[vertex].right()
-                                       : m_frame.gapBegin(m_net.layer[vertex]);
+        return vertex < m_net.boxCount ? m_frame.boxes[vertex].right() : leftOf(vertex);
     }
 
     void add(const Point& at, bool isCurve) {

@@ -21,7 +21,10 @@ double weightOf(bool isOnLineA, bool isOnLineB) {
 class StripFiller {
   public:
     StripFiller(Strip& strip, const Net& net, Index container)
-        : m_strip(strip), m_net(net), m_begin(net.layerBegin[net.firstLayer[container]]) {}
+        : m_strip(strip),
+          m_net(net),
+          m_begin(net.layerBegin[net.firstLayer[container]]),
+          m_shift(strip.size()) {}
 
     void addTies(Index vertex) {
         const auto inBegin = static_cast<std::ptrdiff_t>(m_strip.in.size());
@@ -47,7 +50,7 @@ class StripFiller {
         const bool isOtherOnLine = m_net.isOnLine[other] != 0;
         const bool isOwnOnLine = m_net.isOnLine[own] != 0;
         Tie tie;
-        tie.other = m_net.layerBegin[m_net.layer[other]] + m_net.place[other] - m_begin;
+        tie.other = m_shift + m_net.layerBegin[m_net.layer[other]] + m_net.place[other] - m_begin;
         tie.ownOffset = ownOffset;
         tie.otherOffset = otherOffset;
         tie.weight = weightOf(isOwnOnLine, isOtherOnLine);
@@ -58,25 +61,39 @@ class StripFiller {
     Strip& m_strip;
     const Net& m_net;
     Index m_begin;
+    Index m_shift;
 };
+
+void addHeader(Strip& strip, double height, const Spacing& spacing) {
+    strip.vertex.push_back(nothing);
+    strip.height.push_back(height);
+    strip.gapBelow.push_back(spacing.betweenLines);
+    strip.isFirst.push_back(1);
+    strip.isLast.push_back(0);
+    strip.isOnLine.push_back(0);
+    strip.inBegin.push_back(0);
+    strip.outBegin.push_back(0);
+}
 
 }  // namespace
 
-void fillStrip(Strip& strip, const Net& net, Index container, const Spacing& spacing) {
+void fillStrip(Strip& strip, const Net& net, Index container, double header, const Spacing& spacing) {
     strip = {};
+    if (header > 0) addHeader(strip, header, spacing);
+    const Index shift = strip.size();
     const Index first = net.firstLayer[container];
     const Index last = net.lastLayer(container);
     const Index begin = net.layerBegin[first];
     StripFiller filler(strip, net, container);
     for (Index layer = first; layer <= last; ++layer) {
-        strip.layerBegin.push_back(net.layerBegin[layer] - begin);
+        strip.layerBegin.push_back(layer == first ? 0 : shift + net.layerBegin[layer] - begin);
         for (Index i = net.layerBegin[layer]; i < net.layerBegin[layer + 1]; ++i) {
             const Index vertex = net.order[i];
             const bool isLast = i + 1 == net.layerBegin[layer + 1];
             strip.vertex.push_back(vertex);
             strip.height.push_back(net.height[vertex]);
             strip.isLast.push_back(isLast ? 1 : 0);
-            strip.isFirst.push_back(i == net.layerBegin[layer] ? 1 : 0);
+            strip.isFirst.push_back(strip.size() == strip.layerBegin.back() + 1 ? 1 : 0);
             strip.isOnLine.push_back(net.isOnLine[vertex]);
             strip.gapBelow.push_back(isLast ? 0 : distance(net, vertex, net.order[i + 1], spacing));
             strip.inBegin.push_back(static_cast<Index>(strip.in.size()));
@@ -84,7 +101,7 @@ void fillStrip(Strip& strip, const Net& net, Index container, const Spacing& spa
             filler.addTies(vertex);
         }
     }
-    strip.layerBegin.push_back(net.layerBegin[last + 1] - begin);
+    strip.layerBegin.push_back(shift + net.layerBegin[last + 1] - begin);
     strip.inBegin.push_back(static_cast<Index>(strip.in.size()));
     strip.outBegin.push_back(static_cast<Index>(strip.out.size()));
 }

@@ -20,7 +20,7 @@ struct Tie {
 
 struct Strip {
     std::vector<Index> layerBegin;
-    std::vector<Index> vertex;  // of the net
+    std::vector<Index> vertex;  // of the net, or `nothing`
     std::vector<double> height;
     std::vector<double> gapBelow;  // least distance to the next one of the layer
     std::vector<char> isLast;      // of its layer
@@ -37,8 +37,9 @@ struct Strip {
     [[nodiscard]] double step(Index i) const { return height[i] + gapBelow[i]; }
 };
 
-// Needs the order, the heights and the offsets of the container's vertices and edges.
-void fillStrip(Strip& strip, const Net& net, Index container, const Spacing& spacing);
+// Needs the order, the heights and the offsets of the container's vertices and edges. Unless `header` is 0,
+// the first layer begins with something of this height that is no vertex, but `nothing`.
+void fillStrip(Strip& strip, const Net& net, Index container, double header, const Spacing& spacing);
 
 // Coordinates of all vertices' tops, for which neighbours keep their distance and many edges are straight.
 [[nodiscard]] std::vector<double> alignedTops(Strip& strip);

@@ -61,6 +61,7 @@ std::string faultsOf(const Picture& picture) {
     add("torn", faults.torn);
     add("heads", faults.heads);
     add("texts", faults.texts);
+    add("behind", faults.behind);
     add("missing", faults.missing);
     return text;
 }
@@ -188,6 +189,16 @@ TEST(DrawPictureCheck, TextsOutsideTheirBoxesAreFound) {
     picture = soundPicture();
     picture.texts.push_back({{10, 190, 50, 12}, nothing, "legend"});
     EXPECT_EQ(faultsOf(picture), "texts1") << "beyond the picture";
+}
+
+TEST(DrawPictureCheck, LinesBehindTextsOfGroupsAreFound) {
+    Picture picture = soundPicture();
+    picture.texts.push_back({{250, 74, 30, 12}, nothing, "free"});
+    EXPECT_EQ(faultsOf(picture), "") << "only those of groups count";
+    picture.texts.back().isHeader = true;
+    EXPECT_EQ(faultsOf(picture), "behind1");
+    picture.texts.back().area.y = 81;
+    EXPECT_EQ(faultsOf(picture), "") << "the line is above it";
 }
 
 TEST(DrawPictureCheck, WhatIsNotDrawnIsFound) {

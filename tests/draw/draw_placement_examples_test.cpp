@@ -200,6 +200,52 @@ TEST(DrawPlacement, ABoxAtTheBorderStandsThere) {
     EXPECT_EQ(placed.boxes[port].right(), placed.boxes[group].right() - 10);
 }
 
+// The group makes room for its title at the side where lines come in, and only there.
+TEST(DrawPlacement, LinesPassBesideATitle) {
+    Drawing drawing;
+    const Index from = drawing.box(0);
+    const Index group = drawing.container(1);
+    const Index to = drawing.box(0, group);
+    drawing.line(from, to);
+    const Placement before = drawing.placed();
+    ASSERT_TRUE(isStraight(before.lines[0]));
+    BoxToPlace& box = drawing.input.boxes[group];
+    box.padding.left = 60;
+    box.header = {50, 200};
+    const Placement placed = drawing.placed();
+    EXPECT_TRUE(isStraight(placed.lines[0]));
+    EXPECT_GE(placed.lines[0].stretches[0].start.y, placed.boxes[group].y + 200);
+    EXPECT_EQ(placed.boxes[to].x, placed.boxes[group].x + 60);
+    drawing.input.lines[0] = {to, from, {}};
+    drawing.input.boxes[from].level = 2;
+    EXPECT_LT(drawing.placed().boxes[group].height, 200) << "the line leaves at the other side";
+}
+
+// Lines that come together at a box inside of the group do so behind the title.
+TEST(DrawPlacement, LinesTurnBehindATitle) {
+    Drawing drawing;
+    const Index from = drawing.box(0);
+    const Index group = drawing.container(1);
+    const Index to = drawing.box(0, group);
+    drawing.input.boxes[group].padding.left = 60;
+    drawing.input.boxes[group].header = {50, 200};
+    for (int i = 0; i < 12; ++i)
+        drawing.line(from, to);
+    const Placement placed = drawing.placed();
+    const Rect& around = placed.boxes[group];
+    std::size_t bent = 0;
+    for (const auto& line : placed.lines) {
+        double y = line.stretches[0].start.y;
+        for (const auto& segment : line.stretches[0].segments) {
+            const bool isBeside = segment.end.x > around.x && segment.end.x <= around.x + 50;
+            EXPECT_TRUE(!isBeside || segment.end.y >= around.y + 200);
+            if (segment.end.x > around.x + 50 && std::abs(segment.end.y - y) > 1) ++bent;
+            y = segment.end.y;
+        }
+    }
+    EXPECT_GT(bent, 5U);
+}
+
 TEST(DrawPlacement, LinesOfMissingBoxesAreNotDrawn) {
     Drawing drawing;
     drawing.box(0);

@@ -130,6 +130,11 @@ class Checker {
         }
     }
 
+    static bool isOutside(const Rect& rect, const Point& a, const Point& b) {
+        return std::max(a.x, b.x) < rect.x + tolerance || std::min(a.x, b.x) > rect.right() - tolerance ||
+               std::max(a.y, b.y) < rect.y + tolerance || std::min(a.y, b.y) > rect.bottom() - tolerance;
+    }
+
     static Point onLine(const Point& a, const Point& b, double t) {
         return {a.x + (b.x - a.x) * t, a.y + (b.y - a.y) * t};
     }
@@ -143,13 +148,13 @@ class Checker {
     // Pieces are short, so that their bounds tell; those through a box's own inside are the exceptions.
     void checkPiece(Index from, Index to, const Point& a, const Point& b, const std::string& name) {
         for (Index i = 0; i < m_input.boxes.size(); ++i) {
+            const Rect& rect = m_placement.boxes[i];
+            const auto& header = m_input.boxes[i].header;
+            require(isOutside({rect.x, rect.y, header.width, header.height}, a, b),
+                    fmt::format("{} passes behind the title of box {}", name, i));
             if (contains(i, from) || contains(i, to)) continue;
             if (contains(from, i) && contains(to, i)) continue;
-            const Rect& rect = m_placement.boxes[i];
-            const bool isOutside =
-                std::max(a.x, b.x) < rect.x + tolerance || std::min(a.x, b.x) > rect.right() - tolerance ||
-                std::max(a.y, b.y) < rect.y + tolerance || std::min(a.y, b.y) > rect.bottom() - tolerance;
-            require(isOutside, fmt::format("{} passes through box {}", name, i));
+            require(isOutside(rect, a, b), fmt::format("{} passes through box {}", name, i));
         }
         const auto isInside = [&](const Point& point) {
             return point.x >= -tolerance && point.y >= -tolerance &&
@@ -199,6 +204,10 @@ class Maker {
         box.isContainer = isContainer;
         if (isContainer)
             box.padding = {double(below(20)), double(below(40)), double(below(20)), double(below(20))};
+        if (isContainer && below(2) == 0) {
+            box.padding.left += 20;
+            box.header = {20, box.size.height};
+        }
         box.along = static_cast<BoxToPlace::Along>(below(3));
         if (below(12) == 0) box.border = static_cast<BoxToPlace::Border>(1 + below(2));
         if (isContainer) m_containers.push_back(static_cast<Index>(m_input.boxes.size()));

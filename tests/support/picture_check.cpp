@@ -176,8 +176,10 @@ class Checker {
         for (std::size_t i = 0; i < m_picture.boxes.size(); ++i)
             entries.push_back({shrunk(m_picture.boxes[i].rect, lineSlack), i});
         const RectIndex index(std::move(entries));
+        const RectIndex headers = headerIndex();
         for (const Picture::Line& line : m_picture.lines) {
             checkWay(line, index);
+            checkHeaders(line, headers);
             checkHead(line, line.wantsFromHead, line.fromHead, line.from, true);
             checkHead(line, line.wantsToHead, line.toHead, line.to, false);
             if (isTorn(line)) found(&Faults::torn, line.name + " is torn");
@@ -193,20 +195,41 @@ class Checker {
                std::any_of(line.through.begin(), line.through.end(), isOrHolds);
     }
 
-    void checkWay(const Picture::Line& line, const RectIndex& index) {
-        std::set<std::size_t> met;
+    // Calls `take` with the number of each indexed rectangle near each straight piece, and the piece's ends.
+    template <class Take>
+    static void forEachNear(const Picture::Line& line, const RectIndex& index, Take take) {
         for (const auto& stretch : line.stretches)
             forEachPiece(stretch, [&](Point a, Point b) {
                 const Rect around{std::min(a.x, b.x) - slack, std::min(a.y, b.y) - slack,
                                   std::abs(a.x - b.x) + 2 * slack, std::abs(a.y - b.y) + 2 * slack};
-                index.search(around, [&](std::size_t other) {
-                    const Rect rect = shrunk(m_picture.boxes[other].rect, lineSlack);
-                    if (passesThrough(a, b, rect) && !mayMeet(line, static_cast<Index>(other)))
-                        met.insert(other);
-                });
+                index.search(around, [&](std::size_t other) { take(other, a, b); });
             });
+    }
+
+    void checkWay(const Picture::Line& line, const RectIndex& index) {
+        std::set<std::size_t> met;
+        forEachNear(line, index, [&](std::size_t other, Point a, Point b) {
+            const Rect rect = shrunk(m_picture.boxes[other].rect, lineSlack);
+            if (passesThrough(a, b, rect) && !mayMeet(line, static_cast<Index>(other))) met.insert(other);
+        });
         for (const std::size_t other : met)
             found(&Faults::lines, line.name + " goes through " + m_picture.boxes[other].name);
+    }
+
+    [[nodiscard]] RectIndex headerIndex() const {
+        std::vector<RectIndex::Entry> entries;
+        for (std::size_t i = 0; i < m_picture.texts.size(); ++i)
+            if (m_picture.texts[i].isHeader) entries.push_back({m_picture.texts[i].area, i});
+        return RectIndex(std::move(entries));
+    }
+
+    void checkHeaders(const Picture::Line& line, const RectIndex& index) {
+        std::set<std::size_t> met;
+        forEachNear(line, index, [&](std::size_t text, Point a, Point b) {
+            if (passesThrough(a, b, m_picture.texts[text].area)) met.insert(text);
+        });
+        for (const std::size_t text : met)
+            found(&Faults::behind, line.name + " passes behind \"" + m_picture.texts[text].text + "\"");
     }
 
     [[nodiscard]] static Point endOf(const PlacedLine::Stretch& stretch) {
@@ -291,6 +314,7 @@ void Faults::add(const Faults& other) {
     torn += other.torn;
     heads += other.heads;
     texts += other.texts;
+    behind += other.behind;
     missing += other.missing;
     if (examples.size() < 10) examples.insert(examples.end(), other.examples.begin(), other.examples.end());
 }
@@ -298,7 +322,7 @@ void Faults::add(const Faults& other) {
 std::ostream& operator<<(std::ostream& out, const Faults& faults) {
     out << "boxes " << faults.boxes << ", labels " << faults.labels << ", lines through boxes "
         << faults.lines << ", torn " << faults.torn << ", heads " << faults.heads << ", texts "
-        << faults.texts << ", missing " << faults.missing;
+        << faults.texts << ", lines behind texts " << faults.behind << ", missing " << faults.missing;
     for (const std::string& example : faults.examples)
         out << "\n    " << example;
     return out;

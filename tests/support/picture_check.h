@@ -43,6 +43,7 @@ struct Picture {
         tessera_draw::Rect area;
         Index box = nothing;  // `nothing`: only the picture's border counts
         std::string text;
+        bool isHeader = false;  // stands free in a container
     };
 
     tessera_draw::Size size;
@@ -60,12 +61,13 @@ struct Faults {
     std::size_t torn = 0;    // lines with a gap, or an end that is not at its box
     std::size_t heads = 0;   // too many, too few, or not at their end
     std::size_t texts = 0;   // leave their box, or lie under another
+    std::size_t behind = 0;  // lines behind a container's texts
     std::size_t missing = 0;
     std::vector<std::string> examples;  // the first of each
 
     void add(const Faults& other);
     [[nodiscard]] std::size_t total() const {
-        return boxes + labels + lines + torn + heads + texts + missing;
+        return boxes + labels + lines + torn + heads + texts + behind + missing;
     }
 };
 

@@ -130,8 +130,8 @@ class ScenePicture {
                             element.kind == Kind::node || element.kind == Kind::label;
         for (std::uint32_t i = 0; i < element.texts.count; ++i) {
             const tessera_draw::TextShape& text = m_scene.texts[element.texts.first + i];
-            m_picture.texts.push_back(
-                {areaOf(text), hasBox ? m_boxes[element.index] : nothing, std::string(text.text)});
+            m_picture.texts.push_back({areaOf(text), hasBox ? m_boxes[element.index] : nothing,
+                                       std::string(text.text), element.kind == Kind::header});
         }
     }
 
