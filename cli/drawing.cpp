@@ -58,6 +58,7 @@ bool writeDrawing(const Options& options, const basekit2::variant_bag_t& diagram
     tessera_draw::SceneOptions sceneOptions;
     sceneOptions.reservation = &reservation;
     if (options.direction == "tb") sceneOptions.direction = tessera_draw::Direction::topToBottom;
+    sceneOptions.isStopped = isInterrupted;
     if (isInterrupted()) return false;
     const tessera_draw::Scene scene = tessera_draw::makeScene(diagram, sceneOptions);
     if (isInterrupted()) return false;

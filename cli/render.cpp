@@ -72,8 +72,8 @@ int render(const Options& options) {
     InterruptProgress progress;
     int exitStatus = exitDone;
     tessera_draw::Reservation reservation;
-    const auto pane = openPane(options, messenger, progress, exitStatus,
-                               isPicture(options.format) ? &reservation : nullptr);
+    auto pane = openPane(options, messenger, progress, exitStatus,
+                         isPicture(options.format) ? &reservation : nullptr);
     if (!pane) return exitStatus;
     OutputFile file;  // opened before the work: a place that cannot be written is known at once
     if (!file.open(options.output)) {
@@ -84,6 +84,7 @@ int render(const Options& options) {
     if (const int problem = inspector.prepare(); problem != exitDone) return unlessInterrupted(problem);
     variant_bag_t diagram;
     if (!makeDiagram(options, *pane, diagram)) return unlessInterrupted(exitFailed);
+    pane.reset();  // what is drawn stands in the diagram's bag; a large drawing needs the room
     if (!writeDiagram(options, diagram, reservation, file)) return unlessInterrupted(exitUnopened);
     const int inspected = inspector.report();
     if (messenger.errorCount() == 0) return inspected;

@@ -23,6 +23,8 @@ endif()
 # The program finds the libraries beside itself, in the build tree as after installation.
 file(RELATIVE_PATH TESSERA_LIB_FROM_BIN "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
 set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/${TESSERA_LIB_FROM_BIN}")
+# Else CMake leaves an empty entry in the build tree's, which is the folder that a program is started in.
+set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
 
 function(tessera_target name)
   target_compile_features(${name} PUBLIC cxx_std_20)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 #include "draw/diagram.h"
@@ -36,6 +37,7 @@ struct LineToPlace {
 struct PlacementInput {
     std::vector<BoxToPlace> boxes;  // containers need not stand before what they contain
     std::vector<LineToPlace> lines;
+    std::function<bool()> isStopped = nullptr;  // asked now and then; may be empty
 };
 
 struct Spacing {
@@ -76,8 +78,9 @@ struct Placement {
 // Boxes at a border stand in the first or last layer whatever their level says. Where lines would pass more
 // layers or borders than can be drawn (see placement/README.md), the longest go around all layers, or
 // straight through everything. A box that its line's other end touches has a stretch of one segment of no
-// length. The same input gives the same answer; nothing else has an influence. Works in time n log n, with n
-// the boxes, the lines and the places where lines cross layers; any nesting depth without recursion.
+// length. The same input gives the same answer; nothing else has an influence, except that the answer is soon
+// there and empty once `isStopped` says so. Works in time n log n, with n the boxes, the lines and the places
+// where lines cross layers; any nesting depth without recursion.
 [[nodiscard]] Placement place(const PlacementInput& input, const Spacing& spacing);
 
 }  // namespace tessera_draw

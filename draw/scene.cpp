@@ -251,7 +251,9 @@ Scene makeScene(const basekit2::variant_bag_t& bag, const SceneOptions& options)
     BoxKinds kinds = findKinds(diagram);
     std::vector<BoxRoom> rooms = reserveBoxes(diagram, threads, kinds, options.reservation);
     SceneInput input = makeInput(diagram, threads, kinds, rooms, options.direction);
+    input.input.isStopped = options.isStopped;
     Placement placement = placeInput(input, options.direction);
+    if (placement.boxes.size() != input.input.boxes.size()) return {};  // stopped
     shift(placement, margin, contentTop);
 
     Scene scene;

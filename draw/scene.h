@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -108,10 +109,12 @@ struct SceneOptions {
     Direction direction = Direction::leftToRight;
     // Null: every box keeps room for what is usual. Null or not, sizes never depend on values.
     const Reservation* reservation = nullptr;
+    std::function<bool()> isStopped = nullptr;  // asked now and then; may be empty
 };
 
 // Draws the diagram in `bag`, which must outlive the scene. Where things stand and how large they are depends
-// on names, types, levels, links and reserved room; values only fill that room. Any bag will do.
+// on names, types, levels, links and reserved room; values only fill that room. Any bag will do. The scene is
+// empty once `isStopped` says so.
 [[nodiscard]] Scene makeScene(const basekit2::variant_bag_t& bag, const SceneOptions& options);
 
 }  // namespace tessera_draw

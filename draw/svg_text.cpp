@@ -1,7 +1,6 @@
 #include "draw/svg_text.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
 
@@ -11,6 +10,7 @@ namespace tessera_draw {
 namespace {
 
 constexpr std::size_t blockSize = 65536;
+constexpr std::size_t mostDigits = 24;
 constexpr std::string_view replacementText = "\xEF\xBF\xBD";
 
 // Printable ASCII that means nothing to XML.
@@ -39,41 +39,41 @@ std::string_view escapeOf(char32_t code) {
 
 }  // namespace
 
-SvgText::SvgText(Output& output) : m_output(output) {
-    m_block.reserve(blockSize + 4096);
-}
+SvgText::SvgText(Output& output) : m_output(output), m_block(blockSize), m_at(m_block.data()) {}
 
 void SvgText::handOn() {
-    if (m_good) m_good = m_output.write(m_block);
-    m_block.clear();
+    if (m_good) m_good = m_output.write({m_block.data(), m_block.size() - room()});
+    m_at = m_block.data();
 }
 
 bool SvgText::finish() {
-    if (!m_block.empty()) handOn();
+    if (m_at != m_block.data()) handOn();
     return m_good;
 }
 
-SvgText& SvgText::raw(std::string_view text) {
-    m_block += text;
-    if (m_block.size() >= blockSize) handOn();
+SvgText& SvgText::rawInPieces(std::string_view text) {
+    while (!text.empty()) {
+        if (room() == 0) handOn();
+        const std::string_view piece = text.substr(0, room());
+        m_at = std::copy(piece.begin(), piece.end(), m_at);
+        text.remove_prefix(piece.size());
+    }
     return *this;
 }
 
 SvgText& SvgText::number(double value) {
     constexpr double most = 1e9;
     const double within = std::isnan(value) ? 0 : std::clamp(value, -most, most);
-    const long long hundredths = std::llround(within * 100);
-    std::array<char, 24> text{};
-    char* at = text.data();
-    if (hundredths < 0) *at++ = '-';
-    const auto size = static_cast<unsigned long long>(std::abs(hundredths));
-    at = std::to_chars(at, text.data() + text.size(), size / 100).ptr;
-    if (const auto rest = static_cast<unsigned>(size % 100); rest != 0) {
-        *at++ = '.';
-        *at++ = static_cast<char>('0' + rest / 10);
-        if (rest % 10 != 0) *at++ = static_cast<char>('0' + rest % 10);
+    const auto hundredths = static_cast<std::uint64_t>(std::abs(within) * 100 + 0.5);
+    if (room() < mostDigits) handOn();
+    if (within < 0 && hundredths > 0) *m_at++ = '-';
+    m_at = std::to_chars(m_at, m_at + room(), hundredths / 100).ptr;
+    if (const auto rest = static_cast<unsigned>(hundredths % 100); rest != 0) {
+        *m_at++ = '.';
+        *m_at++ = static_cast<char>('0' + rest / 10);
+        if (rest % 10 != 0) *m_at++ = static_cast<char>('0' + rest % 10);
     }
-    return raw({text.data(), static_cast<std::size_t>(at - text.data())});
+    return *this;
 }
 
 SvgText& SvgText::point(Point point) {

@@ -1,8 +1,9 @@
 // SVG's letters and numbers, collected in blocks.
 #pragma once
 
-#include <string>
+#include <cstring>
 #include <string_view>
+#include <vector>
 
 #include "draw/geometry.h"
 #include "draw/output.h"
@@ -15,7 +16,12 @@ class SvgText {
     explicit SvgText(Output& output);
 
     // Text that is SVG already.
-    SvgText& raw(std::string_view text);
+    SvgText& raw(std::string_view text) {
+        if (text.size() > room()) return rawInPieces(text);
+        std::memcpy(m_at, text.data(), text.size());
+        m_at += text.size();
+        return *this;
+    }
     // With at most two digits behind the point, in no locale. What is no number, or beyond a thousand
     // million, is drawn at the nearest that is.
     SvgText& number(double value);
@@ -31,10 +37,15 @@ class SvgText {
     bool finish();
 
   private:
+    [[nodiscard]] std::size_t room() const noexcept {
+        return static_cast<std::size_t>(m_block.data() + m_block.size() - m_at);
+    }
+    SvgText& rawInPieces(std::string_view text);
     void handOn();
 
     Output& m_output;
-    std::string m_block;
+    std::vector<char> m_block;
+    char* m_at;  // behind what the block holds
     bool m_good = true;
 };
 

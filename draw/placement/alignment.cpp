@@ -4,6 +4,7 @@
 // packed by the order among them.
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
 
 #include "draw/placement/strip.h"
@@ -72,7 +73,6 @@ class Layout {
         for (Index k = 0; k < m_strip.layers(); ++k)
             alignLayer(m_fromStart ? k : m_strip.layers() - 1 - k);
         cutLongWays();
-        pack(m_fromTop, m_place, m_reason);
         pull();
         std::vector<double> tops(m_strip.size());
         for (Index i = 0; i < m_strip.size(); ++i)
@@ -152,7 +152,7 @@ class Layout {
     }
 
     // Where blocks lean on one another in many layers in turn, the drawing grows far beyond its fullest
-    // layer. Cuts such blocks where that costs least.
+    // layer. Cuts such blocks where that costs least. Leaves them packed.
     void cutLongWays() {
         double fullest = 0;
         for (Index layer = 0; layer < m_strip.layers(); ++layer) {
@@ -161,23 +161,25 @@ class Layout {
                 sum += m_strip.step(i);
             fullest = std::max(fullest, sum);
         }
-        std::vector<double> fromBottom(m_strip.size(), 0);
-        std::vector<Index> below;
+        std::vector<double> opposite(m_strip.size());
+        std::vector<Index> oppositeReason;
         for (int round = 0; round < mostCuts; ++round) {
-            pack(true, m_place, m_reason);
-            pack(false, fromBottom, below);
+            pack(!m_fromTop, opposite, oppositeReason);
+            pack(m_fromTop, m_place, m_reason);
             bool hasCut = false;
             for (const Index root : m_order) {
-                const double above = m_reason[root] == nothing ? 0 : m_place[root];
-                const double under = below[root] == nothing ? 0 : -fromBottom[root];
-                if (above + under <= fullest * growthForBoxes) continue;
-                if (m_reason[root] == nothing || below[root] == nothing) continue;
-                const bool mayCutLines = above + under > fullest * growthForLines;
-                if (cutBetween(root, m_reason[root], below[root], mayCutLines)) hasCut = true;
+                const Index reason = m_reason[root];
+                const Index other = oppositeReason[root];
+                if (reason == nothing || other == nothing) continue;
+                const double both = std::abs(m_place[root] - opposite[root]);
+                if (both <= fullest * growthForBoxes) continue;
+                const bool mayCutLines = both > fullest * growthForLines;
+                if (cutBetween(root, reason, other, mayCutLines)) hasCut = true;
             }
             if (!hasCut) return;
             findRoots();
         }
+        pack(m_fromTop, m_place, m_reason);
     }
 
     // At the weakest link between the two vertices of the block.
@@ -278,7 +280,7 @@ Extent extentOf(const Strip& strip, const std::vector<double>& tops) {
 
 }  // namespace
 
-std::vector<double> alignedTops(Strip& strip) {
+std::vector<double> alignedTops(Strip& strip, Watch& watch) {
     if (strip.size() == 0) return {};
     markCrossed(strip);
     copyMarks(strip);
@@ -286,6 +288,7 @@ std::vector<double> alignedTops(Strip& strip) {
     std::array<Extent, 4> extents;
     std::size_t smallest = 0;
     for (std::size_t i = 0; i < 4; ++i) {
+        if (watch.isStopped()) return std::vector<double>(strip.size(), 0);
         layouts.at(i) = Layout(strip, i < 2, i % 2 == 0).tops();
         extents.at(i) = extentOf(strip, layouts.at(i));
         const auto size = [&](std::size_t k) { return extents.at(k).bottom - extents.at(k).top; };

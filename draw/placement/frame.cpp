@@ -14,11 +14,12 @@ namespace {
 class FrameBuilder {
   public:
     FrameBuilder(const std::vector<BoxToPlace>& boxes, const Nesting& nesting, Net& net,
-                 const Spacing& spacing)
+                 const Spacing& spacing, Watch& watch)
         : m_boxes(boxes),
           m_nesting(nesting),
           m_net(net),
           m_spacing(spacing),
+          m_watch(watch),
           m_offsets(net, nesting, spacing) {
         m_frame.boxes.resize(boxes.size() + 1);
         m_frame.layerX.resize(net.firstLayer.back(), 0);
@@ -27,7 +28,7 @@ class FrameBuilder {
     }
 
     Frame build() {
-        for (Index container = m_nesting.containerCount(); container-- > 0;)
+        for (Index container = m_nesting.containerCount(); container-- > 0 && !m_watch.isStopped();)
             place(container);
         return std::move(m_frame);
     }
@@ -72,9 +73,9 @@ class FrameBuilder {
         }
         m_offsets.set(container);
         fillStrip(m_strip, m_net, container, limits.header.height, m_spacing);
-        std::vector<double> tops = alignedTops(m_strip);
+        std::vector<double> tops = alignedTops(m_strip, m_watch);
         if (limits.header.height > 0) tops.front() = *std::min_element(tops.begin(), tops.end());
-        relax(m_strip, tops);
+        relax(m_strip, tops, m_watch);
         Rect& own = m_frame.boxes[m_nesting.boxOf[container]];
         own.height = setTops(container, tops, limits);
         m_offsets.straighten(container);
@@ -225,6 +226,7 @@ class FrameBuilder {
     const Nesting& m_nesting;
     Net& m_net;
     const Spacing& m_spacing;
+    Watch& m_watch;
     Offsets m_offsets;
     Strip m_strip;
     std::vector<GapEdge> m_gap;
@@ -234,9 +236,9 @@ class FrameBuilder {
 
 }  // namespace
 
-Frame frameOf(const std::vector<BoxToPlace>& boxes, const Nesting& nesting, Net& net,
-              const Spacing& spacing) {
-    return FrameBuilder(boxes, nesting, net, spacing).build();
+Frame frameOf(const std::vector<BoxToPlace>& boxes, const Nesting& nesting, Net& net, const Spacing& spacing,
+              Watch& watch) {
+    return FrameBuilder(boxes, nesting, net, spacing, watch).build();
 }
 
 }  // namespace tessera_draw::placing

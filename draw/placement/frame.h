@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "draw/placement/net.h"
+#include "draw/placement/watch.h"
 
 namespace tessera_draw::placing {
 
@@ -18,6 +19,6 @@ struct Frame {
 
 // Needs the layers' order. Leaves sizes and places, and of each edge where it touches and how it bends.
 [[nodiscard]] Frame frameOf(const std::vector<BoxToPlace>& boxes, const Nesting& nesting, Net& net,
-                            const Spacing& spacing);
+                            const Spacing& spacing, Watch& watch);
 
 }  // namespace tessera_draw::placing

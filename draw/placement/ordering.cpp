@@ -22,8 +22,8 @@ constexpr Index siftingReach = 10;
 // Orders the layers of one container.
 class ContainerOrdering {
   public:
-    ContainerOrdering(Net& net, const Nesting& nesting)
-        : m_net(net), m_keys(net, nesting), m_counter(net, m_keys), m_sifting(net, m_keys) {}
+    ContainerOrdering(Net& net, const Nesting& nesting, Watch& watch)
+        : m_net(net), m_watch(watch), m_keys(net, nesting), m_counter(net, m_keys), m_sifting(net, m_keys) {}
 
     [[nodiscard]] Keys& keys() noexcept { return m_keys; }
 
@@ -127,7 +127,7 @@ class ContainerOrdering {
                 keep();
                 failures = 0;
             }
-            if (m_bestCrossings == 0 || spent() > end) break;
+            if (m_bestCrossings == 0 || isOver(end)) break;
             sweepOnce(isForwards, failures % 2 == 1);
             crossings = countAll();
         }
@@ -136,7 +136,7 @@ class ContainerOrdering {
 
     void sweep(int most) {
         int failures = 0;
-        for (int i = 0; i < most && m_bestCrossings > 0 && failures < 3; ++i) {
+        for (int i = 0; i < most && m_bestCrossings > 0 && failures < 3 && !m_watch.isStopped(); ++i) {
             sweepOnce(i % 2 == 0, i % 4 >= 2);
             const std::uint64_t crossings = countAll();
             ++failures;
@@ -154,6 +154,7 @@ class ContainerOrdering {
     }
 
     [[nodiscard]] double spent() const { return static_cast<double>(m_sifting.work()) + m_sweepWork; }
+    [[nodiscard]] bool isOver(double end) { return spent() > end || m_watch.isStopped(); }
 
     [[nodiscard]] bool isKept(Index layer) const {
         return m_keepBorders && (layer == m_first || layer == m_last);
@@ -202,11 +203,11 @@ class ContainerOrdering {
         const Index count = m_last - m_first + 1;
         std::uint64_t gained = 0;
         m_isStale.assign(count, 1);
-        for (bool hasGained = true; hasGained && spent() < end; isForwards = !isForwards) {
+        for (bool hasGained = true; hasGained && !isOver(end); isForwards = !isForwards) {
             hasGained = false;
             for (Index k = 0; k < count; ++k) {
                 const Index layer = isForwards ? k : count - 1 - k;
-                if (m_isStale[layer] == 0 || isKept(m_first + layer) || spent() > end) continue;
+                if (m_isStale[layer] == 0 || isKept(m_first + layer) || isOver(end)) continue;
                 m_isStale[layer] = 0;
                 const std::uint64_t gain = m_sifting.sift(m_first + layer, siftingReach);
                 if (gain == 0) continue;
@@ -246,6 +247,7 @@ class ContainerOrdering {
     };
 
     Net& m_net;
+    Watch& m_watch;
     Keys m_keys;
     CrossingCounter m_counter;
     Sifting m_sifting;
@@ -266,8 +268,12 @@ class ContainerOrdering {
 // Goes through the containers, inwards and outwards.
 class NestedOrdering {
   public:
-    NestedOrdering(Net& net, const Nesting& nesting)
-        : m_net(net), m_nesting(nesting), m_inner(net, nesting), m_outerEnd(net.borderPoints.size()) {
+    NestedOrdering(Net& net, const Nesting& nesting, Watch& watch)
+        : m_net(net),
+          m_nesting(nesting),
+          m_watch(watch),
+          m_inner(net, nesting, watch),
+          m_outerEnd(net.borderPoints.size()) {
         for (Index i = 0; i < net.edges.size(); ++i) {
             if (net.edges[i].tailPort != nothing) m_outerEnd[net.edges[i].tailPort] = {i, true};
             if (net.edges[i].headPort != nothing) m_outerEnd[net.edges[i].headPort] = {i, false};
@@ -276,16 +282,16 @@ class NestedOrdering {
 
     void run() {
         const Index count = m_nesting.containerCount();
-        for (Index i = count; i-- > 0;)
+        for (Index i = count; i-- > 0 && !m_watch.isStopped();)
             m_inner.begin(i, workOn(i) * (m_net.borderPoints.empty() ? 1 : 0.5));
-        if (m_net.borderPoints.empty()) return;
+        if (m_net.borderPoints.empty() || m_watch.isStopped()) return;
         std::uint64_t best = std::numeric_limits<std::uint64_t>::max();
         std::vector<Index> bestOrder;
         for (int round = 0; round < rounds; ++round) {
             if (round > 0)
                 for (Index i = count; i-- > 0;)
                     m_inner.improve(i, false, workOn(i) / (4 * rounds));
-            for (Index i = 0; i < count; ++i)
+            for (Index i = 0; i < count && !m_watch.isStopped(); ++i)
                 goInto(i);
             const std::uint64_t crossings = crossingsOf(m_net, m_nesting);
             if (crossings >= best) continue;
@@ -346,6 +352,7 @@ class NestedOrdering {
 
     Net& m_net;
     const Nesting& m_nesting;
+    Watch& m_watch;
     ContainerOrdering m_inner;
     std::vector<OuterEnd> m_outerEnd;  // of each border point
     std::vector<std::pair<SideKey, Index>> m_points;
@@ -354,8 +361,8 @@ class NestedOrdering {
 
 }  // namespace
 
-void orderLayers(Net& net, const Nesting& nesting) {
-    NestedOrdering(net, nesting).run();
+void orderLayers(Net& net, const Nesting& nesting, Watch& watch) {
+    NestedOrdering(net, nesting, watch).run();
 }
 
 std::uint64_t crossingsOf(const Net& net, const Nesting& nesting) {

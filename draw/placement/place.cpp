@@ -5,6 +5,7 @@
 #include "draw/placement/hops.h"
 #include "draw/placement/ordering.h"
 #include "draw/placement/paths.h"
+#include "draw/placement/watch.h"
 
 namespace tessera_draw {
 namespace {
@@ -26,12 +27,14 @@ std::vector<Rect> inDrawing(const Nesting& nesting, const Frame& frame) {
 }  // namespace
 
 Placement place(const PlacementInput& input, const Spacing& spacing) {
+    Watch watch(input.isStopped);
     const Nesting nesting = nestingOf(input.boxes);
     const std::vector<Hop> hops = hopsOf(input, nesting);
     Net net = netOf(input.boxes, nesting, hops, layersOf(input.boxes, nesting, hops));
-    orderLayers(net, nesting);
-    const Frame frame = frameOf(input.boxes, nesting, net, spacing);
+    orderLayers(net, nesting, watch);
+    const Frame frame = frameOf(input.boxes, nesting, net, spacing, watch);
     Placement placement;
+    if (watch.isStopped()) return placement;
     placement.size = {frame.boxes.back().width, frame.boxes.back().height};
     placement.boxes = inDrawing(nesting, frame);
     placement.lines = pathsOf(input, nesting, hops, net, frame, placement.boxes, spacing);

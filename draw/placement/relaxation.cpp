@@ -145,9 +145,9 @@ void keepDistances(const Strip& strip, std::vector<double>& tops) {
 
 }  // namespace
 
-void relax(const Strip& strip, std::vector<double>& tops) {
+void relax(const Strip& strip, std::vector<double>& tops, Watch& watch) {
     Relaxation relaxation(strip, tops);
-    for (int pass = 0; pass < passes; ++pass) {
+    for (int pass = 0; pass < passes && !watch.isStopped(); ++pass) {
         relaxation.run(true, pass % 2 == 0);
         relaxation.run(false, pass % 2 == 0);
     }

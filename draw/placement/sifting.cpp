@@ -85,6 +85,11 @@ inline std::int64_t Sifting::lossBehind(const Sifted& vertex, const Sifted& othe
            balance(vertex.middle, vertex.end, other.middle, other.end);
 }
 
+// About what lossBehind does.
+inline Index Sifting::workOf(const Sifted& vertex, const Sifted& other) {
+    return 2 + std::max(vertex.end - vertex.begin, other.end - other.begin);
+}
+
 std::uint64_t Sifting::moveBest(Index place, Index reach) {
     const Index index = m_order[place];
     const Sifted vertex = m_layer[index];
@@ -94,19 +99,22 @@ std::uint64_t Sifting::moveBest(Index place, Index reach) {
     std::int64_t least = 0;
     std::int64_t loss = 0;
     for (Index i = place + 1; i <= last; ++i) {
-        loss += lossBehind(vertex, m_layer[m_order[i]]);
+        const Sifted& other = m_layer[m_order[i]];
+        loss += lossBehind(vertex, other);
+        m_work += workOf(vertex, other);
         if (loss >= least) continue;
         least = loss;
         best = i;
     }
     loss = 0;
     for (Index i = place; i-- > first;) {
-        loss -= lossBehind(vertex, m_layer[m_order[i]]);
+        const Sifted& other = m_layer[m_order[i]];
+        loss -= lossBehind(vertex, other);
+        m_work += workOf(vertex, other);
         if (loss >= least) continue;
         least = loss;
         best = i;
     }
-    m_work += static_cast<std::uint64_t>(last - first) * (2 + vertex.end - vertex.begin);
     if (best == place) return 0;
     const auto at = [&](Index i) { return m_order.begin() + i; };
     if (best > place)

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "draw/placement/net.h"
+#include "draw/placement/watch.h"
 
 namespace tessera_draw::placing {
 
@@ -42,9 +43,9 @@ struct Strip {
 void fillStrip(Strip& strip, const Net& net, Index container, double header, const Spacing& spacing);
 
 // Coordinates of all vertices' tops, for which neighbours keep their distance and many edges are straight.
-[[nodiscard]] std::vector<double> alignedTops(Strip& strip);
+[[nodiscard]] std::vector<double> alignedTops(Strip& strip, Watch& watch);
 
 // Moves vertices where there is room so that edges become shorter and straight.
-void relax(const Strip& strip, std::vector<double>& tops);
+void relax(const Strip& strip, std::vector<double>& tops, Watch& watch);
 
 }  // namespace tessera_draw::placing

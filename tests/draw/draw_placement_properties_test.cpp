@@ -32,6 +32,29 @@ TEST(DrawPlacementProperties, TheSameInputGivesTheSameAnswer) {
     }
 }
 
+// Whenever it is stopped; and being asked changes nothing.
+TEST(DrawPlacementProperties, StopsWhenItIsTold) {
+    for (unsigned seed = 0; seed < effort(100U); ++seed) {
+        PlacementInput input = randomDrawing(seed);
+        const auto whole = place(input, {});
+        int asked = 0;
+        input.isStopped = [&] {
+            ++asked;
+            return false;
+        };
+        ASSERT_EQ(place(input, {}).boxes, whole.boxes);
+        ASSERT_GT(asked, 4);
+        const int all = asked;
+        for (const int last : {1, 2, all / 2, all - 1, all}) {
+            asked = 0;
+            input.isStopped = [&] { return ++asked >= last; };
+            const auto stopped = place(input, {});
+            ASSERT_TRUE(stopped.boxes.empty() && stopped.lines.empty()) << seed;
+            ASSERT_EQ(asked, last) << "asked again";
+        }
+    }
+}
+
 // The check itself must see what is wrong.
 TEST(DrawPlacementProperties, AFaultIsFound) {
     const PlacementInput input = randomDrawing(5);

@@ -337,6 +337,16 @@ TEST(DrawScene, DeepNestingNeedsNoStack) {
     EXPECT_EQ(scene.groupCount, static_cast<std::size_t>(depth));
 }
 
+TEST(DrawScene, IsEmptyOnceItIsStopped) {
+    DrawnBag drawn;
+    drawn.node("a", "A", 0);
+    SceneOptions options;
+    options.isStopped = [] { return false; };
+    EXPECT_EQ(makeScene(drawn.bag, options).nodeCount, 1U);
+    options.isStopped = [] { return true; };
+    EXPECT_TRUE(makeScene(drawn.bag, options).elements.empty());
+}
+
 TEST(DrawScene, ABagThatMakesNoSenseIsDrawn) {
     DrawnBag drawn;
     drawn.node("a", "A", -7, "label", "a").put("isGroup", true);
