@@ -53,6 +53,11 @@ void DataTransferTable::clear() noexcept {
     m_onlyEmpty.reset();
 }
 
+const DataTransferTable::Map& DataTransferTable::listed() const {
+    static const Map none;
+    return m_map || m_onlyEmpty.isSet() ? entries() : none;
+}
+
 DataTransferTable::Map& DataTransferTable::entries() const {
     if (!m_map) {
         m_map = std::make_unique<Map>();

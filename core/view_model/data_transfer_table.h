@@ -42,11 +42,11 @@ class TESSERA_EXPORT DataTransferTable {
     void clear() noexcept;
 
     // Good until the next change.
-    [[nodiscard]] Map::const_iterator begin() const { return entries().cbegin(); }
-    [[nodiscard]] Map::const_iterator end() const { return entries().cend(); }
+    [[nodiscard]] Map::const_iterator begin() const { return listed().cbegin(); }
+    [[nodiscard]] Map::const_iterator end() const { return listed().cend(); }
 
     friend bool operator==(const DataTransferTable& a, const DataTransferTable& b) {
-        return a.entries() == b.entries();
+        return a.listed() == b.listed();
     }
 
   private:
@@ -66,6 +66,8 @@ class TESSERA_EXPORT DataTransferTable {
     };
 
     Map& entries() const;
+    // The entries, without memory for none.
+    [[nodiscard]] const Map& listed() const;
 
     mutable std::unique_ptr<Map> m_map;  // null: no entries but perhaps an empty one
     mutable ShortName m_onlyEmpty;       // the mode of that; unset with a map
