@@ -63,6 +63,7 @@ class Layout {
           m_root(strip.size()),
           m_next(strip.size()),
           m_shift(strip.size(), 0),
+          m_rootStep(strip.size(), 0),
           m_place(strip.size(), 0),
           m_weight(strip.size(), 0) {
         for (Index i = 0; i < strip.size(); ++i)
@@ -135,20 +136,26 @@ class Layout {
         m_order.clear();
         for (Index i = 0; i < m_strip.size(); ++i)
             if (m_root[i] == i && m_open[i] == 0) m_order.push_back(i);
-        for (std::size_t head = 0; head < m_order.size(); ++head)
+        for (std::size_t head = 0; head < m_order.size(); ++head) {
+            const double place = places[m_order[head]];
             forBlock(m_order[head], [&](Index i) {
                 if (!hasBefore(i, !fromTop)) return;
                 const Index next = fromTop ? i + 1 : i - 1;
                 const Index root = m_root[next];
-                const double top = places[m_root[i]] + m_shift[i];
-                const double limit = fromTop ? top + m_strip.step(i) : top - m_strip.step(i - 1);
-                const double least = limit - m_shift[next];
+                const double least = fromTop ? place + m_rootStep[i] : place - m_rootStep[next];
                 if (reasons[root] == nothing || (fromTop ? least > places[root] : least < places[root])) {
                     places[root] = least;
                     reasons[root] = next;
                 }
                 if (--m_open[root] == 0) m_order.push_back(root);
             });
+        }
+    }
+
+    // Least distance from the root of each vertex's block to that of the next one's.
+    void findRootSteps() {
+        for (Index i = 0; i + 1 < m_strip.size(); ++i)
+            m_rootStep[i] = m_shift[i] + m_strip.step(i) - m_shift[i + 1];
     }
 
     // Where blocks lean on one another in many layers in turn, the drawing grows far beyond its fullest
@@ -161,6 +168,7 @@ class Layout {
                 sum += m_strip.step(i);
             fullest = std::max(fullest, sum);
         }
+        findRootSteps();
         std::vector<double> opposite(m_strip.size());
         std::vector<Index> oppositeReason;
         for (int round = 0; round < mostCuts; ++round) {
@@ -212,6 +220,7 @@ class Layout {
                 m_shift[i] -= shift;
             });
         }
+        findRootSteps();
     }
 
     // Then back towards their neighbours, the last ones first.
@@ -256,6 +265,7 @@ class Layout {
     std::vector<Index> m_root;
     std::vector<Index> m_next;     // in the block; the last one's is itself
     std::vector<double> m_shift;   // from the root's top
+    std::vector<double> m_rootStep;
     std::vector<double> m_place;   // of roots: the top
     std::vector<double> m_weight;  // of the link to the one before in the block
     std::vector<Index> m_reason;
