@@ -72,15 +72,16 @@ struct Placement {
 };
 
 // Boxes of one group do not overlap, lie inside their container's padding, and stand in the order of their
-// levels; levels that no box has take no room. Lines leave and enter boxes at right angles, on the sides that
-// face along the layers, and keep out of boxes that they do not end in or pass through, containers excepted
-// that hold one of their ends; lines back to an earlier layer run between the sides that face each other.
-// Boxes at a border stand in the first or last layer whatever their level says. Where lines would pass more
-// layers or borders than can be drawn (see placement/README.md), the longest go around all layers, or
-// straight through everything. A box that its line's other end touches has a stretch of one segment of no
-// length. The same input gives the same answer; nothing else has an influence, except that the answer is soon
-// there and empty once `isStopped` says so. Works in time n log n, with n the boxes, the lines and the places
-// where lines cross layers; any nesting depth without recursion.
+// levels; levels that no box has take no room, and many boxes of one level without lines stand side by side.
+// Lines leave and enter boxes at right angles, on the sides that face along the layers, and keep out of boxes
+// that they do not end in or pass through, containers excepted that hold one of their ends; lines back to an
+// earlier layer run between the sides that face each other. Boxes at a border stand in the first or last
+// layer whatever their level says. Where lines would pass more layers or borders than can be drawn (see
+// placement/README.md), the longest go around all layers, or straight through everything. A box that its
+// line's other end touches has a stretch of one segment of no length. The same input gives the same answer;
+// nothing else has an influence, except that the answer is soon there and empty once `isStopped` says so.
+// Works in time n log n, with n the boxes, the lines and the places where lines cross layers; any nesting
+// depth without recursion.
 [[nodiscard]] Placement place(const PlacementInput& input, const Spacing& spacing);
 
 }  // namespace tessera_draw

@@ -263,8 +263,8 @@ class Layout {
     bool m_fromStart;
     bool m_fromTop;
     std::vector<Index> m_root;
-    std::vector<Index> m_next;     // in the block; the last one's is itself
-    std::vector<double> m_shift;   // from the root's top
+    std::vector<Index> m_next;    // in the block; the last one's is itself
+    std::vector<double> m_shift;  // from the root's top
     std::vector<double> m_rootStep;
     std::vector<double> m_place;   // of roots: the top
     std::vector<double> m_weight;  // of the link to the one before in the block

@@ -22,6 +22,7 @@ class FrameBuilder {
           m_watch(watch),
           m_offsets(net, nesting, spacing) {
         m_frame.boxes.resize(boxes.size() + 1);
+        m_width.resize(boxes.size());
         m_frame.layerX.resize(net.firstLayer.back(), 0);
         m_frame.layerWidth.resize(net.firstLayer.back(), 0);
         sortLanes();
@@ -70,7 +71,9 @@ class FrameBuilder {
             if (m_nesting.containerOf[box] == nothing)
                 rect = {0, 0, m_boxes[box].size.width, m_boxes[box].size.height};
             m_net.height[box] = rect.height;
+            m_width[box] = rect.width;
         }
+        arrangeBundles(container);
         m_offsets.set(container);
         fillStrip(m_strip, m_net, container, limits.header.height, m_spacing);
         std::vector<double> tops = alignedTops(m_strip, m_watch);
@@ -81,6 +84,17 @@ class FrameBuilder {
         m_offsets.straighten(container);
         own.width = setColumns(container, limits);
         placeBoxes(container);
+    }
+
+    // The leader stands for all of them.
+    void arrangeBundles(Index container) {
+        const Bundles& bundles = m_net.bundles;
+        for (Index i = bundles.firstInContainer[container]; i < bundles.firstInContainer[container + 1];
+             ++i) {
+            const Size size = arrange(bundles, bundles.bundles[i], m_boxes, m_spacing, m_frame.boxes);
+            m_net.height[bundles.leader(bundles.bundles[i])] = size.height;
+            m_width[bundles.leader(bundles.bundles[i])] = size.width;
+        }
     }
 
     // Answers the container's height.
@@ -201,25 +215,34 @@ class FrameBuilder {
     [[nodiscard]] double columnWidth(Index layer) const {
         double width = 0;
         for (Index i = m_net.layerBegin[layer]; i < m_net.layerBegin[layer + 1]; ++i)
-            if (m_net.order[i] < m_net.boxCount) width = std::max(width, m_frame.boxes[m_net.order[i]].width);
+            if (m_net.order[i] < m_net.boxCount) width = std::max(width, m_width[m_net.order[i]]);
         return width;
     }
 
     void placeBoxes(Index container) {
         for (Index i = m_nesting.memberBegin[container]; i < m_nesting.memberBegin[container + 1]; ++i) {
             const Index box = m_nesting.members[i];
+            const Index bundle = m_net.bundles.ofBox[box];
+            const Index leader =
+                bundle == nothing ? box : m_net.bundles.leader(m_net.bundles.bundles[bundle]);
             const Index layer = m_net.layer[box];
+            const double spare = m_frame.layerWidth[layer] - m_width[leader];
             Rect& rect = m_frame.boxes[box];
-            const double spare = m_frame.layerWidth[layer] - rect.width;
-            rect.x = m_frame.layerX[layer] + spare * shareBefore(m_boxes[box]);
-            rect.y = m_net.top[box];
+            rect.x += m_frame.layerX[layer] + spare * shareInColumn(leader);
+            rect.y += m_net.top[leader];
         }
     }
 
-    static double shareBefore(const BoxToPlace& box) {
-        if (box.border != BoxToPlace::Border::none) return box.border == BoxToPlace::Border::start ? 0 : 1;
-        if (box.along == BoxToPlace::Along::middle) return 0.5;
-        return box.along == BoxToPlace::Along::start ? 0 : 1;
+    // Beside a bundle's many columns a box stands where its lines come from, or else where they lead to.
+    [[nodiscard]] double shareInColumn(Index box) const {
+        const Index layer = m_net.layer[box];
+        const Index last = m_net.at(layer, m_net.sizeOf(layer) - 1);
+        const bool isBesideBundle =
+            last != box && last < m_net.boxCount && m_net.bundles.ofBox[last] != nothing;
+        if (!isBesideBundle || m_boxes[box].along != BoxToPlace::Along::middle)
+            return shareBefore(m_boxes[box]);
+        if (m_net.inBegin[box] < m_net.inBegin[box + 1]) return 0;
+        return m_net.outBegin[box] < m_net.outBegin[box + 1] ? 1 : 0.5;
     }
 
     const std::vector<BoxToPlace>& m_boxes;
@@ -229,6 +252,7 @@ class FrameBuilder {
     Watch& m_watch;
     Offsets m_offsets;
     Strip m_strip;
+    std::vector<double> m_width;  // by box: of the box, or the bundle that it stands for
     std::vector<GapEdge> m_gap;
     std::vector<std::vector<Index>> m_lanes;  // by container: the edges to them
     Frame m_frame;

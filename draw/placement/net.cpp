@@ -34,6 +34,7 @@ class NetBuilder {
         findFarPieces();
         for (std::size_t i = 0; i < m_raw.size(); ++i)
             addEdges(m_raw[i], m_isFar[i] != 0);
+        findBundles();
         fillLayers();
         linkEdges();
         markLines();
@@ -153,15 +154,34 @@ class NetBuilder {
         m_net.pieces.push_back(piece);
     }
 
+    void findBundles() {
+        std::vector<char> isTouched(m_boxes.size(), 0);
+        for (const Edge& edge : m_net.edges)
+            for (const Index end : {edge.tail, edge.head})
+                if (end < m_net.boxCount) isTouched[end] = 1;
+        m_net.bundles = bundlesOf(m_boxes, m_nesting, isTouched, m_net.layer, m_net.firstLayer.back());
+    }
+
+    // Bundles stand behind what has lines.
     void fillLayers() {
+        std::vector<Index> vertices;
+        std::vector<Index> leaders;
+        vertices.reserve(m_net.layer.size());
+        for (Index vertex = 0; vertex < m_net.vertexCount(); ++vertex) {
+            if (vertex >= m_net.boxCount || m_net.bundles.ofBox[vertex] == nothing)
+                vertices.push_back(vertex);
+            else if (m_net.bundles.isInLayer(vertex))
+                leaders.push_back(vertex);
+        }
+        vertices.insert(vertices.end(), leaders.begin(), leaders.end());
         m_net.layerBegin.assign(m_net.firstLayer.back() + 1, 0);
-        for (const Index layer : m_net.layer)
-            ++m_net.layerBegin[layer + 1];
+        for (const Index vertex : vertices)
+            ++m_net.layerBegin[m_net.layer[vertex] + 1];
         std::partial_sum(m_net.layerBegin.begin(), m_net.layerBegin.end(), m_net.layerBegin.begin());
         std::vector<Index> next(m_net.layerBegin.begin(), m_net.layerBegin.end() - 1);
-        m_net.order.resize(m_net.layer.size());
-        m_net.place.resize(m_net.layer.size());
-        for (Index vertex = 0; vertex < m_net.vertexCount(); ++vertex) {
+        m_net.order.resize(vertices.size());
+        m_net.place.resize(m_net.layer.size(), 0);
+        for (const Index vertex : vertices) {
             const Index layer = m_net.layer[vertex];
             m_net.place[vertex] = next[layer] - m_net.layerBegin[layer];
             m_net.order[next[layer]++] = vertex;

@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "draw/placement/bundles.h"
 #include "draw/placement/layers.h"
 
 namespace tessera_draw::placing {
@@ -58,6 +59,7 @@ struct Net {
     std::vector<Edge> edges;
     std::vector<Piece> pieces;
     std::vector<PieceRange> ofHop;  // from the hop's `from` to its `to`
+    Bundles bundles;                // of each, only the leader stands in a layer
 
     // All layers of all containers, one after the other; each begins and ends with one of border points.
     std::vector<Index> firstLayer;  // by container

@@ -200,6 +200,44 @@ TEST(DrawPlacement, ABoxAtTheBorderStandsThere) {
     EXPECT_EQ(placed.boxes[port].right(), placed.boxes[group].right() - 10);
 }
 
+TEST(DrawPlacement, BoxesWithoutLinesStandSideBySide) {
+    Drawing drawing;
+    const Index group = drawing.container(0);
+    const Index linked = drawing.box(0, group);
+    std::vector<Index> loose;
+    for (int i = 0; i < 100; ++i)
+        loose.push_back(drawing.box(0, group));
+    const Index next = drawing.box(1, group);
+    drawing.line(linked, next);
+    const Placement placed = drawing.placed();
+    const Rect& around = placed.boxes[group];
+    // 100 boxes of 100 by 40, 24 apart, take 124 by 64 each.
+    EXPECT_LT(around.height, 1100);
+    EXPECT_LT(around.width, 1300);
+    std::size_t columns = 1;
+    for (std::size_t i = 1; i < loose.size(); ++i) {
+        const Rect& before = placed.boxes[loose[i - 1]];
+        const Rect& rect = placed.boxes[loose[i]];
+        if (rect.x == before.x) {
+            EXPECT_EQ(rect.y, before.bottom() + 24);
+            continue;
+        }
+        ++columns;
+        EXPECT_EQ(rect.x, before.right() + 24) << "the next column";
+        EXPECT_EQ(rect.y, placed.boxes[loose[0]].y);
+    }
+    EXPECT_EQ(columns, 8U) << "as high as wide";
+    EXPECT_EQ(placed.boxes[linked].right(), placed.boxes[loose.back()].right()) << "where its line leads to";
+    EXPECT_GT(placed.boxes[next].x, placed.boxes[linked].right());
+}
+
+TEST(DrawPlacement, FewBoxesWithoutLinesStandInOneColumn) {
+    Drawing drawing;
+    for (int i = 0; i < 7; ++i)
+        drawing.box(0);
+    EXPECT_EQ(drawing.placed().size.width, 100);
+}
+
 // The group makes room for its title at the side where lines come in, and only there.
 TEST(DrawPlacement, LinesPassBesideATitle) {
     Drawing drawing;

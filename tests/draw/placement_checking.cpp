@@ -181,6 +181,7 @@ class Maker {
         const unsigned lines = below(2 * boxes);
         for (unsigned i = 0; i < lines; ++i)
             addLine();
+        if (below(4) == 0) addLooseBoxes();
         return m_input;
     }
 
@@ -213,6 +214,17 @@ class Maker {
         if (isContainer) m_containers.push_back(static_cast<Index>(m_input.boxes.size()));
         m_input.boxes.push_back(box);
         return static_cast<Index>(m_input.boxes.size()) - 1;
+    }
+
+    // More of them in one layer than anybody wants to see below one another.
+    void addLooseBoxes() {
+        const std::int32_t common = static_cast<std::int32_t>(below(4)) - 1;
+        const Index first = addBox(false);
+        for (unsigned i = 0; i < 12; ++i) {
+            const Index box = addBox(below(6) == 0);
+            m_input.boxes[box].level = common;
+            m_input.boxes[box].group = m_input.boxes[first].group;
+        }
     }
 
     void addLine() {

@@ -1,0 +1,42 @@
+// Boxes that no line touches stand side by side instead of one below the other.
+#pragma once
+
+#include <vector>
+
+#include "draw/placement/nesting.h"
+
+namespace tessera_draw::placing {
+
+// Members of one layer that stand in the place of the first of them.
+struct Bundle {
+    Index begin = 0;  // in `members`
+    Index end = 0;
+};
+
+struct Bundles {
+    std::vector<Bundle> bundles;
+    std::vector<Index> members;           // boxes, in the order of the input
+    std::vector<Index> ofBox;             // by box: its bundle, or nothing
+    std::vector<Index> firstInContainer;  // bundles by container, and their number behind the last one
+
+    [[nodiscard]] Index leader(const Bundle& bundle) const { return members[bundle.begin]; }
+    // Whether the box stands for itself in its layer, or for its bundle.
+    [[nodiscard]] bool isInLayer(Index box) const {
+        return ofBox[box] == nothing || leader(bundles[ofBox[box]]) == box;
+    }
+};
+
+// `isTouched` tells of each box whether a line meets it, `layer` in which layer of all it stands.
+[[nodiscard]] Bundles bundlesOf(const std::vector<BoxToPlace>& boxes, const Nesting& nesting,
+                                const std::vector<char>& isTouched, const std::vector<Index>& layer,
+                                Index layerCount);
+
+// Gives the bundle's boxes, whose sizes stand in `rects`, their places in columns, from (0, 0) on; about as
+// high as wide. Answers how large it is.
+[[nodiscard]] Size arrange(const Bundles& bundles, const Bundle& bundle, const std::vector<BoxToPlace>& boxes,
+                           const Spacing& spacing, std::vector<Rect>& rects);
+
+// How much of the free room across its column stands before the box.
+[[nodiscard]] double shareBefore(const BoxToPlace& box) noexcept;
+
+}  // namespace tessera_draw::placing
