@@ -16,7 +16,7 @@ import sys
 
 import project
 
-FOLDERS = ("platform", "core", "host", "draw", "cli")
+FOLDERS = ("platform", "core", "modules", "host", "draw", "cli")
 
 
 def main():

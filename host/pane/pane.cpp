@@ -10,7 +10,7 @@
 
 #include "core/factory.h"
 #include "host/acyclic/acyclic_document.h"
-#include "host/catalogs/gettext_catalogs.h"
+#include "host/catalogs/catalogs.h"
 #include "host/queries/query_library.h"
 #include "host/queries/text.h"
 #include "host/sqlite/snapshot.h"
@@ -67,10 +67,10 @@ class PaneFilters final : public panelcore_1::IFilterMgr {
 void installCatalogs(const PaneSettings& settings, relay2::IMessenger& messenger) {
     if (settings.catalogs.empty()) return;
     std::vector<std::string> problems;
-    auto catalogs = std::make_shared<GettextCatalogs>(settings.catalogs, settings.locale, problems);
+    auto catalogs = readCatalogs(settings.catalogs, settings.locale, problems);
     for (const std::string& problem : problems)
         messenger.post(relay2::severity_t::warning, problem, {});
-    optstore2::setMessageCatalogSource(std::move(catalogs));
+    if (catalogs) optstore2::setMessageCatalogSource(std::move(catalogs));
 }
 
 // The document's filters with those of the settings in their place.

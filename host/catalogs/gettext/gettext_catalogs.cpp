@@ -1,4 +1,4 @@
-#include "host/catalogs/gettext_catalogs.h"
+#include "host/catalogs/gettext/gettext_catalogs.h"
 
 #include <boost/locale/gnu_gettext.hpp>
 #include <cstdint>

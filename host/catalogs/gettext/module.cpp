@@ -1,0 +1,10 @@
+// What the library hands to those who load it.
+#include "host/catalogs/catalogs.h"
+#include "host/catalogs/gettext/gettext_catalogs.h"
+
+extern "C" __attribute__((visibility("default"))) void tesseraReadCatalogs(const std::string& directory,
+                                                                           const std::string& locale,
+                                                                           std::vector<std::string>& problems,
+                                                                           tessera_host::Catalogs& catalogs) {
+    catalogs = std::make_shared<tessera_host::GettextCatalogs>(directory, locale, problems);
+}
