@@ -63,8 +63,9 @@ SvgText& SvgText::rawInPieces(std::string_view text) {
 
 SvgText& SvgText::number(double value) {
     constexpr double most = 1e9;
+    constexpr double half = 0.5;
     const double within = std::isnan(value) ? 0 : std::clamp(value, -most, most);
-    const auto hundredths = static_cast<std::uint64_t>(std::abs(within) * 100 + 0.5);
+    const auto hundredths = static_cast<std::uint64_t>(std::abs(within) * 100 + half);
     if (room() < mostDigits) handOn();
     if (within < 0 && hundredths > 0) *m_at++ = '-';
     m_at = std::to_chars(m_at, m_at + room(), hundredths / 100).ptr;
