@@ -1,6 +1,7 @@
 #include "draw/scene_input.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace tessera_draw {
@@ -108,6 +109,31 @@ void addLine(const Diagram& diagram, const Threads& threads, const BoxKinds& kin
     answer.threadOfLine.push_back(at);
 }
 
+// Room for the ends of lines on both sides of a card, so that each can be told from the next one.
+void makeRoomForEnds(const Diagram& diagram, const Threads& threads, const BoxKinds& kinds, SceneInput& answer) {
+    constexpr double between = 7.5;
+    constexpr double aroundEnds = 16;
+    constexpr std::uint32_t mostEnds = 400;
+    struct Ends {
+        std::uint32_t in = 0;
+        std::uint32_t out = 0;
+    };
+    std::vector<Ends> ends(answer.input.boxes.size());
+    for (std::size_t i = 0; i < answer.threadOfLine.size(); ++i) {
+        const LineToPlace& line = answer.input.lines[i];
+        const bool isBack = runsBack(diagram, threads.threads[answer.threadOfLine[i]]);
+        ++(isBack || line.from == line.to ? ends[line.to].out : ends[line.to].in);
+        ++(isBack ? ends[line.from].in : ends[line.from].out);
+    }
+    for (std::size_t i = 0; i < diagram.nodes.size(); ++i) {
+        if (kinds.kinds[i] != BoxKind::card) continue;
+        const auto& [in, out] = ends[answer.boxOfNode[i]];
+        const std::uint32_t most = std::min(std::max(in, out), mostEnds);
+        double& across = answer.input.boxes[answer.boxOfNode[i]].size.height;
+        if (most > 1) across = std::max(across, std::ceil(aroundEnds + between * (most - 1)));
+    }
+}
+
 }  // namespace
 
 SceneInput makeInput(const Diagram& diagram, const Threads& threads, const BoxKinds& kinds,
@@ -135,6 +161,7 @@ SceneInput makeInput(const Diagram& diagram, const Threads& threads, const BoxKi
     }
     for (std::size_t i = 0; i < threads.threads.size(); ++i)
         addLine(diagram, threads, kinds, static_cast<Index>(i), answer);
+    makeRoomForEnds(diagram, threads, kinds, answer);
     return answer;
 }
 

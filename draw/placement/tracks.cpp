@@ -8,6 +8,7 @@ namespace tessera_draw::placing {
 namespace {
 
 constexpr double straight = 1e-3;
+constexpr double nearRows = 1.5;      // what is no farther apart looks like one line
 constexpr Index mostTracks = 24;  // in full width; more of them are narrower
 
 // Tracks for edges that all go the same way: the one that starts lowest comes first, the others in turn get
@@ -161,6 +162,46 @@ void GapPlan::setTracks(double gapWidth) {
         const double pitch = edge.tracks > 1 ? width / (edge.tracks - 1) : 0;
         m_net.edges[edge.edge].trackX = (gapWidth - width) / 2 + edge.track * pitch;
     }
+    separateRows();
+}
+
+// Where one edge comes out of its track at the height at which another one, farther on, goes into its own,
+// both would lie upon each other in between: one of the two ends gives way, towards its edge's other end.
+void GapPlan::separateRows() {
+    std::vector<const GapEdge*> byFrom;
+    for (const GapEdge& edge : m_edges)
+        if (!edge.isLoop && m_net.edges[edge.edge].bend == Edge::Bend::track) byFrom.push_back(&edge);
+    std::vector<const GapEdge*> byTo = byFrom;
+    std::sort(byFrom.begin(), byFrom.end(), [](const GapEdge* a, const GapEdge* b) {
+        return a->from != b->from ? a->from < b->from : a->edge < b->edge;
+    });
+    std::sort(byTo.begin(), byTo.end(), [](const GapEdge* a, const GapEdge* b) {
+        return a->to != b->to ? a->to < b->to : a->edge < b->edge;
+    });
+    std::size_t first = 0;
+    for (const GapEdge* out : byTo) {
+        while (first < byFrom.size() && byFrom[first]->from < out->to - nearRows)
+            ++first;
+        for (std::size_t k = first; k < byFrom.size() && byFrom[k]->from <= out->to + nearRows; ++k) {
+            const GapEdge* in = byFrom[k];
+            if (m_net.edges[out->edge].trackX >= m_net.edges[in->edge].trackX) continue;
+            if (!giveWay(*out, false)) (void)giveWay(*in, true);
+            break;
+        }
+    }
+}
+
+// Moves the edge's end along its box. False when it has to stand where it does.
+bool GapPlan::giveWay(const GapEdge& gapEdge, bool isTail) {
+    Edge& edge = m_net.edges[gapEdge.edge];
+    const Index vertex = isTail ? edge.tail : edge.head;
+    if (vertex >= m_net.boxCount || (isTail ? edge.tailPort : edge.headPort) != nothing) return false;
+    const auto& begin = isTail ? m_net.outBegin : m_net.inBegin;
+    const double step = m_net.height[vertex] / (begin[vertex + 1] - begin[vertex] + 1.0);
+    const double way = std::min({4.0, step * 0.4, (gapEdge.lower() - gapEdge.upper()) / 3});
+    const bool goesDown = (gapEdge.from < gapEdge.to) == isTail;
+    (isTail ? edge.tailOffset : edge.headOffset) += goesDown ? way : -way;
+    return true;
 }
 
 }  // namespace tessera_draw::placing

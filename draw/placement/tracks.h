@@ -40,6 +40,8 @@ class GapPlan {
     [[nodiscard]] bool isCurved(Iterator begin, Iterator end) const;
     void assignTracks(Iterator begin, Iterator end);
     [[nodiscard]] double widthFor(Index tracks) const;
+    void separateRows();
+    [[nodiscard]] bool giveWay(const GapEdge& gapEdge, bool isTail);
 
     std::vector<GapEdge>& m_edges;
     Net& m_net;
