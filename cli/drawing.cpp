@@ -44,6 +44,11 @@ bool writePixels(const Options& options, const tessera_draw::Scene& scene, tesse
         printMessage(fmt::format(
             "the drawing is {:.0f} by {:.0f}: it was scaled by {:.3g} to fit into a {}; svg has no limit",
             scene.size.width, scene.size.height, result.scale, options.format));
+    if (result.isWritten && result.missingCharacters > 0)
+        printMessage(
+            fmt::format("{} characters are drawn as boxes, because no font that is installed here has them; "
+                        "the drawing's own font is DejaVu Sans (fonts-dejavu-core)",
+                        result.missingCharacters));
     return result.isWritten;
 }
 
@@ -63,7 +68,11 @@ bool writeDrawing(const Options& options, const basekit2::variant_bag_t& diagram
     const tessera_draw::Scene scene = tessera_draw::makeScene(diagram, sceneOptions);
     if (isInterrupted()) return false;
     FileOutput output(file.sink());
-    if (options.format == "svg") return tessera_draw::writeSvg(scene, {themeOf(options.theme)}, output);
+    if (options.format == "svg") {
+        tessera_draw::SvgOptions svgOptions;
+        svgOptions.theme = themeOf(options.theme);
+        return tessera_draw::writeSvg(scene, svgOptions, output);
+    }
     return writePixels(options, scene, output);
 }
 

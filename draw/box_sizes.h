@@ -8,6 +8,7 @@
 #include "draw/geometry.h"
 #include "draw/reservation.h"
 #include "draw/threads.h"
+#include "draw/utf8.h"
 
 namespace tessera_draw {
 
@@ -52,9 +53,9 @@ struct BoxKinds {
 
 [[nodiscard]] BoxKinds findKinds(const Diagram& diagram);
 
-// The name that people read: the display name, or else the id.
+// The name that people read: the display name if there is anything to see, or else the id.
 [[nodiscard]] inline std::string_view captionOf(const Node& node) noexcept {
-    return node.name.empty() ? node.id : node.name;
+    return isBlank(node.name) ? node.id : node.name;
 }
 
 // The room of every node, by node. Cards of one layer are equally wide.

@@ -1,6 +1,7 @@
 // Scenes as PNG and PDF. The libraries for that are loaded only when somebody asks for one.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 
@@ -18,8 +19,9 @@ struct PictureOptions {
 
 struct PictureResult {
     bool isWritten = false;
-    std::string error;  // why not; "" when it was stopped or the output took no more
-    double scale = 1;   // less than was asked for, when that would have become too large
+    std::string error;                  // why not; "" when it was stopped or the output took no more
+    double scale = 1;                   // less than was asked for, when that would have become too large
+    std::size_t missingCharacters = 0;  // which no font has; boxes were drawn for them
 };
 
 // Writes pictures. One thread at a time.

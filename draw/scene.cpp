@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "draw/box_sizes.h"
+#include "draw/end_labels.h"
 #include "draw/scene_boxes.h"
 #include "draw/scene_builder.h"
 #include "draw/scene_input.h"
@@ -148,6 +149,7 @@ void drawLabels(Drawing& drawing) {
         if (threadOf[i] != nothing) {
             const Thread& thread = threads.threads[threadOf[i]];
             element.link = thread.id;
+            element.place = node.location;
             if (!thread.name.empty()) drawing.builder.tip(thread.name);
             if (thread.from != nothing && thread.to != nothing)
                 drawing.builder.tip(captionOf(drawing.diagram.nodes[thread.from]),
@@ -200,7 +202,8 @@ double drawLegend(SceneBuilder& builder, const DisplayTypes& types, double top, 
         x += room + legendBetween;
         return x - room - legendBetween;
     };
-    const std::size_t shown = std::min(types.entries().size(), mostLegendEntries);
+    const std::size_t all = types.entries().size();
+    const std::size_t shown = all <= mostLegendEntries + 1 ? all : mostLegendEntries;
     for (std::size_t i = 0; i < shown; ++i) {
         const auto& [type, look] = types.entries()[i];
         const double text = fitText(type, mostLegendText, style.size, style.weight).width;
@@ -208,10 +211,9 @@ double drawLegend(SceneBuilder& builder, const DisplayTypes& types, double top, 
         builder.mark({at + markSize / 2, line - 4}, look);
         builder.text({at + markRoom, line}, TextRole::legend, type, mostLegendText);
     }
-    if (shown < types.entries().size())
+    if (shown < all)
         builder.text({place(mostLegendText / 2), line}, TextRole::legend,
-                     builder.own(fmt::format("+{} more", types.entries().size() - shown)),
-                     mostLegendText / 2);
+                     builder.own(fmt::format("+{} more", all - shown)), mostLegendText / 2);
     return line + 4 - top;
 }
 
@@ -247,7 +249,8 @@ void shift(Placement& placement, double dx, double dy) {
 
 Scene makeScene(const basekit2::variant_bag_t& bag, const SceneOptions& options) {
     const Diagram diagram = readDiagram(bag);
-    const Threads threads = findThreads(diagram);
+    Threads threads = findThreads(diagram);
+    moveEndLabels(diagram, threads);
     BoxKinds kinds = findKinds(diagram);
     std::vector<BoxRoom> rooms = reserveBoxes(diagram, threads, kinds, options.reservation);
     SceneInput input = makeInput(diagram, threads, kinds, rooms, options.direction);

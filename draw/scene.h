@@ -77,9 +77,10 @@ struct Element {
     std::string_view id;    // of the node or link; "" for what stands for neither
     std::string_view from;  // of a line, the ids of its ends
     std::string_view to;
-    std::string_view link;  // of a label, the id of its link
-    std::string_view type;  // display type
-    Index index = nothing;  // the node's, or the thread's
+    std::string_view link;   // of a label, the id of its link
+    std::string_view place;  // and where it stands on that: "from", "center", "to"
+    std::string_view type;   // display type
+    Index index = nothing;   // the node's, or the thread's
     Span boxes;
     Span marks;
     Span lines;

@@ -110,7 +110,8 @@ void addLine(const Diagram& diagram, const Threads& threads, const BoxKinds& kin
 }
 
 // Room for the ends of lines on both sides of a card, so that each can be told from the next one.
-void makeRoomForEnds(const Diagram& diagram, const Threads& threads, const BoxKinds& kinds, SceneInput& answer) {
+void makeRoomForEnds(const Diagram& diagram, const Threads& threads, const BoxKinds& kinds,
+                     SceneInput& answer) {
     constexpr double between = 7.5;
     constexpr double aroundEnds = 16;
     constexpr std::uint32_t mostEnds = 400;

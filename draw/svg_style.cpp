@@ -17,13 +17,16 @@ std::string hex(const Palette& palette, Ink ink) {
     return fmt::format("#{:02X}{:02X}{:02X}", colour.red, colour.green, colour.blue);
 }
 
-// One rule. The selector is a class name.
-void rule(std::string& sheet, std::string_view selector, const std::string& body) {
-    sheet += fmt::format(".tessera-diagram .{}{{{}}}\n", selector, body);
+// One rule, for a class in drawings of the class `scope`.
+void rule(std::string& sheet, std::string_view scope, std::string_view selector, const std::string& body) {
+    sheet += fmt::format(".{} .{}{{{}}}\n", scope, selector, body);
 }
 
-void addColours(std::string& sheet, const Palette& palette) {
-    sheet += fmt::format(".tessera-diagram{{background:{}}}\n", hex(palette, Ink::ground));
+void addColours(std::string& sheet, std::string_view scope, const Palette& palette) {
+    const auto rule = [&](std::string& text, std::string_view selector, const std::string& body) {
+        tessera_draw::rule(text, scope, selector, body);
+    };
+    sheet += fmt::format(".{}{{background:{}}}\n", scope, hex(palette, Ink::ground));
     rule(sheet, "bg", "fill:" + hex(palette, Ink::ground));
     for (std::size_t i = 0; i < boxRoleCount; ++i) {
         const BoxStyle& style = styleOf(static_cast<BoxRole>(i));
@@ -43,8 +46,13 @@ void addColours(std::string& sheet, const Palette& palette) {
 }
 
 void addShapes(std::string& sheet) {
+    const auto rule = [](std::string& text, std::string_view selector, const std::string& body) {
+        tessera_draw::rule(text, "tessera-diagram", selector, body);
+    };
     sheet +=
         fmt::format(".tessera-diagram{{font-family:{};font-variant-numeric:tabular-nums}}\n", fontFamilies);
+    // Each text runs as its own letters do, whatever stands around it.
+    sheet += ".tessera-diagram text{unicode-bidi:plaintext}\n";
     for (std::size_t i = 0; i < textRoleCount; ++i) {
         const TextStyle& style = styleOf(static_cast<TextRole>(i));
         std::string body = fmt::format("font-size:{}px", style.size);
@@ -108,13 +116,18 @@ std::string_view haloClassOf(Ink ground) noexcept {
     return ground == Ink::innerContainer ? " o2" : " o1";
 }
 
+std::string_view classOf(Theme theme) noexcept {
+    if (theme == Theme::automatic) return "tessera-auto";
+    return theme == Theme::dark ? "tessera-dark" : "tessera-light";
+}
+
 std::string styleSheet(Theme theme) {
     std::string sheet;
     addShapes(sheet);
-    addColours(sheet, theme == Theme::dark ? darkPalette() : lightPalette());
+    addColours(sheet, classOf(theme), theme == Theme::dark ? darkPalette() : lightPalette());
     if (theme == Theme::automatic) {
         sheet += "@media screen and (prefers-color-scheme:dark){\n";
-        addColours(sheet, darkPalette());
+        addColours(sheet, classOf(theme), darkPalette());
         sheet += "}\n";
     }
     return sheet;

@@ -17,7 +17,10 @@ namespace tessera_draw {
 // Of texts that lines may pass behind, with a blank in front; "" for none.
 [[nodiscard]] std::string_view haloClassOf(Ink ground) noexcept;
 
-// All rules, below the class "tessera-diagram", so that they touch nothing else of a page. Readers that know
+// Of the drawing itself, beside "tessera-diagram": one page may hold drawings in several themes.
+[[nodiscard]] std::string_view classOf(Theme theme) noexcept;
+
+// All rules, below those two classes, so that they touch nothing else of a page. Readers that know
 // no media queries, and paper, get the light colours, unless the theme is the dark one alone.
 [[nodiscard]] std::string styleSheet(Theme theme);
 

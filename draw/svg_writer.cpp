@@ -3,15 +3,19 @@
 #include <fmt/format.h>
 
 #include <cmath>
+#include <cstdint>
 #include <string_view>
 
 #include "draw/scene_lines.h"
 #include "draw/shapes.h"
 #include "draw/svg_style.h"
 #include "draw/svg_text.h"
+#include "draw/utf8.h"
 
 namespace tessera_draw {
 namespace {
+
+constexpr std::size_t longestTip = 1000;  // bytes of a name or value
 
 std::string_view nameOf(Element::Kind kind) {
     switch (kind) {
@@ -41,10 +45,30 @@ std::string_view roleOf(Element::Kind kind) {
     return kind == Element::Kind::group ? " role=\"group\"" : " role=\"img\"";
 }
 
+// Other drawings have another one, as good as always. FNV-1a.
+std::string idOf(const Scene& scene, Theme theme) {
+    std::uint32_t hash = 2166136261;
+    const auto add = [&](std::string_view text) {
+        for (const char c : text)
+            hash = (hash ^ static_cast<unsigned char>(c)) * 16777619;
+        hash = (hash ^ 0xFF) * 16777619;
+    };
+    add(classOf(theme));
+    add(scene.name);
+    add(scene.mode);
+    add(fmt::format("{:.0f} {:.0f}", scene.size.width, scene.size.height));
+    for (const Element& element : scene.elements)
+        add(element.id);
+    return fmt::format("t{:08x}", hash);
+}
+
 class SvgWriter {
   public:
     SvgWriter(const Scene& scene, const SvgOptions& options, Output& output)
-        : m_scene(scene), m_options(options), m_text(output) {}
+        : m_scene(scene),
+          m_theme(options.theme),
+          m_id(options.idPrefix.empty() ? idOf(scene, options.theme) : options.idPrefix),
+          m_text(output) {}
 
     bool write() {
         begin();
@@ -56,18 +80,18 @@ class SvgWriter {
 
   private:
     void begin() {
-        const std::string& id = m_options.idPrefix;
         const double width = std::ceil(m_scene.size.width);
         const double height = std::ceil(m_scene.size.height);
-        m_text.raw("<svg xmlns=\"http://www.w3.org/2000/svg\" class=\"tessera-diagram\"");
+        m_text.raw("<svg xmlns=\"http://www.w3.org/2000/svg\" class=\"tessera-diagram ");
+        m_text.raw(classOf(m_theme)).raw("\"");
         m_text.attribute("width", width).attribute("height", height);
         m_text.raw(" viewBox=\"0 0 ").point({width, height}).raw("\" role=\"graphics-document document\"");
-        m_text.raw(fmt::format(" aria-labelledby=\"{0}-title {0}-desc\"", id));
+        m_text.raw(fmt::format(" aria-labelledby=\"{0}-title {0}-desc\"", m_id));
         m_text.attribute("data-mode", m_scene.mode);
-        m_text.raw(fmt::format(">\n<title id=\"{}-title\">", id));
+        m_text.raw(fmt::format(">\n<title id=\"{}-title\">", m_id));
         m_text.escaped(m_scene.name.empty() ? "Diagram" : m_scene.name);
-        m_text.raw(fmt::format("</title>\n<desc id=\"{}-desc\">", id)).escaped(description());
-        m_text.raw("</desc>\n<style>\n").raw(styleSheet(m_options.theme)).raw("</style>\n");
+        m_text.raw(fmt::format("</title>\n<desc id=\"{}-desc\">", m_id)).escaped(description());
+        m_text.raw("</desc>\n<style>\n").raw(styleSheet(m_theme)).raw("</style>\n");
         m_text.raw("<rect class=\"bg\" width=\"100%\" height=\"100%\"/>\n");
     }
 
@@ -80,12 +104,13 @@ class SvgWriter {
     }
 
     void element(const Element& element, std::size_t number) {
-        m_text.raw("<g id=\"").raw(m_options.idPrefix).number(static_cast<double>(number));
+        m_text.raw("<g id=\"").raw(m_id).raw("-").number(static_cast<double>(number));
         m_text.raw("\"").raw(roleOf(element.kind)).attribute("data-kind", nameOf(element.kind));
         if (element.index != nothing) m_text.attribute("data-id", element.id);
         if (element.kind == Element::Kind::line)
             m_text.attribute("data-from", element.from).attribute("data-to", element.to);
         if (!element.link.empty()) m_text.attribute("data-link", element.link);
+        if (!element.place.empty()) m_text.attribute("data-place", element.place);
         if (!element.type.empty() && element.type != "none") m_text.attribute("data-type", element.type);
         m_text.raw(">");
         tips(element);
@@ -106,9 +131,22 @@ class SvgWriter {
         for (std::uint32_t i = 0; i < element.tips.count; ++i) {
             const TipLine& tip = m_scene.tips[element.tips.first + i];
             if (i > 0) m_text.raw("\n");
-            m_text.escaped(tip.first).escaped(tip.between).escaped(tip.second);
+            const bool isMixed =
+                !tip.second.empty() && (runsLeftwards(tip.first) || runsLeftwards(tip.second));
+            tipPart(tip.first, isMixed);
+            m_text.escaped(tip.between);
+            tipPart(tip.second, isMixed);
         }
         m_text.raw("</title>");
+    }
+
+    // Between isolates a name's letters leave the direction of what stands around it alone.
+    void tipPart(std::string_view text, bool isIsolated) {
+        const std::size_t end = endOfCharacters(text, longestTip);
+        if (isIsolated) m_text.raw("\u2068");
+        m_text.escaped(text.substr(0, end));
+        if (end < text.size()) m_text.raw("…");
+        if (isIsolated) m_text.raw("\u2069");
     }
 
     void box(const BoxShape& box) {
@@ -205,7 +243,8 @@ class SvgWriter {
     }
 
     const Scene& m_scene;
-    const SvgOptions& m_options;
+    const Theme m_theme;
+    const std::string m_id;
     SvgText m_text;
 };
 

@@ -42,4 +42,42 @@ struct Character {
     return code;
 }
 
+// Where the text ends that has at most so many bytes, without a broken character at its end.
+[[nodiscard]] inline std::size_t endOfCharacters(std::string_view text, std::size_t most) noexcept {
+    if (text.size() <= most) return text.size();
+    std::size_t end = most;
+    while (end > 0 && most - end < 4 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+        --end;
+    return end;
+}
+
+// Hebrew, Arabic and their like.
+[[nodiscard]] inline bool isRightToLeft(char32_t code) noexcept {
+    return (code >= 0x590 && code <= 0x8FF) || (code >= 0xFB1D && code <= 0xFDFF) ||
+           (code >= 0xFE70 && code <= 0xFEFC) || (code >= 0x10800 && code <= 0x10FFF) ||
+           (code >= 0x1E800 && code <= 0x1EFFF);
+}
+
+// Whether the text has letters that are written from right to left.
+[[nodiscard]] inline bool runsLeftwards(std::string_view text) noexcept {
+    for (std::size_t i = 0; i < text.size();) {
+        const auto [code, length] = firstCharacter(text.substr(i));
+        if (isRightToLeft(code)) return true;
+        i += length;
+    }
+    return false;
+}
+
+// Whether nothing of the text can be seen.
+[[nodiscard]] inline bool isBlank(std::string_view text) noexcept {
+    for (std::size_t i = 0; i < text.size();) {
+        const auto [code, length] = firstCharacter(text.substr(i));
+        const bool isSeen = shownAs(code) != ' ' && code != 0xA0 && code != 0x3000 && code != 0xFEFF &&
+                            !(code >= 0x2000 && code <= 0x200F) && !(code >= 0x2060 && code <= 0x2064);
+        if (isSeen) return false;
+        i += length;
+    }
+    return true;
+}
+
 }  // namespace tessera_draw

@@ -62,7 +62,7 @@ class CairoWriter final : public PictureWriter {
         const Surface surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, pixels(width), pixels(height)));
         const Context cairo(cairo_create(surface.get()));
         cairo_scale(cairo.get(), result.scale, result.scale);
-        if (!paintScene(cairo.get(), scene, options)) return {};
+        if (!paintScene(cairo.get(), scene, options, result.missingCharacters)) return {};
         if (const auto status = cairo_status(cairo.get()); status != CAIRO_STATUS_SUCCESS)
             return failure(status);
         const auto status = cairo_surface_write_to_png_stream(surface.get(), handOn, &output);
@@ -84,7 +84,7 @@ class CairoWriter final : public PictureWriter {
         cairo_pdf_surface_set_metadata(surface.get(), CAIRO_PDF_METADATA_CREATE_DATE, "1970-01-01T00:00:00Z");
         const Context cairo(cairo_create(surface.get()));
         cairo_scale(cairo.get(), pointsPerPixel * result.scale, pointsPerPixel * result.scale);
-        const bool isPainted = paintScene(cairo.get(), scene, options);
+        const bool isPainted = paintScene(cairo.get(), scene, options, result.missingCharacters);
         cairo_show_page(cairo.get());
         cairo_surface_finish(surface.get());
         if (!isPainted) return {};

@@ -57,6 +57,8 @@ class Painter {
             m_text.paint(scene.texts[element.texts.first + i]);
     }
 
+    [[nodiscard]] std::size_t missing() const noexcept { return m_text.missing(); }
+
   private:
     void fill(const Outline& outline, Ink ink) {
         setInk(m_cairo, m_palette, ink);
@@ -119,7 +121,7 @@ void setInk(cairo_t* cairo, const Palette& palette, Ink ink) {
     cairo_set_source_rgb(cairo, colour.red / 255.0, colour.green / 255.0, colour.blue / 255.0);
 }
 
-bool paintScene(cairo_t* cairo, const Scene& scene, const PictureOptions& options) {
+bool paintScene(cairo_t* cairo, const Scene& scene, const PictureOptions& options, std::size_t& missing) {
     const Palette& palette = options.theme == Theme::dark ? darkPalette() : lightPalette();
     setInk(cairo, palette, Ink::ground);
     cairo_paint(cairo);
@@ -129,6 +131,7 @@ bool paintScene(cairo_t* cairo, const Scene& scene, const PictureOptions& option
         if (options.isStopped && options.isStopped()) return false;
         painter.paint(scene, element);
     }
+    missing = painter.missing();
     return true;
 }
 

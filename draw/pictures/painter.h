@@ -9,8 +9,9 @@
 
 namespace tessera_draw {
 
-// Paints the whole scene, its ground included, in the scene's own coordinates. False when it was stopped.
-bool paintScene(cairo_t* cairo, const Scene& scene, const PictureOptions& options);
+// Paints the whole scene, its ground included, in the scene's own coordinates, and counts the characters that
+// no font has in `missing`. False when it was stopped.
+bool paintScene(cairo_t* cairo, const Scene& scene, const PictureOptions& options, std::size_t& missing);
 
 void setInk(cairo_t* cairo, const Palette& palette, Ink ink);
 

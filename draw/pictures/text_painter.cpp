@@ -61,6 +61,7 @@ void TextPainter::paint(const TextShape& text) {
     }
     PangoLayoutLine* line = pango_layout_get_line_readonly(layout, 0);
     if (line == nullptr) return;
+    m_missing += static_cast<std::size_t>(pango_layout_get_unknown_glyphs_count(layout));
     pango_layout_line_get_extents(line, nullptr, &extents);
     const double width = extents.width / static_cast<double>(PANGO_SCALE);
     const Anchor anchor = styleOf(text.role).anchor;

@@ -19,6 +19,9 @@ class TextPainter {
     // A text that turns out wider than its room ends with "…" there.
     void paint(const TextShape& text);
 
+    // Characters painted so far that no font has; boxes stand in their places.
+    [[nodiscard]] std::size_t missing() const noexcept { return m_missing; }
+
   private:
     struct Freed {
         void operator()(PangoFontDescription* font) const { pango_font_description_free(font); }
@@ -30,6 +33,7 @@ class TextPainter {
     std::unique_ptr<PangoLayout, Freed> m_layout;
     std::array<std::unique_ptr<PangoFontDescription, Freed>, textRoleCount> m_fonts;
     std::string m_shown;
+    std::size_t m_missing = 0;
 };
 
 }  // namespace tessera_draw

@@ -8,7 +8,7 @@ namespace tessera_draw::placing {
 namespace {
 
 constexpr double straight = 1e-3;
-constexpr double nearRows = 1.5;      // what is no farther apart looks like one line
+constexpr double nearRows = 1.5;  // what is no farther apart looks like one line
 constexpr Index mostTracks = 24;  // in full width; more of them are narrower
 
 // Tracks for edges that all go the same way: the one that starts lowest comes first, the others in turn get

@@ -202,6 +202,20 @@ TEST(DrawPictureCheck, LinesBehindTextsOfGroupsAreFound) {
     EXPECT_EQ(faultsOf(picture), "") << "the line is above it";
 }
 
+TEST(DrawPictureCheck, LinesThatLookLikeOneAreCounted) {
+    Picture picture = soundPicture();
+    EXPECT_EQ(checkPicture(picture).together, 0U);
+    Picture::Line other = picture.lines[0];
+    picture.lines.push_back(other);
+    EXPECT_EQ(checkPicture(picture).together, 2U) << "two stretches";
+    for (auto& stretch : picture.lines[1].stretches) {
+        stretch.start.y += 2;
+        for (auto& segment : stretch.segments)
+            segment.end.y += 2;
+    }
+    EXPECT_EQ(checkPicture(picture).together, 0U);
+}
+
 TEST(DrawPictureCheck, WhatIsNotDrawnIsFound) {
     tessera_test::DrawnBag drawn;
     drawn.node("a", "A", 0);
@@ -224,14 +238,39 @@ constexpr Direction directions[] = {Direction::leftToRight, Direction::topToBott
 TEST(DrawPictureCheck, RandomDiagramsAreDrawnSoundly) {
     for (const Direction direction : directions) {
         std::size_t lines = 0;
+        std::size_t together = 0;
         for (std::uint64_t seed = 0; seed < tessera_test::effort(1000U); ++seed) {
             const variant_bag_t bag = tessera_test::randomDrawing(seed);
             const Scene scene = makeScene(bag, {direction, nullptr});
-            expectSound(checkScene(bag, scene), "seed " + std::to_string(seed));
+            const Faults faults = checkScene(bag, scene);
+            expectSound(faults, "seed " + std::to_string(seed));
             lines += scene.lines.size();
+            together += faults.together;
         }
         EXPECT_GT(lines, tessera_test::effort(5000U));
+        EXPECT_LE(together, lines / 500);
     }
+}
+
+// Every box of one layer linked with every one of the next: whatever line comes in lower than it left meets
+// one that leaves at its height.
+TEST(DrawPictureCheck, LinesOfMeshesAreApart) {
+    for (const Direction direction : directions)
+        for (const auto& [tails, heads] :
+             {std::pair(3, 3), std::pair(7, 3), std::pair(5, 7), std::pair(6, 8)}) {
+            tessera_test::DrawnBag drawn;
+            for (int i = 0; i < tails; ++i)
+                drawn.node("a" + std::to_string(i), "A", 0);
+            for (int i = 0; i < heads; ++i)
+                drawn.node("b" + std::to_string(i), "B", 1);
+            for (int i = 0; i < tails; ++i)
+                for (int k = 0; k < heads; ++k)
+                    drawn.link("l" + std::to_string(i) + "_" + std::to_string(k), "a" + std::to_string(i),
+                               "b" + std::to_string(k), "forward");
+            const Faults faults = checkScene(drawn.bag, makeScene(drawn.bag, {direction, nullptr}));
+            expectSound(faults, "mesh");
+            EXPECT_EQ(faults.together, 0U) << tails << " by " << heads;
+        }
 }
 
 TEST(DrawPictureCheck, RandomBoxesArePlacedSoundly) {

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
 """Pictures, as users get them from `render`."""
+import os
 import re
 import struct
 import subprocess
@@ -86,7 +87,8 @@ class Svg(Drawing):
         self.assertEqual([each.get('data-id') for each in elements(root, 'group')], ['g'])
         self.assertEqual([(each.get('data-id'), each.get('data-from'), each.get('data-to'))
                           for each in elements(root, 'line')], [('ab', 'a', 'b'), ('bc', 'b', 'c')])
-        self.assertEqual([each.get('data-link') for each in elements(root, 'label')], ['ab'])
+        self.assertEqual([(each.get('data-link'), each.get('data-place')) for each in elements(root, 'label')],
+                         [('ab', 'center')])
         self.assertEqual(elements(root, 'node')[0].get('data-type'), 'process')
 
     def test_titles_tell_everything(self):
@@ -132,8 +134,42 @@ class Svg(Drawing):
         self.assertIn('prefers-color-scheme:dark', both)
         self.assertNotIn('prefers-color-scheme', light + dark)
         # Without the rules for dark screens it is the light drawing: paper and old readers get that.
-        self.assertEqual(re.sub(r'@media screen.*?\n}\n', '', both, flags=re.S), light)
+        anonymous = [re.sub(r't[0-9a-f]{8}-', 't-', text) for text in (both.replace('tessera-auto', 'tessera-light'), light)]
+        self.assertEqual(re.sub(r'@media screen.*?\n}\n', '', anonymous[0], flags=re.S), anonymous[1])
         self.assertEqual(both, self.draw('--theme', 'auto').read_text())
+
+    def test_a_page_can_hold_several(self):
+        texts = [self.draw('--theme', theme, '--mode', mode).read_text()
+                 for theme in ('light', 'dark', 'auto') for mode in ('bandwidth', 'size')]
+        ids = [each for text in texts for each in re.findall(r' id="([^"]*)"', text)]
+        self.assertEqual(len(ids), len(set(ids)))
+        # Colours are the theme's own; all else is the same in all.
+        rules = {text: re.findall(r'^\.([\w-]+)[^{]*\{([^}]*)\}', text, flags=re.M) for text in texts}
+        common = [[rule for rule in rules[text] if rule[0] == 'tessera-diagram'] for text in texts]
+        self.assertEqual([each for each in common if each != common[0]], [])
+        self.assertNotIn('#', str(common[0]))
+        self.assertEqual({rule[0] for rule in rules[texts[0]]}, {'tessera-diagram', 'tessera-light'})
+
+    def test_names_from_right_to_left_leave_arrows_alone(self):
+        names = {'a': 'خادم', 'b': 'שרת', 'c': 'Third'}
+        shown = ''.join(f'<node id="{each}" displayName="{name}"/>' for each, name in names.items())
+        root = self.tree(text=document(
+            '<graph id="g"><node id="a"/><node id="b"/><node id="c"/><link id="l" from="a" to="b" direction="forward"/>'
+            f'<link id="m" from="b" to="c" direction="forward"/></graph><display>{shown}</display>'))
+        self.assertEqual([title(each) for each in elements(root, 'line')],
+                         ['\u2068خادم\u2069 → \u2068שרת\u2069', '\u2068שרת\u2069 → \u2068Third\u2069'])
+
+    def test_names_without_letters_are_ids(self):
+        names = ('', ' ', '\u00a0\u200b', '\u3000')
+        nodes = ''.join(f'<node id="n{at}"/>' for at in range(len(names)))
+        shown = ''.join(f'<node id="n{at}" displayName="{name}"/>' for at, name in enumerate(names))
+        root = self.tree(text=document(f'<graph id="g">{nodes}</graph><display>{shown}</display>'))
+        self.assertEqual([title(each) for each in elements(root, 'node')], ['n0', 'n1', 'n2', 'n3'])
+
+    def test_titles_end_somewhere(self):
+        root = self.tree(text=document('<graph id="g"><node id="a"/></graph><display>'
+                                       f'<node id="a" displayName="{"ä" * 300000}"/></display>'))
+        self.assertEqual(title(elements(root, 'node')[0]), 'ä' * 500 + '…')
 
     def test_an_empty_diagram_says_so(self):
         root = self.tree(text=document('<graph id="g"/>'))
@@ -215,6 +251,18 @@ class Png(Drawing):
         width, height = self.size(self.folder / 'x.png')
         self.assertLessEqual(width * height, 51_000_000)
         self.assertLessEqual(max(width, height), 32_000)
+
+
+    def test_characters_without_a_font_are_told_of(self):
+        (self.folder / 'fonts').mkdir()
+        settings = self.write('fonts.conf', f'<fontconfig><dir>{self.folder}/fonts</dir></fontconfig>')
+        viewpoint = self.write('viewpoint.xml', document(DIAGRAM, QUERIES))
+        for name in ('x.png', 'x.pdf'):
+            done = self.run_program('render', viewpoint, '--db', self.database(name=name + '.db'), '-o', self.folder / name,
+                                    env={**os.environ, 'FONTCONFIG_FILE': str(settings)})
+            self.assertEqual(done.returncode, 0, done.stderr)
+            self.assertRegex(done.stderr, r'\d+ characters are drawn as boxes')
+        self.assertEqual(self.run_program('render', viewpoint, '--db', self.database(name='f.db'), '-o', self.folder / 'x.png').stderr, '')
 
 
 class Pdf(Drawing):

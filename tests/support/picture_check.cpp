@@ -20,6 +20,7 @@ using tessera_draw::Rect;
 constexpr double slack = 0.05;     // less than anybody can see
 constexpr double lineSlack = 0.5;  // half a pixel of a line's own width does not count
 constexpr int curvePieces = 16;
+constexpr double longEnough = 8;  // for two lines to look like one
 
 Rect shrunk(const Rect& rect, double by) {
     return {rect.x + by, rect.y + by, rect.width - 2 * by, rect.height - 2 * by};
@@ -92,6 +93,7 @@ class Checker {
         checkSiblings();
         checkLabels();
         checkLines();
+        countTogether();
         checkTexts();
         return std::move(m_faults);
     }
@@ -216,6 +218,41 @@ class Checker {
             found(&Faults::lines, line.name + " goes through " + m_picture.boxes[other].name);
     }
 
+    // Level and upright pieces of different lines, one upon the other.
+    void countTogether() {
+        struct Piece {
+            long place;  // rounded
+            double begin;
+            double end;
+            std::size_t line;
+            double exact;
+        };
+        std::array<std::vector<Piece>, 2> pieces;
+        for (std::size_t i = 0; i < m_picture.lines.size(); ++i)
+            for (const auto& stretch : m_picture.lines[i].stretches)
+                forEachPiece(stretch, [&](Point a, Point b) {
+                    if (a.y == b.y)
+                        pieces[0].push_back(
+                            {std::lround(a.y), std::min(a.x, b.x), std::max(a.x, b.x), i, a.y});
+                    else if (a.x == b.x)
+                        pieces[1].push_back(
+                            {std::lround(a.x), std::min(a.y, b.y), std::max(a.y, b.y), i, a.x});
+                });
+        for (auto& list : pieces) {
+            std::sort(list.begin(), list.end(), [](const Piece& a, const Piece& b) {
+                return a.place != b.place ? a.place < b.place : a.begin < b.begin;
+            });
+            for (std::size_t i = 0; i < list.size(); ++i)
+                for (std::size_t k = i + 1; k < list.size() && list[k].place == list[i].place &&
+                                            list[k].begin < list[i].end - longEnough;
+                     ++k)
+                    if (list[k].line != list[i].line &&
+                        std::min(list[i].end, list[k].end) > list[k].begin + longEnough &&
+                        std::abs(list[i].exact - list[k].exact) < 1)
+                        ++m_faults.together;
+        }
+    }
+
     [[nodiscard]] RectIndex headerIndex() const {
         std::vector<RectIndex::Entry> entries;
         for (std::size_t i = 0; i < m_picture.texts.size(); ++i)
@@ -315,6 +352,7 @@ void Faults::add(const Faults& other) {
     heads += other.heads;
     texts += other.texts;
     behind += other.behind;
+    together += other.together;
     missing += other.missing;
     if (examples.size() < 10) examples.insert(examples.end(), other.examples.begin(), other.examples.end());
 }
@@ -322,7 +360,8 @@ void Faults::add(const Faults& other) {
 std::ostream& operator<<(std::ostream& out, const Faults& faults) {
     out << "boxes " << faults.boxes << ", labels " << faults.labels << ", lines through boxes "
         << faults.lines << ", torn " << faults.torn << ", heads " << faults.heads << ", texts "
-        << faults.texts << ", lines behind texts " << faults.behind << ", missing " << faults.missing;
+        << faults.texts << ", lines behind texts " << faults.behind << ", missing " << faults.missing
+        << " (together " << faults.together << ")";
     for (const std::string& example : faults.examples)
         out << "\n    " << example;
     return out;

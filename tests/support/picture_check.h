@@ -63,6 +63,7 @@ struct Faults {
     std::size_t texts = 0;   // leave their box, or lie under another
     std::size_t behind = 0;  // lines behind a container's texts
     std::size_t missing = 0;
+    std::size_t together = 0;           // pairs of lines that look like one for a while; no fault, but few
     std::vector<std::string> examples;  // the first of each
 
     void add(const Faults& other);

@@ -6,6 +6,7 @@
 
 #include "draw/box_sizes.h"
 #include "draw/diagram.h"
+#include "draw/end_labels.h"
 #include "draw/scene.h"
 #include "draw/scene_lines.h"
 #include "draw/shapes.h"
@@ -52,7 +53,7 @@ class ScenePicture {
   public:
     ScenePicture(const basekit2::variant_bag_t& bag, const tessera_draw::Scene& scene)
         : m_diagram(tessera_draw::readDiagram(bag)),
-          m_threads(tessera_draw::findThreads(m_diagram)),
+          m_threads(threadsOf(m_diagram)),
           m_scene(scene),
           m_boxes(m_diagram.nodes.size(), nothing) {}
 
@@ -72,6 +73,12 @@ class ScenePicture {
 
   private:
     using Kind = tessera_draw::Element::Kind;
+
+    static tessera_draw::Threads threadsOf(const tessera_draw::Diagram& diagram) {
+        tessera_draw::Threads threads = tessera_draw::findThreads(diagram);
+        moveEndLabels(diagram, threads);
+        return threads;
+    }
 
     void addBox(const tessera_draw::Element& element) {
         const bool isBox =
