@@ -41,7 +41,7 @@ def make_database(path, nodes):
 
 
 def run(command, limit):
-    """Seconds and peak bytes of the whole process; None when it took too long. On a machine that does other things, too,
+    """Seconds and peak bytes of the whole process; None when it took too long, False when it failed. On a machine that does other things, too,
     processor time says more; where several threads work, the time that passed does: so it is the smaller of them."""
     def processor_time():
         usage = resource.getrusage(resource.RUSAGE_CHILDREN)
@@ -58,7 +58,8 @@ def run(command, limit):
             process.communicate()
             return None
         if process.returncode != 0:
-            sys.exit(f'{command[0]} ends with {process.returncode}: {complaint[:500]}')
+            print(f'{command[0]} ends with {process.returncode}: {complaint[:200]}', file=sys.stderr)
+            return False
         return min(time.monotonic() - begin, processor_time() - used), int(measured.read()) * 1024
 
 
@@ -178,6 +179,12 @@ def compare_drawings(bench, sizes, shapes):
                   f'{min(values):.2f} to {max(values):.2f}.')
 
 
+def time_of(result, limit):
+    if not result:
+        return 'fails' if result is False else f'> {limit:.0f} s'
+    return f'{result[0]:.2f} s' if result[0] >= 1 else f'{result[0] * 1000:.0f} ms'
+
+
 def compare_speed(bench, sizes, shapes):
     head('shape', 'nodes', *PROGRAMS, 'fastest peer to Tessera', '`dot` to Tessera', *(f'peak memory of {name}' for name in PROGRAMS))
     for shape in shapes:
@@ -187,12 +194,13 @@ def compare_speed(bench, sizes, shapes):
             for name in PROGRAMS:
                 results = [run(bench.command(name), bench.arguments.limit)
                            for _ in range(bench.arguments.runs if nodes <= 2000 or name == 'Tessera' else 1)]
-                best[name] = min(results) if all(results) else None
+                best[name] = min(results) if all(results) else False if False in results else None
             own = best['Tessera'][0]
             peers = [best[name][0] for name in PROGRAMS[1:] if best[name]]
-            row(shape, f'{nodes:,}', *(f'{each[0]:.2f} s' if each and each[0] >= 1 else f'{each[0] * 1000:.0f} ms' if each else f'> {bench.arguments.limit:.0f} s' for each in best.values()),
+            row(shape, f'{nodes:,}', *(time_of(each, bench.arguments.limit) for each in best.values()),
                 f'{min(peers) / own:,.0f} times' if peers else 'none finishes',
-                f"{best['dot'][0] / own:,.0f} times" if best['dot'] else f'> {bench.arguments.limit / own:,.0f} times',
+                f"{best['dot'][0] / own:,.0f} times" if best['dot'] else
+                'it fails' if best['dot'] is False else f'> {bench.arguments.limit / own:,.0f} times',
                 *(f'{each[1] / 1e6:,.0f} MB' if each else '' for each in best.values()))
 
 

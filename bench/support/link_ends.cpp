@@ -3,11 +3,6 @@
 #include <algorithm>
 
 namespace tessera_bench {
-namespace {
-
-constexpr std::size_t rankSize = 10;
-
-}  // namespace
 
 LinkEnds::Ends LinkEnds::nextTangled() {
     const std::size_t from = below(m_shape.nodes);

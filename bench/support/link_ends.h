@@ -10,7 +10,7 @@ namespace tessera_bench {
 inline constexpr std::size_t groupSize = 100;
 
 struct InputShape {
-    std::size_t nodes = 100'000;
+    std::size_t nodes = 100'000;  // at least 2
     double linksPerNode = 1.5;
     double nodesWithValues = 0.1;  // share that shows a row set of two rows
     double linksWithLabels = 0.3;  // share with a label
@@ -28,9 +28,14 @@ class LinkEnds {
 
     using Ends = std::pair<std::size_t, std::size_t>;
 
-    Ends next() { return m_shape.isTangled ? nextTangled() : nextBetweenRanks(); }
+    Ends next() {
+        const bool hasRanks = m_shape.nodes > rankSize;
+        return m_shape.isTangled || !hasRanks ? nextTangled() : nextBetweenRanks();
+    }
 
   private:
+    static constexpr std::size_t rankSize = 10;
+
     std::size_t below(std::size_t n) { return m_random() % n; }
     Ends nextTangled();
     Ends nextBetweenRanks();

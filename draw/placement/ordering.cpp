@@ -63,6 +63,7 @@ class ContainerOrdering {
         for (Index i = m_net.layerBegin[m_first]; i < m_net.layerBegin[m_last + 1]; ++i)
             m_size += m_net.outBegin[m_net.order[i] + 1] - m_net.outBegin[m_net.order[i]];
         refresh(container);
+        m_crossings.assign(m_last - m_first, unknown);
     }
 
     // First order: that of a walk along the edges, depth first or breadth first.
@@ -107,6 +108,8 @@ class ContainerOrdering {
         for (Index i = begin; i < m_net.layerBegin[layer + 1]; ++i)
             m_net.place[m_net.order[i]] = i - begin;
         m_keys.refresh(layer);
+        if (layer > m_first) m_crossings[layer - 1 - m_first] = unknown;
+        if (layer < m_last) m_crossings[layer - m_first] = unknown;
     }
 
     // Sweeps, then sifting; then, as long as there is work to spend, again from a sweep on.
@@ -176,9 +179,12 @@ class ContainerOrdering {
         std::sort(m_sorted.begin(), m_sorted.end(), [](const Sorted& a, const Sorted& b) {
             return a.mean != b.mean ? a.mean < b.mean : a.place < b.place;
         });
-        for (std::size_t i = 0; i < m_slots.size(); ++i)
+        bool hasChanged = false;
+        for (std::size_t i = 0; i < m_slots.size(); ++i) {
+            hasChanged = hasChanged || m_net.order[m_slots[i]] != m_sorted[i].vertex;
             m_net.order[m_slots[i]] = m_sorted[i].vertex;
-        settle(layer);
+        }
+        if (hasChanged) settle(layer);
     }
 
     [[nodiscard]] double meanOfTails(Index vertex) const {
@@ -222,10 +228,14 @@ class ContainerOrdering {
         return gained;
     }
 
+    // Looks only behind and before layers that have changed since it was asked last.
     [[nodiscard]] std::uint64_t countAll() {
         std::uint64_t count = 0;
-        for (Index layer = m_first; layer < m_last; ++layer)
-            count += m_counter.behind(layer);
+        for (Index layer = m_first; layer < m_last; ++layer) {
+            std::uint64_t& crossings = m_crossings[layer - m_first];
+            if (crossings == unknown) crossings = m_counter.behind(layer);
+            count += crossings;
+        }
         return count;
     }
 
@@ -235,9 +245,15 @@ class ContainerOrdering {
     }
 
     void restore(const std::vector<Index>& order) {
-        std::copy(order.begin(), order.end(), m_net.order.begin() + m_net.layerBegin[m_first]);
-        for (Index layer = m_first; layer <= m_last; ++layer)
-            settle(layer);
+        auto kept = order.begin();
+        for (Index layer = m_first; layer <= m_last; ++layer) {
+            const auto begin = m_net.order.begin() + m_net.layerBegin[layer];
+            const auto end = m_net.order.begin() + m_net.layerBegin[layer + 1];
+            const bool hasChanged = !std::equal(begin, end, kept);
+            std::copy_n(kept, end - begin, begin);
+            kept += end - begin;
+            if (hasChanged) settle(layer);
+        }
     }
 
     struct Sorted {
@@ -255,6 +271,8 @@ class ContainerOrdering {
     Index m_last = 0;
     bool m_keepBorders = false;
     std::size_t m_size = 0;
+    static constexpr std::uint64_t unknown = std::numeric_limits<std::uint64_t>::max();
+    std::vector<std::uint64_t> m_crossings;  // behind each of its layers
     std::uint64_t m_bestCrossings = 0;
     std::vector<Index> m_best;
     double m_sweepWork = 0;

@@ -17,11 +17,14 @@ class Relaxation {
     Relaxation(const Strip& strip, std::vector<double>& tops) : m_strip(strip), m_tops(tops) {}
 
     // Bodies are lines' straight runs, or all that is joined by straight edges.
-    void run(bool onlyLines, bool isForwards) {
+    // Answers whether any has moved.
+    bool run(bool onlyLines, bool isForwards) {
+        m_hasMoved = false;
         findBodies(onlyLines);
         const Index count = static_cast<Index>(m_bodyBegin.size()) - 1;
         for (Index k = 0; k < count; ++k)
             settle(isForwards ? k : count - 1 - k);
+        return m_hasMoved;
     }
 
   private:
@@ -79,6 +82,7 @@ class Relaxation {
         if (std::abs(move) <= straight) return;
         for (Index k = m_bodyBegin[body]; k < m_bodyBegin[body + 1]; ++k)
             m_tops[m_members[k]] += move;
+        m_hasMoved = true;
     }
 
     // One for each side: a vertex with two equal neighbours there wants to stand between them.
@@ -130,6 +134,7 @@ class Relaxation {
 
     const Strip& m_strip;
     std::vector<double>& m_tops;
+    bool m_hasMoved = false;
     std::vector<Index> m_body;
     std::vector<Index> m_bodyBegin;  // in m_members
     std::vector<Index> m_members;
@@ -148,8 +153,8 @@ void keepDistances(const Strip& strip, std::vector<double>& tops) {
 void relax(const Strip& strip, std::vector<double>& tops, Watch& watch) {
     Relaxation relaxation(strip, tops);
     for (int pass = 0; pass < passes && !watch.isStopped(); ++pass) {
-        relaxation.run(true, pass % 2 == 0);
-        relaxation.run(false, pass % 2 == 0);
+        const bool haveLinesMoved = relaxation.run(true, pass % 2 == 0);
+        if (!relaxation.run(false, pass % 2 == 0) && !haveLinesMoved) break;
     }
     keepDistances(strip, tops);
 }
