@@ -15,8 +15,8 @@ constexpr int rounds = 3;  // inwards and outwards again
 // What may be spent, in comparisons: much on each vertex of a small diagram, less on those of a large one.
 constexpr double freeWork = 5e6;
 constexpr double smallDiagram = 1200;  // vertices; beyond, the free work shrinks with their square
-constexpr double workPerVertex = 400;
-constexpr std::size_t smallEnoughForTwo = 3000;  // vertices and edges; beyond, one start has to do
+constexpr double workPerVertex = 250;
+constexpr std::size_t smallEnoughForAll = 3000;  // vertices and edges
 constexpr Index siftingReach = 10;
 
 // Orders the layers of one container.
@@ -27,24 +27,40 @@ class ContainerOrdering {
 
     [[nodiscard]] Keys& keys() noexcept { return m_keys; }
 
-    // From nothing, spending so much work.
+    // From nothing, spending so much work: in a small container on each of several first orders, else on that
+    // which is best after sweeps.
     void begin(Index container, double work) {
         enter(container, false);
         if (m_size == 0) return;
-        walkThrough(true);
-        optimize(work * 0.7);
-        if (m_bestCrossings == 0 || m_size > smallEnoughForTwo) return;
-        const std::uint64_t crossings = m_bestCrossings;
-        const std::vector<Index> order = m_best;
-        walkThrough(false);
-        optimize(work * 0.3);
-        if (m_bestCrossings > crossings) restore(order);
+        const bool isSmall = m_size <= smallEnoughForAll;
+        m_starts.assign(m_net.order.begin() + m_net.layerBegin[m_first],
+                        m_net.order.begin() + m_net.layerBegin[m_last + 1]);
+        const double endOfAll = spent() + work;
+        std::uint64_t least = unknown;
+        std::vector<Index> order;
+        for (const Walk walk : {Walk::depthFirst, Walk::depthFirstFromEnd, Walk::breadthFirst}) {
+            if (least == 0 || (walk == Walk::breadthFirst && !isSmall)) break;
+            const double end = spent() + work / 3;
+            walkThrough(walk);
+            sweep();
+            if (isSmall) siftAndSweep(end);
+            if (m_bestCrossings >= least) continue;
+            least = m_bestCrossings;
+            order = m_best;
+        }
+        m_bestCrossings = least;
+        m_best = order;
+        restore(m_best);
+        if (!isSmall) siftAndSweep(endOfAll);
     }
 
     // From what there is.
     void improve(Index container, bool keepBorders, double work) {
         enter(container, keepBorders);
-        if (m_size > 0) optimize(work);
+        if (m_size == 0) return;
+        const double end = spent() + work;
+        sweep();
+        siftAndSweep(end);
     }
 
     void refresh(Index container) {
@@ -66,16 +82,16 @@ class ContainerOrdering {
         m_crossings.assign(m_last - m_first, unknown);
     }
 
-    // First order: that of a walk along the edges, depth first or breadth first.
-    void walkThrough(bool isDepthFirst) {
-        const Index begin = m_net.layerBegin[m_first];
-        const Index end = m_net.layerBegin[m_last + 1];
+    enum class Walk : std::uint8_t { depthFirst, depthFirstFromEnd, breadthFirst };
+
+    // First order: that of a walk along the edges.
+    void walkThrough(Walk walk) {
         m_isSeen.resize(m_net.vertexCount(), 0);
-        const std::vector<Index> starts(m_net.order.begin() + begin, m_net.order.begin() + end);
         std::vector<Index> next(m_net.layerBegin.begin() + m_first, m_net.layerBegin.begin() + m_last + 1);
-        for (const Index start : starts) {
+        for (const Index start : m_starts) {
             m_way.assign(1, start);
             for (std::size_t head = 0; head < m_way.size();) {
+                const bool isDepthFirst = walk != Walk::breadthFirst;
                 const Index vertex = isDepthFirst ? m_way.back() : m_way[head];
                 if (isDepthFirst)
                     m_way.pop_back();
@@ -84,22 +100,33 @@ class ContainerOrdering {
                 if (m_isSeen[vertex] != 0) continue;
                 m_isSeen[vertex] = 1;
                 m_net.order[next[m_net.layer[vertex] - m_first]++] = vertex;
-                addNeighbours(vertex);
+                addNeighbours(vertex, walk);
             }
         }
-        for (const Index vertex : starts)
+        for (const Index vertex : m_starts)
             m_isSeen[vertex] = 0;
         for (Index layer = m_first; layer <= m_last; ++layer)
             settle(layer);
     }
 
-    void addNeighbours(Index vertex) {
+    // What is put down last is taken up first: so that neighbours keep the order of the document in a walk in
+    // depth, they are put down from the end.
+    void addNeighbours(Index vertex, Walk walk) {
+        const auto add = [&](Index next) {
+            if (m_isSeen[next] == 0) m_way.push_back(next);
+        };
+        const auto turnFrom = [&](std::size_t begin) {
+            if (walk == Walk::depthFirst)
+                std::reverse(m_way.begin() + static_cast<std::ptrdiff_t>(begin), m_way.end());
+        };
+        const std::size_t heads = m_way.size();
         for (Index i = m_net.outBegin[vertex]; i < m_net.outBegin[vertex + 1]; ++i)
-            if (const Index head = m_net.edges[m_net.outEdges[i]].head; m_isSeen[head] == 0)
-                m_way.push_back(head);
+            add(m_net.edges[m_net.outEdges[i]].head);
+        turnFrom(heads);
+        const std::size_t tails = m_way.size();
         for (Index i = m_net.inBegin[vertex]; i < m_net.inBegin[vertex + 1]; ++i)
-            if (const Index tail = m_net.edges[m_net.inEdges[i]].tail; m_isSeen[tail] == 0)
-                m_way.push_back(tail);
+            add(m_net.edges[m_net.inEdges[i]].tail);
+        turnFrom(tails);
     }
 
     // The layer's order stands: what depends on it.
@@ -112,17 +139,29 @@ class ContainerOrdering {
         if (layer < m_last) m_crossings[layer - m_first] = unknown;
     }
 
-    // Sweeps, then sifting; then, as long as there is work to spend, again from a sweep on.
-    void optimize(double work) {
+    // Leaves the best order that some sweeps find.
+    void sweep() {
+        constexpr int most = 8;
         m_bestCrossings = countAll();
         keep();
-        if (m_bestCrossings == 0) return;
-        const double end = spent() + work;
-        sweep(8);
+        int failures = 0;
+        for (int i = 0; i < most && m_bestCrossings > 0 && failures < 3 && !m_watch.isStopped(); ++i) {
+            sweepOnce(i % 2 == 0, i % 4 >= 2);
+            const std::uint64_t crossings = countAll();
+            ++failures;
+            if (crossings >= m_bestCrossings) continue;
+            if (crossings < m_bestCrossings - m_bestCrossings / 100) failures = 0;
+            m_bestCrossings = crossings;
+            keep();
+        }
         restore(m_best);
+    }
+
+    // From the best order on, as long as there is work to spend.
+    void siftAndSweep(double end) {
         std::uint64_t crossings = m_bestCrossings;
         bool isForwards = true;
-        for (int failures = 0; failures < 12; isForwards = !isForwards) {
+        for (int failures = 0; failures < 12 && m_bestCrossings > 0; isForwards = !isForwards) {
             crossings -= sift(isForwards, end);
             ++failures;
             if (crossings < m_bestCrossings) {
@@ -135,19 +174,6 @@ class ContainerOrdering {
             crossings = countAll();
         }
         restore(m_best);
-    }
-
-    void sweep(int most) {
-        int failures = 0;
-        for (int i = 0; i < most && m_bestCrossings > 0 && failures < 3 && !m_watch.isStopped(); ++i) {
-            sweepOnce(i % 2 == 0, i % 4 >= 2);
-            const std::uint64_t crossings = countAll();
-            ++failures;
-            if (crossings >= m_bestCrossings) continue;
-            if (crossings < m_bestCrossings - m_bestCrossings / 100) failures = 0;
-            m_bestCrossings = crossings;
-            keep();
-        }
     }
 
     void sweepOnce(bool isForwards, bool mayFlip) {
@@ -279,6 +305,7 @@ class ContainerOrdering {
     std::vector<char> m_isStale;  // layers that are worth sifting
     std::vector<char> m_isSeen;
     std::vector<Index> m_way;
+    std::vector<Index> m_starts;  // where walks start, in this order
     std::vector<Sorted> m_sorted;
     std::vector<Index> m_slots;
 };
