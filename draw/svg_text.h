@@ -1,7 +1,7 @@
 // SVG's letters and numbers, collected in blocks.
 #pragma once
 
-#include <cstring>
+#include <algorithm>
 #include <string_view>
 #include <vector>
 
@@ -18,8 +18,7 @@ class SvgText {
     // Text that is SVG already.
     SvgText& raw(std::string_view text) {
         if (text.size() > room()) return rawInPieces(text);
-        std::memcpy(m_at, text.data(), text.size());
-        m_at += text.size();
+        m_at = std::copy(text.begin(), text.end(), m_at);
         return *this;
     }
     // With at most two digits behind the point, in no locale. What is no number, or beyond a thousand
