@@ -8,8 +8,9 @@ namespace tessera_draw::placing {
 namespace {
 
 constexpr double straight = 1e-3;
-constexpr double nearRows = 1.5;  // what is no farther apart looks like one line
-constexpr Index mostTracks = 24;  // in full width; more of them are narrower
+constexpr double nearRows = 1.5;      // what is no farther apart looks like one line
+constexpr std::size_t mostNear = 32;  // rows that are looked at; only at a hub are there more so near
+constexpr Index mostTracks = 24;      // in full width; more of them are narrower
 
 // Tracks for edges that all go the same way: the one that starts lowest comes first, the others in turn get
 // the next track behind those that they overlap. `source` and `target` with source < target.
@@ -182,7 +183,8 @@ void GapPlan::separateRows() {
     for (const GapEdge* out : byTo) {
         while (first < byFrom.size() && byFrom[first]->from < out->to - nearRows)
             ++first;
-        for (std::size_t k = first; k < byFrom.size() && byFrom[k]->from <= out->to + nearRows; ++k) {
+        const std::size_t last = std::min(byFrom.size(), first + mostNear);
+        for (std::size_t k = first; k < last && byFrom[k]->from <= out->to + nearRows; ++k) {
             const GapEdge* in = byFrom[k];
             if (m_net.edges[out->edge].trackX >= m_net.edges[in->edge].trackX) continue;
             if (!giveWay(*out, false)) (void)giveWay(*in, true);
