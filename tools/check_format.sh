@@ -4,7 +4,7 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 folders=()
-for folder in platform core host draw cli tests bench fuzz; do
+for folder in support platform core host draw cli tests bench fuzz; do
     if [ -d "$folder" ]; then folders+=("$folder"); fi
 done
 
