@@ -1,0 +1,114 @@
+// The one error type of the host and the program, and how a function hands it to its caller.
+#pragma once
+
+#include <cassert>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+
+#include "platform/basekit2/variant_bag.h"
+
+namespace tessera_host {
+
+// What a caller does about an error: the program ends with another exit status for each of them.
+enum class ErrorKind {
+    failed,      // the content is wrong, or the work could not be done
+    cannotOpen,  // a file or a server could not be opened, read or written
+    cancelled,   // the work was stopped by its CancelToken; nothing is wrong
+    usage,       // the caller asked for something that does not exist or does not fit together
+};
+
+// Why something could not be done.
+struct Error {
+    ErrorKind kind = ErrorKind::failed;
+    // One line of UTF-8 for people, without the name of the document, without a full stop.
+    std::string text;
+    // The place in the document; line 0 when there is none.
+    basekit2::source_position_t position = {};
+
+    [[nodiscard]] bool isCancelled() const noexcept { return kind == ErrorKind::cancelled; }
+
+    friend bool operator==(const Error&, const Error&) = default;
+};
+
+// The error of work that was stopped by its token.
+[[nodiscard]] inline Error cancelledError() {
+    return {ErrorKind::cancelled, "cancelled", {}};
+}
+
+// "file:line:column: text", or "file: text" when the error has no position.
+[[nodiscard]] inline std::string describe(const Error& error, std::string_view file) {
+    std::string line(file);
+    if (error.position.line != 0)
+        line += ':' + std::to_string(error.position.line) + ':' + std::to_string(error.position.column);
+    return line + ": " + error.text;
+}
+
+// A value, or the error that kept it from being made. Returned by functions that can fail; the caller hands
+// the error on with `return result.error();` or `return std::move(result).error();`.
+template <class T>
+class [[nodiscard]] Expected {
+  public:
+    Expected(T value) : m_content(std::in_place_index<0>, std::move(value)) {}      // NOLINT: implicit
+    Expected(Error error) : m_content(std::in_place_index<1>, std::move(error)) {}  // NOLINT: implicit
+
+    [[nodiscard]] bool hasValue() const noexcept { return m_content.index() == 0; }
+    explicit operator bool() const noexcept { return hasValue(); }
+
+    // These REQUIRE a value.
+    [[nodiscard]] T& operator*() & noexcept { return *valuePointer(); }
+    [[nodiscard]] const T& operator*() const& noexcept { return *std::as_const(*this).valuePointer(); }
+    [[nodiscard]] T&& operator*() && noexcept { return std::move(*valuePointer()); }
+    [[nodiscard]] T* operator->() noexcept { return valuePointer(); }
+    [[nodiscard]] const T* operator->() const noexcept { return valuePointer(); }
+
+    // These REQUIRE an error.
+    [[nodiscard]] const Error& error() const& noexcept {
+        assert(!hasValue());
+        return *std::get_if<1>(&m_content);
+    }
+    [[nodiscard]] Error&& error() && noexcept {
+        assert(!hasValue());
+        return std::move(*std::get_if<1>(&m_content));
+    }
+
+  private:
+    [[nodiscard]] T* valuePointer() noexcept {
+        assert(hasValue());
+        return std::get_if<0>(&m_content);
+    }
+    [[nodiscard]] const T* valuePointer() const noexcept {
+        assert(hasValue());
+        return std::get_if<0>(&m_content);
+    }
+
+    std::variant<T, Error> m_content;
+};
+
+// For functions that make no value: success, or the error.
+template <>
+class [[nodiscard]] Expected<void> {
+  public:
+    Expected() noexcept = default;
+    Expected(Error error) : m_error(std::move(error)) {}  // NOLINT: implicit
+
+    [[nodiscard]] bool hasValue() const noexcept { return !m_error.has_value(); }
+    explicit operator bool() const noexcept { return hasValue(); }
+
+    // These REQUIRE an error.
+    [[nodiscard]] const Error& error() const& noexcept {
+        assert(m_error.has_value());
+        return *m_error;
+    }
+    [[nodiscard]] Error&& error() && noexcept {
+        assert(m_error.has_value());
+        return std::move(*m_error);
+    }
+
+  private:
+    std::optional<Error> m_error;
+};
+
+}  // namespace tessera_host
