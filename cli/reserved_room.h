@@ -2,7 +2,7 @@
 #pragma once
 
 #include "draw/reservation.h"
-#include "host/queries/declarations.h"
+#include "host/document/declarations.h"
 #include "platform/basekit2/variant_bag.h"
 
 namespace tessera_cli {

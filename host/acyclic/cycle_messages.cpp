@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "host/check/components.h"
-#include "host/queries/text.h"
+#include "host/document/text.h"
 
 namespace tessera_host {
 namespace {

@@ -3,7 +3,7 @@
 #include "host/acyclic/document_links.h"
 #include "host/acyclic/turned_document.h"
 #include "host/acyclic/turning.h"
-#include "host/queries/text.h"
+#include "host/document/text.h"
 #include "host/text/xml_reader.h"
 
 namespace tessera_host {

@@ -6,7 +6,7 @@
 
 #include "host/check/components.h"
 #include "host/check/group_edges.h"
-#include "host/queries/text.h"
+#include "host/document/text.h"
 
 namespace tessera_host {
 namespace {

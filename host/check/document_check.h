@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "host/check/finding.h"
-#include "host/queries/declarations.h"
+#include "host/document/declarations.h"
 #include "host/sqlite/database.h"
 
 namespace tessera_host {

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "host/check/element.h"
-#include "host/queries/text.h"
+#include "host/document/text.h"
 
 namespace tessera_host {
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "host/check/element.h"
-#include "host/queries/text.h"
+#include "host/document/text.h"
 #include "host/sqlite/declaration_check.h"
 
 namespace tessera_host {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "host/check/display_sections.h"
-#include "host/queries/declarations.h"
+#include "host/document/declarations.h"
 
 namespace tessera_host {
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/queries/text.h"
+#include "host/document/text.h"
 
 namespace tessera_host {
 namespace {

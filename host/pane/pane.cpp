@@ -11,8 +11,8 @@
 #include "core/factory.h"
 #include "host/acyclic/acyclic_document.h"
 #include "host/catalogs/catalogs.h"
+#include "host/document/text.h"
 #include "host/queries/query_library.h"
-#include "host/queries/text.h"
 #include "host/sqlite/snapshot.h"
 #include "host/text/xml_reader.h"
 

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "core/layout_limits.h"
-#include "host/queries/declarations.h"
+#include "host/document/declarations.h"
 #include "host/sqlite/table_tree_engine.h"
 #include "host/text/read_error.h"
 #include "platform/panelcore_1/request_handler.h"

@@ -5,9 +5,9 @@
 #include <cmath>
 #include <cstddef>
 
+#include "host/document/text.h"
 #include "host/queries/decimal.h"
 #include "host/queries/duration.h"
-#include "host/queries/text.h"
 #include "host/text/utf8.h"
 
 namespace tessera_host {

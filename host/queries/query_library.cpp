@@ -3,7 +3,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/queries/text.h"
+#include "host/document/text.h"
 #include "platform/basekit2/object_registry.h"
 
 namespace tessera_host {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "host/queries/declarations.h"
+#include "host/document/declarations.h"
 #include "host/queries/reference_query.h"
 #include "platform/basekit2/ref_counted.h"
 #include "platform/qlib_1/query_library.h"

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/queries/declarations.h"
+#include "host/document/declarations.h"
 #include "platform/basekit2/ref_counted.h"
 #include "platform/qlib_1/query.h"
 

@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "host/queries/text.h"
+#include "host/document/text.h"
 
 namespace tessera_host {
 namespace {

@@ -1,7 +1,7 @@
 #include "host/sqlite/declaration_check.h"
 
+#include "host/document/text.h"
 #include "host/queries/sql_guard.h"
-#include "host/queries/text.h"
 
 namespace tessera_host {
 namespace {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/queries/declarations.h"
+#include "host/document/declarations.h"
 #include "host/sqlite/connection.h"
 #include "host/sqlite/query_sql.h"
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "host/queries/text.h"
+#include "host/document/text.h"
 #include "host/sqlite/declaration_check.h"
 #include "host/sqlite/snapshot.h"
 

@@ -3,8 +3,8 @@
 
 #include <vector>
 
-#include "host/queries/declarations.h"
-#include "host/queries/problem.h"
+#include "host/document/declarations.h"
+#include "host/document/problem.h"
 #include "host/sqlite/database.h"
 
 namespace tessera_host {

@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "host/queries/text.h"
+#include "host/document/text.h"
 
 namespace tessera_host {
 namespace {

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "host/queries/filters.h"
+#include "host/document/filters.h"
 #include "platform/basekit2/ref_counted.h"
 #include "platform/qlib_1/input_data.h"
 

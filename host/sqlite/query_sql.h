@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/queries/declarations.h"
+#include "host/document/declarations.h"
 
 namespace tessera_host {
 

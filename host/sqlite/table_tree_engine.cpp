@@ -4,8 +4,8 @@
 #include <utility>
 #include <vector>
 
+#include "host/document/text.h"
 #include "host/queries/query_library.h"
-#include "host/queries/text.h"
 #include "host/sqlite/query_runner.h"
 #include "host/sqlite/snapshot.h"
 #include "host/sqlite/total_tree.h"

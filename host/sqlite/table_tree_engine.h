@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "host/queries/declarations.h"
+#include "host/document/declarations.h"
 #include "host/sqlite/database.h"
 #include "host/sqlite/filter_registry.h"
 #include "platform/basekit2/ref_counted.h"

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "host/document/text.h"
 #include "host/queries/number_text.h"
-#include "host/queries/text.h"
 #include "host/text/utf8.h"
 #include "platform/basekit2/object_registry.h"
 

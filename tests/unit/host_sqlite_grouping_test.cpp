@@ -3,7 +3,7 @@
 
 #include <random>
 
-#include "host/queries/percent_encoding.h"
+#include "host/document/percent_encoding.h"
 #include "host/sqlite/declared_query.h"
 #include "tests/unit/host_sqlite_fixture.h"
 

@@ -1,7 +1,7 @@
 // Which rows a key value means.
 #include <gtest/gtest.h>
 
-#include "host/queries/percent_encoding.h"
+#include "host/document/percent_encoding.h"
 #include "host/sqlite/query_sql.h"
 #include "tests/unit/host_sqlite_fixture.h"
 

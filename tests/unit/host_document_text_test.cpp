@@ -1,7 +1,7 @@
 // Text of documents in messages.
 #include <gtest/gtest.h>
 
-#include "host/queries/text.h"
+#include "host/document/text.h"
 
 namespace tessera_host {
 namespace {

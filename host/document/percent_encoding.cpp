@@ -1,4 +1,4 @@
-#include "host/queries/percent_encoding.h"
+#include "host/document/percent_encoding.h"
 
 #include <charconv>
 #include <cstddef>

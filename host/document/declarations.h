@@ -9,9 +9,9 @@
 #include <unordered_map>
 #include <vector>
 
+#include "host/document/filters.h"
+#include "host/document/problem.h"
 #include "host/queries/cell_format.h"
-#include "host/queries/filters.h"
-#include "host/queries/problem.h"
 #include "platform/basekit2/variant_bag.h"
 
 namespace tessera_host {

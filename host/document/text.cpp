@@ -1,4 +1,4 @@
-#include "host/queries/text.h"
+#include "host/document/text.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,8 +1,8 @@
-#include "host/queries/filters.h"
+#include "host/document/filters.h"
 
 #include <utility>
 
-#include "host/queries/text.h"
+#include "host/document/text.h"
 
 namespace tessera_host {
 

@@ -1,11 +1,11 @@
-#include "host/queries/declarations.h"
+#include "host/document/declarations.h"
 
 #include <gtest/gtest.h>
 
 #include <initializer_list>
 #include <utility>
 
-#include "host/queries/percent_encoding.h"
+#include "host/document/percent_encoding.h"
 
 namespace tessera_host {
 namespace {

@@ -1,10 +1,10 @@
-#include "host/queries/declarations.h"
+#include "host/document/declarations.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "host/queries/percent_encoding.h"
-#include "host/queries/text.h"
+#include "host/document/percent_encoding.h"
+#include "host/document/text.h"
 
 namespace tessera_host {
 namespace {
