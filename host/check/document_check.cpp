@@ -4,7 +4,7 @@
 #include "host/check/references.h"
 #include "host/check/structure.h"
 #include "host/check/vocabulary.h"
-#include "host/sqlite/diagnose.h"
+#include "host/engine/sqlite/diagnose.h"
 
 namespace tessera_host {
 

@@ -7,7 +7,7 @@
 
 #include "host/check/finding.h"
 #include "host/document/declarations.h"
-#include "host/sqlite/database.h"
+#include "host/engine/sqlite/database.h"
 
 namespace tessera_host {
 

@@ -6,7 +6,7 @@
 
 #include "host/check/element.h"
 #include "host/document/text.h"
-#include "host/sqlite/declaration_check.h"
+#include "host/engine/sqlite/declaration_check.h"
 
 namespace tessera_host {
 namespace {

@@ -11,7 +11,7 @@
 
 #include "host/document/filters.h"
 #include "host/document/problem.h"
-#include "host/queries/cell_format.h"
+#include "host/values/cell_format.h"
 #include "platform/basekit2/variant_bag.h"
 
 namespace tessera_host {

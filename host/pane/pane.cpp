@@ -12,8 +12,8 @@
 #include "host/acyclic/acyclic_document.h"
 #include "host/catalogs/catalogs.h"
 #include "host/document/text.h"
-#include "host/queries/query_library.h"
-#include "host/sqlite/snapshot.h"
+#include "host/engine/query_library.h"
+#include "host/engine/sqlite/snapshot.h"
 #include "host/text/xml_reader.h"
 
 namespace tessera_host {

@@ -9,7 +9,7 @@
 
 #include "core/layout_limits.h"
 #include "host/document/declarations.h"
-#include "host/sqlite/table_tree_engine.h"
+#include "host/engine/table_tree_engine.h"
 #include "host/text/read_error.h"
 #include "platform/panelcore_1/request_handler.h"
 #include "platform/relay2/messenger.h"

@@ -1,0 +1,94 @@
+#include "host/engine/query_library.h"
+
+#include <utility>
+#include <vector>
+
+#include "host/document/text.h"
+#include "platform/basekit2/object_registry.h"
+
+namespace tessera_host {
+namespace {
+
+using basekit2::sptr_t;
+using qlib_1::IQuery;
+
+constexpr const char* rootGroupingName = "RootGrouping";
+
+class RootGrouping final : public basekit2::ref_counted_t<IQuery> {
+  public:
+    sptr_t<basekit2::IObject> queryInterface(basekit2::type_id_t id) override {
+        if (id == IQuery::typeId) return sptr_t<basekit2::IObject>::share(this);
+        return nullptr;
+    }
+    std::string getIdentifier() const override { return rootGroupingName; }
+};
+
+std::string_view ownText(const basekit2::variant_bag_t& element) {
+    const basekit2::variant_t* value = element.get("");
+    if (value == nullptr || !value->can_get<std::string_view>()) return {};
+    return value->get<std::string_view>();
+}
+
+void tellWrong(relay2::IMessenger* messenger, const basekit2::variant_bag_t& element,
+               const std::string& reason) {
+    if (messenger == nullptr) return;
+    messenger->post(relay2::severity_t::error,
+                    "The reference " + quoted(ownText(element)) + " is wrong: " + reason + ".",
+                    element.position());
+}
+
+}  // namespace
+
+QueryLibrary::QueryLibrary(std::shared_ptr<const Declarations> declarations)
+    : m_pool(std::make_shared<ReferencePool>(std::move(declarations))),
+      m_rootGrouping(basekit2::make_counted<RootGrouping>()) {}
+
+sptr_t<basekit2::IObject> QueryLibrary::queryInterface(basekit2::type_id_t id) {
+    if (id == qlib_1::IQueryLibrary::typeId) return sptr_t<basekit2::IObject>::share(this);
+    return nullptr;
+}
+
+const sptr_t<IQuery>* QueryLibrary::find(std::string_view text, std::string& reason) {
+    if (text.starts_with('/'))
+        if (const auto it = m_references.find(text.substr(1)); it != m_references.end()) return &it->second;
+    auto reference = m_pool->declarations->parseReference(text, reason);
+    if (!reference) return nullptr;
+    auto query =
+        basekit2::make_counted<ReferenceQuery>(m_pool, std::move(*reference), std::string(text.substr(1)));
+    const std::string_view key = query->identifier();
+    return &m_references.emplace(key, std::move(query)).first->second;
+}
+
+sptr_t<IQuery> QueryLibrary::buildQuery(const basekit2::variant_bag_t& definition,
+                                        relay2::IMessenger* messenger) {
+    std::vector<sptr_t<IQuery>> members;
+    std::string reason;
+    for (auto child = definition.begin(); !child.at_end(); child.next()) {
+        if (child.get_name() != "queryRef") continue;
+        const std::string_view text = ownText(child.get_value());
+        if (text.empty()) continue;
+        const sptr_t<IQuery>* member = find(text, reason);
+        if (member == nullptr) {
+            tellWrong(messenger, child.get_value(), reason);
+            return nullptr;
+        }
+        members.push_back(*member);
+    }
+    return qlib_1::IVectorQuery::create(std::move(members));
+}
+
+sptr_t<IQuery> QueryLibrary::getQuery(const std::string& name) {
+    if (name == rootGroupingName) return m_rootGrouping;
+    const QueryDeclaration* declaration = m_pool->declarations->find(name);
+    if (declaration == nullptr || !declaration->keys.empty()) return nullptr;
+    std::string reason;
+    const sptr_t<IQuery>* query = find("/" + name, reason);
+    return query ? *query : nullptr;
+}
+
+bool isRootGrouping(const sptr_t<IQuery>& query) {
+    if (query.is_null() || query->getIdentifier() != rootGroupingName) return false;
+    return basekit2::object_registry_t::process().query<ReferenceQuery>(query).is_null();
+}
+
+}  // namespace tessera_host

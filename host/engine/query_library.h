@@ -1,0 +1,48 @@
+// The query library of a pane.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "host/document/declarations.h"
+#include "host/engine/reference_query.h"
+#include "platform/basekit2/ref_counted.h"
+#include "platform/qlib_1/query_library.h"
+
+namespace tessera_host {
+
+// Builds queries from the references of a document to its own declarations. Equal references share one
+// object, so a row set costs little more than the look-ups of its references.
+class QueryLibrary final : public basekit2::ref_counted_t<qlib_1::IQueryLibrary> {
+  public:
+    explicit QueryLibrary(std::shared_ptr<const Declarations> declarations);
+
+    basekit2::sptr_t<basekit2::IObject> queryInterface(basekit2::type_id_t id) override;
+
+    // A vector query whose members are the "queryRef" children of `definition` that have text, in their
+    // order; without any, a vector query without members. Empty when one of them is no reference to a
+    // declared query, which `messenger` is told.
+    [[nodiscard]] qlib_1::sptr_t<qlib_1::IQuery> buildQuery(const basekit2::variant_bag_t& definition,
+                                                            relay2::IMessenger* messenger) override;
+
+    // "RootGrouping" is always the built-in single total; any other name is the id of a declared query
+    // without keys.
+    [[nodiscard]] qlib_1::sptr_t<qlib_1::IQuery> getQuery(const std::string& name) override;
+
+  private:
+    // The object of the reference `text`, or empty with a reason.
+    const qlib_1::sptr_t<qlib_1::IQuery>* find(std::string_view text, std::string& reason);
+
+    const std::shared_ptr<ReferencePool> m_pool;
+    // By identifier; the keys belong to the objects.
+    std::unordered_map<std::string_view, qlib_1::sptr_t<qlib_1::IQuery>> m_references;
+    const qlib_1::sptr_t<qlib_1::IQuery> m_rootGrouping;
+};
+
+// True for the built-in grouping of any library: a query with its name that is no reference to a declared
+// one.
+[[nodiscard]] bool isRootGrouping(const qlib_1::sptr_t<qlib_1::IQuery>& query);
+
+}  // namespace tessera_host

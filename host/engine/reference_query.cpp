@@ -1,0 +1,31 @@
+#include "host/engine/reference_query.h"
+
+#include <string_view>
+#include <utility>
+
+namespace tessera_host {
+
+void appendKey(KeyText& text, std::string_view key) {
+    text.append(std::to_string(key.size())).append(":").append(key);
+}
+
+KeyText keyTextOf(const std::vector<std::string>& keys) {
+    KeyText text;
+    for (const std::string& key : keys)
+        appendKey(text, key);
+    return text;
+}
+
+ReferenceQuery::ReferenceQuery(std::shared_ptr<ReferencePool> pool, Reference reference,
+                               std::string identifier)
+    : m_pool(std::move(pool)),
+      m_reference(std::move(reference)),
+      m_identifier(std::move(identifier)),
+      m_keyText(&*m_pool->wanted[m_reference.declaration->index].insert(keyTextOf(m_reference.keys)).first) {}
+
+basekit2::sptr_t<basekit2::IObject> ReferenceQuery::queryInterface(basekit2::type_id_t id) {
+    if (id == qlib_1::IQuery::typeId || id == typeId) return basekit2::sptr_t<basekit2::IObject>::share(this);
+    return nullptr;
+}
+
+}  // namespace tessera_host

@@ -1,0 +1,32 @@
+// What is wrong with a declared query, found without running it.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/document/declarations.h"
+#include "host/engine/sqlite/connection.h"
+#include "host/engine/sqlite/query_sql.h"
+
+namespace tessera_host {
+
+// Why `sql` cannot stand where a fragment stands, as "SUBJECT has a ... (at character N)"; none when it can.
+[[nodiscard]] std::optional<std::string> fragmentProblem(std::string_view subject, std::string_view sql);
+// The subject under which a filter is spoken of.
+[[nodiscard]] std::string filterSubject(const std::string& name);
+
+// The fragments of the query that cannot be put into SQL, as clauses for people. The database is not asked.
+[[nodiscard]] std::vector<std::string> fragmentProblems(const QueryDeclaration& query);
+
+// Why the expression has not one value for all rows; none when it has. REQUIRES: the query could be prepared.
+[[nodiscard]] std::optional<std::string> aggregateProblem(Connection& connection,
+                                                          const QueryDeclaration& query);
+
+// Everything that the database rejects, each part of the query looked at by itself. Parts that
+// fragmentProblems() lists are passed over. REQUIRES: the filters have no problem as fragments.
+[[nodiscard]] std::vector<std::string> databaseProblems(Connection& connection, const QueryDeclaration& query,
+                                                        const FilterList& filters);
+
+}  // namespace tessera_host

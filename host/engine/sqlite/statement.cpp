@@ -1,0 +1,84 @@
+#include "host/engine/sqlite/statement.h"
+
+#include "host/engine/sqlite/connection.h"
+
+namespace tessera_host {
+
+StatementRun::StatementRun(Connection& connection, Statement& statement, const RunLimits& limits)
+    : m_connection(connection), m_statement(statement.m_statement.get()) {
+    m_connection.m_watch.arm(limits);
+    m_connection.m_authorizer.guard(statement.m_mayRecurse);
+    sqlite3_stmt_status(m_statement, SQLITE_STMTSTATUS_VM_STEP, 1);
+}
+
+StatementRun::~StatementRun() {
+    sqlite3_reset(m_statement);
+    sqlite3_clear_bindings(m_statement);
+    m_connection.m_authorizer.release();
+    m_connection.m_watch.disarm();
+}
+
+void StatementRun::bindText(int parameter, std::string_view text) {
+    sqlite3_bind_text64(m_statement, parameter, text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8);
+}
+
+void StatementRun::bindFlag(int parameter, bool flag) {
+    sqlite3_bind_int(m_statement, parameter, flag ? 1 : 0);
+}
+
+StatementRun::Step StatementRun::step() {
+    const int code = sqlite3_step(m_statement);
+    if (!m_connection.isUnchanged()) {
+        m_failure = {"the database was changed while it was read"};
+        return Step::failed;
+    }
+    if (code == SQLITE_ROW) return Step::row;
+    if (code == SQLITE_DONE) return Step::done;
+    m_failure = m_connection.failureOf(code);
+    return Step::failed;
+}
+
+bool StatementRun::isOverLimit() const noexcept {
+    const StepWatch::Stop stop = m_connection.m_watch.stop();
+    return stop == StepWatch::Stop::budget || stop == StepWatch::Stop::timeout;
+}
+
+int StatementRun::columnType(int column) const {
+    return sqlite3_column_type(m_statement, column);
+}
+
+std::int64_t StatementRun::columnInteger(int column) const {
+    return sqlite3_column_int64(m_statement, column);
+}
+
+double StatementRun::columnReal(int column) const {
+    return sqlite3_column_double(m_statement, column);
+}
+
+std::string_view StatementRun::columnText(int column) const {
+    const void* text = sqlite3_column_type(m_statement, column) == SQLITE_BLOB
+                           ? sqlite3_column_blob(m_statement, column)
+                           : sqlite3_column_text(m_statement, column);
+    const int size = sqlite3_column_bytes(m_statement, column);
+    return text ? std::string_view(static_cast<const char*>(text), static_cast<std::size_t>(size))
+                : std::string_view();
+}
+
+CellValue StatementRun::columnValue(int column) const {
+    switch (columnType(column)) {
+        case SQLITE_INTEGER:
+            return columnInteger(column);
+        case SQLITE_FLOAT:
+            return columnReal(column);
+        case SQLITE_NULL:
+            return std::monostate();
+        default:
+            return std::string(columnText(column));
+    }
+}
+
+std::uint64_t StatementRun::steps() const {
+    return static_cast<std::uint32_t>(sqlite3_stmt_status(m_statement, SQLITE_STMTSTATUS_VM_STEP, 0));
+}
+
+}  // namespace tessera_host

@@ -1,0 +1,74 @@
+// Prepared statements of a document and their runs.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+#include "host/engine/sqlite/failure.h"
+#include "host/engine/sqlite/step_watch.h"
+#include "host/values/cell_format.h"
+
+namespace tessera_host {
+
+class Connection;
+
+// A statement made by Connection::prepare, or nothing. May outlive its connection, but is then of no use.
+class Statement {
+  public:
+    Statement() = default;
+    Statement(sqlite3_stmt* statement, bool mayRecurse) : m_statement(statement), m_mayRecurse(mayRecurse) {}
+
+    explicit operator bool() const noexcept { return m_statement != nullptr; }
+
+  private:
+    friend class StatementRun;
+    struct Finalizer {
+        void operator()(sqlite3_stmt* statement) const noexcept { sqlite3_finalize(statement); }
+    };
+
+    std::unique_ptr<sqlite3_stmt, Finalizer> m_statement;
+    bool m_mayRecurse = false;
+};
+
+// One run of a statement, under guard and within limits from its making to its end; only one at a time exists
+// on a connection. REQUIRES: the statement is one of this connection and not empty; bound texts live as long
+// as the run.
+class StatementRun {
+  public:
+    enum class Step { row, done, failed };
+
+    StatementRun(Connection& connection, Statement& statement, const RunLimits& limits);
+    ~StatementRun();
+    StatementRun(const StatementRun&) = delete;
+    StatementRun& operator=(const StatementRun&) = delete;
+
+    // Parameters are counted from 1. Those that are not bound are NULL.
+    void bindText(int parameter, std::string_view text);
+    void bindFlag(int parameter, bool flag);
+
+    Step step();
+    // After a failed step: why.
+    [[nodiscard]] const Failure& failure() const noexcept { return m_failure; }
+    // After a failed step: whether the budget or the time limit was the reason.
+    [[nodiscard]] bool isOverLimit() const noexcept;
+
+    // Columns of the present row, counted from 0. The text stays valid until the next step.
+    [[nodiscard]] int columnType(int column) const;
+    [[nodiscard]] std::int64_t columnInteger(int column) const;
+    [[nodiscard]] double columnReal(int column) const;
+    [[nodiscard]] std::string_view columnText(int column) const;
+    [[nodiscard]] CellValue columnValue(int column) const;
+
+    // Virtual-machine steps so far.
+    [[nodiscard]] std::uint64_t steps() const;
+
+  private:
+    Connection& m_connection;
+    sqlite3_stmt* m_statement;
+    Failure m_failure;
+};
+
+}  // namespace tessera_host

@@ -1,0 +1,140 @@
+#include "host/engine/table_tree_engine.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/document/text.h"
+#include "host/engine/query_library.h"
+#include "host/engine/sqlite/query_runner.h"
+#include "host/engine/sqlite/snapshot.h"
+#include "host/engine/total_tree.h"
+#include "platform/basekit2/object_registry.h"
+
+namespace tessera_host {
+namespace {
+
+using basekit2::error_code_t;
+using basekit2::sptr_t;
+
+error_code_t raise(const bk2::error::entry_t& error, const std::string& text, int line) {
+    return error_code_t::raise(error(_U(text)), "run", "host/engine/table_tree_engine", line);
+}
+
+class Engine final : public basekit2::ref_counted_t<slicekit_1_0::ITableTreeEngine> {
+  public:
+    Engine(std::shared_ptr<Database> database, std::shared_ptr<const Declarations> declarations,
+           sptr_t<FilterRegistry> filters, relay2::IMessenger* messenger)
+        : m_database(database),
+          m_filters(std::move(filters)),
+          m_messenger(messenger),
+          m_runner(std::move(database), std::move(declarations)) {}
+
+    sptr_t<basekit2::IObject> queryInterface(basekit2::type_id_t id) override {
+        if (id == slicekit_1_0::ITableTreeEngine::typeId) return sptr_t<basekit2::IObject>::share(this);
+        return nullptr;
+    }
+
+    error_code_t run(const slicekit_1_0::table_tree_request_t& request, relay2::IProgress* progress,
+                     bool wait, sptr_t<qlib_1::ITableTree>& tree) override;
+
+  private:
+    [[nodiscard]] std::string formProblem(const slicekit_1_0::table_tree_request_t& request);
+    [[nodiscard]] error_code_t fillCells(const slicekit_1_0::table_tree_request_t& request,
+                                         relay2::IProgress* progress, std::vector<std::string>& cells);
+    [[nodiscard]] error_code_t fail(const std::string& text, basekit2::source_position_t position,
+                                    bool isNew);
+    [[nodiscard]] error_code_t failSnapshot(const Failure& failure);
+    [[nodiscard]] error_code_t failQuery(const QueryDeclaration& declaration, DeclaredQuery& query,
+                                         const Failure& failure);
+
+    const std::shared_ptr<Database> m_database;
+    const sptr_t<FilterRegistry> m_filters;
+    relay2::IMessenger* const m_messenger;
+    QueryRunner m_runner;
+    std::uint64_t m_toldSnapshot = 0;
+};
+
+error_code_t Engine::run(const slicekit_1_0::table_tree_request_t& request, relay2::IProgress* progress, bool,
+                         sptr_t<qlib_1::ITableTree>& tree) {
+    if (progress && progress->isCancelled())
+        return raise(bk2::error::Cancelled, "the request was cancelled", __LINE__);
+    if (const std::string problem = formProblem(request); !problem.empty()) return fail(problem, {}, true);
+
+    const Snapshot snapshot(m_database, progress);
+    if (const auto failure = snapshot.failure()) return failSnapshot(*failure);
+    std::vector<std::string> cells;
+    const error_code_t error = fillCells(request, progress, cells);
+    if (!error.is_success()) return error;
+    tree = makeTotalTree(request.columns, std::move(cells));
+    return {};
+}
+
+// What makes the request one that this engine cannot answer; "" when there is nothing. Otherwise the filters
+// are those of the request afterwards.
+std::string Engine::formProblem(const slicekit_1_0::table_tree_request_t& request) {
+    if (request.columns.is_null()) return "the query has no columns";
+    if (request.rowGrouping.is_null() || request.rowGrouping->size() != 1 ||
+        !isRootGrouping(request.rowGrouping->at(0)))
+        return "the rows of a query can only be grouped by the single \"RootGrouping\"";
+    FilterList filters;
+    for (const std::string& name : request.filters) {
+        auto predicate = m_filters->predicateOf(name);
+        if (!predicate) return "there is no filter " + quoted(name);
+        filters.push_back({name, std::move(*predicate)});
+    }
+    m_runner.setFilters(std::move(filters));
+    return {};
+}
+
+error_code_t Engine::fillCells(const slicekit_1_0::table_tree_request_t& request, relay2::IProgress* progress,
+                               std::vector<std::string>& cells) {
+    for (std::size_t i = 0; i < request.columns->size(); ++i) {
+        const auto member = request.columns->at(i);
+        const auto reference = basekit2::object_registry_t::process().query<ReferenceQuery>(member);
+        if (reference.is_null() || !m_runner.knows(*reference))
+            return fail("the query " + quoted(member->getIdentifier()) + " is none of this document's", {},
+                        true);
+        const QueryRunner::Result result = m_runner.run(*reference, progress);
+        if (const auto* failure = std::get_if<Failure>(&result.answer))
+            return failQuery(reference->declaration(), result.query, *failure);
+        cells.push_back(std::get<std::string>(result.answer));
+    }
+    return {};
+}
+
+error_code_t Engine::failQuery(const QueryDeclaration& declaration, DeclaredQuery& query,
+                               const Failure& failure) {
+    if (failure.isCancelled) return raise(bk2::error::Cancelled, failure.text, __LINE__);
+    return fail("query " + quoted(declaration.id) + ": " + failure.text, declaration.position,
+                query.claimTelling(m_database->snapshotNumber()));
+}
+
+error_code_t Engine::failSnapshot(const Failure& failure) {
+    if (failure.isCancelled) return raise(bk2::error::Cancelled, failure.text, __LINE__);
+    const bool isNew =
+        std::exchange(m_toldSnapshot, m_database->snapshotNumber()) != m_database->snapshotNumber();
+    return fail(failure.text, {}, isNew);
+}
+
+error_code_t Engine::fail(const std::string& text, basekit2::source_position_t position, bool isNew) {
+    if (isNew && m_messenger) m_messenger->post(relay2::severity_t::error, text, position);
+    return raise(bk2::error::FailedTo, text, __LINE__);
+}
+
+}  // namespace
+
+InputData::InputData(std::shared_ptr<Database> database, std::shared_ptr<const Declarations> declarations,
+                     Filters filters, relay2::IMessenger* messenger)
+    : m_filters(basekit2::make_counted<FilterRegistry>(std::move(filters))),
+      m_engine(basekit2::make_counted<Engine>(std::move(database), std::move(declarations), m_filters,
+                                              messenger)) {}
+
+sptr_t<basekit2::IObject> InputData::queryInterface(basekit2::type_id_t id) {
+    if (id == qlib_1::IInputData::typeId) return sptr_t<basekit2::IObject>::share(this);
+    if (id == qlib_1::IFilterRegistry::typeId) return m_filters;
+    if (id == slicekit_1_0::ITableTreeEngine::typeId) return m_engine;
+    return nullptr;
+}
+
+}  // namespace tessera_host

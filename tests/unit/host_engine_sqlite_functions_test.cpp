@@ -1,0 +1,112 @@
+// The SQL functions that replace SQLite's own, held against those.
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "host/engine/sqlite/bounded_functions.h"
+
+namespace tessera_host {
+namespace {
+
+class Memory {
+  public:
+    Memory() { EXPECT_EQ(sqlite3_open(":memory:", &m_database), SQLITE_OK); }
+    ~Memory() { sqlite3_close(m_database); }
+    Memory(const Memory&) = delete;
+    Memory& operator=(const Memory&) = delete;
+
+    [[nodiscard]] sqlite3* get() const { return m_database; }
+    // Type and value of an expression, or the error.
+    [[nodiscard]] std::string value(const std::string& expression) const {
+        sqlite3_stmt* statement = nullptr;
+        const std::string sql = "SELECT typeof(v) || ' ' || quote(v) FROM (SELECT " + expression + " AS v)";
+        EXPECT_EQ(sqlite3_prepare_v2(m_database, sql.c_str(), -1, &statement, nullptr), SQLITE_OK) << sql;
+        const bool hasRow = sqlite3_step(statement) == SQLITE_ROW;
+        const std::string text = hasRow ? reinterpret_cast<const char*>(sqlite3_column_text(statement, 0))
+                                        : sqlite3_errmsg(m_database);
+        sqlite3_finalize(statement);
+        return text;
+    }
+
+  private:
+    sqlite3* m_database = nullptr;
+};
+
+class SqliteFunctions : public testing::Test {
+  protected:
+    SqliteFunctions() { EXPECT_EQ(registerBoundedFunctions(bounded.get()), SQLITE_OK); }
+
+    Memory own;
+    Memory bounded;
+};
+
+TEST_F(SqliteFunctions, AnswerWhatSqlitesOwnAnswer) {
+    const std::vector<std::string> values{"NULL",
+                                          "''",
+                                          "'a'",
+                                          "'b'",
+                                          "'aab'",
+                                          "'abaab'",
+                                          "'a' || char(8364) || 'b'",
+                                          "char(8364)",
+                                          "char(233)",
+                                          "char(8364, 233, 8364)",
+                                          "x''",
+                                          "x'61'",
+                                          "x'006162'",
+                                          "x'E282'",
+                                          "x'AC61'",
+                                          "0",
+                                          "15",
+                                          "-1.5",
+                                          "1e300",
+                                          "'  pad '",
+                                          "' '",
+                                          "'a' || char(0) || 'b'",
+                                          "'A'",
+                                          "'aaaaaaaaaaaaaaaaaaaab'",
+                                          "char(128512) || 'x'"};
+    for (const std::string& x : values)
+        for (const std::string& y : values) {
+            for (const char* name : {"instr", "trim", "ltrim", "rtrim"}) {
+                const std::string call = std::string(name) + "(" + x + ", " + y + ")";
+                ASSERT_EQ(bounded.value(call), own.value(call)) << call;
+            }
+            for (const std::string& z : values) {
+                const std::string call = "replace(" + x + ", " + y + ", " + z + ")";
+                ASSERT_EQ(bounded.value(call), own.value(call)) << call;
+            }
+        }
+}
+
+TEST_F(SqliteFunctions, AnswerTheSameForRandomTexts) {
+    std::mt19937 random(3);
+    const std::vector<std::string> pieces{"a", "b", "ab", "\u00E9", "\u20AC", "\U0001F600", " "};
+    const auto text = [&] {
+        std::string made = "'";
+        for (auto count = random() % 8; count > 0; --count)
+            made += pieces[random() % pieces.size()];
+        return made + "'";
+    };
+    for (int i = 0; i < 5000; ++i)
+        for (const char* name : {"instr", "trim", "ltrim", "rtrim", "replace"}) {
+            std::string call = std::string(name) + "(" + text() + ", " + text();
+            if (std::string_view(name) == "replace") call += ", " + text();
+            call += ")";
+            ASSERT_EQ(bounded.value(call), own.value(call)) << call;
+        }
+}
+
+TEST_F(SqliteFunctions, RefuseWhatIsTooLarge) {
+    for (const Memory* memory : {&own, &bounded}) {
+        sqlite3_limit(memory->get(), SQLITE_LIMIT_LENGTH, 1000);
+        EXPECT_EQ(memory->value("replace('aaaaaaaaaa', 'a', hex(zeroblob(100)))"), "string or blob too big");
+        EXPECT_EQ(memory->value("length(replace('aaaa', 'a', hex(zeroblob(100))))"), "integer 800");
+    }
+}
+
+}  // namespace
+}  // namespace tessera_host
