@@ -1,17 +1,42 @@
-// Something wrong in a document, at its place.
+// Something wrong with a document, or worth knowing about it, at its place.
 #pragma once
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "platform/basekit2/variant_bag.h"
+#include "platform/relay2/messenger.h"
 
 namespace tessera_host {
 
 struct Problem {
-    basekit2::source_position_t position;
-    std::string text;  // one sentence without a full stop, for people
+    basekit2::source_position_t position;  // line 0: about the document as a whole
+    std::string text;                      // one sentence without a full stop, for people
+    relay2::severity_t severity = relay2::severity_t::error;
 
     friend bool operator==(const Problem&, const Problem&) = default;
+};
+
+// Collects problems in any order. One thread at a time.
+class ProblemList {
+  public:
+    void error(basekit2::source_position_t position, std::string text) {
+        add(position, std::move(text), relay2::severity_t::error);
+    }
+    void warning(basekit2::source_position_t position, std::string text) {
+        add(position, std::move(text), relay2::severity_t::warning);
+    }
+    void add(basekit2::source_position_t position, std::string text, relay2::severity_t severity) {
+        m_problems.push_back({position, std::move(text), severity});
+    }
+
+    // All of them in the order of the document, those without a position first. Problems at one place stay in
+    // the order in which they were added.
+    [[nodiscard]] std::vector<Problem> sorted() const;
+
+  private:
+    std::vector<Problem> m_problems;
 };
 
 }  // namespace tessera_host

@@ -1,0 +1,30 @@
+// The display modes of a diagram.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace tessera_host {
+
+// Which of a label's values a diagram shows. A new diagram is in the first mode.
+enum class DisplayMode : std::uint8_t { bandwidth, ratio, size };
+
+// By DisplayMode. A document's elements and requests name the modes in this way.
+inline constexpr std::array<std::string_view, 3> displayModeNames{"bandwidth", "ratio", "size"};
+
+[[nodiscard]] constexpr std::string_view nameOf(DisplayMode mode) noexcept {
+    return displayModeNames[static_cast<std::size_t>(mode)];
+}
+
+// None when no mode has this name.
+[[nodiscard]] constexpr std::optional<DisplayMode> displayModeOf(std::string_view name) noexcept {
+    const auto* found = std::find(displayModeNames.begin(), displayModeNames.end(), name);
+    if (found == displayModeNames.end()) return std::nullopt;
+    return static_cast<DisplayMode>(found - displayModeNames.begin());
+}
+
+}  // namespace tessera_host

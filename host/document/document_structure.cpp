@@ -1,0 +1,189 @@
+#include "host/document/document_structure.h"
+
+#include <array>
+#include <utility>
+
+namespace tessera_host {
+
+using basekit2::variant_bag_t;
+using tessera_support::CancelToken;
+
+namespace {
+
+std::string_view textOf(const variant_bag_t& element, std::string_view name) {
+    const basekit2::variant_t* value = element.get(name);
+    if (value == nullptr || !value->can_get<std::string_view>()) return {};
+    return value->get<std::string_view>();
+}
+
+LabelPlace placeOf(const variant_bag_t& label) {
+    const std::string_view location = textOf(label, "location");
+    return location == "from" ? LabelPlace::from : location == "to" ? LabelPlace::to : LabelPlace::center;
+}
+
+}  // namespace
+
+class DocumentReader {
+  public:
+    DocumentReader(DocumentStructure& structure, const CancelToken& token)
+        : m_out(structure), m_token(token) {}
+
+    void read(const variant_bag_t& viewpoint) {
+        forEachChild(viewpoint, [this](std::string_view name, const variant_bag_t& diagram) {
+            if (name != "diagram") return;
+            m_out.m_diagrams.push_back(&diagram);
+            forEachChild(diagram, [this](std::string_view section, const variant_bag_t& element) {
+                if (section == "graph") readGraph(element);
+                if (section == "display") readDisplay(element);
+            });
+        });
+    }
+
+  private:
+    using Index = DocumentStructure::Index;
+    using Range = DocumentStructure::Range;
+    using Labels = std::array<Index, labelPlaceNames.size()>;  // the last label at each place, or none
+
+    static constexpr Index none = DocumentStructure::none;
+    static constexpr Labels noLabels{none, none, none};
+
+    template <class Visit>
+    void forEachChild(const variant_bag_t& parent, Visit visit) const {
+        for (auto child = parent.begin(); !child.at_end() && !m_token.isCancelled(); child.next())
+            visit(child.get_name(), child.get_value());
+    }
+
+    // Makes `index` the last object under `key`; the one before it is replaced.
+    template <class Objects, class Map, class Key>
+    static void replaceLast(Objects& objects, Map& lastByKey, const Key& key, Index index) {
+        const auto [last, isNew] = lastByKey.try_emplace(key, index);
+        if (!isNew) objects[std::exchange(last->second, index)].replacedBy = index;
+    }
+    template <class Objects>
+    static void replaceLast(Objects& objects, Index& last, Index index) {
+        if (last != none) objects[last].replacedBy = index;
+        last = index;
+    }
+
+    void readGraph(const variant_bag_t& section) {
+        m_out.m_graphs.push_back(&section);
+        forEachChild(section, [this](std::string_view name, const variant_bag_t& element) {
+            if (name == "node") readNodes(element);
+            if (name == "link") readLink(element);
+        });
+    }
+
+    // A node and all that is inside it.
+    void readNodes(const variant_bag_t& top) {
+        struct OpenGroup {
+            Index node;
+            variant_bag_t::iterator_t child;
+        };
+        std::vector<OpenGroup> open{{addNode(top, DocumentStructure::topLevel), top.begin()}};
+        while (!open.empty() && !m_token.isCancelled()) {
+            OpenGroup& group = open.back();
+            if (group.child.at_end()) {
+                replaceLast(m_out.m_nodes, m_out.m_nodeIndex, m_out.m_nodes[group.node].id, group.node);
+                open.pop_back();
+                continue;
+            }
+            const bool isNode = group.child.get_name() == "node";
+            const variant_bag_t& element = group.child.get_value();
+            group.child.next();
+            if (isNode) open.push_back({addNode(element, group.node), element.begin()});
+        }
+    }
+
+    Index addNode(const variant_bag_t& element, Index parent) {
+        m_out.m_nodes.push_back({&element, textOf(element, "id"), parent});
+        return m_out.m_nodes.size() - 1;
+    }
+
+    void readLink(const variant_bag_t& element) {
+        const auto end = [&](std::string_view name) {
+            return m_out.findNode(textOf(element, name)).value_or(DocumentStructure::topLevel);
+        };
+        const std::string_view id = textOf(element, "id");
+        m_out.m_links.push_back({&element, id, end("from"), end("to")});
+        replaceLast(m_out.m_links, m_out.m_linkIndex, id, m_out.m_links.size() - 1);
+    }
+
+    void readDisplay(const variant_bag_t& section) {
+        forEachChild(section, [this](std::string_view name, const variant_bag_t& element) {
+            if (name == "graph") m_out.m_displayGraphs.push_back(&element);
+            if (name == "node") readNodeEntry(element);
+            if (name == "link") readLinkEntry(element);
+        });
+    }
+
+    void readNodeEntry(const variant_bag_t& element) {
+        const std::string_view id = textOf(element, "id");
+        const Index node = m_out.findNode(id).value_or(none);
+        m_out.m_nodeEntries.push_back({&element, id, node, readRowSets(element)});
+        if (node != none)
+            replaceLast(m_out.m_nodeEntries, m_lastOfNode, node, m_out.m_nodeEntries.size() - 1);
+    }
+
+    void readLinkEntry(const variant_bag_t& element) {
+        const std::string_view id = textOf(element, "id");
+        const Index link = m_out.findLink(id).value_or(none);
+        Labels own = noLabels;
+        Labels& last = link == none ? own : m_labelsOfLink.try_emplace(link, noLabels).first->second;
+        const Index begin = m_out.m_labels.size();
+        forEachChild(element, [&](std::string_view name, const variant_bag_t& label) {
+            if (name == "label") readLabel(label, last);
+        });
+        m_out.m_linkEntries.push_back({&element, id, link, {begin, m_out.m_labels.size()}});
+        if (link != none)
+            replaceLast(m_out.m_linkEntries, m_lastOfLink, link, m_out.m_linkEntries.size() - 1);
+    }
+
+    void readLabel(const variant_bag_t& label, Labels& lastLabels) {
+        std::array<Index, displayModeNames.size()> lastModes{none, none, none};
+        const Index begin = m_out.m_modes.size();
+        forEachChild(label, [&](std::string_view name, const variant_bag_t& transfer) {
+            if (name != "dataTransfer") return;
+            forEachChild(transfer, [&](std::string_view modeName, const variant_bag_t& element) {
+                const auto mode = displayModeOf(modeName);
+                if (!mode) return;
+                m_out.m_modes.push_back({&element, &transfer, *mode, readRowSets(element)});
+                replaceLast(m_out.m_modes, lastModes[static_cast<std::size_t>(*mode)],
+                            m_out.m_modes.size() - 1);
+            });
+        });
+        const LabelPlace place = placeOf(label);
+        m_out.m_labels.push_back({&label, place, {begin, m_out.m_modes.size()}});
+        replaceLast(m_out.m_labels, lastLabels[static_cast<std::size_t>(place)], m_out.m_labels.size() - 1);
+    }
+
+    Range readRowSets(const variant_bag_t& parent) {
+        Index last = none;
+        const Index begin = m_out.m_rowSets.size();
+        forEachChild(parent, [&](std::string_view name, const variant_bag_t& element) {
+            if (name != "rowSet") return;
+            m_out.m_rowSets.push_back({&element, readRows(element)});
+            replaceLast(m_out.m_rowSets, last, m_out.m_rowSets.size() - 1);
+        });
+        return {begin, m_out.m_rowSets.size()};
+    }
+
+    Range readRows(const variant_bag_t& rowSet) {
+        const Index begin = m_out.m_rows.size();
+        forEachChild(rowSet, [this](std::string_view name, const variant_bag_t& element) {
+            if (name == "queryRef") m_out.m_rows.push_back({&element, textOf(element, "")});
+        });
+        return {begin, m_out.m_rows.size()};
+    }
+
+    DocumentStructure& m_out;
+    const CancelToken& m_token;
+    std::unordered_map<Index, Index> m_lastOfNode;  // entries
+    std::unordered_map<Index, Index> m_lastOfLink;
+    std::unordered_map<Index, Labels> m_labelsOfLink;
+};
+
+DocumentStructure::DocumentStructure(const variant_bag_t& viewpoint, const CancelToken& token) {
+    DocumentReader(*this, token).read(viewpoint);
+}
+
+}  // namespace tessera_host

@@ -1,0 +1,15 @@
+#include "host/document/problem.h"
+
+#include <algorithm>
+
+namespace tessera_host {
+
+std::vector<Problem> ProblemList::sorted() const {
+    std::vector<Problem> problems = m_problems;
+    std::stable_sort(problems.begin(), problems.end(), [](const Problem& a, const Problem& b) {
+        return std::pair(a.position.line, a.position.column) < std::pair(b.position.line, b.position.column);
+    });
+    return problems;
+}
+
+}  // namespace tessera_host

@@ -1,0 +1,67 @@
+// A viewpoint document, read once.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/document/declarations.h"
+#include "host/document/document_structure.h"
+#include "host/document/problem.h"
+#include "host/error.h"
+#include "platform/basekit2/variant_bag.h"
+#include "support/cancel_token.h"
+
+namespace tessera_host {
+
+// Everything that a document says: its bag with positions, its queries and filters, its nodes, links and what
+// they show, and what was wrong with it. A viewpoint never changes, so any number of panes and threads share
+// one by `std::shared_ptr<const Viewpoint>`. What changes a document, such as the reversal of links, makes a
+// new viewpoint. References and string views that it returns are valid as long as it is alive.
+class Viewpoint {
+    struct Private {};  // only the functions below make one
+
+  public:
+    using Pointer = std::shared_ptr<const Viewpoint>;
+
+    // Reads the XML document in the file `path`; the path becomes the name of the viewpoint. The error has the
+    // kind cannotOpen when the file cannot be read, failed when it is not a well-formed document.
+    [[nodiscard]] static Expected<Pointer> readFile(const std::string& path,
+                                                    const tessera_support::CancelToken& token);
+
+    // The same for a document that is at hand as text. `name` is what messages call it.
+    [[nodiscard]] static Expected<Pointer> readText(std::string_view text, std::string name,
+                                                    const tessera_support::CancelToken& token);
+
+    // The same for a document that is a bag already. Fails only when it is cancelled.
+    [[nodiscard]] static Expected<Pointer> fromBag(basekit2::variant_bag_t bag, std::string name,
+                                                   const tessera_support::CancelToken& token);
+
+    Viewpoint(Private, basekit2::variant_bag_t bag, std::string name,
+              const tessera_support::CancelToken& token);
+    Viewpoint(const Viewpoint&) = delete;
+    Viewpoint& operator=(const Viewpoint&) = delete;
+
+    // A path, as a rule.
+    [[nodiscard]] const std::string& name() const noexcept { return m_name; }
+    // The document as the diagram library reads it. Each bag has the position of its start tag.
+    [[nodiscard]] const basekit2::variant_bag_t& bag() const noexcept { return m_bag; }
+    [[nodiscard]] const DocumentStructure& structure() const noexcept { return m_structure; }
+    // Never null. Does not refer to the viewpoint: it may be kept longer.
+    [[nodiscard]] const std::shared_ptr<const Declarations>& declarations() const noexcept {
+        return m_declarations;
+    }
+    // The document's own filters; a pane may replace them for itself.
+    [[nodiscard]] const Filters& filters() const noexcept { return m_declarations->filters(); }
+    // Which declarations could not be read as they are written. `checkDocument` finds much more.
+    [[nodiscard]] const std::vector<Problem>& problems() const noexcept { return m_declarations->problems(); }
+
+  private:
+    const basekit2::variant_bag_t m_bag;
+    const std::string m_name;
+    const DocumentStructure m_structure;  // refers to the bag
+    const std::shared_ptr<const Declarations> m_declarations;
+};
+
+}  // namespace tessera_host
