@@ -50,3 +50,11 @@ function(tessera_target name)
     target_link_options(${name} PRIVATE -fsanitize=${TESSERA_SANITIZE})
   endif()
 endfunction()
+
+# A library that is loaded on demand. Its file name carries the version: its interface is shared only by what was built
+# together.
+function(tessera_module name)
+  add_library(${name} MODULE ${ARGN})
+  set_target_properties(${name} PROPERTIES OUTPUT_NAME "${name}-${PROJECT_VERSION}" INSTALL_RPATH "$ORIGIN")
+  tessera_target(${name})
+endfunction()

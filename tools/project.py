@@ -8,7 +8,7 @@ import re
 import subprocess
 
 # The folders that hold C++.
-CODE = ("support", "platform", "core", "modules", "host", "draw", "cli", "tests", "bench", "fuzz")
+CODE = ("support", "platform", "core", "host", "draw", "cli", "tests", "bench", "fuzz")
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 
 

@@ -16,7 +16,7 @@ import sys
 
 import project
 
-FOLDERS = ("support", "platform", "core", "modules", "host", "draw", "cli")
+FOLDERS = ("support", "platform", "core", "host", "draw", "cli")
 
 
 def main():

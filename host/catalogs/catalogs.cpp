@@ -1,13 +1,13 @@
 #include "host/catalogs/catalogs.h"
 
-#include "modules/module.h"
+#include "support/module_loader.h"
 
 namespace tessera_host {
 
 Catalogs readCatalogs(const std::string& directory, const std::string& locale,
                       std::vector<std::string>& problems) {
     std::string error;
-    void* symbol = tessera_modules::findInModule(TESSERA_CATALOGS_LIBRARY, "tesseraReadCatalogs", error);
+    void* symbol = tessera_support::findInModule(TESSERA_CATALOGS_LIBRARY, "tesseraReadCatalogs", error);
     if (symbol == nullptr) {
         problems.push_back("message catalogues cannot be read here: " + error);
         return nullptr;

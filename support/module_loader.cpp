@@ -1,15 +1,15 @@
-#include "modules/module.h"
+#include "support/module_loader.h"
 
 #include <dlfcn.h>
 #include <link.h>
 
 #include <string_view>
 
-namespace tessera_modules {
+namespace tessera_support {
 namespace {
 
-// The folder that the program's other libraries were loaded from, with a slash behind; empty if nobody knows.
-// The loader's own search begins with whoever calls it, which under a sanitizer is not the program.
+// The folder that the program's other libraries were loaded from, with a slash at the end; empty if unknown.
+// The loader itself searches relative to its caller, which under a sanitizer is not the program.
 std::string folderOfLibraries() {
     void* program = dlopen(nullptr, RTLD_NOW | RTLD_LOCAL);
     link_map* each = nullptr;
@@ -33,4 +33,4 @@ void* findInModule(const std::string& library, const char* name, std::string& er
     return nullptr;
 }
 
-}  // namespace tessera_modules
+}  // namespace tessera_support

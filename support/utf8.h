@@ -1,0 +1,57 @@
+// Byte strings as UTF-8: decoding, validation, repair. Any bytes are accepted, and nothing here throws except
+// for lack of memory. Any thread.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace tessera_support {
+
+inline constexpr std::string_view replacementText = "\xEF\xBF\xBD";  // U+FFFD
+inline constexpr char32_t replacementCode = 0xFFFD;
+
+struct Utf8Character {
+    char32_t code;       // U+FFFD when not valid
+    std::size_t length;  // in bytes, at least 1
+    bool isValid;
+};
+
+namespace detail {
+[[nodiscard]] Utf8Character decodeLongUtf8(std::string_view text) noexcept;
+}
+
+// The character that `text` begins with. Surrogates, overlong forms and codes above U+10FFFF are not valid;
+// then `length` is the number of bytes that one U+FFFD replaces: the longest piece that could have begun a
+// character, or a single byte.
+//
+// REQUIRES: !text.empty().
+[[nodiscard]] inline Utf8Character decodeUtf8(std::string_view text) noexcept {
+    const auto lead = static_cast<unsigned char>(text.front());
+    if (lead < 0x80) return {lead, 1, true};
+    return detail::decodeLongUtf8(text);
+}
+
+// How many bytes at the beginning of `text` are valid UTF-8. Reads eight bytes at once where they are ASCII.
+[[nodiscard]] std::size_t validUtf8Prefix(std::string_view text) noexcept;
+
+[[nodiscard]] inline bool isValidUtf8(std::string_view text) noexcept {
+    return validUtf8Prefix(text) == text.size();
+}
+
+// A copy in which every piece that is not valid is one U+FFFD; the pieces are those of decodeUtf8().
+[[nodiscard]] std::string repairUtf8(std::string_view text);
+
+// The length of the longest beginning of `text` that has at most `maxBytes` and does not end inside a
+// character.
+[[nodiscard]] inline std::size_t truncatedUtf8Length(std::string_view text, std::size_t maxBytes) noexcept {
+    if (text.size() <= maxBytes) return text.size();
+    constexpr std::size_t maxTrailBytes = 3;
+    std::size_t end = maxBytes;
+    while (end > 0 && maxBytes - end <= maxTrailBytes &&
+           (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+        --end;
+    return end;
+}
+
+}  // namespace tessera_support
