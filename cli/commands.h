@@ -17,10 +17,12 @@ int session(const Options& options);
 int check(const Options& options);
 
 // The pane that the options describe; null, with the message printed and `exitStatus` set, when it cannot be
-// opened. `reservation`, when it is not null, becomes the room that a drawing of the document keeps.
+// opened. `reservation`, when it is not null, becomes the room that a drawing of the document keeps. `watcher`
+// may be null and must outlive the pane.
 [[nodiscard]] std::unique_ptr<tessera_host::Pane> openPane(const Options& options,
                                                            relay2::IMessenger& messenger,
                                                            relay2::IProgress& progress, int& exitStatus,
-                                                           tessera_draw::Reservation* reservation = nullptr);
+                                                           tessera_draw::Reservation* reservation = nullptr,
+                                                           tessera_1::ILayoutWatcher* watcher = nullptr);
 
 }  // namespace tessera_cli

@@ -10,13 +10,7 @@
 
 namespace tessera_cli {
 
-LayoutInspector::LayoutInspector(const Options& options) : m_options(options) {
-    tessera_1::setLayoutWatcher(this);
-}
-
-LayoutInspector::~LayoutInspector() {
-    tessera_1::setLayoutWatcher(nullptr);
-}
+LayoutInspector::LayoutInspector(const Options& options) : m_options(options) {}
 
 int LayoutInspector::prepare() const {
     if (m_options.dumpFolder.empty()) return exitDone;
@@ -48,18 +42,17 @@ std::string LayoutInspector::dumpPath(std::size_t number, const std::string& sta
     return std::filesystem::path(m_options.dumpFolder) / fmt::format("{:02}-{}.txt", number, stage);
 }
 
-bool LayoutInspector::stageEnded(const std::string& stage, std::chrono::nanoseconds took,
-                                 const tessera_1::view_model::Graph& graph) {
-    m_times.emplace_back(stage, took);
-    m_isCutShort = tessera_1::isCutShort(graph);
-    if (!m_options.dumpFolder.empty()) writeDump(stage, graph);
+bool LayoutInspector::stageEnded(const tessera_1::LayoutStage& stage) {
+    m_times.emplace_back(stage.name, stage.took);
+    m_isTruncated = stage.isTruncated;
+    if (!m_options.dumpFolder.empty()) writeDump(stage.name, stage.graph);
     if (m_options.verify) {
-        for (const std::string& finding : tessera_1::verifyGraph(graph, stage)) {
-            printMessage(fmt::format("{}: after {}: {}", m_options.document, stage, finding));
+        for (const std::string& finding : tessera_1::verifyGraph(stage.graph, stage.name)) {
+            printMessage(fmt::format("{}: after {}: {}", m_options.document, stage.name, finding));
             m_isSound = false;
         }
     }
-    return stage != m_options.stopAfter && !isInterrupted();
+    return stage.name != m_options.stopAfter && !isInterrupted();
 }
 
 void LayoutInspector::writeDump(const std::string& stage, const tessera_1::view_model::Graph& graph) {
@@ -86,13 +79,13 @@ int LayoutInspector::report() const {
         }
         line("together", total);
     }
-    if (m_isCutShort)
+    if (m_isTruncated)
         printMessage(
             m_options.document +
             ": the diagram was written, but it is not whole: it would be larger than --max-elements and "
             "--max-id-bytes allow");
     if (!m_isDumped) return exitUnopened;
-    return m_isSound && !m_isCutShort ? exitDone : exitFailed;
+    return m_isSound && !m_isTruncated ? exitDone : exitFailed;
 }
 
 }  // namespace tessera_cli

@@ -10,21 +10,20 @@
 
 namespace tessera_cli {
 
-// Follows "create" as long as it lives, and does what the options ask for: writes the graph into a file a
-// stage, measures, verifies, stops. After Ctrl-C it leaves out the stages that are left. One at a time.
+// Follows "create" of the pane that it is given to, and does what the options ask for: writes the graph into a file a
+// stage, measures, verifies, stops. After Ctrl-C it leaves out the stages that are left.
 class LayoutInspector final : public tessera_1::ILayoutWatcher {
   public:
     explicit LayoutInspector(const Options& options);
     LayoutInspector(const LayoutInspector&) = delete;
     LayoutInspector& operator=(const LayoutInspector&) = delete;
-    ~LayoutInspector() override;
+    ~LayoutInspector() override = default;
 
     // Makes the folder of the dumps. exitDone, or what the program is to end with, the message printed: the
     // folder cannot be made, or a dump would be written over a file that is used otherwise.
     [[nodiscard]] int prepare() const;
 
-    bool stageEnded(const std::string& stage, std::chrono::nanoseconds took,
-                    const tessera_1::view_model::Graph& graph) override;
+    bool stageEnded(const tessera_1::LayoutStage& stage) override;
 
     // Prints what was measured, and whether the diagram is whole. exitDone, or what the program is to end
     // with because of what was found.
@@ -38,7 +37,7 @@ class LayoutInspector final : public tessera_1::ILayoutWatcher {
     std::vector<std::pair<std::string, std::chrono::nanoseconds>> m_times;
     bool m_isSound = true;
     bool m_isDumped = true;
-    bool m_isCutShort = false;
+    bool m_isTruncated = false;
 };
 
 }  // namespace tessera_cli

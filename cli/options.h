@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "core/layout_limits.h"
+#include "core/layout_options.h"
 
 namespace tessera_cli {
 
@@ -26,7 +26,7 @@ struct Options {
     double queryTimeout = 600;  // seconds
     bool acyclic = false;
     bool fix = false;
-    tessera_1::LayoutLimits limits;
+    tessera_1::LayoutLimits limits{5'000'000, std::size_t{1} << 30U};
     std::string stopAfter;   // a stage of "create"; "" is none
     std::string dumpFolder;  // where the graph is written after each stage; "" is nowhere
     std::string theme;       // of a picture: "light", "dark" or "auto"

@@ -7,7 +7,8 @@ namespace tessera_cli {
 
 std::unique_ptr<tessera_host::Pane> openPane(const Options& options, relay2::IMessenger& messenger,
                                              relay2::IProgress& progress, int& exitStatus,
-                                             tessera_draw::Reservation* reservation) {
+                                             tessera_draw::Reservation* reservation,
+                                             tessera_1::ILayoutWatcher* watcher) {
     tessera_host::PaneSettings settings;
     settings.document = options.document;
     settings.database = options.database;
@@ -16,7 +17,7 @@ std::unique_ptr<tessera_host::Pane> openPane(const Options& options, relay2::IMe
     settings.locale = options.locale;
     settings.queryTimeout = options.queryTimeout;
     settings.acyclic = options.acyclic;
-    settings.limits = options.limits;
+    settings.layout = {options.limits, watcher};
     if (reservation != nullptr)
         settings.onDocument = [reservation](const auto& viewpoint, const auto& declarations) {
             *reservation = reserveRoom(viewpoint, declarations);

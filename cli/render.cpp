@@ -72,15 +72,15 @@ int render(const Options& options) {
     InterruptProgress progress;
     int exitStatus = exitDone;
     tessera_draw::Reservation reservation;
+    LayoutInspector inspector(options);
     auto pane = openPane(options, messenger, progress, exitStatus,
-                         isPicture(options.format) ? &reservation : nullptr);
+                         isPicture(options.format) ? &reservation : nullptr, &inspector);
     if (!pane) return exitStatus;
     OutputFile file;  // opened before the work: a place that cannot be written is known at once
     if (!file.open(options.output)) {
         if (!isInterrupted()) printMessage(file.error());
         return unlessInterrupted(exitUnopened);
     }
-    const LayoutInspector inspector(options);
     if (const int problem = inspector.prepare(); problem != exitDone) return unlessInterrupted(problem);
     variant_bag_t diagram;
     if (!makeDiagram(options, *pane, diagram)) return unlessInterrupted(exitFailed);

@@ -21,7 +21,8 @@ namespace {
 // each.
 class StageWatch {
   public:
-    explicit StageWatch(relay2::IProgress* progress) : m_progress(progress) {}
+    StageWatch(relay2::IProgress* progress, const LayoutOptions& options)
+        : m_progress(progress), m_options(options) {}
     StageWatch(const StageWatch&) = delete;
     StageWatch& operator=(const StageWatch&) = delete;
     ~StageWatch() {
@@ -32,14 +33,15 @@ class StageWatch {
     void lendProgressTo(const std::shared_ptr<view_model::Graph>& graph) {
         m_graph = graph;
         m_graph->m_progress = m_progress;
+        m_graph->m_limits = m_options.limits;
     }
 
-    bool goesOn(const char* stage, const view_model::Graph& graph) {
+    bool goesOn(const std::string& stage, const view_model::Graph& graph) {
         if (graph.m_isCancelled) return false;
         assert(verifyGraph(graph, stage).empty());
-        if (m_watcher == nullptr) return true;
+        if (m_options.watcher == nullptr) return true;
         const auto took = Clock::now() - m_begin;
-        const bool goesOn = m_watcher->stageEnded(stage, took, graph);
+        const bool goesOn = m_options.watcher->stageEnded({stage, took, graph, graph.m_isCutShort});
         m_begin = Clock::now();
         return goesOn;
     }
@@ -49,8 +51,8 @@ class StageWatch {
 
     relay2::IProgress* const m_progress;
     std::shared_ptr<view_model::Graph> m_graph;
-    ILayoutWatcher* const m_watcher = layoutWatcher();
-    Clock::time_point m_begin = m_watcher == nullptr ? Clock::time_point() : Clock::now();
+    const LayoutOptions& m_options;
+    Clock::time_point m_begin = m_options.watcher == nullptr ? Clock::time_point() : Clock::now();
 };
 
 }  // namespace
@@ -60,10 +62,17 @@ std::unique_ptr<DataProvider> DataProvider::create(variant_bag_t& config, varian
                                                    relay2::IMessenger* messenger,
                                                    basekit2::sptr_t<qlib_1::IInputData> inputData,
                                                    relay2::IProgress* progress) {
+    return createWithOptions(config, std::move(queryLibrary), messenger, std::move(inputData), progress, {});
+}
+
+std::unique_ptr<DataProvider> DataProvider::createWithOptions(
+    variant_bag_t& config, basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary,
+    relay2::IMessenger* messenger, basekit2::sptr_t<qlib_1::IInputData> inputData,
+    relay2::IProgress* progress, const LayoutOptions& options) {
     auto dp = std::make_unique<DataProvider>();
     dp->m_queryLibrary = queryLibrary;
     dp->m_inputData = inputData;
-    StageWatch watch(progress);
+    StageWatch watch(progress, options);
     dp->parseViewpoint(config, std::move(queryLibrary), messenger, std::move(inputData), dp->m_graph);
     TESSERA_CHECK(dp->m_graph, nullptr);
     watch.lendProgressTo(dp->m_graph);

@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "core/layout_options.h"
 #include "core/viewpointparser.h"
 #include "platform/basekit2/error_code.h"
 #include "platform/relay2/progress.h"
@@ -20,6 +21,12 @@ class TESSERA_EXPORT DataProvider : public DViewpointParser {
         basekit2::variant_bag_t& config, basekit2::variant_bag_t& out,
         basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary, relay2::IMessenger* messenger,
         basekit2::sptr_t<qlib_1::IInputData> inputData, relay2::IProgress* progress);
+
+    // The same for a handler with options.
+    [[nodiscard]] TESSERA_HIDDEN static std::unique_ptr<DataProvider> createWithOptions(
+        basekit2::variant_bag_t& config, basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary,
+        relay2::IMessenger* messenger, basekit2::sptr_t<qlib_1::IInputData> inputData,
+        relay2::IProgress* progress, const LayoutOptions& options);
 
     // Runs the queries of every display info. The cancellation error when cancelled before the first; the
     // false code when a display info could not be filled, which stops none of the others.

@@ -11,6 +11,23 @@ TESSERA_SOURCE_UNIT("core/diagram_request_handler");
 using basekit2::error_code_t;
 using basekit2::variant_bag_t;
 
+namespace {
+
+// A handler that was made with options.
+class ConfiguredRequestHandler final : public DiagramViewRequestHandler {
+  public:
+    template <class... Args>
+    explicit ConfiguredRequestHandler(const LayoutOptions& options, Args&&... args)
+        : DiagramViewRequestHandler(std::forward<Args>(args)...), m_options(options) {}
+
+  private:
+    [[nodiscard]] LayoutOptions layoutOptions() const override { return m_options; }
+
+    const LayoutOptions m_options;
+};
+
+}  // namespace
+
 std::shared_ptr<panelcore_1::IRequestHandler> createDiagramViewRequestHandler(
     basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary, basekit2::sptr_t<qlib_1::IInputData> inputData,
     std::shared_ptr<panelcore_1::IRequestHandler> baseHandler,
@@ -18,6 +35,16 @@ std::shared_ptr<panelcore_1::IRequestHandler> createDiagramViewRequestHandler(
     return std::make_shared<DiagramViewRequestHandler>(std::move(queryLibrary), std::move(inputData),
                                                        std::move(baseHandler), std::move(filterMgr),
                                                        messenger);
+}
+
+std::shared_ptr<panelcore_1::IRequestHandler> createDiagramViewRequestHandlerWithOptions(
+    basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary, basekit2::sptr_t<qlib_1::IInputData> inputData,
+    std::shared_ptr<panelcore_1::IRequestHandler> baseHandler,
+    std::shared_ptr<panelcore_1::IFilterMgr> filterMgr, relay2::IMessenger* messenger,
+    const LayoutOptions& options) {
+    return std::make_shared<ConfiguredRequestHandler>(options, std::move(queryLibrary), std::move(inputData),
+                                                      std::move(baseHandler), std::move(filterMgr),
+                                                      messenger);
 }
 
 DiagramViewRequestHandler::DiagramViewRequestHandler(
@@ -60,8 +87,8 @@ error_code_t DiagramViewRequestHandler::create(const variant_bag_t& in, variant_
     }
     const std::scoped_lock lock(m_mutex);
     if (!m_provider)
-        m_provider =
-            DataProvider::create(m_configBag, out, m_queryLibrary, m_messenger, m_inputData, progress);
+        m_provider = DataProvider::createWithOptions(m_configBag, m_queryLibrary, m_messenger, m_inputData,
+                                                     progress, layoutOptions());
     if (!m_provider) return error_code_t::false_code();
     if (m_provider->m_graph->m_isCancelled) {  // half a layout is nothing to keep
         m_provider.reset();

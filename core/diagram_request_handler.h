@@ -12,7 +12,7 @@ namespace tessera_1 {
 
 // Dispatches the pane's requests by name and owns the one provider that serves them. Requests may come on any
 // thread; one lock makes those that touch the provider wait for each other.
-class DiagramViewRequestHandler final : public panelcore_1::IRequestHandler {
+class DiagramViewRequestHandler : public panelcore_1::IRequestHandler {
   public:
     DiagramViewRequestHandler(basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary,
                               basekit2::sptr_t<qlib_1::IInputData> inputData,
@@ -44,6 +44,9 @@ class DiagramViewRequestHandler final : public panelcore_1::IRequestHandler {
                                              relay2::IProgress* progress);
 
   private:
+    // For the diagrams of this handler. A handler without options has the defaults.
+    [[nodiscard]] virtual LayoutOptions layoutOptions() const { return {}; }
+
     basekit2::sptr_t<qlib_1::IQueryLibrary> m_queryLibrary;
     basekit2::sptr_t<qlib_1::IInputData> m_inputData;
     relay2::IMessenger* m_messenger;

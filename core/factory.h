@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "core/export.h"
+#include "core/layout_options.h"
 #include "platform/basekit2/sptr.h"
 #include "platform/panelcore_1/filter_mgr.h"
 #include "platform/panelcore_1/request_handler.h"
@@ -23,5 +24,13 @@ namespace tessera_1 {
     basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary, basekit2::sptr_t<qlib_1::IInputData> inputData,
     std::shared_ptr<panelcore_1::IRequestHandler> baseHandler,
     std::shared_ptr<panelcore_1::IFilterMgr> filterMgr, relay2::IMessenger* messenger);
+
+// The same with limits and a watcher for the diagrams of this handler.
+[[nodiscard]] TESSERA_EXPORT std::shared_ptr<panelcore_1::IRequestHandler>
+createDiagramViewRequestHandlerWithOptions(basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary,
+                                           basekit2::sptr_t<qlib_1::IInputData> inputData,
+                                           std::shared_ptr<panelcore_1::IRequestHandler> baseHandler,
+                                           std::shared_ptr<panelcore_1::IFilterMgr> filterMgr,
+                                           relay2::IMessenger* messenger, const LayoutOptions& options);
 
 }  // namespace tessera_1

@@ -18,29 +18,29 @@ class Graph;
 // are fetched), and each pass of the layout by the name of its file.
 [[nodiscard]] TESSERA_EXPORT const std::vector<std::string>& layoutStages();
 
-// Is told of every stage that ends, on the thread that runs "create".
+// A stage of "create" that has ended.
+struct LayoutStage {
+    const std::string& name;         // one of layoutStages()
+    std::chrono::nanoseconds took;   // since the stage before ended
+    const view_model::Graph& graph;  // valid for the duration of the call
+    bool isTruncated;                // a limit has stopped this stage or an earlier one
+};
+
+// Given with a handler (LayoutOptions); follows each "create" that builds a diagram.
 class ILayoutWatcher {
   public:
     virtual ~ILayoutWatcher() = default;
 
-    // `took` is the time since the stage before. `graph` is there for the duration of the call. False leaves
-    // out the stages behind this one; the diagram is then written as it is.
-    virtual bool stageEnded(const std::string& stage, std::chrono::nanoseconds took,
-                            const view_model::Graph& graph) = 0;
+    // Called after each stage, on the thread of the request, while the handler holds its lock: send no
+    // request to that handler from here. False leaves out the stages that are left; the diagram is then
+    // written as it is.
+    virtual bool stageEnded(const LayoutStage& stage) = 0;
 
   protected:
     ILayoutWatcher() = default;
     ILayoutWatcher(const ILayoutWatcher&) = default;
     ILayoutWatcher& operator=(const ILayoutWatcher&) = default;
 };
-
-// Watches every "create" of the process that starts from now on; null ends that. The watcher is not owned and
-// must outlive each "create" that has started. Any thread. Without a watcher nothing is measured.
-TESSERA_EXPORT void setLayoutWatcher(ILayoutWatcher* watcher);
-[[nodiscard]] TESSERA_EXPORT ILayoutWatcher* layoutWatcher();
-
-// Whether a limit has kept the layout of this graph from being whole.
-[[nodiscard]] TESSERA_EXPORT bool isCutShort(const view_model::Graph& graph);
 
 // Writes the graph as text for people: a line a node, a line a link, a line a layer. Texts of the
 // document are quoted, with \n and the like for what would break a line.

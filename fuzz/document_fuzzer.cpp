@@ -13,7 +13,7 @@
 #include <filesystem>
 #include <string>
 
-#include "core/layout_limits.h"
+#include "core/layout_options.h"
 #include "host/pane/pane.h"
 #include "host/text/json_writer.h"
 
@@ -45,7 +45,7 @@ class Place {
         settings.database = m_folder / "result.db";
         settings.document = "/proc/self/fd/" + std::to_string(m_document);
         settings.queryTimeout = 0.05;
-        settings.limits.maxElements = 2'000;
+        settings.layout.limits.maxElements = 2'000;
         sqlite3* database = nullptr;
         require(sqlite3_open(settings.database.c_str(), &database) == SQLITE_OK);
         require(sqlite3_exec(database, "CREATE TABLE t(a, b); INSERT INTO t VALUES (1, 'x'), (2.5, NULL);",

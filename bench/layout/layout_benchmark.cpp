@@ -37,14 +37,10 @@ struct Figures {
 
 class StageClock final : public tessera_1::ILayoutWatcher {
   public:
-    explicit StageClock(Figures& figures) : m_figures(figures) { tessera_1::setLayoutWatcher(this); }
-    StageClock(const StageClock&) = delete;
-    StageClock& operator=(const StageClock&) = delete;
-    ~StageClock() override { tessera_1::setLayoutWatcher(nullptr); }
+    explicit StageClock(Figures& figures) : m_figures(figures) {}
 
-    bool stageEnded(const std::string&, std::chrono::nanoseconds took,
-                    const tessera_1::view_model::Graph&) override {
-        m_figures.stages.at(m_next++) = std::chrono::duration<double>(took).count();
+    bool stageEnded(const tessera_1::LayoutStage& stage) override {
+        m_figures.stages.at(m_next++) = std::chrono::duration<double>(stage.took).count();
         return true;
     }
 
@@ -61,8 +57,10 @@ double childrenOf(const basekit2::variant_bag_t& bag, const char* name) {
     return count;
 }
 
-Figures measure(const tessera_host::PaneSettings& settings) {
+Figures measure(tessera_host::PaneSettings settings) {
     Figures figures{};
+    StageClock clock(figures);
+    settings.layout.watcher = &clock;
     figures.alone = parseAlone(contentOf(settings.document));
     Complaints complaints;
     tessera_host::OpenError error;
@@ -70,7 +68,6 @@ Figures measure(const tessera_host::PaneSettings& settings) {
     figures.reading =
         secondsOf([&] { pane = tessera_host::Pane::open(settings, complaints, nullptr, error); });
     if (!pane) giveUp(error.text);
-    const StageClock clock(figures);
     basekit2::variant_bag_t out;
     figures.create = secondsOf([&] {
         if (!pane->request("create", {}, out, nullptr).is_success()) giveUp("create");
@@ -101,7 +98,7 @@ void run(const InputShape& shape, std::size_t runs, const std::string& document,
     tessera_host::PaneSettings settings;
     settings.document = document.empty() ? (folder / "generated.xml").string() : document;
     settings.database = folder / "generated.db";
-    settings.limits.maxElements = 50 * (shape.nodes + 1'000'000);
+    settings.layout.limits.maxElements = 50 * (shape.nodes + 1'000'000);
     const InputCounts counts = writeDocument(shape, settings.document);
     writeDatabase(counts, settings.database);
     const std::function<Figures()> once = [&] { return measure(settings); };

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "core/export.h"
-#include "core/layout_limits.h"
+#include "core/layout_options.h"
 #include "core/view_model/hierarchical_level_manager.h"
 #include "core/view_model/id_index.h"
 #include "core/view_model/link.h"
@@ -89,7 +89,7 @@ class TESSERA_EXPORT Graph {
         m_groups;  // distinct groups of all nodes; null stands for the top level
     GroupLevelManager m_groupLevelManager;
     std::map<std::shared_ptr<Node>, HierarchicalLevelManager> m_levelManagers;
-    LayoutLimits m_limits = layoutLimits();
+    LayoutLimits m_limits;
     bool m_isCutShort = false;                      // a limit has kept a pass from ending its work
     const relay2::IProgress* m_progress = nullptr;  // asked by passes that take long; borrowed for "create"
     bool m_isCancelled = false;                     // a pass was cancelled, and the graph is of no use

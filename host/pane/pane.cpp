@@ -121,18 +121,17 @@ std::unique_ptr<Pane> Pane::open(const PaneSettings& settings, relay2::IMessenge
         return nullptr;
     }
     installCatalogs(settings, messenger);
-    tessera_1::setLayoutLimits(settings.limits);
 
     const auto declarations = Declarations::read(viewpoint);
     if (settings.onDocument) settings.onDocument(viewpoint, *declarations);
     for (const Problem& problem : declarations->problems())
         messenger.post(relay2::severity_t::error, problem.text, problem.position);
     const Filters filters = filtersOf(*declarations, settings);
-    auto handler = tessera_1::createDiagramViewRequestHandler(
+    auto handler = tessera_1::createDiagramViewRequestHandlerWithOptions(
         basekit2::make_counted<QueryLibrary>(declarations),
         basekit2::make_counted<InputData>(database, declarations, filters, &messenger),
         std::make_shared<ViewpointSource>(std::move(viewpoint)), std::make_shared<PaneFilters>(filters),
-        &messenger);
+        &messenger, settings.layout);
     LOG4CPLUS_DEBUG(logger(), settings.document << " on " << settings.database << " opened in "
                                                 << since(begin) << " ms: " << declarations->queries().size()
                                                 << " queries, " << filters.size() << " filters");

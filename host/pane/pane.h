@@ -7,7 +7,7 @@
 #include <mutex>
 #include <string>
 
-#include "core/layout_limits.h"
+#include "core/layout_options.h"
 #include "host/document/declarations.h"
 #include "host/engine/table_tree_engine.h"
 #include "host/text/read_error.h"
@@ -25,7 +25,7 @@ struct PaneSettings {
     std::string locale;
     double queryTimeout = 600;  // seconds
     bool acyclic = false;       // turns links around that go in circles; otherwise they are only told of
-    tessera_1::LayoutLimits limits;
+    tessera_1::LayoutOptions layout;  // its watcher must outlive the pane
     // Is shown the document as the library will read it, with the queries that it declares. May be empty.
     std::function<void(const basekit2::variant_bag_t&, const Declarations&)> onDocument;
 };
@@ -40,8 +40,7 @@ struct OpenError {
 class Pane {
   public:
     // Reads the document, opens the database read-only and makes the handler. `messenger` must outlive the
-    // pane. Null, with `error` filled, when that fails. Catalogues and limits become those of the whole
-    // process.
+    // pane. Null, with `error` filled, when that fails. The catalogues become those of the whole process.
     [[nodiscard]] static std::unique_ptr<Pane> open(const PaneSettings& settings,
                                                     relay2::IMessenger& messenger,
                                                     relay2::IProgress* progress, OpenError& error);

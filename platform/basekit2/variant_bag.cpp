@@ -125,6 +125,11 @@ const variant_t* variant_bag_t::get(std::string_view name) const noexcept {
     return node ? &node->value : nullptr;
 }
 
+std::string_view variant_bag_t::get_text(std::string_view name) const noexcept {
+    const variant_t* value = get(name);
+    return value && value->can_get<std::string_view>() ? value->get<std::string_view>() : std::string_view();
+}
+
 const variant_bag_t* variant_bag_t::get_variant_bag(std::string_view name) const noexcept {
     for (const child_node_t* node = m_firstChild; node; node = node->next)
         if (node->name->view() == name) return &node->bag;

@@ -78,6 +78,9 @@ class TESSERA_PLATFORM_EXPORT variant_bag_t {
 
     // The value under `name`, or null. Constant time on average.
     [[nodiscard]] const variant_t* get(std::string_view name) const noexcept;
+    // The string under `name`, or "" when there is no value of that name or it is not a string. Valid until
+    // the value is overwritten or the tree ends; a NUL byte follows it. Constant time on average.
+    [[nodiscard]] std::string_view get_text(std::string_view name) const noexcept;
     // The first child called `name`, or null. Time grows with the number of children.
     [[nodiscard]] const variant_bag_t* get_variant_bag(std::string_view name) const noexcept;
 

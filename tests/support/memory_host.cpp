@@ -160,6 +160,12 @@ std::shared_ptr<panelcore_1::IRequestHandler> MemoryHost::makeHandler() {
     return tessera_1::createDiagramViewRequestHandler(library, inputData, base, filterMgr, &messenger);
 }
 
+std::shared_ptr<panelcore_1::IRequestHandler> MemoryHost::makeHandler(
+    const tessera_1::LayoutOptions& options) {
+    return tessera_1::createDiagramViewRequestHandlerWithOptions(library, inputData, base, filterMgr,
+                                                                 &messenger, options);
+}
+
 variant_bag_t bagOf(const std::string& xml) {
     variant_bag_t bag;
     const auto error = tessera_host::readXmlText(xml, bag, nullptr);

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "core/layout_options.h"
 #include "tests/support/forwarding.h"
 
 namespace tessera_test {
@@ -146,6 +147,7 @@ struct MemoryHost {
     MemoryMessenger messenger;
 
     std::shared_ptr<panelcore_1::IRequestHandler> makeHandler();
+    std::shared_ptr<panelcore_1::IRequestHandler> makeHandler(const tessera_1::LayoutOptions& options);
 };
 
 // The bag of a document; fails the test when the text is not well-formed.

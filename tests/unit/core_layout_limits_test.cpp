@@ -3,17 +3,13 @@
 
 #include <string>
 
-#include "core/layout_limits.h"
+#include "core/layout_watch.h"
 #include "tests/support/layout_building.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/memory_host.h"
 
 namespace tessera_test {
 namespace {
-
-using tessera_1::LayoutLimits;
-using tessera_1::layoutLimits;
-using tessera_1::setLayoutLimits;
-using tessera_1::view_model::Graph;
 
 // A chain of ten nodes, and a link from the first to the last that needs eight dummies.
 struct LayoutLimitsOfAGraph : testing::Test, Diagram {
@@ -93,17 +89,59 @@ TEST_F(LayoutLimitsOfAGraph, LinkBetweenGroupsStopsAsWell) {
     EXPECT_EQ(graph.m_levelManagers[g].m_levels[1]->back()->m_id, "0_x_dummy");
 }
 
-TEST(LayoutLimits, AreThoseOfTheDiagramsMadeFromNowOn) {
-    const LayoutLimits usual = layoutLimits();
-    const Graph before;
-    setLayoutLimits({123, 4567});
-    const Graph after;
-    EXPECT_EQ(layoutLimits().maxElements, 123U);
-    EXPECT_EQ(after.m_limits.maxElements, 123U);
-    EXPECT_EQ(after.m_limits.maxIdBytes, 4567U);
-    EXPECT_EQ(before.m_limits.maxElements, usual.maxElements);
-    setLayoutLimits(usual);
-    EXPECT_EQ(Graph().m_limits.maxIdBytes, usual.maxIdBytes);
+// A chain of ten nodes and a link past all of them, as a document.
+std::string longLinkDocument() {
+    std::string text = "<v><diagram><graph id='g'>";
+    for (int i = 0; i < 10; ++i)
+        text += "<node id='n" + std::to_string(i) + "'/>";
+    for (int i = 1; i < 10; ++i)
+        text += "<link id='l" + std::to_string(i) + "' from='n" + std::to_string(i - 1) + "' to='n" +
+                std::to_string(i) + "'/>";
+    return text + "<link id='long' from='n0' to='n9'/></graph><display/></diagram></v>";
+}
+
+// Keeps what the last stage said.
+class LastStage final : public tessera_1::ILayoutWatcher {
+  public:
+    bool stageEnded(const tessera_1::LayoutStage& stage) override {
+        names.push_back(stage.name);
+        isTruncated = stage.isTruncated;
+        elements = stage.graph.m_nodeList.size() + stage.graph.m_linkList.size();
+        return true;
+    }
+    std::vector<std::string> names;
+    bool isTruncated = false;
+    std::size_t elements = 0;
+};
+
+TEST(LayoutOptionsOfAHandler, AreItsOwnWhateverOthersHave) {
+    LogCapture log;
+    MemoryHost host(longLinkDocument());
+    LastStage limited, unlimited;
+    const auto first = host.makeHandler({{30, tessera_1::LayoutLimits::none}, &limited});
+    const auto second = host.makeHandler({{}, &unlimited});
+    variant_bag_t out;
+    EXPECT_TRUE(first->handleRequest("create", {}, out, nullptr).is_success());
+    EXPECT_EQ(log.reports().size(), 2U) << "the alert of the limit";
+    EXPECT_TRUE(second->handleRequest("create", {}, out, nullptr).is_success());
+    EXPECT_EQ(log.reports().size(), 2U);
+    EXPECT_EQ(limited.names, tessera_1::layoutStages());
+    EXPECT_EQ(unlimited.names, tessera_1::layoutStages());
+    EXPECT_TRUE(limited.isTruncated);
+    EXPECT_FALSE(unlimited.isTruncated);
+    EXPECT_EQ(limited.elements, 30U);
+    EXPECT_EQ(unlimited.elements, 10U + 10U + 2U * 8U);
+}
+
+TEST(LayoutOptionsOfAHandler, WithoutOptionsThereAreNoLimitsAndNoReports) {
+    LogCapture log;
+    MemoryHost host(longLinkDocument());
+    variant_bag_t out;
+    EXPECT_TRUE(host.makeHandler()->handleRequest("create", {}, out, nullptr).is_success());
+    EXPECT_EQ(log.reports(), Names{});
+    const tessera_1::LayoutLimits limits;
+    EXPECT_EQ(limits.maxElements, tessera_1::LayoutLimits::none);
+    EXPECT_EQ(limits.maxIdBytes, tessera_1::LayoutLimits::none);
 }
 
 }  // namespace

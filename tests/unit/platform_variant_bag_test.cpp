@@ -42,6 +42,21 @@ TEST(VariantBag, AbsentNamesGiveNone) {
     EXPECT_EQ(bag.get_variant_bag("X"), nullptr);
 }
 
+TEST(VariantBag, TextOfAValueIsItsStringOrNothing) {
+    variant_bag_t bag;
+    bag.put("text", std::string("a\0b", 3));
+    bag.put("number", 7);
+    bag.put("flag", true);
+    bag.put("", "own");
+    bag.add_variant_bag("child").put("", "inside");
+    EXPECT_EQ(bag.get_text("text"), std::string_view("a\0b", 3));
+    EXPECT_EQ(bag.get_text(""), "own");
+    EXPECT_EQ(bag.get_text("number"), "");
+    EXPECT_EQ(bag.get_text("flag"), "");
+    EXPECT_EQ(bag.get_text("child"), "");
+    EXPECT_EQ(bag.get_text("absent"), "");
+}
+
 TEST(VariantBag, ValuesKeepTheOrderInWhichTheyWerePut) {
     variant_bag_t bag;
     for (const char* name : {"z", "a", "", "m"})
