@@ -7,6 +7,7 @@
 #include "cli/output_file.h"
 #include "host/acyclic/fixed_document.h"
 #include "host/check/document_check.h"
+#include "host/engine/engine_registry.h"
 #include "host/text/file_text.h"
 #include "host/text/text_sink.h"
 #include "host/text/xml_reader.h"
@@ -93,14 +94,14 @@ int check(const Options& options) {
     InterruptProgress progress;
     Document document;
     if (const int status = readDocument(options, document, progress); status != exitDone) return status;
-    std::shared_ptr<tessera_host::Database> database;
+    std::shared_ptr<tessera_host::IResult> result;
     if (!options.database.empty()) {
-        std::string reason;
-        database = tessera_host::Database::open(options.database, {}, &progress, reason);
-        if (!database) {
-            if (!isInterrupted()) printMessage(options.database + ": " + reason);
+        auto opened = tessera_host::EngineRegistry::builtIn().open(options.database, {}, interruptToken());
+        if (!opened) {
+            if (!isInterrupted()) printMessage(describe(opened.error(), options.database));
             return unlessInterrupted(exitUnopened);
         }
+        result = *std::move(opened);
     }
     OutputFile file;
     if (options.fix) {
@@ -116,7 +117,7 @@ int check(const Options& options) {
     for (const auto& [name, predicate] : options.filters)
         tessera_host::setFilter(filters, name, {predicate, {}});
     const auto findings =
-        tessera_host::checkDocument(document.viewpoint, *declarations, filters, database, &progress);
+        tessera_host::checkDocument(document.viewpoint, *declarations, filters, result, &progress);
     if (!findings) return exitInterrupted;
     return unlessInterrupted(report(options.document, *findings) ? exitFailed : exitDone);
 }

@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <cerrno>
 #include <csignal>
 
@@ -12,14 +11,13 @@
 namespace tessera_cli {
 namespace {
 
-std::atomic<bool> interrupted{false};
-static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler sets it");
+tessera_support::CancelSource interruption;
 
 int wakePipe[2] = {-1, -1};
 
 void interrupt(int) {
     const int savedErrno = errno;
-    interrupted = true;
+    interruption.cancel();
     // Nobody ever reads from it, so one byte is enough and a full pipe does no harm.
     [[maybe_unused]] const ssize_t written = write(wakePipe[1], "!", 1);
     errno = savedErrno;
@@ -42,8 +40,12 @@ void installInterruptHandler() {
     std::signal(SIGPIPE, SIG_IGN);
 }
 
+tessera_support::CancelToken interruptToken() noexcept {
+    return interruption.token();
+}
+
 bool isInterrupted() noexcept {
-    return interrupted;
+    return interruption.isCancelled();
 }
 
 int unlessInterrupted(int status) noexcept {

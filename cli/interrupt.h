@@ -1,7 +1,8 @@
 // Ctrl-C.
 #pragma once
 
-#include "platform/relay2/progress.h"
+#include "host/engine/token_progress.h"
+#include "support/cancel_token.h"
 
 namespace tessera_cli {
 
@@ -9,6 +10,8 @@ namespace tessera_cli {
 // SIGPIPE is ignored, so that closed output is an error of its write.
 void installInterruptHandler();
 
+// Cancelled by the first of these signals. All work of the program gets it.
+[[nodiscard]] tessera_support::CancelToken interruptToken() noexcept;
 [[nodiscard]] bool isInterrupted() noexcept;
 
 // The exit status of work that could not be finished: `status`, or that of an interruption if there was one.
@@ -19,9 +22,9 @@ void installInterruptHandler();
 [[nodiscard]] int interruptDescriptor() noexcept;
 
 // The progress sink of every request: cancelled once the program is interrupted.
-class InterruptProgress final : public relay2::IProgress {
+class InterruptProgress final : public tessera_host::TokenProgress {
   public:
-    [[nodiscard]] bool isCancelled() const override { return isInterrupted(); }
+    InterruptProgress() : TokenProgress(interruptToken()) {}
 };
 
 }  // namespace tessera_cli

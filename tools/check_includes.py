@@ -3,6 +3,7 @@
 
     support <- draw, host <- cli       platform <- core, draw, host, cli
     host and cli see three headers of core, and nothing else of it; core sees one header of support
+    only an engine's folder sees its headers and the client library of its database
 
 
 Usage: check_includes.py [ROOT]"""
@@ -27,6 +28,23 @@ ALLOWED = {
 }
 # These use the standard library and the logger alone.
 BARE = {"platform", "core"}
+# Client libraries of databases, each with the folder of its engine; tests and benchmarks make databases with them.
+CLIENTS = {"sqlite3.h": "host/engine/sqlite/"}
+MAKERS = {"tests", "bench", "fuzz"}
+ENGINES = "host/engine/"
+ENGINE_LIST = "host/engine/built_in_engines.cpp"  # the one file that names all engines
+
+
+def engine_problem(name, target):
+    """What is wrong with including this in a file outside of the engine's folder, or None."""
+    if name.split("/")[0] in MAKERS:
+        return None
+    if target in CLIENTS and not name.startswith(CLIENTS[target]):
+        return f"only {CLIENTS[target]} may include this"
+    own = target.startswith(ENGINES) and "/" in target[len(ENGINES):]
+    if own and not name.startswith(target.rsplit("/", 1)[0] + "/") and name != ENGINE_LIST:
+        return f"what is in the folder of an engine is included there and in {ENGINE_LIST} only"
+    return None
 
 
 def problem(base, folder, quoted, target):
@@ -54,7 +72,7 @@ def main():
         folder = name.split("/")[0]
         for line, quoted, target in project.includes(base / name):
             count += 1
-            if text := problem(base, folder, quoted, target):
+            if text := engine_problem(name, target) or problem(base, folder, quoted, target):
                 wrong += 1
                 print(f"{name}:{line}: {target}: {text}")
     print(f"{len(names)} files, {count} includes, {wrong} against the arrows")

@@ -6,7 +6,7 @@
 
 #include "host/check/element.h"
 #include "host/document/text.h"
-#include "host/engine/sqlite/declaration_check.h"
+#include "host/engine/declaration_check.h"
 
 namespace tessera_host {
 namespace {
@@ -90,14 +90,10 @@ void checkDeclarations(const variant_bag_t& viewpoint, const Declarations& decla
 
 void checkSqlText(const Declarations& declarations, const Filters& filters, Findings& findings,
                   Watch& watch) {
-    for (const QueryDeclaration& query : declarations.queries()) {
-        if (watch.mustStop()) return;
-        for (const std::string& problem : fragmentProblems(query))
-            findings.error(query.position, "query " + quoted(query.id) + ": " + problem);
-    }
-    for (const auto& [name, filter] : filters)
-        if (const auto problem = fragmentProblem(filterSubject(name), filter.predicate))
-            findings.error(filter.position, *problem);
+    if (watch.mustStop()) return;
+    const Engine& usualEngine = EngineRegistry::builtIn().engines().front();
+    for (const Problem& problem : checkWithoutResult(usualEngine, declarations, filters))
+        findings.error(problem.position, problem.text);
 }
 
 }  // namespace tessera_host

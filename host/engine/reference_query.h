@@ -5,11 +5,11 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_set>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
-#include "host/document/declarations.h"
+#include "host/engine/selection.h"
 #include "platform/basekit2/ref_counted.h"
 #include "platform/qlib_1/query.h"
 
@@ -19,9 +19,12 @@ namespace tessera_host {
 // differing ones differing texts.
 using KeyText = std::string;
 
-[[nodiscard]] KeyText keyTextOf(const std::vector<std::string>& keys);
+[[nodiscard]] KeyText keyTextOf(const KeyValues& keys);
 // Adds one key value to the text of those before it; keyTextOf does this for each value in turn.
 void appendKey(KeyText& text, std::string_view key);
+
+// Choices of key values, each once.
+using KeyChoices = std::unordered_map<KeyText, KeyValues>;
 
 // The distinct references that a library has handed out, by declaration. Grows under the lock under which the
 // library is called.
@@ -30,7 +33,7 @@ struct ReferencePool {
         : declarations(std::move(read)), wanted(declarations->queries().size()) {}
 
     std::shared_ptr<const Declarations> declarations;
-    std::vector<std::unordered_set<KeyText>> wanted;
+    std::vector<KeyChoices> wanted;
 };
 
 // One reference. Unchanging; keeps the declarations alive.
@@ -45,19 +48,17 @@ class ReferenceQuery final : public basekit2::ref_counted_t<qlib_1::IQuery> {
     [[nodiscard]] std::string getIdentifier() const override { return m_identifier; }
 
     [[nodiscard]] std::string_view identifier() const noexcept { return m_identifier; }
-    [[nodiscard]] const QueryDeclaration& declaration() const noexcept { return *m_reference.declaration; }
-    [[nodiscard]] const std::vector<std::string>& keys() const noexcept { return m_reference.keys; }
-    [[nodiscard]] const KeyText& keyText() const noexcept { return *m_keyText; }
-    // All references to the same declaration, this one among them.
-    [[nodiscard]] const std::unordered_set<KeyText>& siblings() const noexcept {
-        return m_pool->wanted[m_reference.declaration->index];
-    }
+    [[nodiscard]] const QueryDeclaration& declaration() const noexcept { return *m_declaration; }
+    [[nodiscard]] const KeyValues& keys() const noexcept { return m_choice->second; }
+    [[nodiscard]] const KeyText& keyText() const noexcept { return m_choice->first; }
+    // The key values of all references to the same declaration, this one among them.
+    [[nodiscard]] const KeyChoices& siblings() const noexcept { return m_pool->wanted[m_declaration->index]; }
 
   private:
     const std::shared_ptr<ReferencePool> m_pool;
-    const Reference m_reference;
+    const QueryDeclaration* const m_declaration;
     const std::string m_identifier;
-    const KeyText* m_keyText;  // in the pool
+    const KeyChoices::value_type* const m_choice;  // in the pool
 };
 
 }  // namespace tessera_host

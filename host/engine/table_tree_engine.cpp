@@ -6,8 +6,8 @@
 
 #include "host/document/text.h"
 #include "host/engine/query_library.h"
-#include "host/engine/sqlite/query_runner.h"
-#include "host/engine/sqlite/snapshot.h"
+#include "host/engine/query_runner.h"
+#include "host/engine/token_progress.h"
 #include "host/engine/total_tree.h"
 #include "platform/basekit2/object_registry.h"
 
@@ -21,14 +21,15 @@ error_code_t raise(const bk2::error::entry_t& error, const std::string& text, in
     return error_code_t::raise(error(_U(text)), "run", "host/engine/table_tree_engine", line);
 }
 
-class Engine final : public basekit2::ref_counted_t<slicekit_1_0::ITableTreeEngine> {
+class TableTreeEngine final : public basekit2::ref_counted_t<slicekit_1_0::ITableTreeEngine> {
   public:
-    Engine(std::shared_ptr<Database> database, std::shared_ptr<const Declarations> declarations,
-           sptr_t<FilterRegistry> filters, relay2::IMessenger* messenger)
-        : m_database(database),
+    TableTreeEngine(std::shared_ptr<SnapshotSource> source, std::shared_ptr<const Declarations> declarations,
+                    sptr_t<FilterRegistry> filters, relay2::IMessenger* messenger, const QueryLimits& limits)
+        : m_source(std::move(source)),
           m_filters(std::move(filters)),
           m_messenger(messenger),
-          m_runner(std::move(database), std::move(declarations)) {}
+          m_limits(limits),
+          m_runner(std::move(declarations)) {}
 
     sptr_t<basekit2::IObject> queryInterface(basekit2::type_id_t id) override {
         if (id == slicekit_1_0::ITableTreeEngine::typeId) return sptr_t<basekit2::IObject>::share(this);
@@ -41,38 +42,39 @@ class Engine final : public basekit2::ref_counted_t<slicekit_1_0::ITableTreeEngi
   private:
     [[nodiscard]] std::string formProblem(const slicekit_1_0::table_tree_request_t& request);
     [[nodiscard]] error_code_t fillCells(const slicekit_1_0::table_tree_request_t& request,
-                                         relay2::IProgress* progress, std::vector<std::string>& cells);
+                                         const RunPlace& place, std::vector<std::string>& cells);
     [[nodiscard]] error_code_t fail(const std::string& text, basekit2::source_position_t position,
                                     bool isNew);
-    [[nodiscard]] error_code_t failSnapshot(const Failure& failure);
+    [[nodiscard]] error_code_t failSnapshot(const Error& error);
     [[nodiscard]] error_code_t failQuery(const QueryDeclaration& declaration, DeclaredQuery& query,
-                                         const Failure& failure);
+                                         const Error& error);
 
-    const std::shared_ptr<Database> m_database;
+    const std::shared_ptr<SnapshotSource> m_source;
     const sptr_t<FilterRegistry> m_filters;
     relay2::IMessenger* const m_messenger;
+    const QueryLimits m_limits;
     QueryRunner m_runner;
-    std::uint64_t m_toldSnapshot = 0;
+    std::uint64_t m_reportedSnapshot = 0;
 };
 
-error_code_t Engine::run(const slicekit_1_0::table_tree_request_t& request, relay2::IProgress* progress, bool,
-                         sptr_t<qlib_1::ITableTree>& tree) {
+error_code_t TableTreeEngine::run(const slicekit_1_0::table_tree_request_t& request,
+                                  relay2::IProgress* progress, bool, sptr_t<qlib_1::ITableTree>& tree) {
     if (progress && progress->isCancelled())
         return raise(bk2::error::Cancelled, "the request was cancelled", __LINE__);
     if (const std::string problem = formProblem(request); !problem.empty()) return fail(problem, {}, true);
 
-    const Snapshot snapshot(m_database, progress);
-    if (const auto failure = snapshot.failure()) return failSnapshot(*failure);
+    const RunOptions options{tokenOf(progress), m_limits};
+    const SnapshotUse use(*m_source, options);
+    if (const auto state = use.state(); !state) return failSnapshot(state.error());
     std::vector<std::string> cells;
-    const error_code_t error = fillCells(request, progress, cells);
+    const error_code_t error = fillCells(request, {use.snapshot(), m_source->number(), options}, cells);
     if (!error.is_success()) return error;
     tree = makeTotalTree(request.columns, std::move(cells));
     return {};
 }
 
-// What makes the request one that this engine cannot answer; "" when there is nothing. Otherwise the filters
-// are those of the request afterwards.
-std::string Engine::formProblem(const slicekit_1_0::table_tree_request_t& request) {
+// Why this engine cannot run the request; "" when it can. The filters are then those of the request.
+std::string TableTreeEngine::formProblem(const slicekit_1_0::table_tree_request_t& request) {
     if (request.columns.is_null()) return "the query has no columns";
     if (request.rowGrouping.is_null() || request.rowGrouping->size() != 1 ||
         !isRootGrouping(request.rowGrouping->at(0)))
@@ -87,48 +89,48 @@ std::string Engine::formProblem(const slicekit_1_0::table_tree_request_t& reques
     return {};
 }
 
-error_code_t Engine::fillCells(const slicekit_1_0::table_tree_request_t& request, relay2::IProgress* progress,
-                               std::vector<std::string>& cells) {
+error_code_t TableTreeEngine::fillCells(const slicekit_1_0::table_tree_request_t& request,
+                                        const RunPlace& place, std::vector<std::string>& cells) {
     for (std::size_t i = 0; i < request.columns->size(); ++i) {
         const auto member = request.columns->at(i);
         const auto reference = basekit2::object_registry_t::process().query<ReferenceQuery>(member);
         if (reference.is_null() || !m_runner.knows(*reference))
             return fail("the query " + quoted(member->getIdentifier()) + " is none of this document's", {},
                         true);
-        const QueryRunner::Result result = m_runner.run(*reference, progress);
-        if (const auto* failure = std::get_if<Failure>(&result.answer))
-            return failQuery(reference->declaration(), result.query, *failure);
-        cells.push_back(std::get<std::string>(result.answer));
+        DeclaredQuery& query = m_runner.queryFor(*reference);
+        const CellText& text = query.value(*reference, place);
+        if (!text) return failQuery(reference->declaration(), query, text.error());
+        cells.push_back(*text);
     }
     return {};
 }
 
-error_code_t Engine::failQuery(const QueryDeclaration& declaration, DeclaredQuery& query,
-                               const Failure& failure) {
-    if (failure.isCancelled) return raise(bk2::error::Cancelled, failure.text, __LINE__);
-    return fail("query " + quoted(declaration.id) + ": " + failure.text, declaration.position,
-                query.claimTelling(m_database->snapshotNumber()));
+error_code_t TableTreeEngine::failQuery(const QueryDeclaration& declaration, DeclaredQuery& query,
+                                        const Error& error) {
+    if (error.isCancelled()) return raise(bk2::error::Cancelled, error.text, __LINE__);
+    return fail("query " + quoted(declaration.id) + ": " + error.text, declaration.position,
+                query.claimReport(m_source->number()));
 }
 
-error_code_t Engine::failSnapshot(const Failure& failure) {
-    if (failure.isCancelled) return raise(bk2::error::Cancelled, failure.text, __LINE__);
-    const bool isNew =
-        std::exchange(m_toldSnapshot, m_database->snapshotNumber()) != m_database->snapshotNumber();
-    return fail(failure.text, {}, isNew);
+error_code_t TableTreeEngine::failSnapshot(const Error& error) {
+    if (error.isCancelled()) return raise(bk2::error::Cancelled, error.text, __LINE__);
+    const bool isNew = std::exchange(m_reportedSnapshot, m_source->number()) != m_source->number();
+    return fail(error.text, {}, isNew);
 }
 
-error_code_t Engine::fail(const std::string& text, basekit2::source_position_t position, bool isNew) {
+error_code_t TableTreeEngine::fail(const std::string& text, basekit2::source_position_t position,
+                                   bool isNew) {
     if (isNew && m_messenger) m_messenger->post(relay2::severity_t::error, text, position);
     return raise(bk2::error::FailedTo, text, __LINE__);
 }
 
 }  // namespace
 
-InputData::InputData(std::shared_ptr<Database> database, std::shared_ptr<const Declarations> declarations,
-                     Filters filters, relay2::IMessenger* messenger)
+InputData::InputData(std::shared_ptr<SnapshotSource> source, std::shared_ptr<const Declarations> declarations,
+                     Filters filters, relay2::IMessenger* messenger, const QueryLimits& limits)
     : m_filters(basekit2::make_counted<FilterRegistry>(std::move(filters))),
-      m_engine(basekit2::make_counted<Engine>(std::move(database), std::move(declarations), m_filters,
-                                              messenger)) {}
+      m_engine(basekit2::make_counted<TableTreeEngine>(std::move(source), std::move(declarations), m_filters,
+                                                       messenger, limits)) {}
 
 sptr_t<basekit2::IObject> InputData::queryInterface(basekit2::type_id_t id) {
     if (id == qlib_1::IInputData::typeId) return sptr_t<basekit2::IObject>::share(this);

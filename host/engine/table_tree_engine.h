@@ -1,11 +1,11 @@
-// Answers the queries of a pane from its database.
+// Runs the queries of a pane, as the diagram library asks them.
 #pragma once
 
 #include <memory>
 
 #include "host/document/declarations.h"
 #include "host/engine/filter_registry.h"
-#include "host/engine/sqlite/database.h"
+#include "host/engine/snapshot_source.h"
 #include "platform/basekit2/ref_counted.h"
 #include "platform/qlib_1/input_data.h"
 #include "platform/relay2/messenger.h"
@@ -16,16 +16,19 @@ namespace tessera_host {
 // The opened result of a pane. Its further interfaces are IFilterRegistry and ITableTreeEngine; they are
 // objects of their own that may outlive this one.
 //
-// The engine answers requests whose row grouping is the single "RootGrouping" and whose columns are
-// references to the declarations, by a tree of one row. Requests come one at a time. One that is made while a
-// Snapshot of the database lives sees that snapshot's state, any other makes a snapshot of its own. What
-// fails is told to the messenger, each broken query once a snapshot, and the answer is then the error
-// FailedTo; a cancelled request is not told about and answers Cancelled.
+// The engine runs requests whose row grouping is the single "RootGrouping" and whose columns are references
+// to the declarations; the result is a tree of one row. Requests come one at a time. One that is made while
+// the source holds a snapshot sees that snapshot's state, any other has a snapshot of its own. A failure is
+// reported to the messenger, each broken query once a snapshot, and the returned error is FailedTo; a
+// cancelled request reports nothing and returns Cancelled.
+//
+// Cancellation within a statement needs the token: the progress sink of a request should be a TokenProgress.
+// Any other sink is asked before each request only.
 class InputData final : public basekit2::ref_counted_t<qlib_1::IInputData> {
   public:
     // `messenger` may be null and otherwise outlives the engine.
-    InputData(std::shared_ptr<Database> database, std::shared_ptr<const Declarations> declarations,
-              Filters filters, relay2::IMessenger* messenger);
+    InputData(std::shared_ptr<SnapshotSource> source, std::shared_ptr<const Declarations> declarations,
+              Filters filters, relay2::IMessenger* messenger, const QueryLimits& limits = {});
 
     basekit2::sptr_t<basekit2::IObject> queryInterface(basekit2::type_id_t id) override;
 

@@ -12,8 +12,9 @@
 #include "host/acyclic/acyclic_document.h"
 #include "host/catalogs/catalogs.h"
 #include "host/document/text.h"
+#include "host/engine/engine_registry.h"
 #include "host/engine/query_library.h"
-#include "host/engine/sqlite/snapshot.h"
+#include "host/engine/token_progress.h"
 #include "host/text/xml_reader.h"
 
 namespace tessera_host {
@@ -81,16 +82,14 @@ Filters filtersOf(const Declarations& declarations, const PaneSettings& settings
     return filters;
 }
 
-Database::Settings databaseSettings(const PaneSettings& settings) {
-    Database::Settings timeouts;
-    timeouts.query = std::chrono::milliseconds(static_cast<std::int64_t>(settings.queryTimeout * 1000));
-    return timeouts;
+QueryLimits queryLimits(const PaneSettings& settings) {
+    return {std::chrono::milliseconds(static_cast<std::int64_t>(settings.queryTimeout * 1000))};
 }
 
 }  // namespace
 
-Pane::Pane(std::shared_ptr<Database> database, std::shared_ptr<panelcore_1::IRequestHandler> handler)
-    : m_database(std::move(database)), m_handler(std::move(handler)) {}
+Pane::Pane(std::shared_ptr<SnapshotSource> source, std::shared_ptr<panelcore_1::IRequestHandler> handler)
+    : m_source(std::move(source)), m_handler(std::move(handler)) {}
 
 std::unique_ptr<Pane> Pane::open(const PaneSettings& settings, relay2::IMessenger& messenger,
                                  relay2::IProgress* progress, OpenError& error) {
@@ -105,12 +104,12 @@ std::unique_ptr<Pane> Pane::open(const PaneSettings& settings, relay2::IMessenge
         error = {describe(*problem, settings.document), problem->unopened, problem->cancelled};
         return nullptr;
     }
-    std::string reason;
-    auto database = Database::open(settings.database, databaseSettings(settings), progress, reason);
-    if (!database) {
-        error = {settings.database + ": " + reason, true, progress && progress->isCancelled()};
+    auto result = EngineRegistry::builtIn().open(settings.database, {}, tokenOf(progress));
+    if (!result) {
+        error = {describe(result.error(), settings.database), true, result.error().isCancelled()};
         return nullptr;
     }
+    auto source = std::make_shared<SnapshotSource>(*std::move(result));
     Watch watch(progress);
     if (settings.acyclic)
         makeAcyclic(viewpoint, messenger, watch);
@@ -129,19 +128,19 @@ std::unique_ptr<Pane> Pane::open(const PaneSettings& settings, relay2::IMessenge
     const Filters filters = filtersOf(*declarations, settings);
     auto handler = tessera_1::createDiagramViewRequestHandlerWithOptions(
         basekit2::make_counted<QueryLibrary>(declarations),
-        basekit2::make_counted<InputData>(database, declarations, filters, &messenger),
+        basekit2::make_counted<InputData>(source, declarations, filters, &messenger, queryLimits(settings)),
         std::make_shared<ViewpointSource>(std::move(viewpoint)), std::make_shared<PaneFilters>(filters),
         &messenger, settings.layout);
     LOG4CPLUS_DEBUG(logger(), settings.document << " on " << settings.database << " opened in "
                                                 << since(begin) << " ms: " << declarations->queries().size()
                                                 << " queries, " << filters.size() << " filters");
-    return std::unique_ptr<Pane>(new Pane(std::move(database), std::move(handler)));
+    return std::unique_ptr<Pane>(new Pane(std::move(source), std::move(handler)));
 }
 
 error_code_t Pane::request(const std::string& name, const variant_bag_t& in, variant_bag_t& out,
                            relay2::IProgress* progress) {
     const std::scoped_lock lock(m_mutex);
-    const SnapshotHold hold(m_database);
+    const SnapshotHold hold(*m_source);
     const auto begin = std::chrono::steady_clock::now();
     const error_code_t code = m_handler->handleRequest(name, in, out, progress);
     LOG4CPLUS_DEBUG(logger(), "request \"" << oneLine(name) << "\" answered " << code.name() << " in "

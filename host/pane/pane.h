@@ -51,10 +51,10 @@ class Pane {
                                    basekit2::variant_bag_t& out, relay2::IProgress* progress);
 
   private:
-    Pane(std::shared_ptr<Database> database, std::shared_ptr<panelcore_1::IRequestHandler> handler);
+    Pane(std::shared_ptr<SnapshotSource> source, std::shared_ptr<panelcore_1::IRequestHandler> handler);
 
     std::mutex m_mutex;
-    std::shared_ptr<Database> m_database;
+    std::shared_ptr<SnapshotSource> m_source;
     std::shared_ptr<panelcore_1::IRequestHandler> m_handler;
 };
 

@@ -2,7 +2,6 @@
 // machine.
 #include <gtest/gtest.h>
 
-#include "host/engine/sqlite/declared_query.h"
 #include "tests/unit/host_engine_sqlite_fixture.h"
 
 namespace tessera_host::sqlite_test {
@@ -75,9 +74,9 @@ TEST_F(SqliteCancel, ACancelledRequestDoesNotStart) {
     pane.query("Count", "n", "COUNT(*)");
     Progress progress;
     progress.cancel();
-    const auto number = pane.database()->snapshotNumber();
+    const auto number = pane.source().number();
     EXPECT_EQ(pane.value("/Count", &progress), "[Cancelled]");
-    EXPECT_EQ(pane.database()->snapshotNumber(), number);
+    EXPECT_EQ(pane.source().number(), number);
     EXPECT_TRUE(pane.messenger.texts.empty());
 }
 
@@ -96,7 +95,7 @@ TEST_F(SqliteCancel, StopsManyReferencesBetweenTwo) {
 }
 
 TEST_F(SqliteCancel, StopsAtTheTimeLimit) {
-    Database::Settings settings;
+    Settings settings;
     settings.query = milliseconds(250);
     Pane pane(path, settings);
     pane.query("Long", "n", "SUM((SELECT COUNT(*) FROM n a, n b, n c WHERE a.i + b.i + c.i <> n.i))")
@@ -125,12 +124,11 @@ TEST_F(SqliteCancel, CountingRowsCanBeStopped) {
     EXPECT_TRUE(isUsedByOthers);
 
     Pane pane(path);
-    const Snapshot snapshot(pane.database(), nullptr);
-    Connection& connection = pane.database()->connection();
-    std::string problem;
-    Statement explain = connection.prepare(sql, false, problem);
-    ASSERT_TRUE(explain) << problem;
-    StatementRun run(connection, explain, {nullptr, milliseconds(1000)});
+    const SnapshotUse snapshot(pane.source(), {});
+    Connection& connection = Pane::connection(snapshot);
+    auto explain = connection.prepare(sql, false);
+    ASSERT_TRUE(explain) << explain.error().text;
+    StatementRun run(connection, *explain, {});
     while (run.step() == StatementRun::Step::row)
         EXPECT_NE(run.columnText(1), "Count");
 }

@@ -15,11 +15,12 @@ namespace fs = std::filesystem;
 class SqliteDatabase : public testing::Test {
   protected:
     // Why the file cannot be opened; "" when it can.
-    static std::string reasonFor(const std::string& path, Database::Settings settings = {}) {
-        std::string reason;
-        const bool isOpen = Database::open(path, settings, nullptr, reason) != nullptr;
-        EXPECT_EQ(isOpen, reason.empty());
-        return reason;
+    static std::string reasonFor(const std::string& path, Settings settings = {}) {
+        const auto opened = EngineRegistry::builtIn().open(path, {"", settings.busy});
+        if (opened) return "";
+        EXPECT_EQ(opened.error().kind, ErrorKind::cannotOpen);
+        EXPECT_NE(opened.error().text, "");
+        return opened.error().text;
     }
 
     std::string named(const char* name, const char* rest) const {
@@ -81,7 +82,7 @@ class SqliteWalInAClosedFolder : public SqliteDatabase {
         fs::permissions(folder.file("closed"), fs::perms::owner_all, fs::perm_options::add);
     }
 
-    Database::Settings settings;
+    Settings settings;
     const std::string path = folder.file("closed/a.db");
     const uid_t user = geteuid();
 };
@@ -107,7 +108,7 @@ TEST_F(SqliteWalInAClosedFolder, AChangeWhileItIsReadIsTold) {
     Pane pane(path, settings);
     pane.query("Sum", "t", "SUM(a)").query("Count", "t", "COUNT(*)");
     {
-        const Snapshot snapshot(pane.database(), nullptr);
+        const SnapshotUse snapshot(pane.source(), {});
         EXPECT_EQ(pane.value("/Sum"), "3");
         open();
         Writer(path).run("INSERT INTO t VALUES (39)");  // its end brings the change into the file
@@ -161,7 +162,7 @@ TEST_F(SqliteDatabase, NoticesADamagedPage) {
 TEST_F(SqliteDatabase, WaitsForALockAndSaysSo) {
     const std::string path = folder.file("a.db");
     makeDatabase(path, "CREATE TABLE t(a)");
-    Database::Settings settings;
+    Settings settings;
     settings.busy = std::chrono::milliseconds(100);
     const Writer writer(path);
     writer.run("BEGIN EXCLUSIVE");
@@ -213,10 +214,10 @@ TEST_F(SqliteDatabase, OpeningCanBeCancelled) {
     writer.run("BEGIN EXCLUSIVE");
     Progress progress;
     progress.cancelAfter(std::chrono::milliseconds(50));
-    std::string reason;
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_FALSE(Database::open(path, {}, &progress, reason));
-    EXPECT_EQ(reason, "the request was cancelled");
+    const auto opened = EngineRegistry::builtIn().open(path, {}, progress.token());
+    ASSERT_FALSE(opened);
+    EXPECT_EQ(opened.error(), (Error{ErrorKind::cancelled, "the request was cancelled"}));
     EXPECT_LT(elapsedSince(start), std::chrono::milliseconds(1000));
 }
 

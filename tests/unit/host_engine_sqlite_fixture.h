@@ -6,19 +6,23 @@
 #include <sqlite3.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <mutex>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
+#include "host/engine/engine_registry.h"
 #include "host/engine/query_library.h"
-#include "host/engine/sqlite/snapshot.h"
+#include "host/engine/sqlite/sqlite_result.h"
 #include "host/engine/table_tree_engine.h"
+#include "host/engine/token_progress.h"
 #include "platform/basekit2/object_registry.h"
 #include "platform/qlibhelpers_1_x/table_tree_helper.h"
 
@@ -104,28 +108,35 @@ class Messenger : public relay2::IMessenger {
     std::vector<std::uint32_t> lines;
 };
 
-// Cancelled from the beginning, when told so, or after some time.
-class Progress : public relay2::IProgress {
-  public:
-    using Clock = std::chrono::steady_clock;
+struct OwnSource {
+    CancelSource source;
+};
 
-    [[nodiscard]] bool isCancelled() const override {
-        ++m_questions;
-        if (m_isCancelled) return true;
-        return m_delay.count() > 0 && Clock::now() >= m_start + m_delay;
-    }
-    void cancel() { m_isCancelled = true; }
+// Cancelled when told so, or after some time.
+class Progress : private OwnSource, public TokenProgress {
+  public:
+    Progress() : TokenProgress(source.token()) {}
+
+    void cancel() { source.cancel(); }
     void cancelAfter(std::chrono::milliseconds delay) {
-        m_start = Clock::now();
-        m_delay = delay;
+        m_timer = std::jthread([this, delay](const std::stop_token& stop) {
+            std::mutex mutex;
+            std::unique_lock lock(mutex);
+            std::condition_variable_any end;
+            const auto deadline = std::chrono::steady_clock::now() + delay;
+            end.wait_until(lock, stop, deadline, [] { return false; });
+            if (!stop.stop_requested()) cancel();
+        });
     }
-    [[nodiscard]] int questions() const { return m_questions; }
 
   private:
-    std::atomic<bool> m_isCancelled{false};
-    std::chrono::milliseconds m_delay{0};
-    Clock::time_point m_start;
-    mutable std::atomic<int> m_questions{0};
+    std::jthread m_timer;
+};
+
+// How long to wait for a lock, and how long a statement may run.
+struct Settings {
+    std::chrono::milliseconds busy{5'000};
+    std::chrono::milliseconds query{600'000};
 };
 
 using Attributes = std::vector<std::pair<std::string, std::string>>;
@@ -133,8 +144,7 @@ using Attributes = std::vector<std::pair<std::string, std::string>>;
 // A pane on a database, without the diagram library: declares queries and runs references.
 class Pane {
   public:
-    explicit Pane(std::string path, Database::Settings settings = {})
-        : m_path(std::move(path)), m_settings(settings) {}
+    explicit Pane(std::string path, Settings settings = {}) : m_path(std::move(path)), m_settings(settings) {}
 
     // Lines are counted from 1 in the order of the calls.
     Pane& query(const std::string& id, const std::string& from, const std::string& expression,
@@ -153,9 +163,21 @@ class Pane {
         return *this;
     }
 
-    std::shared_ptr<Database> database() {
+    IResult& result() {
         open();
-        return m_database;
+        return *m_result;
+    }
+    std::shared_ptr<IResult> sharedResult() {
+        open();
+        return m_result;
+    }
+    SnapshotSource& source() {
+        open();
+        return *m_source;
+    }
+    // REQUIRES: the snapshot is one of this pane.
+    static Connection& connection(const SnapshotUse& use) {
+        return dynamic_cast<SqliteSnapshot&>(use.snapshot()).connection();
     }
     const Declarations& declarations() {
         open();
@@ -222,21 +244,24 @@ class Pane {
   private:
     void open() {
         if (m_library) return;
-        std::string reason;
-        m_database = Database::open(m_path, m_settings, nullptr, reason);
-        ASSERT_TRUE(m_database) << reason;
+        auto opened = SqliteResult::open(m_path, m_settings.busy, {});
+        ASSERT_TRUE(opened) << opened.error().text;
+        m_result = *std::move(opened);
+        m_source = std::make_shared<SnapshotSource>(m_result);
         m_declarations = Declarations::read(m_document);
         m_library = basekit2::make_counted<QueryLibrary>(m_declarations);
-        m_inputData = basekit2::make_counted<InputData>(m_database, m_declarations, m_filters, &messenger);
+        m_inputData = basekit2::make_counted<InputData>(m_source, m_declarations, m_filters, &messenger,
+                                                        QueryLimits{m_settings.query});
     }
 
     const std::string m_path;
-    const Database::Settings m_settings;
+    const Settings m_settings;
     variant_bag_t m_document;
     variant_bag_t& m_queries = m_document.add_variant_bag("queries");
     std::uint32_t m_line = 0;
     Filters m_filters;
-    std::shared_ptr<Database> m_database;
+    std::shared_ptr<IResult> m_result;
+    std::shared_ptr<SnapshotSource> m_source;
     std::shared_ptr<const Declarations> m_declarations;
     sptr_t<QueryLibrary> m_library;
     sptr_t<InputData> m_inputData;

@@ -4,13 +4,13 @@
 #include <random>
 
 #include "host/document/percent_encoding.h"
-#include "host/engine/sqlite/declared_query.h"
+#include "host/engine/sqlite/query_plan.h"
 #include "tests/unit/host_engine_sqlite_fixture.h"
 
 namespace tessera_host::sqlite_test {
 namespace {
 
-constexpr RunLimits noLimits{nullptr, std::chrono::minutes(10)};
+constexpr std::uint64_t noLimit = RunLimits::noBudget;
 
 const std::vector<std::string> sqlValues{"NULL",
                                          "'a'",
@@ -118,7 +118,7 @@ class SqliteGrouping : public testing::Test {
     TempFolder folder;
 };
 
-// The heart of it: for every reference that a group can serve, the group's answer is the single statement's.
+// The heart of it: what questions get together is what each gets by itself.
 TEST_F(SqliteGrouping, GroupsAnswerWhatSingleStatementsAnswer) {
     int compared = 0;
     for (unsigned seed = 1; seed <= 110; ++seed) {
@@ -130,34 +130,23 @@ TEST_F(SqliteGrouping, GroupsAnswerWhatSingleStatementsAnswer) {
         const int keyCount = 1 + static_cast<int>(random() % 2);
         pane.query("Q", shape.from, pick(expressions, random),
                    {{"key", keyCount == 1 ? "k1" : "k1 k2"}, {"where", "v <> 4"}});
-        const FilterList filters{{"selection", "x > 20"}};
-        const auto pool = std::make_shared<ReferencePool>(Declarations::read(pane.document()));
-        const QueryDeclaration& query = pool->declarations->queries().front();
+        const Selection selection(pane.declarations().queries().front(), {{"selection", "x > 20"}});
         std::vector<sptr_t<ReferenceQuery>> references;
-        for (int i = 0; i < 60; ++i) {
-            std::string reason;
-            auto reference = pool->declarations->parseReference(referenceFor("Q", keyCount, random), reason);
-            ASSERT_TRUE(reference) << reason;
-            references.push_back(basekit2::make_counted<ReferenceQuery>(pool, std::move(*reference), ""));
-        }
+        for (int i = 0; i < 60; ++i)
+            references.push_back(pane.reference(referenceFor("Q", keyCount, random)));
 
-        const Snapshot snapshot(pane.database(), nullptr);
-        Connection& connection = pane.database()->connection();
-        if (!GroupedAnswers::hasSameOrder(connection, query, filters)) continue;
-        GroupedAnswers groups;
-        ASSERT_FALSE(groups.load(connection, query, filters, references.front()->siblings(), noLimits));
-        ASSERT_EQ(groups.state(), GroupedAnswers::State::loaded) << shape.name;
-        // 60 references to 300 rows are too few for a DeclaredQuery to group by itself.
-        DeclaredQuery single(query, filters);
-        for (const auto& reference : references) {
-            if (!GroupedAnswers::canServe(reference->keys())) continue;
-            const Answer* grouped = nullptr;
-            const auto found = groups.find(reference->keyText(), grouped);
-            const Answer& expected = single.answer(*reference, {connection, nullptr, 1});
-            ASSERT_TRUE(std::holds_alternative<std::string>(expected)) << std::get<Failure>(expected).text;
-            if (found != GroupedAnswers::Found::one) continue;
-            EXPECT_EQ(std::get<std::string>(*grouped), std::get<std::string>(expected))
-                << shape.name << " " << query.expression << " " << reference->keyText();
+        const SnapshotUse snapshot(pane.source(), {});
+        std::vector<Question> questions;
+        for (const auto& reference : references)
+            questions.push_back({&selection, &reference->keys()});
+        const auto together = snapshot.snapshot().answerTogether(questions, noLimit, {});
+        ASSERT_TRUE(together) << together.error().text;
+        for (std::size_t i = 0; i < questions.size(); ++i) {
+            if (!(*together)[i]) continue;
+            const auto single = snapshot.snapshot().answer(questions[i], {});
+            ASSERT_TRUE(single) << single.error().text;
+            EXPECT_EQ(*(*together)[i], single->value)
+                << shape.name << " " << selection.expression << " " << references[i]->keyText();
             ++compared;
         }
     }
@@ -188,35 +177,43 @@ TEST_F(SqliteGrouping, APaneAnswersTheSameForManyAndForFewReferences) {
     }
 }
 
+// Asks for all of these key values at once.
+std::vector<std::optional<CellValue>> together(const SnapshotUse& use, const Selection& selection,
+                                               const std::vector<KeyValues>& keys,
+                                               std::uint64_t maxWork = noLimit) {
+    std::vector<Question> questions;
+    for (const KeyValues& each : keys)
+        questions.push_back({&selection, &each});
+    auto values = use.snapshot().answerTogether(questions, maxWork, {});
+    EXPECT_TRUE(values);
+    return values ? *std::move(values) : std::vector<std::optional<CellValue>>();
+}
+
+using Values = std::vector<std::optional<CellValue>>;
+
 TEST_F(SqliteGrouping, SeveralGroupsOfOneKeyTextAreNotMixedUp) {
     makeDatabase(folder.file("a.db"),
                  "CREATE TABLE t(k, v); INSERT INTO t VALUES (5, 1), ('5', 2), (5.0, 4), ('6', 8)");
     Pane pane(folder.file("a.db"));
     pane.query("Q", "t", "SUM(v)", {{"key", "k"}});
-    const auto five = pane.reference("/Q/5");
-    const auto six = pane.reference("/Q/6");
-    const Snapshot snapshot(pane.database(), nullptr);
-    GroupedAnswers groups;
-    ASSERT_FALSE(
-        groups.load(pane.database()->connection(), five->declaration(), {}, five->siblings(), noLimits));
-    const Answer* answer = nullptr;
-    EXPECT_EQ(groups.find(five->keyText(), answer), GroupedAnswers::Found::several);
-    EXPECT_EQ(groups.find(six->keyText(), answer), GroupedAnswers::Found::one);
+    const Selection selection(pane.declarations().queries().front(), {});
+    const SnapshotUse snapshot(pane.source(), {});
+    EXPECT_EQ(together(snapshot, selection, {{"5"}, {"6"}}),
+              (Values{std::nullopt, CellValue(std::int64_t{8})}));
     EXPECT_EQ(pane.value("/Q/5"), "7");
 }
 
-TEST_F(SqliteGrouping, OnlyWantedGroupsAreKept) {
+TEST_F(SqliteGrouping, KeysWithoutRowsHaveTheValueOverNoRows) {
     makeDatabase(folder.file("a.db"), numbersTable("n", 1000));
     Pane pane(folder.file("a.db"));
-    pane.query("Q", "n", "SUM(x)", {{"key", "i"}});
-    const auto reference = pane.reference("/Q/17");
-    const Snapshot snapshot(pane.database(), nullptr);
-    GroupedAnswers groups;
-    ASSERT_FALSE(groups.load(pane.database()->connection(), reference->declaration(), {},
-                             reference->siblings(), noLimits));
-    const Answer* answer = nullptr;
-    EXPECT_EQ(groups.find(reference->keyText(), answer), GroupedAnswers::Found::one);
-    EXPECT_EQ(groups.find(keyTextOf({"18"}), answer), GroupedAnswers::Found::none);
+    pane.query("Sum", "n", "SUM(x)", {{"key", "i"}}).query("Count", "n", "COUNT(*)", {{"key", "i"}});
+    const Selection sum(pane.declarations().queries()[0], {});
+    const Selection count(pane.declarations().queries()[1], {});
+    const SnapshotUse snapshot(pane.source(), {});
+    EXPECT_EQ(together(snapshot, sum, {{"17"}, {"-1"}, {"5.0"}}),
+              (Values{CellValue(8.5), CellValue(), std::nullopt}));  // no group serves "5.0"
+    EXPECT_EQ(together(snapshot, count, {{"17"}, {"-1"}}),
+              (Values{CellValue(std::int64_t{1}), CellValue(std::int64_t{0})}));
 }
 
 TEST_F(SqliteGrouping, ABudgetThatIsUsedUpOrAFailureIsNoAnswer) {
@@ -224,26 +221,41 @@ TEST_F(SqliteGrouping, ABudgetThatIsUsedUpOrAFailureIsNoAnswer) {
         folder.file("a.db"),
         numbersTable("n", 50000) + "INSERT INTO n VALUES (9223372036854775807, 0), (9223372036854775807, 0)");
     Pane pane(folder.file("a.db"));
-    pane.query("Q", "n", "SUM(x)", {{"key", "i"}}).query("Overflow", "n", "SUM(i)", {{"key", "x"}});
-    const auto reference = pane.reference("/Q/17");
-    const auto overflow = pane.reference("/Overflow/0.5");
-    const Snapshot snapshot(pane.database(), nullptr);
-    Connection& connection = pane.database()->connection();
-    GroupedAnswers groups;
-    EXPECT_FALSE(groups.load(connection, reference->declaration(), {}, reference->siblings(),
-                             {nullptr, noLimits.timeout, 20000}));
-    EXPECT_EQ(groups.state(), GroupedAnswers::State::refused);
-    groups.clear();
-    EXPECT_FALSE(groups.load(connection, overflow->declaration(), {}, overflow->siblings(), noLimits));
-    EXPECT_EQ(groups.state(), GroupedAnswers::State::refused);
-    Progress progress;
-    progress.cancel();
-    groups.clear();
-    const auto failure = groups.load(connection, reference->declaration(), {}, reference->siblings(),
-                                     {&progress, noLimits.timeout});
-    ASSERT_TRUE(failure);
-    EXPECT_TRUE(failure->isCancelled);
+    pane.query("Q", "n", "SUM(x)", {{"key", "i"}})
+        .query("Overflow", "n", "SUM(i)", {{"key", "x"}})
+        .query("Typo", "n", "SUM(y)", {{"key", "x"}});
+    const Selection sum(pane.declarations().queries()[0], {});
+    const Selection overflow(pane.declarations().queries()[1], {});
+    const Selection typo(pane.declarations().queries()[2], {});
+    const SnapshotUse snapshot(pane.source(), {});
+    EXPECT_EQ(together(snapshot, sum, {{"17"}}), Values{CellValue(8.5)});
+    EXPECT_EQ(together(snapshot, sum, {{"17"}}, 20000), Values{std::nullopt});
+    EXPECT_EQ(together(snapshot, overflow, {{"0.5"}}), Values{std::nullopt});
+    EXPECT_EQ(together(snapshot, typo, {{"1"}}), Values{std::nullopt});
+    CancelSource source;
+    source.cancel();
+    const KeyValues keys{"17"};
+    const std::vector<Question> questions{{&sum, &keys}};
+    const auto cancelled = snapshot.snapshot().answerTogether(questions, noLimit, {source.token(), {}});
+    ASSERT_FALSE(cancelled);
+    EXPECT_TRUE(cancelled.error().isCancelled());
     EXPECT_EQ(pane.value("/Q/17"), "8.5");
+}
+
+TEST_F(SqliteGrouping, QuestionsAboutSeveralSelectionsAreAnsweredInTheirOrder) {
+    makeDatabase(folder.file("a.db"), numbersTable("n", 1000));
+    Pane pane(folder.file("a.db"));
+    pane.query("Sum", "n", "SUM(x)", {{"key", "i"}}).query("Max", "n", "MAX(i)", {{"key", "i"}});
+    const Selection sum(pane.declarations().queries()[0], {});
+    const Selection max(pane.declarations().queries()[1], {});
+    const KeyValues two{"2"};
+    const KeyValues three{"3"};
+    const std::vector<Question> questions{{&sum, &two}, {&max, &three}, {&max, &two}, {&sum, &three}};
+    const SnapshotUse snapshot(pane.source(), {});
+    const auto values = snapshot.snapshot().answerTogether(questions, noLimit, {});
+    ASSERT_TRUE(values);
+    EXPECT_EQ(*values, (Values{CellValue(1.0), CellValue(std::int64_t{3}), CellValue(std::int64_t{2}),
+                               CellValue(1.5)}));
 }
 
 TEST_F(SqliteGrouping, AnotherOrderOfTheRowsIsNoticed) {
@@ -254,14 +266,45 @@ TEST_F(SqliteGrouping, AnotherOrderOfTheRowsIsNoticed) {
     pane.query("Same", "t", "SUM(x)", {{"key", "k"}})
         .query("None", "t", "SUM(x)", {{"key", "v"}})
         .query("Other", "u", "SUM(x)", {{"key", "k l"}});
-    const Snapshot snapshot(pane.database(), nullptr);
-    const auto hasSameOrder = [&](std::size_t query) {
-        return GroupedAnswers::hasSameOrder(pane.database()->connection(),
-                                            pane.declarations().queries()[query], {});
+    const SnapshotUse snapshot(pane.source(), {});
+    const auto isSameOrder = [&](std::size_t query) {
+        return hasSameOrder(Pane::connection(snapshot), Selection(pane.declarations().queries()[query], {}),
+                            {});
     };
-    EXPECT_TRUE(hasSameOrder(0));   // both by the index
-    EXPECT_TRUE(hasSameOrder(1));   // both by row number
-    EXPECT_FALSE(hasSameOrder(2));  // one by an index on half of the keys, the other by row number
+    EXPECT_TRUE(isSameOrder(0));   // both by the index
+    EXPECT_TRUE(isSameOrder(1));   // both by row number
+    EXPECT_FALSE(isSameOrder(2));  // one by an index on half of the keys, the other by row number
+}
+
+TEST_F(SqliteGrouping, ThePlanOfManyQuestionsNamesBothStatements) {
+    makeDatabase(folder.file("a.db"), "CREATE TABLE t(k TEXT, v); CREATE INDEX by_k ON t(k)");
+    Pane pane(folder.file("a.db"));
+    pane.query("Q", "t", "SUM(v)", {{"key", "k"}}).query("All", "t", "COUNT(*)").query("Bad", "t", "SUM(x)");
+    const Selection keyed(pane.declarations().queries()[0], {});
+    const Selection all(pane.declarations().queries()[1], {});
+    const Selection bad(pane.declarations().queries()[2], {});
+    const KeyValues a{"a"};
+    const KeyValues b{"b"};
+    const KeyValues none;
+    const SnapshotUse snapshot(pane.source(), {});
+    const std::vector<Question> questions{{&keyed, &a}, {&keyed, &b}, {&all, &none}};
+    const auto plans = snapshot.snapshot().explain(questions, {});
+    ASSERT_TRUE(plans) << plans.error().text;
+    ASSERT_EQ(plans->size(), 3U);
+    EXPECT_EQ((*plans)[0].method, StatementPlan::Method::lookUp);
+    EXPECT_EQ((*plans)[0].questions, 2U);
+    EXPECT_EQ((*plans)[0].sql.find("GROUP BY"), std::string::npos);
+    ASSERT_EQ((*plans)[0].plan.size(), 1U);
+    EXPECT_NE((*plans)[0].plan[0].find("SEARCH t USING INDEX by_k"), std::string::npos);
+    EXPECT_EQ((*plans)[1].method, StatementPlan::Method::together);
+    EXPECT_NE((*plans)[1].sql.find("GROUP BY \"k\""), std::string::npos);
+    EXPECT_EQ((*plans)[2].method, StatementPlan::Method::lookUp);
+    EXPECT_EQ((*plans)[2].questions, 1U);
+    EXPECT_EQ((*plans)[2].plan, std::vector<std::string>{"SCAN t USING COVERING INDEX by_k"});
+    const std::vector<Question> wrong{{&bad, &none}};
+    const auto rejected = snapshot.snapshot().explain(wrong, {});
+    ASSERT_FALSE(rejected);
+    EXPECT_EQ(rejected.error().text, "no such column: x");
 }
 
 TEST_F(SqliteGrouping, ManyReferencesAreAnsweredTogether) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "host/document/percent_encoding.h"
+#include "host/engine/sqlite/query_plan.h"
 #include "host/engine/sqlite/query_sql.h"
 #include "tests/unit/host_engine_sqlite_fixture.h"
 
@@ -116,18 +117,13 @@ TEST_F(SqliteKeys, IndexesAreUsed) {
         .query("C", "wide", "SUM(v)", {{"key", "c"}})
         .query("Id", "ids", "SUM(bit)", {{"key", "k"}})
         .query("Seen", "seen", "SUM(v)", {{"key", "c"}});
-    const Snapshot snapshot(pane.database(), nullptr);
+    const SnapshotUse snapshot(pane.source(), {});
     const auto plan = [&](std::size_t query, KeyMatch match) {
-        std::string problem;
-        const std::string sql =
-            "EXPLAIN QUERY PLAN " + singleSql(pane.declarations().queries()[query], {}, match);
-        Statement explain = pane.database()->connection().prepare(sql, false, problem);
-        EXPECT_TRUE(explain) << problem;
-        StatementRun run(pane.database()->connection(), explain, {nullptr, std::chrono::milliseconds(1000)});
-        std::string text;
-        while (run.step() == StatementRun::Step::row)
-            text += run.columnText(3);
-        return text;
+        const std::string sql = singleSql(Selection(pane.declarations().queries()[query], {}), match);
+        const auto lines = queryPlan(Pane::connection(snapshot), sql, false, {});
+        EXPECT_TRUE(lines);
+        EXPECT_EQ(lines->size(), 1U);
+        return lines->front();
     };
     for (const KeyMatch match : {KeyMatch::text, KeyMatch::number}) {
         EXPECT_EQ(plan(1, match), "SEARCH wide USING INDEX wide_c (c=?)");

@@ -174,7 +174,7 @@ TEST_F(SqliteEngine, RunTimeErrorsAreTold) {
 TEST_F(SqliteEngine, ABrokenQueryIsToldOnceASnapshot) {
     pane.query("Typo", "flows", "SUM(bytez)", {{"key", "src"}}).query("Other", "flows", "nope");
     {
-        const Snapshot snapshot(pane.database(), nullptr);
+        const SnapshotUse snapshot(pane.source(), {});
         for (int i = 0; i < 100; ++i)
             EXPECT_EQ(pane.value("/Typo/" + std::to_string(i)), "[FailedTo]");
         EXPECT_EQ(pane.value("/Other"), "[FailedTo]");
@@ -229,8 +229,8 @@ TEST_F(SqliteEngine, ReferencesOfAnotherDocumentAreRefused) {
 
 TEST_F(SqliteEngine, TheEngineOutlivesTheInputData) {
     pane.query("Count", "flows", "COUNT(*)");
-    auto input =
-        basekit2::make_counted<InputData>(pane.database(), Declarations::read({}), Filters(), nullptr);
+    auto input = basekit2::make_counted<InputData>(std::make_shared<SnapshotSource>(pane.sharedResult()),
+                                                   Declarations::read({}), Filters(), nullptr);
     const auto engine = basekit2::object_registry_t::process().query<slicekit_1_0::ITableTreeEngine>(input);
     input = nullptr;
     const auto root = qlib_1::IVectorQuery::create({pane.library()->getQuery("RootGrouping")});
@@ -247,7 +247,7 @@ TEST_F(SqliteEngine, RequestsMayComeFromDifferentThreadsInTurn) {
 TEST_F(SqliteEngine, MoreQueriesThanStatementsAreKept) {
     for (int i = 0; i < 2500; ++i)
         pane.query("Q" + std::to_string(i), "flows", "COUNT(*) + " + std::to_string(i));
-    const Snapshot snapshot(pane.database(), nullptr);
+    const SnapshotUse snapshot(pane.source(), {});
     for (int round = 0; round < 2; ++round)
         for (int i = 0; i < 2500; i += 1)
             ASSERT_EQ(pane.value("/Q" + std::to_string(i)), std::to_string(4 + i));

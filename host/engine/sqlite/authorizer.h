@@ -38,6 +38,7 @@ class Authorizer {
     // from a view's.
     void guard(bool mayRecurse);
     void release() noexcept { m_isGuarding = false; }
+    [[nodiscard]] bool isGuarding() const noexcept { return m_isGuarding; }
     // What was refused first since guard(), as a clause for people; "" when nothing was.
     [[nodiscard]] const std::string& refusal() const noexcept { return m_refusal; }
 

@@ -53,35 +53,34 @@ std::string secondsText(std::chrono::milliseconds time) {
 
 }  // namespace
 
-std::unique_ptr<Connection> Connection::open(const std::string& path, const Timeouts& timeouts,
-                                             const relay2::IProgress* progress, Failure& failure) {
-    failure = Failure{databaseFileProblem(path)};
-    if (!failure.text.empty()) return nullptr;
-    std::unique_ptr<Connection> connection(new Connection(timeouts));
-    auto problem = connection->start(path, Access::locked, progress);
-    if (problem && connection->isLost() && isSettledInClosedFolder(path)) {
-        connection.reset(new Connection(timeouts));
-        problem = connection->start(path, Access::unlocked, progress);
+Expected<std::unique_ptr<Connection>> Connection::open(const std::string& path,
+                                                       std::chrono::milliseconds lockWait,
+                                                       const RunOptions& options) {
+    if (std::string problem = databaseFileProblem(path); !problem.empty())
+        return Error{ErrorKind::cannotOpen, std::move(problem)};
+    std::unique_ptr<Connection> connection(new Connection(lockWait));
+    auto started = connection->start(path, Access::locked, options);
+    if (!started && connection->isLost() && isSettledInClosedFolder(path)) {
+        connection.reset(new Connection(lockWait));
+        started = connection->start(path, Access::unlocked, options);
     }
-    if (!problem) return connection;
-    failure = std::move(*problem);
-    return nullptr;
+    if (!started) return std::move(started).error();
+    return connection;
 }
 
-std::optional<Failure> Connection::start(const std::string& path, Access access,
-                                         const relay2::IProgress* progress) {
+Expected<void> Connection::start(const std::string& path, Access access, const RunOptions& options) {
     int code = openFile(path, access);
     if (code == SQLITE_OK) code = loadBuiltIns();
-    if (code != SQLITE_OK) return failureOf(code);
-    if (auto problem = beginSnapshot(progress)) return problem;
+    if (code != SQLITE_OK) return errorOf(code);
+    if (auto begun = beginSnapshot(options); !begun) return begun;
     // SQLite notices missing pages, but not that the last one is only half there.
     std::int64_t pageSize = 0;
     (void)forEachRow("PRAGMA page_size", [&](sqlite3_stmt* row) { pageSize = sqlite3_column_int64(row, 0); });
     const auto state = fileStateOf(path);
     endSnapshot();
     if (pageSize > 0 && state && state->size % pageSize != 0)
-        return Failure{"the database is damaged or cut short"};
-    return std::nullopt;
+        return Error{ErrorKind::failed, "the database is damaged or cut short"};
+    return {};
 }
 
 bool Connection::isUnchanged() const {
@@ -185,39 +184,42 @@ int Connection::beginReading() {
     return SQLITE_OK;
 }
 
-std::optional<Failure> Connection::beginSnapshot(const relay2::IProgress* progress) {
-    m_watch.arm({progress, m_timeouts.query});
+Expected<void> Connection::beginSnapshot(const RunOptions& options) {
+    m_watch.arm({options});
     const int code = beginReading();
-    std::optional<Failure> failure;
+    Expected<void> begun;
     if (code != SQLITE_OK) {
-        failure = failureOf(code);
+        begun = errorOf(code);
         endSnapshot();
     }
     m_watch.disarm();
-    return failure;
+    return begun;
 }
 
 void Connection::endSnapshot() noexcept {
     if (isInSnapshot()) sqlite3_exec(m_database, "ROLLBACK", nullptr, nullptr, nullptr);
 }
 
-Statement Connection::prepare(const std::string& sql, bool mayRecurse, std::string& problem) {
+Expected<Statement> Connection::prepare(const std::string& sql, bool mayRecurse) {
     sqlite3_stmt* statement = nullptr;
     m_authorizer.guard(mayRecurse);
     const int code = sqlite3_prepare_v3(m_database, sql.data(), static_cast<int>(sql.size()),
                                         SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
-    if (code != SQLITE_OK) problem = failureOf(code).text;
+    Expected<Statement> prepared = Statement(statement, mayRecurse);
+    if (code != SQLITE_OK) prepared = errorOf(code);
     m_authorizer.release();
-    return {statement, mayRecurse};
+    return prepared;
 }
 
-Failure Connection::failureOf(int code) {
+Error Connection::errorOf(int code) {
     if (isLossOfDatabase(code)) m_isLost = true;
     const StepWatch::Stop stop = m_watch.stop();
-    if (stop == StepWatch::Stop::cancelled) return {"the request was cancelled", true};
-    if (stop == StepWatch::Stop::timeout) return {"it was stopped after " + secondsText(m_timeouts.query)};
-    if (!m_authorizer.refusal().empty()) return {m_authorizer.refusal()};
-    return {errorText(m_database, code)};
+    if (stop == StepWatch::Stop::cancelled) return {ErrorKind::cancelled, "the request was cancelled"};
+    if (stop == StepWatch::Stop::timeout)
+        return {ErrorKind::failed, "it was stopped after " + secondsText(m_watch.timeLimit())};
+    if (m_authorizer.isGuarding() && !m_authorizer.refusal().empty())
+        return {ErrorKind::failed, m_authorizer.refusal()};
+    return {ErrorKind::failed, errorText(m_database, code)};
 }
 
 }  // namespace tessera_host

@@ -2,12 +2,18 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
+#include <cstddef>
 #include <filesystem>
+#include <memory>
+#include <string_view>
 #include <system_error>
+#include <vector>
 
 #include "host/document/text.h"
 
@@ -26,6 +32,31 @@ std::optional<FileState> fileStateOf(const std::string& path) {
     const std::int64_t modified =
         std::int64_t{status.st_mtim.tv_sec} * 1'000'000'000 + status.st_mtim.tv_nsec;
     return FileState{status.st_dev, status.st_ino, status.st_size, modified};
+}
+
+bool hasSqliteHeader(const std::string& path) {
+    using namespace std::string_view_literals;
+    constexpr std::string_view header = "SQLite format 3\0"sv;
+    sqlite3_vfs* files = sqlite3_vfs_find(nullptr);
+    if (files == nullptr || !databaseFileProblem(path).empty()) return false;
+    struct FreeName {
+        void operator()(const char* name) const { sqlite3_free_filename(const_cast<char*>(name)); }
+    };
+    std::error_code ignored;
+    const std::string whole = std::filesystem::absolute(path, ignored).string();
+    const std::unique_ptr<const char, FreeName> name(
+        sqlite3_create_filename(whole.c_str(), "", "", 0, nullptr));
+    // SQLite's file systems make a file in storage of the caller's.
+    std::vector<std::max_align_t> storage(
+        static_cast<std::size_t>(files->szOsFile) / sizeof(std::max_align_t) + 1);
+    auto* file = reinterpret_cast<sqlite3_file*>(storage.data());
+    int flags = SQLITE_OPEN_READONLY | SQLITE_OPEN_MAIN_DB;
+    const bool isOpen = name && files->xOpen(files, name.get(), file, flags, &flags) == SQLITE_OK;
+    std::array<char, header.size()> begin{};
+    const bool isRead =
+        isOpen && file->pMethods->xRead(file, begin.data(), static_cast<int>(begin.size()), 0) == SQLITE_OK;
+    if (file->pMethods != nullptr) file->pMethods->xClose(file);
+    return isRead && std::string_view(begin.data(), begin.size()) == header;
 }
 
 bool isSettledInClosedFolder(const std::string& path) {

@@ -1,5 +1,5 @@
-// The file of a database, seen from outside. Never opened here: closing a file would drop the locks that
-// SQLite holds on it.
+// The file of a database, seen from outside. Opened through SQLite only: closing a file in another way would
+// drop the locks that SQLite holds on it for the whole process.
 #pragma once
 
 #include <sys/types.h>
@@ -25,6 +25,9 @@ struct FileState {
 
 // Why the file cannot be a database that may be read, as a clause; "" when it can.
 [[nodiscard]] std::string databaseFileProblem(const std::string& path);
+
+// Whether the file begins as SQLite's files do. False for what cannot be read.
+[[nodiscard]] bool hasSqliteHeader(const std::string& path);
 
 // Whether nothing can be made beside the file and no unfinished changes stand there. SQLite then cannot make
 // what it wants beside a file in WAL mode, and needs none of it.

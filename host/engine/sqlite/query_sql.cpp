@@ -34,23 +34,23 @@ std::string numberTerm(const std::string& column, std::size_t key, std::size_t k
     return among + " AND +" + among;
 }
 
-std::vector<std::string> rowTerms(const QueryDeclaration& query, const FilterList& filters) {
+std::vector<std::string> rowTerms(const Selection& selection) {
     std::vector<std::string> terms;
-    if (!query.where.empty()) terms.push_back(enclosed(query.where));
-    for (const NamedFilter& filter : filters)
+    if (!selection.where.empty()) terms.push_back(enclosed(selection.where));
+    for (const NamedFilter& filter : selection.filters)
         terms.push_back(enclosed(filter.predicate));
     return terms;
 }
 
-std::string fromWhere(const QueryDeclaration& query, const std::vector<std::string>& terms) {
-    std::string sql = " FROM " + quoteName(query.from);
+std::string fromWhere(const Selection& selection, const std::vector<std::string>& terms) {
+    std::string sql = " FROM " + quoteName(selection.from);
     for (std::size_t i = 0; i < terms.size(); ++i)
         sql.append(i == 0 ? " WHERE " : " AND ").append(terms[i]);
     return sql;
 }
 
-std::string valueFrom(const QueryDeclaration& query, const std::vector<std::string>& terms) {
-    return "SELECT " + enclosed(query.expression) + fromWhere(query, terms);
+std::string valueFrom(const Selection& selection, const std::vector<std::string>& terms) {
+    return "SELECT " + enclosed(selection.expression) + fromWhere(selection, terms);
 }
 
 }  // namespace
@@ -62,48 +62,48 @@ std::string quoteName(std::string_view name) {
     return text + '"';
 }
 
-std::string singleSql(const QueryDeclaration& query, const FilterList& filters, KeyMatch match) {
-    std::vector<std::string> terms = rowTerms(query, filters);
-    for (std::size_t i = 0; i < query.keys.size(); ++i) {
-        const std::string column = quoteName(query.keys[i]);
+std::string singleSql(const Selection& selection, KeyMatch match) {
+    std::vector<std::string> terms = rowTerms(selection);
+    for (std::size_t i = 0; i < selection.keys.size(); ++i) {
+        const std::string column = quoteName(selection.keys[i]);
         terms.push_back(match == KeyMatch::text ? textTerm(column, i + 1)
-                                                : numberTerm(column, i + 1, query.keys.size()));
+                                                : numberTerm(column, i + 1, selection.keys.size()));
     }
-    return valueFrom(query, terms);
+    return valueFrom(selection, terms);
 }
 
-std::string noRowsSql(const QueryDeclaration& query, const FilterList& filters) {
-    std::vector<std::string> terms = rowTerms(query, filters);
+std::string noRowsSql(const Selection& selection) {
+    std::vector<std::string> terms = rowTerms(selection);
     terms.emplace_back("0");
-    return valueFrom(query, terms);
+    return valueFrom(selection, terms);
 }
 
-std::string groupedSql(const QueryDeclaration& query, const FilterList& filters) {
+std::string groupedSql(const Selection& selection) {
     std::string columns;
     std::string groups;
-    for (const std::string& key : query.keys) {
+    for (const std::string& key : selection.keys) {
         columns += quoteName(key) + ", ";
         groups += (groups.empty() ? " GROUP BY " : ", ") + quoteName(key) + " COLLATE BINARY";
     }
-    return "SELECT " + columns + enclosed(query.expression) + fromWhere(query, rowTerms(query, filters)) +
+    return "SELECT " + columns + enclosed(selection.expression) + fromWhere(selection, rowTerms(selection)) +
            groups;
 }
 
-std::string columnSql(const QueryDeclaration& query, std::string_view column) {
-    return std::string("SELECT ").append(column) + fromWhere(query, {});
+std::string columnSql(const Selection& selection, std::string_view column) {
+    return std::string("SELECT ").append(column) + fromWhere(selection, {});
 }
 
-std::string predicateSql(const QueryDeclaration& query, std::string_view predicate) {
-    return "SELECT 1" + fromWhere(query, {enclosed(predicate)});
+std::string predicateSql(const Selection& selection, std::string_view predicate) {
+    return "SELECT 1" + fromWhere(selection, {enclosed(predicate)});
 }
 
-std::string havingSql(const QueryDeclaration& query) {
-    return "SELECT 1" + fromWhere(query, {}) + " GROUP BY 1 HAVING " + enclosed(query.expression);
+std::string havingSql(const Selection& selection) {
+    return "SELECT 1" + fromWhere(selection, {}) + " GROUP BY 1 HAVING " + enclosed(selection.expression);
 }
 
-bool mayRecurse(const QueryDeclaration& query, const FilterList& filters) {
-    return !scanSql(query.expression).hasWith && !scanSql(query.where).hasWith &&
-           std::none_of(filters.begin(), filters.end(),
+bool mayRecurse(const Selection& selection) {
+    return !scanSql(selection.expression).hasWith && !scanSql(selection.where).hasWith &&
+           std::none_of(selection.filters.begin(), selection.filters.end(),
                         [](const NamedFilter& filter) { return scanSql(filter.predicate).hasWith; });
 }
 

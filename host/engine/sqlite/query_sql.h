@@ -3,20 +3,10 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
-#include "host/document/declarations.h"
+#include "host/engine/selection.h"
 
 namespace tessera_host {
-
-// The filters in force, in the order in which they were asked for.
-struct NamedFilter {
-    std::string name;
-    std::string predicate;
-
-    friend bool operator==(const NamedFilter&, const NamedFilter&) = default;
-};
-using FilterList = std::vector<NamedFilter>;
 
 // How the key values of a reference are compared.
 enum class KeyMatch {
@@ -32,20 +22,20 @@ enum class KeyMatch {
 
 // The value over the rows that the filters and the keys leave. Parameter i is the text of key i; for
 // KeyMatch::number, parameter n + i of n keys is a flag that says whether key i is a number.
-[[nodiscard]] std::string singleSql(const QueryDeclaration& query, const FilterList& filters, KeyMatch match);
+[[nodiscard]] std::string singleSql(const Selection& selection, KeyMatch match);
 // The value over no rows.
-[[nodiscard]] std::string noRowsSql(const QueryDeclaration& query, const FilterList& filters);
+[[nodiscard]] std::string noRowsSql(const Selection& selection);
 // The keys and the value of every group of rows with equal keys. REQUIRES: the query has keys.
-[[nodiscard]] std::string groupedSql(const QueryDeclaration& query, const FilterList& filters);
+[[nodiscard]] std::string groupedSql(const Selection& selection);
 
 // "SELECT COLUMN FROM TABLE" (any SQL expression) and "SELECT 1 FROM TABLE WHERE (PREDICATE)", to find out
 // what the database says to a part.
-[[nodiscard]] std::string columnSql(const QueryDeclaration& query, std::string_view column);
-[[nodiscard]] std::string predicateSql(const QueryDeclaration& query, std::string_view predicate);
+[[nodiscard]] std::string columnSql(const Selection& selection, std::string_view column);
+[[nodiscard]] std::string predicateSql(const Selection& selection, std::string_view predicate);
 // The same with the expression as the condition on groups, where aggregates are allowed and windows are not.
-[[nodiscard]] std::string havingSql(const QueryDeclaration& query);
+[[nodiscard]] std::string havingSql(const Selection& selection);
 
 // True when no fragment has common table expressions of its own.
-[[nodiscard]] bool mayRecurse(const QueryDeclaration& query, const FilterList& filters);
+[[nodiscard]] bool mayRecurse(const Selection& selection);
 
 }  // namespace tessera_host

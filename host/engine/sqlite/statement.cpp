@@ -29,12 +29,12 @@ void StatementRun::bindFlag(int parameter, bool flag) {
 StatementRun::Step StatementRun::step() {
     const int code = sqlite3_step(m_statement);
     if (!m_connection.isUnchanged()) {
-        m_failure = {"the database was changed while it was read"};
+        m_error = {ErrorKind::failed, "the database was changed while it was read"};
         return Step::failed;
     }
     if (code == SQLITE_ROW) return Step::row;
     if (code == SQLITE_DONE) return Step::done;
-    m_failure = m_connection.failureOf(code);
+    m_error = m_connection.errorOf(code);
     return Step::failed;
 }
 

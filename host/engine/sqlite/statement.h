@@ -7,8 +7,8 @@
 #include <memory>
 #include <string_view>
 
-#include "host/engine/sqlite/failure.h"
 #include "host/engine/sqlite/step_watch.h"
+#include "host/error.h"
 #include "host/values/cell_format.h"
 
 namespace tessera_host {
@@ -51,7 +51,7 @@ class StatementRun {
 
     Step step();
     // After a failed step: why.
-    [[nodiscard]] const Failure& failure() const noexcept { return m_failure; }
+    [[nodiscard]] const Error& error() const noexcept { return m_error; }
     // After a failed step: whether the budget or the time limit was the reason.
     [[nodiscard]] bool isOverLimit() const noexcept;
 
@@ -68,7 +68,7 @@ class StatementRun {
   private:
     Connection& m_connection;
     sqlite3_stmt* m_statement;
-    Failure m_failure;
+    Error m_error;
 };
 
 }  // namespace tessera_host

@@ -19,14 +19,14 @@ void StepWatch::install(sqlite3* database) {
 
 void StepWatch::arm(const RunLimits& limits) {
     m_limits = limits;
-    m_deadline = Clock::now() + limits.timeout;
+    m_deadline = Clock::now() + limits.options.limits.time;
     m_steps = 0;
     m_stop = Stop::none;
     m_isArmed = true;
 }
 
 bool StepWatch::mustStop() {
-    if (m_limits.progress && m_limits.progress->isCancelled())
+    if (m_limits.options.cancel.isCancelled())
         m_stop = Stop::cancelled;
     else if (m_steps > m_limits.stepBudget)
         m_stop = Stop::budget;
@@ -41,7 +41,7 @@ int StepWatch::onSteps(void* self) {
     return watch.m_isArmed && watch.mustStop() ? 1 : 0;
 }
 
-// Answers 0 to give up. Naps are short so that a cancelled request ends at once.
+// Returns 0 to give up. Naps are short so that a cancelled request ends at once.
 int StepWatch::onBusy(void* self, int attempt) {
     auto& watch = *static_cast<StepWatch*>(self);
     if (!watch.m_isArmed || watch.mustStop()) return 0;

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "platform/relay2/progress.h"
+#include "host/engine/result.h"
 
 namespace tessera_host {
 
@@ -15,8 +15,7 @@ namespace tessera_host {
 struct RunLimits {
     static constexpr std::uint64_t noBudget = std::numeric_limits<std::uint64_t>::max();
 
-    const relay2::IProgress* progress = nullptr;  // null: never cancelled
-    std::chrono::milliseconds timeout{};
+    RunOptions options;
     std::uint64_t stepBudget = noBudget;  // virtual-machine steps
 };
 
@@ -41,6 +40,10 @@ class StepWatch {
     }
     // Why what is being watched had to stop.
     [[nodiscard]] Stop stop() const noexcept { return m_stop; }
+    // The time limit that was given last.
+    [[nodiscard]] std::chrono::milliseconds timeLimit() const noexcept {
+        return m_limits.options.limits.time;
+    }
 
   private:
     static int onSteps(void* self);

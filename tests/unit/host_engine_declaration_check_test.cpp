@@ -1,7 +1,7 @@
 // All that a database has to say against a document, in one run.
 #include <gtest/gtest.h>
 
-#include "host/engine/sqlite/diagnose.h"
+#include "host/engine/declaration_check.h"
 #include "tests/unit/host_engine_sqlite_fixture.h"
 
 namespace tessera_host::sqlite_test {
@@ -9,9 +9,9 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-class SqliteDiagnose : public testing::Test {
+class SqliteDeclarationCheck : public testing::Test {
   protected:
-    SqliteDiagnose() {
+    SqliteDeclarationCheck() {
         makeDatabase(path,
                      "CREATE TABLE t(a, b); CREATE TABLE u(c); CREATE VIEW broken AS SELECT missing FROM t;" +
                          numbersTable("n", 5000));
@@ -20,7 +20,7 @@ class SqliteDiagnose : public testing::Test {
     // "LINE: TEXT" of every problem.
     Texts problems(const Filters& filters = {}) {
         Texts texts;
-        for (const Problem& problem : diagnose(pane.database(), pane.declarations(), filters))
+        for (const Problem& problem : checkAgainstResult(pane.result(), pane.declarations(), filters))
             texts.push_back(std::to_string(problem.position.line) + ": " + problem.text);
         return texts;
     }
@@ -30,13 +30,13 @@ class SqliteDiagnose : public testing::Test {
     Pane pane{path};
 };
 
-TEST_F(SqliteDiagnose, SoundDeclarationsHaveNoProblem) {
+TEST_F(SqliteDeclarationCheck, SoundDeclarationsHaveNoProblem) {
     pane.query("A", "t", "COUNT(*)", {{"key", "a b"}, {"where", "a > 1 -- few"}})
         .query("B", "n", "SUM(x) / MAX(1, COUNT(i))");
     EXPECT_EQ(problems({{"selection", {"rowid > 0", {}}}}), Texts());
 }
 
-TEST_F(SqliteDiagnose, EveryPartOfEveryQueryIsLookedAt) {
+TEST_F(SqliteDeclarationCheck, EveryPartOfEveryQueryIsLookedAt) {
     pane.query("Many", "t", "SUM(x)", {{"key", "a z"}, {"where", "y = 1"}})
         .query("Fine", "t", "SUM(a)")
         .query("Table", "nowhere", "SUM(x)", {{"key", "z"}})
@@ -62,25 +62,25 @@ TEST_F(SqliteDiagnose, EveryPartOfEveryQueryIsLookedAt) {
             "8: query \"Tableless\": the expression is empty"}));
 }
 
-TEST_F(SqliteDiagnose, FiltersAreHeldAgainstEveryTable) {
+TEST_F(SqliteDeclarationCheck, FiltersAreHeldAgainstEveryTable) {
     pane.query("T", "t", "COUNT(*)").query("U", "u", "COUNT(*)");
     EXPECT_EQ(problems({{"global", {"a = 1", {}}}, {"selection", {"c = 1", {}}}}),
               (Texts{"1: query \"T\": filter \"selection\": no such column: c",
                      "2: query \"U\": filter \"global\": no such column: a"}));
 }
 
-TEST_F(SqliteDiagnose, AFilterThatIsWrongEverywhereIsToldOnce) {
+TEST_F(SqliteDeclarationCheck, AFilterThatIsWrongEverywhereIsToldOnce) {
     pane.query("T", "t", "COUNT(*)").query("U", "u", "COUNT(*)");
     EXPECT_EQ(problems({{"selection", {"a = (1", {77, 3}}}}),
               (Texts{"77: filter \"selection\" has a parenthesis that is never closed (at character 5)"}));
 }
 
-TEST_F(SqliteDiagnose, NothingIsRun) {
+TEST_F(SqliteDeclarationCheck, NothingIsRun) {
     pane.query("Long", "n", "SUM((SELECT COUNT(*) FROM n a, n b, n c, n d))");
     EXPECT_EQ(problems(), Texts());  // it would take days
 }
 
-TEST_F(SqliteDiagnose, PartsThatAreTooMuchTogetherAreFound) {
+TEST_F(SqliteDeclarationCheck, PartsThatAreTooMuchTogetherAreFound) {
     const std::string comment = "/*" + std::string(300'000, 'x') + "*/";
     pane.query("Half", "t", comment + "COUNT(*)")
         .query("Long", "t", comment + "COUNT(*)", {{"where", "a" + comment}});
@@ -88,7 +88,7 @@ TEST_F(SqliteDiagnose, PartsThatAreTooMuchTogetherAreFound) {
     EXPECT_EQ(pane.failure("/Long"), "query \"Long\": it is too long");
 }
 
-TEST_F(SqliteDiagnose, ExpressionsThatAreTooDeepAreFound) {
+TEST_F(SqliteDeclarationCheck, ExpressionsThatAreTooDeepAreFound) {
     std::string sum = "COUNT(*)";
     for (int i = 0; i < 2000; ++i)
         sum += " + 1";
@@ -96,9 +96,9 @@ TEST_F(SqliteDiagnose, ExpressionsThatAreTooDeepAreFound) {
     EXPECT_EQ(problems(), (Texts{"1: query \"Deep\": Expression tree is too large (maximum depth 1000)"}));
 }
 
-TEST_F(SqliteDiagnose, ALostDatabaseIsOneProblem) {
+TEST_F(SqliteDeclarationCheck, ALostDatabaseIsOneProblem) {
     pane.query("T", "t", "COUNT(*)");
-    pane.database();
+    (void)pane.result();
     std::filesystem::remove(path);
     EXPECT_EQ(problems(), (Texts{"0: \"" + path + "\": there is no such file"}));
 }

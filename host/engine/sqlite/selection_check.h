@@ -1,4 +1,4 @@
-// What is wrong with a declared query, found without running it.
+// What is wrong with a selection, found without running it.
 #pragma once
 
 #include <optional>
@@ -6,7 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include "host/document/declarations.h"
 #include "host/engine/sqlite/connection.h"
 #include "host/engine/sqlite/query_sql.h"
 
@@ -17,16 +16,17 @@ namespace tessera_host {
 // The subject under which a filter is spoken of.
 [[nodiscard]] std::string filterSubject(const std::string& name);
 
+// Why the filter cannot stand in a statement, whatever the table; none when it can.
+[[nodiscard]] std::optional<std::string> filterTextProblem(const NamedFilter& filter);
+
 // The fragments of the query that cannot be put into SQL, as clauses for people. The database is not asked.
-[[nodiscard]] std::vector<std::string> fragmentProblems(const QueryDeclaration& query);
+[[nodiscard]] std::vector<std::string> fragmentProblems(const Selection& selection);
 
 // Why the expression has not one value for all rows; none when it has. REQUIRES: the query could be prepared.
-[[nodiscard]] std::optional<std::string> aggregateProblem(Connection& connection,
-                                                          const QueryDeclaration& query);
+[[nodiscard]] std::optional<std::string> aggregateProblem(Connection& connection, const Selection& selection);
 
 // Everything that the database rejects, each part of the query looked at by itself. Parts that
 // fragmentProblems() lists are passed over. REQUIRES: the filters have no problem as fragments.
-[[nodiscard]] std::vector<std::string> databaseProblems(Connection& connection, const QueryDeclaration& query,
-                                                        const FilterList& filters);
+[[nodiscard]] std::vector<std::string> databaseProblems(Connection& connection, const Selection& selection);
 
 }  // namespace tessera_host

@@ -1,0 +1,88 @@
+#include "host/engine/declared_query.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "host/values/cell_format.h"
+
+namespace tessera_host {
+namespace {
+
+// Sorting rows into groups takes about as long as a dozen looks at all of them, so fewer references than
+// this are not worth it; nor is work of a few milliseconds.
+constexpr std::uint64_t minReferences = 16;
+constexpr std::uint64_t minWork = 100'000;
+
+bool isCancelled(const CellText& text) {
+    return !text && text.error().isCancelled();
+}
+
+}  // namespace
+
+const CellText& DeclaredQuery::value(const ReferenceQuery& reference, const RunPlace& place) {
+    if (place.snapshotNumber != m_snapshotNumber) startSnapshot(place.snapshotNumber);
+    const auto known = m_values.find(reference.keyText());
+    if (known != m_values.end()) return known->second;
+    if (std::uint64_t cost = 0; isWorthGrouping(reference, cost)) {
+        m_isGroupingTried = true;
+        if (auto done = askTogether(reference, place, cost); !done)
+            return m_cancelled.emplace(std::move(done).error());
+        const auto grouped = m_values.find(reference.keyText());
+        if (grouped != m_values.end()) return grouped->second;
+    }
+    CellText text = askOne(reference, place);
+    if (isCancelled(text)) return m_cancelled.emplace(std::move(text));
+    return m_values.emplace(reference.keyText(), std::move(text)).first->second;
+}
+
+void DeclaredQuery::startSnapshot(std::uint64_t snapshotNumber) {
+    m_snapshotNumber = snapshotNumber;
+    m_values.clear();
+    m_isGroupingTried = false;
+    m_singleRuns = 0;
+    m_singleWork = 0;
+}
+
+bool DeclaredQuery::claimReport(std::uint64_t snapshotNumber) {
+    return std::exchange(m_reportedSnapshot, snapshotNumber) != snapshotNumber;
+}
+
+bool DeclaredQuery::isWorthGrouping(const ReferenceQuery& reference, std::uint64_t& cost) const {
+    if (m_isGroupingTried || m_query.keys.empty() || m_singleRuns == 0) return false;
+    const std::uint64_t known = reference.siblings().size();
+    const std::uint64_t remaining = known - std::min<std::uint64_t>(known, m_values.size());
+    cost = remaining * (m_singleWork / m_singleRuns);
+    return remaining >= minReferences && cost >= minWork;
+}
+
+Expected<void> DeclaredQuery::askTogether(const ReferenceQuery& reference, const RunPlace& place,
+                                          std::uint64_t maxWork) {
+    std::vector<Question> questions;
+    std::vector<const KeyText*> names;
+    for (const auto& [name, keys] : reference.siblings()) {
+        if (m_values.contains(name)) continue;
+        questions.push_back({&m_selection, &keys});
+        names.push_back(&name);
+    }
+    auto values = place.snapshot.answerTogether(questions, maxWork, place.options);
+    if (!values) return std::move(values).error();
+    m_values.reserve(m_values.size() + names.size());
+    for (std::size_t i = 0; i < names.size(); ++i)
+        if (const auto& value = (*values)[i]) m_values.emplace(*names[i], textOf(*value));
+    return {};
+}
+
+CellText DeclaredQuery::askOne(const ReferenceQuery& reference, const RunPlace& place) {
+    auto answer = place.snapshot.answer({&m_selection, &reference.keys()}, place.options);
+    if (!answer) return std::move(answer).error();
+    ++m_singleRuns;
+    m_singleWork += answer->work;
+    return textOf(answer->value);
+}
+
+std::string DeclaredQuery::textOf(const CellValue& value) const {
+    return formatCell(value, m_query.format, m_query.unit);
+}
+
+}  // namespace tessera_host

@@ -1,0 +1,61 @@
+// A declared query under certain filters, and its values in the present snapshot.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <unordered_map>
+
+#include "host/engine/reference_query.h"
+#include "host/engine/result.h"
+
+namespace tessera_host {
+
+// The text of a cell, or why there is none.
+using CellText = Expected<std::string>;
+
+// Where and how a query is run: in the snapshot of this number.
+struct RunPlace {
+    ISnapshot& snapshot;
+    std::uint64_t snapshotNumber;
+    const RunOptions& options;
+};
+
+// Equal references are asked once a snapshot.
+//
+// Many references to a query without a fitting index would each look at every row. So the first ones are
+// asked one by one, which shows their cost; when those to come would cost much, the engine is given all of
+// them together. That may cost as much as they would and is then given up for this snapshot.
+class DeclaredQuery {
+  public:
+    DeclaredQuery(const QueryDeclaration& query, const FilterList& filters)
+        : m_query(query), m_selection(query, filters) {}
+
+    // The text stays valid until the next call. REQUIRES: `reference` is one to this query.
+    [[nodiscard]] const CellText& value(const ReferenceQuery& reference, const RunPlace& place);
+
+    // True at the first call in a snapshot: every broken query is reported once.
+    [[nodiscard]] bool claimReport(std::uint64_t snapshotNumber);
+
+  private:
+    void startSnapshot(std::uint64_t snapshotNumber);
+    [[nodiscard]] bool isWorthGrouping(const ReferenceQuery& reference, std::uint64_t& cost) const;
+    [[nodiscard]] Expected<void> askTogether(const ReferenceQuery& reference, const RunPlace& place,
+                                             std::uint64_t maxWork);
+    [[nodiscard]] CellText askOne(const ReferenceQuery& reference, const RunPlace& place);
+    [[nodiscard]] std::string textOf(const CellValue& value) const;
+
+    const QueryDeclaration& m_query;
+    const Selection m_selection;
+    std::uint64_t m_reportedSnapshot = 0;
+
+    // Of the present snapshot.
+    std::uint64_t m_snapshotNumber = 0;
+    std::unordered_map<KeyText, CellText> m_values;
+    bool m_isGroupingTried = false;
+    std::uint64_t m_singleRuns = 0;
+    std::uint64_t m_singleWork = 0;
+    std::optional<CellText> m_cancelled;
+};
+
+}  // namespace tessera_host

@@ -1,0 +1,64 @@
+// The engines of the program, and opening a result by its address.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/engine/result.h"
+
+namespace tessera_host {
+
+struct OpenOptions {
+    std::string engine;                         // its name; "" to go by the address
+    std::chrono::milliseconds lockWait{5'000};  // for a lock of another program
+};
+
+// What an engine registers.
+struct Engine {
+    std::string name;                  // as OpenOptions and messages name it
+    std::string description;           // "SQLite files", completes "this program reads ..."
+    std::vector<std::string> schemes;  // of addresses "SCHEME://...", in small letters
+    std::vector<std::string> endings;  // of paths, with the dot, in small letters
+    // Whether the file's first bytes are this engine's. Empty when it has none.
+    std::function<bool(const std::string& path)> recognizes;
+    // Opens an address. The error is a clause for people that does not repeat the address.
+    std::function<Expected<std::shared_ptr<IResult>>(const std::string& address, const OpenOptions& options,
+                                                     const CancelToken& cancel)>
+        open;
+    // What the engine's SQL says without a database, as clauses for people: problems of a filter wherever it
+    // is applied, and of the texts of a selection. Never empty.
+    std::function<std::optional<std::string>(const NamedFilter&)> checkFilterText;
+    std::function<std::vector<std::string>(const Selection&)> checkText;
+};
+
+// Filled once, then only read, by any thread.
+class EngineRegistry {
+  public:
+    // The engines that are part of the program.
+    [[nodiscard]] static const EngineRegistry& builtIn();
+
+    void add(Engine engine) { m_engines.push_back(std::move(engine)); }
+    [[nodiscard]] const std::vector<Engine>& engines() const noexcept { return m_engines; }
+
+    // Opens a result read-only. The engine is the one that the options name; otherwise the address's scheme,
+    // then the file's first bytes, then its ending decide; a file that no engine knows goes to the first one,
+    // whose error says what is wrong with it. The error's kind is cannotOpen, cancelled, or usage when there
+    // is no such engine.
+    [[nodiscard]] Expected<std::shared_ptr<IResult>> open(const std::string& address,
+                                                          const OpenOptions& options = {},
+                                                          const CancelToken& cancel = {}) const;
+
+  private:
+    [[nodiscard]] Expected<const Engine*> choose(const std::string& address,
+                                                 const OpenOptions& options) const;
+    [[nodiscard]] std::string descriptions() const;
+
+    std::vector<Engine> m_engines;
+};
+
+}  // namespace tessera_host

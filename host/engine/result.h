@@ -1,0 +1,117 @@
+// The interface of a database engine: an opened result, and snapshots of it that answer questions.
+//
+// Everything above (the table-tree engine, the check of declarations, panes) speaks to these interfaces only.
+// An engine is a folder below host/engine/ that implements both and is listed in built_in_engines.cpp.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/engine/selection.h"
+#include "host/error.h"
+#include "host/values/cell_format.h"
+#include "support/cancel_token.h"
+
+namespace tessera_host {
+
+using tessera_support::CancelSource;
+using tessera_support::CancelToken;
+
+// How much one statement may use. A statement that reaches a limit fails with an error that names the limit.
+struct QueryLimits {
+    std::chrono::milliseconds time{600'000};
+};
+
+// Given with each call that may take long.
+struct RunOptions {
+    CancelToken cancel;  // ends the call within 100 ms with an error of kind cancelled
+    QueryLimits limits;
+};
+
+// A value, unformatted, and what it cost.
+struct Answer {
+    CellValue value;
+    // How much the engine had to do, in units of about 30 ns: what a step of SQLite's machine takes. It is
+    // compared with other figures of the same engine only, to choose between plans. 0 when it is not known.
+    std::uint64_t work = 0;
+};
+
+// How an engine would answer questions: one statement.
+struct StatementPlan {
+    enum class Method {
+        lookUp,    // one run of the statement for each choice of key values
+        together,  // one run for all of them
+    };
+
+    Method method = Method::lookUp;
+    std::size_t questions = 0;      // how many of the questions it answers
+    std::string sql;                // as it is sent to the database
+    std::vector<std::string> plan;  // the database's own description, a line each
+};
+
+// One state of the database. All calls see the rows as they were when the snapshot was begun, whatever other
+// programs write meanwhile. Used by one thread at a time; destroying it ends it. It keeps the result alive.
+class ISnapshot {
+  public:
+    virtual ~ISnapshot() = default;
+    ISnapshot(const ISnapshot&) = delete;
+    ISnapshot& operator=(const ISnapshot&) = delete;
+
+    // An error once the database was lost or changed under the snapshot: no further question has an answer.
+    [[nodiscard]] virtual Expected<void> state() const = 0;
+
+    // The value of one question. An error says why there is none: the selection is not acceptable, the
+    // statement failed or reached a limit (kind failed), or the call was cancelled (kind cancelled).
+    [[nodiscard]] virtual Expected<Answer> answer(const Question& question, const RunOptions& options) = 0;
+
+    // Answers many questions with few statements. The result has an element for each question: its value,
+    // always the one that answer() would return, or none when it has to be asked by itself. An engine that
+    // cannot tell that the values would be equal, a failing statement, and one that takes more than `maxWork`
+    // leave elements empty; the only error is cancellation.
+    [[nodiscard]] virtual Expected<std::vector<std::optional<CellValue>>> answerTogether(
+        std::span<const Question> questions, std::uint64_t maxWork, const RunOptions& options) = 0;
+
+    // Why the filter cannot stand in any statement, as a clause for people; none when it can.
+    [[nodiscard]] virtual std::optional<std::string> checkFilter(const NamedFilter& filter) = 0;
+    // Everything that the engine rejects in the selection, as clauses for people; nothing is run. REQUIRES:
+    // checkFilter() accepts each of its filters.
+    [[nodiscard]] virtual std::vector<std::string> check(const Selection& selection) = 0;
+
+    // The statements that could answer the questions; nothing is run. A selection that is not acceptable is
+    // an error.
+    [[nodiscard]] virtual Expected<std::vector<StatementPlan>> explain(std::span<const Question> questions,
+                                                                       const RunOptions& options) = 0;
+
+  protected:
+    ISnapshot() = default;
+};
+
+// An opened database. It is only read: nothing that SQL of a document says can write to it, or reach files,
+// the network or settings. Any thread; several snapshots may exist at once, each on its own thread.
+class IResult {
+  public:
+    virtual ~IResult() = default;
+    IResult(const IResult&) = delete;
+    IResult& operator=(const IResult&) = delete;
+
+    // As it was given to EngineRegistry::open().
+    [[nodiscard]] virtual const std::string& address() const noexcept = 0;
+    // The name of the engine, for messages.
+    [[nodiscard]] virtual std::string_view engineName() const noexcept = 0;
+
+    // Begins a snapshot of the newest state. Waits for locks of other programs as long as the options of
+    // opening allow. Between snapshots no lock is held. The error is a clause for people that names the file
+    // where it is about the file.
+    [[nodiscard]] virtual Expected<std::unique_ptr<ISnapshot>> begin(const RunOptions& options) = 0;
+
+  protected:
+    IResult() = default;
+};
+
+}  // namespace tessera_host

@@ -1,0 +1,71 @@
+// One snapshot for all that one request asks.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+#include "host/engine/result.h"
+
+namespace tessera_host {
+
+// Hands out the snapshot of the request that is running. One for each pane; used by one thread at a time.
+class SnapshotSource {
+  public:
+    explicit SnapshotSource(std::shared_ptr<IResult> result) : m_result(std::move(result)) {}
+    SnapshotSource(const SnapshotSource&) = delete;
+    SnapshotSource& operator=(const SnapshotSource&) = delete;
+
+    // Counts the snapshots, from 1; 0 before the first.
+    [[nodiscard]] std::uint64_t number() const noexcept { return m_number; }
+
+  private:
+    friend class SnapshotUse;
+    friend class SnapshotHold;
+
+    void begin(const RunOptions& options);
+    void endUse();
+    void endHold();
+    void endUnlessNeeded();
+
+    const std::shared_ptr<IResult> m_result;
+    std::unique_ptr<ISnapshot> m_snapshot;
+    std::optional<Error> m_error;  // why the present snapshot could not be begun
+    std::uint64_t m_number = 0;
+    int m_uses = 0;
+    int m_holds = 0;
+};
+
+// While it lives, all questions see the database as it was when the first use was made. A use within another
+// one, or within a hold, shares that one's snapshot, its error included. REQUIRES: the source outlives it.
+class SnapshotUse {
+  public:
+    // Begins a snapshot, when there is none, with these options.
+    SnapshotUse(SnapshotSource& source, const RunOptions& options);
+    ~SnapshotUse();
+    SnapshotUse(const SnapshotUse&) = delete;
+    SnapshotUse& operator=(const SnapshotUse&) = delete;
+
+    // Why nothing can be read: the snapshot could not be begun, or the database was lost meanwhile.
+    [[nodiscard]] Expected<void> state() const;
+    // REQUIRES: the snapshot could be begun.
+    [[nodiscard]] ISnapshot& snapshot() const noexcept { return *m_source.m_snapshot; }
+
+  private:
+    SnapshotSource& m_source;
+};
+
+// Keeps the first snapshot that is begun while it lives until its own end. A request that asks nothing begins
+// none and waits for no lock.
+class SnapshotHold {
+  public:
+    explicit SnapshotHold(SnapshotSource& source);
+    ~SnapshotHold();
+    SnapshotHold(const SnapshotHold&) = delete;
+    SnapshotHold& operator=(const SnapshotHold&) = delete;
+
+  private:
+    SnapshotSource& m_source;
+};
+
+}  // namespace tessera_host

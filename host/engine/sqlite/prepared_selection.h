@@ -1,0 +1,55 @@
+// A selection on a connection: its statements, and whether SQLite accepts it.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "host/engine/result.h"
+#include "host/engine/sqlite/connection.h"
+#include "host/engine/sqlite/grouped_values.h"
+#include "host/engine/sqlite/query_sql.h"
+
+namespace tessera_host {
+
+// Good for one connection and one state of its schema. REQUIRES, for all calls: a snapshot is open on the
+// connection.
+class PreparedSelection {
+  public:
+    // `selection` outlives this object.
+    explicit PreparedSelection(const Selection& selection) : m_selection(selection) {}
+
+    // See ISnapshot.
+    [[nodiscard]] Expected<Answer> answer(Connection& connection, const KeyValues& keys,
+                                          const RunOptions& options);
+    // Fills the elements of `values` that one grouped statement can give; the only error is cancellation.
+    [[nodiscard]] Expected<void> answerTogether(Connection& connection, std::span<const Question> questions,
+                                                const RunLimits& limits,
+                                                std::span<std::optional<CellValue>> values);
+    // The plans for as many questions.
+    [[nodiscard]] Expected<std::vector<StatementPlan>> explain(Connection& connection, std::size_t questions,
+                                                               const RunOptions& options);
+
+    // A selection that was not acceptable is looked at again in the next snapshot.
+    void startSnapshot() { m_defect.reset(); }
+    [[nodiscard]] bool hasStatements() const noexcept { return m_text || m_number; }
+    [[nodiscard]] bool isRejected() const noexcept { return m_defect.has_value(); }
+    void dropStatements();
+
+  private:
+    [[nodiscard]] Expected<void> requireAcceptable(Connection& connection);
+    [[nodiscard]] std::optional<Error> findDefect(Connection& connection);
+    [[nodiscard]] bool mayGroup(Connection& connection, const RunOptions& options);
+    [[nodiscard]] Expected<CellValue> valueOverNoRows(Connection& connection,
+                                                      const RunOptions& options) const;
+
+    const Selection& m_selection;
+    Statement m_text;    // KeyMatch::text
+    Statement m_number;  // KeyMatch::number
+    bool m_isAcceptable = false;
+    std::optional<bool> m_mayGroup;
+    std::optional<Error> m_defect;  // of the present snapshot
+};
+
+}  // namespace tessera_host

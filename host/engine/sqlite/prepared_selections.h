@@ -1,0 +1,30 @@
+// The selections that were asked on a connection.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <unordered_map>
+
+#include "host/engine/sqlite/prepared_selection.h"
+
+namespace tessera_host {
+
+// Finds a selection by its contents, so panes on one document share the statements of a connection.
+class PreparedSelections {
+  public:
+    // The selection found is valid until the next call.
+    [[nodiscard]] PreparedSelection& find(const Selection& selection);
+
+    void startSnapshot();
+    // For another connection or another schema.
+    void clear();
+
+  private:
+    [[nodiscard]] PreparedSelection& ensureEntry(const Selection& selection);
+    void dropStatements();
+
+    std::unordered_map<Selection, std::unique_ptr<PreparedSelection>, SelectionHash> m_selections;
+    std::size_t m_withStatements = 0;  // at most so many have statements
+};
+
+}  // namespace tessera_host

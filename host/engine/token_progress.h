@@ -1,0 +1,27 @@
+// A CancelToken as the progress sink that the platform's interfaces take.
+#pragma once
+
+#include "platform/relay2/progress.h"
+#include "support/cancel_token.h"
+
+namespace tessera_host {
+
+// Made for one request and borrowed by all that works on it.
+class TokenProgress : public relay2::IProgress {
+  public:
+    explicit TokenProgress(tessera_support::CancelToken token) : m_token(std::move(token)) {}
+
+    [[nodiscard]] bool isCancelled() const override { return m_token.isCancelled(); }
+    [[nodiscard]] const tessera_support::CancelToken& token() const noexcept { return m_token; }
+
+  private:
+    const tessera_support::CancelToken m_token;
+};
+
+// The token behind a progress sink of this host; one that is never cancelled for null and for other sinks.
+[[nodiscard]] inline tessera_support::CancelToken tokenOf(const relay2::IProgress* progress) {
+    const auto* own = dynamic_cast<const TokenProgress*>(progress);
+    return own ? own->token() : tessera_support::CancelToken();
+}
+
+}  // namespace tessera_host
