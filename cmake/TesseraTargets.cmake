@@ -47,6 +47,7 @@ function(tessera_target name)
   if(TESSERA_SANITIZE)
     target_compile_options(${name} PRIVATE -fsanitize=${TESSERA_SANITIZE} -fno-omit-frame-pointer
       -fno-sanitize-recover=all)
+    target_compile_definitions(${name} PRIVATE TESSERA_SANITIZED)
     target_link_options(${name} PRIVATE -fsanitize=${TESSERA_SANITIZE})
   endif()
 endfunction()

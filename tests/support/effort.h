@@ -6,7 +6,7 @@ namespace tessera_test {
 // All of it; a tenth where sanitizers make everything many times as slow.
 template <class Count>
 constexpr Count effort(Count all) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(TESSERA_SANITIZED)
     return all / 10;
 #else
     return all;
