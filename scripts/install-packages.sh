@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the packages of packages.txt that this machine lacks. With all of them there it needs neither network nor root.
+# install-packages.sh GROUP...: installs the packages of these groups of packages.txt ("program", "tests", "all") that this
+# machine lacks; without a group, those of every group. With all of them there it needs neither network nor root.
 # TESSERA_SKIP_PACKAGES=1 leaves the machine as it is.
 set -euo pipefail
 
@@ -11,18 +12,28 @@ if [ "${TESSERA_SKIP_PACKAGES:-0}" = 1 ]; then
 fi
 
 list=$(dirname "${BASH_SOURCE[0]}")/packages.txt
+groups=("$@")
+[ ${#groups[@]} -gt 0 ] || groups=(program tests all)
 required=()
 optional=()
+group=
 while read -r package _; do
     case $package in
-        '' | '#'*) ;;
+        '' | '#'*) continue ;;
+        '['*']')
+            group=${package:1:-1}
+            continue
+            ;;
+    esac
+    [[ " ${groups[*]} " == *" $group "* ]] || continue
+    case $package in
         '?'*) optional+=("${package#\?}") ;;
         *) required+=("$package") ;;
     esac
 done <"$list"
 
 if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
-    say "this is no Debian system: apt-get is not there. Install what provides these, then set TESSERA_SKIP_PACKAGES=1:" >&2
+    say "this is not a Debian system: there is no apt-get. Install what provides these, then set TESSERA_SKIP_PACKAGES=1:" >&2
     say "${required[*]}" >&2
     exit 1
 fi
@@ -80,5 +91,5 @@ if [ ${#need[@]} -gt 0 ]; then
 fi
 if [ ${#want[@]} -gt 0 ]; then
     if [ ${#need[@]} -eq 0 ]; then apt update || true; fi
-    apt install -y --no-install-recommends "${want[@]}" || say "goes on without ${want[*]}"
+    apt install -y --no-install-recommends "${want[@]}" || say "continues without ${want[*]}"
 fi

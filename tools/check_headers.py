@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Compiles every header alone, so that each brings what it needs. Headers that passed are not compiled again until they or
-what they include change.
+"""Compiles headers alone, so that each brings what it needs: those that no source of the same name includes first, which shows
+the same. Headers that passed are not compiled again until they or what they include change.
 
 Usage: check_headers.py BUILD_DIR"""
 
@@ -26,6 +26,15 @@ def search_flags(commands):
     return [word for flag in flags for word in flag]
 
 
+def is_shown_by_its_source(base, name):
+    """Whether the header's own source includes it before anything else."""
+    source = base / (name[:-len(".h")] + ".cpp")
+    if not source.is_file():
+        return False
+    first = next(iter(project.includes(source)), None)
+    return first is not None and first[2] == name
+
+
 def main():
     if len(sys.argv) != 2:
         raise SystemExit(__doc__)
@@ -37,7 +46,8 @@ def main():
     passed = project.Passed(build / "passed-headers")
     # Folders without a target of their own so far have no flags to compile with either.
     built = {os.path.relpath(path, base).split("/")[0] for path in commands}
-    names = project.files(base, (".h",), [folder for folder in project.CODE if folder in built])
+    names = [name for name in project.files(base, (".h",), [folder for folder in project.CODE if folder in built])
+             if not is_shown_by_its_source(base, name)]
 
     def compile_alone(name):
         digest = passed.digest(base, project.reached(base, name), version, *command)

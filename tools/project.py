@@ -5,11 +5,20 @@ import json
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 
 # The folders that hold C++.
 CODE = ("support", "platform", "core", "host", "draw", "cli", "tests", "bench", "fuzz")
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
+
+
+def git(base, *arguments):
+    """What git prints, or None without git, outside of a work tree, or when it fails."""
+    if not shutil.which("git"):
+        return None
+    done = subprocess.run(["git", "-C", str(base), *arguments], capture_output=True, text=True, check=False)
+    return done.stdout if done.returncode == 0 else None
 
 
 def root():
@@ -19,11 +28,9 @@ def root():
 def files(base, endings, folders=CODE):
     """The project's files with one of these endings, as paths from `base`: what git knows or would add, or else what lies
     there."""
-    listed = subprocess.run(
-        ["git", "-C", str(base), "ls-files", "-z", "--cached", "--others", "--exclude-standard", "--", *folders],
-        capture_output=True, check=False)
-    if listed.returncode == 0 and listed.stdout:
-        names = listed.stdout.decode().split("\0")
+    listed = git(base, "ls-files", "-z", "--cached", "--others", "--exclude-standard", "--", *folders)
+    if listed:
+        names = listed.split("\0")
     else:
         names = [os.path.relpath(os.path.join(place, name), base)
                  for folder in folders for place, _, found in os.walk(base / folder) for name in found]

@@ -1,9 +1,12 @@
 #!/usr/bin/env python3
-"""Runs clang-tidy over the sources of platform, core, host, draw and cli. A file that passed is not looked at again until it,
-a header it includes, its compile command or .clang-tidy changes.
+"""Runs clang-tidy over the sources of the product: those that a change touches, and those that include what it touches. A file
+that passed is not looked at again until it, a header it includes, its compile command or .clang-tidy changes.
 
 Usage: run_tidy.py BUILD_DIR [FILE]...
 
+The change is what came since TESSERA_BASE (a commit), or else since the branch left origin/main, or else in the day before the
+last commit; uncommitted work belongs to it. Looking starts with what was changed last and begins no further file after
+TIDY_SECONDS (300); what is left out is said. TESSERA_TIDY=everything looks at all sources, however long that takes.
 CLANG_TIDY names another clang-tidy than clang-tidy-19, TIDY_JOBS how many run at once."""
 
 import concurrent.futures
@@ -13,10 +16,36 @@ import re
 import shutil
 import subprocess
 import sys
+import time
 
 import project
 
+SKIPPED = 77  # as an exit status, for ctest
 FOLDERS = ("support", "platform", "core", "host", "draw", "cli")
+
+
+def changed_files(base):
+    """What the change touches, the last first; None when nothing tells what that is."""
+    def lines(*arguments):
+        return (project.git(base, *arguments) or "").splitlines()
+
+    head = lines("rev-parse", "HEAD")
+    if not head:
+        return None
+    start = os.environ.get("TESSERA_BASE") or "".join(lines("merge-base", "HEAD", "origin/main"))
+    if not start or start == head[0]:
+        day_before = int(lines("log", "-1", "--format=%ct")[0]) - 24 * 60 * 60
+        start = "".join(lines("rev-list", "-1", f"--before={day_before}", "HEAD"))
+    uncommitted = lines("diff", "--name-only", "HEAD") + lines("ls-files", "--others", "--exclude-standard")
+    committed = lines("log", "--format=", "--name-only", f"{start}..HEAD" if start else "HEAD")
+    return list(dict.fromkeys(uncommitted + committed))
+
+
+def touched(base, names, change):
+    """Those of the sources that the change touches or that include what it touches; the last changed first."""
+    age = {name: i for i, name in enumerate(change)}
+    ages = {name: min((age[each] for each in project.reached(base, name) if each in age), default=None) for name in names}
+    return sorted((name for name in names if ages[name] is not None), key=ages.get)
 
 
 def main():
@@ -32,12 +61,28 @@ def main():
     asked = {os.path.relpath(os.path.realpath(name), base) for name in sys.argv[2:]}
     names = [name for name in project.files(base, (".cpp",), FOLDERS)
              if os.path.realpath(base / name) in commands and (not asked or name in asked)]
+    deadline = None
+    if not asked and os.environ.get("TESSERA_TIDY") != "everything":
+        change = changed_files(base)
+        if change is None:
+            print("without git there is no change to look at: TESSERA_TIDY=everything looks at all sources")
+            return SKIPPED
+        names = touched(base, names, change)
+        deadline = time.monotonic() + float(os.environ.get("TIDY_SECONDS", 300))
+        if not names:
+            print("the change touches no source")
+            return 0
+
+    left_out = []
 
     def look_at(name):
         """(was it looked at, what was found)"""
         command = commands[os.path.realpath(base / name)]
         digest = passed.digest(base, [".clang-tidy", *project.reached(base, name)], version, *command)
         if passed.has(digest):
+            return False, None
+        if deadline and time.monotonic() > deadline:
+            left_out.append(name)
             return False, None
         # The build's compiler has warnings that this one does not know.
         result = subprocess.run([tidy, "-p", str(build), "--quiet", "--extra-arg=-Wno-unknown-warning-option",
@@ -53,6 +98,8 @@ def main():
     # A header's finding comes once for each file that includes it.
     findings = dict.fromkeys(part for text in found for part in re.split(r"(?m)^(?=\S+:\d+:\d+: (?:error|warning):)", text))
     print(*findings, sep="", end="\n" if found else "")
+    if left_out:
+        print(f"{len(left_out)} files were left out for want of time; TESSERA_TIDY=everything looks at them:", *sorted(left_out))
     print(f"{len(names)} files, {sum(1 for looked, _ in results if looked)} looked at, {len(found)} with findings")
     return 1 if found or not names else 0
 

@@ -1,6 +1,7 @@
 """Ctrl-C ends whatever runs, cleanly."""
 import json
 import os
+import pathlib
 import signal
 import subprocess
 import time
@@ -14,12 +15,46 @@ MANY_ROWS = ('CREATE TABLE t(a); WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELE
              'INSERT INTO t SELECT i FROM n;')
 
 
+def catches_interrupts(process):
+    """Whether the program has come as far as to handle Ctrl-C."""
+    status = pathlib.Path(f'/proc/{process.pid}/status').read_text()
+    caught = next(line.split()[1] for line in status.splitlines() if line.startswith('SigCgt:'))
+    return int(caught, 16) >> (signal.SIGINT - 1) & 1
+
+
+def seconds_of_work(process):
+    """The processor time that the program has used."""
+    fields = pathlib.Path(f'/proc/{process.pid}/stat').read_text().rpartition(')')[2].split()
+    return (int(fields[11]) + int(fields[12])) / os.sysconf('SC_CLK_TCK')
+
+
+def works(process):
+    """Whether it is in the middle of long work: starting takes a few hundredths of a second."""
+    return seconds_of_work(process) > 0.3 * program.SLOW
+
+
+def waits(process):
+    """Whether it waits for something outside and uses no processor time meanwhile."""
+    used = seconds_of_work(process)
+    state = pathlib.Path(f'/proc/{process.pid}/stat').read_text().rpartition(')')[2].split()[0]
+    time.sleep(0.05)
+    return state == 'S' and seconds_of_work(process) == used
+
+
 class Interrupt(Case):
     def start(self, *arguments):
         process = subprocess.Popen([program.PROGRAM, *map(str, arguments)], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                                    stderr=subprocess.PIPE, text=True)
         self.addCleanup(process.kill)
         return process
+
+    def wait_until(self, holds, process):
+        """Waits until `holds(process)`, and that the program catches signals by then."""
+        deadline = time.monotonic() + 30 * program.SLOW
+        while not (catches_interrupts(process) and holds(process)):
+            self.assertIsNone(process.poll(), 'ended too early')
+            self.assertLess(time.monotonic(), deadline)
+            time.sleep(0.005)
 
     def interrupt(self, process, number=signal.SIGINT):
         """Sends the signal; answers output, messages and the seconds until the end."""
@@ -31,8 +66,7 @@ class Interrupt(Case):
     def test_render_in_the_middle_of_a_query(self):
         output = self.write('out.json', 'earlier')
         process = self.start('render', self.write('v.xml', showing(ENDLESS)), '--db', self.database(MANY_ROWS), '-o', output)
-        time.sleep(1 * program.SLOW)
-        self.assertIsNone(process.poll())
+        self.wait_until(works, process)
         out, err, seconds = self.interrupt(process)
         self.assertEqual((process.returncode, out), (130, ''), err)
         self.assertIn('tessera: interrupted', err)
@@ -50,8 +84,7 @@ class Interrupt(Case):
             ''.join(f'<link id="c{i}" from="n{i}" to="n{i * 7919 % size}"/>' for i in range(0, size, 2)) +
             '</graph><display/>'))
         process = self.start('render', document, '--db', self.database(), '-o', self.folder / 'out.json')
-        time.sleep(1 * program.SLOW)
-        self.assertIsNone(process.poll())
+        self.wait_until(works, process)
         out, err, seconds = self.interrupt(process)
         self.assertEqual((process.returncode, out, err.splitlines()[-1]), (130, '', 'tessera: interrupted'))
         self.assertLess(seconds, 2 * program.SLOW)
@@ -61,7 +94,7 @@ class Interrupt(Case):
         for number, status in ((signal.SIGTERM, 130), (signal.SIGHUP, 130), (signal.SIGKILL, -signal.SIGKILL)):
             process = self.start('render', self.write('v.xml', showing(ENDLESS)), '--db', self.database(MANY_ROWS), '-o',
                                  self.folder / 'out.json')
-            time.sleep(1 * program.SLOW)
+            self.wait_until(works, process)
             self.interrupt(process, number)
             self.assertEqual(process.returncode, status)
             self.assertEqual(sorted(os.listdir(self.folder)), ['result.db', 'v.xml'])
@@ -70,7 +103,7 @@ class Interrupt(Case):
         process = subprocess.Popen(['nohup', program.PROGRAM, 'render', self.write('v.xml', showing(ENDLESS)), '--db',
                                     self.database(MANY_ROWS), '--query-timeout', str(2 * program.SLOW)],
                                    stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-        time.sleep(1 * program.SLOW)
+        self.wait_until(works, process)
         process.send_signal(signal.SIGHUP)
         process.communicate()
         self.assertEqual(process.returncode, 1)
@@ -79,7 +112,7 @@ class Interrupt(Case):
         pipe = self.folder / 'out.json'
         os.mkfifo(pipe)
         process = self.start('render', self.write('v.xml', showing('SUM(a)')), '--db', self.database(), '-o', pipe)
-        time.sleep(0.5 * program.SLOW)
+        self.wait_until(waits, process)
         out, err, seconds = self.interrupt(process)
         self.assertEqual((process.returncode, out, err), (130, '', 'tessera: interrupted\n'))
         self.assertLess(seconds, 2 * program.SLOW)
@@ -88,7 +121,7 @@ class Interrupt(Case):
         pipe = self.folder / 'out.json'
         os.mkfifo(pipe)
         process = self.start('render', self.write('v.xml', showing('SUM(a)')), '--db', self.database(), '-o', pipe)
-        time.sleep(0.2 * program.SLOW)
+        self.wait_until(waits, process)
         self.assertEqual(program.shown_value(json.loads(pipe.read_text())), '1')
         self.assertEqual(process.wait(10 * program.SLOW), 0)
 
@@ -97,7 +130,7 @@ class Interrupt(Case):
         os.mkfifo(pipe)
         for arguments in (['render', pipe], ['check', pipe], ['render', self.write('d.xml', showing('SUM(a)')), '--log-config', pipe]):
             process = self.start(*arguments, '--db', self.database())
-            time.sleep(0.5 * program.SLOW)
+            self.wait_until(waits, process)
             out, err, _ = self.interrupt(process)
             self.assertEqual((process.returncode, out, err), (130, '', 'tessera: interrupted\n'), arguments)
 
@@ -118,8 +151,7 @@ class Interrupt(Case):
             if command == 'session':
                 process.stdin.write('{"request":"create"}\n')
                 process.stdin.flush()
-            time.sleep(1 * program.SLOW)
-            self.assertIsNone(process.poll())
+            self.wait_until(waits, process)
             process.send_signal(signal.SIGINT)
             self.assertEqual(process.wait(10 * program.SLOW), 130)
 
@@ -129,8 +161,7 @@ class Interrupt(Case):
         name = 'x' * (256 - len(f'{path}:10000:1: error: unknown element <> in <graph>; expected <node>, <link>\n'))
         self.write('v.xml', '<v><diagram><graph><node id="a"/>' + '\n' * 9999 + f'<{name}/>\n' * 1000 + '</graph></diagram></v>')
         process = self.start('check', path)
-        time.sleep(1 * program.SLOW)
-        self.assertIsNone(process.poll())
+        self.wait_until(waits, process)
         process.send_signal(signal.SIGINT)
         self.assertEqual(process.wait(10 * program.SLOW), 130)
 
@@ -149,7 +180,7 @@ class Interrupt(Case):
 
     def test_check(self):
         process = self.start('check', '/dev/stdin')
-        time.sleep(0.5 * program.SLOW)
+        self.wait_until(waits, process)
         self.interrupt(process)
         self.assertNotEqual(process.returncode, 0)
 
