@@ -5,9 +5,10 @@
 #include "cli/interrupt.h"
 #include "cli/message.h"
 #include "cli/output_file.h"
-#include "host/acyclic/fixed_document.h"
-#include "host/check/document_check.h"
+#include "host/engine/declaration_check.h"
 #include "host/engine/engine_registry.h"
+#include "host/lint/document_check.h"
+#include "host/lint/reversal/fixed_document.h"
 #include "host/text/file_text.h"
 #include "host/text/text_sink.h"
 #include "host/text/xml_reader.h"
@@ -15,11 +16,14 @@
 namespace tessera_cli {
 namespace {
 
-using basekit2::variant_bag_t;
-using tessera_host::Finding;
+using tessera_host::EngineRegistry;
+using tessera_host::Error;
+using tessera_host::ErrorKind;
+using tessera_host::Problem;
+using tessera_host::Viewpoint;
 
-const char* severityOf(const Finding& finding) {
-    switch (finding.severity) {
+const char* nameOf(relay2::severity_t severity) {
+    switch (severity) {
         case relay2::severity_t::note:
             return "note";
         case relay2::severity_t::warning:
@@ -30,73 +34,82 @@ const char* severityOf(const Finding& finding) {
     return "error";
 }
 
-std::string lineOf(const std::string& document, const Finding& finding) {
-    const char* severity = severityOf(finding);
-    if (finding.position.line == 0) return fmt::format("{}: {}: {}\n", document, severity, finding.text);
-    return fmt::format("{}:{}:{}: {}: {}\n", document, finding.position.line, finding.position.column,
-                       severity, finding.text);
+std::string lineOf(const std::string& document, const Problem& problem) {
+    const auto& [position, text, severity] = problem;
+    if (position.line == 0) return fmt::format("{}: {}: {}\n", document, nameOf(severity), text);
+    return fmt::format("{}:{}:{}: {}: {}\n", document, position.line, position.column, nameOf(severity),
+                       text);
 }
 
-// Prints the findings; answers whether an error is among them.
-bool report(const std::string& document, const std::vector<Finding>& findings) {
+// Prints the problems; returns whether an error is among them.
+bool report(const std::string& document, const std::vector<Problem>& problems) {
     tessera_host::FileSink sink(STDERR_FILENO, interruptDescriptor());
     bool hasError = false;
-    for (const Finding& finding : findings) {
-        sink.write(lineOf(document, finding));
-        hasError = hasError || finding.severity == relay2::severity_t::error;
+    for (const Problem& problem : problems) {
+        sink.write(lineOf(document, problem));
+        hasError = hasError || problem.severity == relay2::severity_t::error;
     }
     sink.flush();
     return hasError;
 }
 
-// The document as text, for what is to be written of it, and as a bag.
-struct Document {
-    std::string text;
-    variant_bag_t viewpoint;
-};
-
-// exitDone, or what the program is to end with, the message printed.
-int readDocument(const Options& options, Document& document, relay2::IProgress& progress) {
-    auto error = tessera_host::readFileText(options.document, document.text, &progress);
-    if (!error && document.text.empty())
-        error = tessera_host::ReadError{.text = "the file is empty", .position = {1, 1}};
-    if (!error) error = tessera_host::readXmlText(document.text, document.viewpoint, &progress);
-    if (!error) return exitDone;
-    if (error->cancelled) return exitInterrupted;
-    if (error->unopened) {
-        printMessage(tessera_host::describe(*error, options.document));
-        return exitUnopened;
-    }
-    report(options.document, {{error->position, relay2::severity_t::error, error->text}});
-    return exitFailed;
+// The exit status of an error. What is wrong with the document itself is reported like its other problems.
+int finish(const std::string& document, const Error& error) {
+    if (error.isCancelled() || isInterrupted()) return exitInterrupted;
+    if (error.kind == ErrorKind::failed && error.position.line != 0)
+        report(document, {{error.position, error.text}});
+    else
+        printMessage(describe(error, document));
+    return error.kind == ErrorKind::cannotOpen ? exitUnopened : exitFailed;
 }
 
-// Writes the document without circles, and makes it the one to be checked. Answers as above.
-int fix(const Options& options, Document& document, OutputFile& file, relay2::IProgress& progress) {
-    tessera_host::Watch watch(&progress);
-    auto fixed = tessera_host::fixDocument(std::move(document.text), std::move(document.viewpoint), watch);
-    if (!fixed && isInterrupted()) return exitInterrupted;
-    if (!fixed) {
-        printMessage(options.document + ": links go in circles, and only documents in UTF-8 can be fixed");
-        return exitFailed;
-    }
-    report(options.document, fixed->turned);
+// The document as text, for what is to be written of it, and read.
+struct Document {
+    std::string text;
+    Viewpoint::Pointer viewpoint;
+};
+
+tessera_host::Expected<Document> readDocument(const std::string& path) {
+    Document document;
+    InterruptProgress progress;
+    if (const auto error = tessera_host::readFileText(path, document.text, &progress))
+        return Error{error->cancelled ? ErrorKind::cancelled : ErrorKind::cannotOpen, error->text, {}};
+    if (document.text.empty()) return Error{ErrorKind::failed, "the file is empty", {1, 1}};
+    auto viewpoint = Viewpoint::readText(document.text, path, interruptToken());
+    if (!viewpoint) return std::move(viewpoint).error();
+    document.viewpoint = *std::move(viewpoint);
+    return document;
+}
+
+// Writes the document without cycles, which becomes the one to check. exitDone, or what the program is to end
+// with.
+int fix(const Options& options, Document& document, OutputFile& file) {
+    auto fixed = tessera_host::fixDocument(std::move(document.text), document.viewpoint, interruptToken());
+    if (!fixed) return finish(options.document, fixed.error());
+    report(options.document, fixed->reversed);
     document.viewpoint = std::move(fixed->viewpoint);
-    (void)file.sink().write(fixed->text);  // what goes wrong is known at the end
+    (void)file.sink().write(fixed->text);  // an error is known at the end
     if (file.commit()) return exitDone;
     if (!isInterrupted()) printMessage(file.error());
     return unlessInterrupted(exitUnopened);
 }
 
+// The document's filters with those of the command line in their place.
+tessera_host::Filters filtersOf(const Viewpoint& viewpoint, const Options& options) {
+    tessera_host::Filters filters = viewpoint.filters();
+    for (const auto& [name, predicate] : options.filters)
+        tessera_host::setFilter(filters, name, {predicate, {}});
+    return filters;
+}
+
 }  // namespace
 
 int check(const Options& options) {
-    InterruptProgress progress;
-    Document document;
-    if (const int status = readDocument(options, document, progress); status != exitDone) return status;
+    auto document = readDocument(options.document);
+    if (!document) return finish(options.document, document.error());
     std::shared_ptr<tessera_host::IResult> result;
     if (!options.database.empty()) {
-        auto opened = tessera_host::EngineRegistry::builtIn().open(options.database, {}, interruptToken());
+        auto opened = EngineRegistry::builtIn().open(options.database, {}, interruptToken());
         if (!opened) {
             if (!isInterrupted()) printMessage(describe(opened.error(), options.database));
             return unlessInterrupted(exitUnopened);
@@ -109,17 +122,19 @@ int check(const Options& options) {
             if (!isInterrupted()) printMessage(file.error());
             return unlessInterrupted(exitUnopened);
         }
-        if (const int status = fix(options, document, file, progress); status != exitDone) return status;
+        if (const int status = fix(options, *document, file); status != exitDone) return status;
     }
-    document.text = {};
-    const auto declarations = tessera_host::Declarations::read(document.viewpoint);
-    tessera_host::Filters filters = declarations->filters();
-    for (const auto& [name, predicate] : options.filters)
-        tessera_host::setFilter(filters, name, {predicate, {}});
-    const auto findings =
-        tessera_host::checkDocument(document.viewpoint, *declarations, filters, result, &progress);
-    if (!findings) return exitInterrupted;
-    return unlessInterrupted(report(options.document, *findings) ? exitFailed : exitDone);
+    const Viewpoint& viewpoint = *document->viewpoint;
+    const auto& declarations = *viewpoint.declarations();
+    const tessera_host::Filters filters = filtersOf(viewpoint, options);
+    // Without a result, its SQL is read as the engine would that is used for most of them.
+    const std::vector<Problem> sqlProblems =
+        result ? tessera_host::checkAgainstResult(*result, declarations, filters, interruptToken())
+               : tessera_host::checkWithoutResult(EngineRegistry::builtIn().engines().front(), declarations,
+                                                  filters, interruptToken());
+    const auto problems = tessera_host::checkDocument(viewpoint, sqlProblems, interruptToken());
+    if (!problems) return exitInterrupted;
+    return unlessInterrupted(report(options.document, *problems) ? exitFailed : exitDone);
 }
 
 }  // namespace tessera_cli

@@ -1,7 +1,7 @@
 #include "cli/commands.h"
 #include "cli/interrupt.h"
 #include "cli/message.h"
-#include "cli/reserved_room.h"
+#include "cli/reserved_space.h"
 
 namespace tessera_cli {
 
@@ -19,8 +19,8 @@ std::unique_ptr<tessera_host::Pane> openPane(const Options& options, relay2::IMe
     settings.acyclic = options.acyclic;
     settings.layout = {options.limits, watcher};
     if (reservation != nullptr)
-        settings.onDocument = [reservation](const auto& viewpoint, const auto& declarations) {
-            *reservation = reserveRoom(viewpoint, declarations);
+        settings.onViewpoint = [reservation](const auto& viewpoint) {
+            *reservation = measureReservedSpace(viewpoint);
         };
     tessera_host::OpenError error;
     auto pane = tessera_host::Pane::open(settings, messenger, &progress, error);

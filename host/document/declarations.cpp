@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/document/element.h"
 #include "host/document/percent_encoding.h"
 #include "host/document/text.h"
 
@@ -10,12 +11,6 @@ namespace tessera_host {
 namespace {
 
 using basekit2::variant_bag_t;
-
-std::string textOf(const variant_bag_t& element, std::string_view name) {
-    const basekit2::variant_t* value = element.get(name);
-    if (value == nullptr || !value->can_get<std::string_view>()) return {};
-    return std::string(value->get<std::string_view>());
-}
 
 std::vector<std::string> splitAtBlanks(std::string_view text) {
     constexpr std::string_view blanks = " \t\r\n";
@@ -97,7 +92,7 @@ void Declarations::readQuery(const variant_bag_t& element) {
     query.keys = splitAtBlanks(textOf(element, "key"));
     query.unit = textOf(element, "unit");
     query.position = element.position();
-    const std::string format = textOf(element, "format");
+    const std::string_view format = textOf(element, "format");
     if (const auto parsed = CellFormat::parse(format))
         query.format = *parsed;
     else
@@ -108,11 +103,11 @@ void Declarations::readQuery(const variant_bag_t& element) {
 }
 
 void Declarations::readFilter(const variant_bag_t& element) {
-    const std::string name = textOf(element, "name");
+    const std::string name(textOf(element, "name"));
     if (name.empty())
         report(element, "filter without a name");
     else
-        setFilter(m_filters, name, {textOf(element, ""), element.position()});
+        setFilter(m_filters, name, {std::string(textOf(element, "")), element.position()});
 }
 
 void Declarations::buildIndex() {

@@ -3,18 +3,14 @@
 #include <array>
 #include <utility>
 
+#include "host/document/element.h"
+
 namespace tessera_host {
 
 using basekit2::variant_bag_t;
 using tessera_support::CancelToken;
 
 namespace {
-
-std::string_view textOf(const variant_bag_t& element, std::string_view name) {
-    const basekit2::variant_t* value = element.get(name);
-    if (value == nullptr || !value->can_get<std::string_view>()) return {};
-    return value->get<std::string_view>();
-}
 
 LabelPlace placeOf(const variant_bag_t& label) {
     const std::string_view location = textOf(label, "location");

@@ -1,12 +1,25 @@
 // The filters of a pane.
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <map>
 #include <string>
+#include <string_view>
 
 #include "platform/basekit2/variant_bag.h"
 
 namespace tessera_host {
+
+// The filters that the diagram library applies to every query; others are never applied.
+inline constexpr std::array<std::string_view, 2> filterNames{"selection", "global"};
+
+[[nodiscard]] constexpr bool isFilterName(std::string_view name) noexcept {
+    return std::find(filterNames.begin(), filterNames.end(), name) != filterNames.end();
+}
+
+// "selection" and "global", in quotation marks, for messages.
+[[nodiscard]] std::string filterNameList();
 
 // An SQL predicate over the rows of a query, and where it was written (line 0: not in the document).
 struct Filter {
@@ -18,8 +31,7 @@ struct Filter {
 
 using Filters = std::map<std::string, Filter>;
 
-// Gives the filter `name` this predicate in the place of any that it had; a blank predicate removes the
-// filter.
+// Replaces the filter `name`, or adds it. A predicate that is empty or white space removes it.
 void setFilter(Filters& filters, const std::string& name, Filter filter);
 
 }  // namespace tessera_host

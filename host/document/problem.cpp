@@ -12,4 +12,9 @@ std::vector<Problem> ProblemList::sorted() const {
     return problems;
 }
 
+void postAll(const std::vector<Problem>& problems, relay2::IMessenger& messenger) {
+    for (const auto& [position, text, severity] : problems)
+        messenger.post(severity, text, position);
+}
+
 }  // namespace tessera_host

@@ -39,4 +39,7 @@ class ProblemList {
     std::vector<Problem> m_problems;
 };
 
+// Hands the problems to the user, in this order.
+void postAll(const std::vector<Problem>& problems, relay2::IMessenger& messenger);
+
 }  // namespace tessera_host

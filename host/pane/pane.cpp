@@ -9,13 +9,12 @@
 #include <vector>
 
 #include "core/factory.h"
-#include "host/acyclic/acyclic_document.h"
 #include "host/catalogs/catalogs.h"
 #include "host/document/text.h"
 #include "host/engine/engine_registry.h"
 #include "host/engine/query_library.h"
 #include "host/engine/token_progress.h"
-#include "host/text/xml_reader.h"
+#include "host/lint/reversal/acyclic_viewpoint.h"
 
 namespace tessera_host {
 namespace {
@@ -33,10 +32,10 @@ std::int64_t since(std::chrono::steady_clock::time_point begin) {
         .count();
 }
 
-// The base handler of the pane: hands the viewpoint over to the one handler that asks for it.
+// The base handler of the pane: its configuration is the viewpoint.
 class ViewpointSource final : public panelcore_1::IRequestHandler {
   public:
-    explicit ViewpointSource(variant_bag_t viewpoint) : m_viewpoint(std::move(viewpoint)) {}
+    explicit ViewpointSource(Viewpoint::Pointer viewpoint) : m_viewpoint(std::move(viewpoint)) {}
 
     [[nodiscard]] std::string getDomainName() const override { return "viewpoint"; }
 
@@ -45,12 +44,12 @@ class ViewpointSource final : public panelcore_1::IRequestHandler {
         if (name != "config")
             return error_code_t::raise(bk2::error::FailedTo(RTBASE_2_18::strings::ustring8(name)), __func__,
                                        "host/pane/pane", __LINE__);
-        out = std::move(m_viewpoint);
+        out = m_viewpoint->bag();
         return {};
     }
 
   private:
-    variant_bag_t m_viewpoint;
+    const Viewpoint::Pointer m_viewpoint;
 };
 
 class PaneFilters final : public panelcore_1::IFilterMgr {
@@ -99,38 +98,41 @@ std::unique_ptr<Pane> Pane::open(const PaneSettings& settings, relay2::IMessenge
         error = {settings.catalogs + ": there is no such folder", true, false};
         return nullptr;
     }
-    variant_bag_t viewpoint;
-    if (const auto problem = readXmlFile(settings.document, viewpoint, progress)) {
-        error = {describe(*problem, settings.document), problem->unopened, problem->cancelled};
+    const CancelToken cancel = tokenOf(progress);
+    auto read = Viewpoint::readFile(settings.document, cancel);
+    if (!read) {
+        error = {describe(read.error(), settings.document), read.error().kind == ErrorKind::cannotOpen,
+                 read.error().isCancelled()};
         return nullptr;
     }
-    auto result = EngineRegistry::builtIn().open(settings.database, {}, tokenOf(progress));
+    auto result = EngineRegistry::builtIn().open(settings.database, {}, cancel);
     if (!result) {
         error = {describe(result.error(), settings.database), true, result.error().isCancelled()};
         return nullptr;
     }
     auto source = std::make_shared<SnapshotSource>(*std::move(result));
-    Watch watch(progress);
-    if (settings.acyclic)
-        makeAcyclic(viewpoint, messenger, watch);
-    else
-        tellCycles(viewpoint, messenger, watch);
-    if (watch.mustStopNow()) {
+    AcyclicViewpoint acyclic{*read, {}};
+    if (!settings.acyclic)
+        acyclic.messages = describeCycles(*acyclic.viewpoint, cancel);
+    else if (auto made = makeAcyclic(*read, cancel))
+        acyclic = *std::move(made);
+    if (cancel.isCancelled()) {
         error = {settings.document + ": cancelled", false, true};
         return nullptr;
     }
+    postAll(acyclic.messages, messenger);
+    const Viewpoint::Pointer viewpoint = acyclic.viewpoint;
     installCatalogs(settings, messenger);
 
-    const auto declarations = Declarations::read(viewpoint);
-    if (settings.onDocument) settings.onDocument(viewpoint, *declarations);
-    for (const Problem& problem : declarations->problems())
-        messenger.post(relay2::severity_t::error, problem.text, problem.position);
+    const auto declarations = viewpoint->declarations();
+    if (settings.onViewpoint) settings.onViewpoint(viewpoint);
+    postAll(viewpoint->problems(), messenger);
     const Filters filters = filtersOf(*declarations, settings);
     auto handler = tessera_1::createDiagramViewRequestHandlerWithOptions(
         basekit2::make_counted<QueryLibrary>(declarations),
         basekit2::make_counted<InputData>(source, declarations, filters, &messenger, queryLimits(settings)),
-        std::make_shared<ViewpointSource>(std::move(viewpoint)), std::make_shared<PaneFilters>(filters),
-        &messenger, settings.layout);
+        std::make_shared<ViewpointSource>(viewpoint), std::make_shared<PaneFilters>(filters), &messenger,
+        settings.layout);
     LOG4CPLUS_DEBUG(logger(), settings.document << " on " << settings.database << " opened in "
                                                 << since(begin) << " ms: " << declarations->queries().size()
                                                 << " queries, " << filters.size() << " filters");

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "core/layout_options.h"
-#include "host/document/declarations.h"
+#include "host/document/viewpoint.h"
 #include "host/engine/table_tree_engine.h"
 #include "host/text/read_error.h"
 #include "platform/panelcore_1/request_handler.h"
@@ -23,11 +23,11 @@ struct PaneSettings {
     std::map<std::string, std::string> filters;  // replace the document's; an empty text removes one
     std::string catalogs;                        // folder of the message catalogues; "" for none
     std::string locale;
-    double queryTimeout = 600;  // seconds
-    bool acyclic = false;       // turns links around that go in circles; otherwise they are only told of
+    double queryTimeout = 600;        // seconds
+    bool acyclic = false;             // reverses links that form cycles; otherwise they are only reported
     tessera_1::LayoutOptions layout;  // its watcher must outlive the pane
-    // Is shown the document as the library will read it, with the queries that it declares. May be empty.
-    std::function<void(const basekit2::variant_bag_t&, const Declarations&)> onDocument;
+    // Is called with the document as the library will read it. May be empty.
+    std::function<void(const Viewpoint::Pointer&)> onViewpoint;
 };
 
 // Why a pane could not be opened. `text` names the file, and line and column where there are any.

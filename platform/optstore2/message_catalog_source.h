@@ -1,13 +1,18 @@
 // Where message catalogues come from.
 #pragma once
 
+#include <array>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "platform/RTBASE_2_18/i18n/catalog.h"
 #include "platform/export.h"
 
 namespace optstore2 {
+
+// The catalogues that names in a diagram are looked up in, in this order.
+inline constexpr std::array<std::string_view, 3> catalogNames{"slicer2", "viewpoint", "storeiface1"};
 
 // Hands out catalogues by name. Implemented by the host. Any thread.
 class IMessageCatalogSource {

@@ -27,7 +27,7 @@ class Ids(CheckCase):
         # b is inside x, so a link from b to it goes round at the top level; to the inner x it would not.
         self.assert_finds(self.graph('<node id="x"><node id="x"/><node id="b"/></node>\n<link id="1" from="b" to="x"/>'),
                           '3:1: error: node id "x" is used inside this group, too, at column 14 of this line;',
-                          '4:1: error: cycle at the top level: x -> x;')
+                          '4:1: error: link "1" from "b" to group "x" around it forms a cycle at the top level: x -> x;')
 
     def test_links_between_two_nodes_of_one_id_reach_the_first(self):
         # The first a takes no part in layering, so nothing goes round.
@@ -58,10 +58,10 @@ class Ids(CheckCase):
     def test_empty_end_finds_the_node_with_the_empty_id(self):
         text = self.graph('<node id="a"/><node id="">\n<node id="m"/></node>\n<link id="1" to="a"/>\n'
                           '<link id="2" from="" to="a"/>\n<link id="3" from="a" to="m"/>')
-        tied = '; it is tied to the node without id at line 3'
+        tied = '; it is connected to the node without id at line 3'
         self.assert_finds(text, '3:15: error: a node with an empty id',
                           '5:1: error: link "1": has no "from"' + tied,
-                          '5:1: error: cycle at the top level: "" -> a -> ""; cycles connected with it hold 1 more link')
+                          '5:1: error: links "1" (line 5) and "3" (line 7) form a cycle at the top level: "" -> a -> ""; cycles connected with it hold 1 more link')
 
     def test_display_entries_that_are_missing_or_empty(self):
         self.assert_finds(self.graph('<node id="a"/>', '\n<display><node/>\n<node id=""/></display>'),
@@ -91,7 +91,7 @@ class Ids(CheckCase):
         self.assertTrue(all(': error: ' in line or ': warning: ' in line for line in found), found)
         everything = '\n'.join(found)
         for part in (f'node id {shown} is', f'link id {shown} is', f'there is no node "x{shown[1:]} for',
-                     f'direction {shown} ', f'display entry of node "x{shown[1:]}:', f'{shown} is no reference',
+                     f'direction {shown} ', f'display entry of node "x{shown[1:]}:', f'{shown} is not a reference',
                      f'query id {shown} is', f'query {shown}: ', f'filter {shown} is never', f'filter {shown} is declared',
                      f'cycle at the top level: {shown} -> {shown};'):
             self.assertIn(part, everything)
@@ -139,15 +139,15 @@ class Display(CheckCase):
         text = self.display(f'<node id="a">{rows}</node>\n<node id="b">{rows}</node>').replace(
             '<v>', '<v><queries><query id="q" from="t">SUM(a)</query><query id="k" from="t" key="a">SUM(b)</query></queries>')
         begin = ': warning: this rowSet refers to "/q" before, at line '
-        self.assert_finds(text, f'6:1{begin}5; the value goes there, so this row is never shown', f'9:1{begin}8;', status=0)
+        self.assert_finds(text, f'6:1{begin}5; the value is shown there, so this row is never shown', f'9:1{begin}8;', status=0)
         # What is said is what happens: two texts for one query are two rows, equal ones are not.
         diagram = self.render(self.write('v.xml', text), self.database())
         shown = diagram['nodes']['node'][0]['info']['rows']['row']
         self.assertEqual([row['name'] for row in shown], ['one', 'three', 'four'])
 
-    def test_wrong_references_are_told_each(self):
+    def test_wrong_references_are_reported_each(self):
         self.assert_finds(self.display('<node id="a"><rowSet><queryRef>/q</queryRef>\n<queryRef>/q</queryRef></rowSet></node>'),
-                          '5:22: error: "/q" is no reference: ', '6:1: error: "/q" is no reference: ')
+                          '5:22: error: "/q" is not a reference: ', '6:1: error: "/q" is not a reference: ')
 
 
 class Declared(CheckCase):

@@ -192,7 +192,7 @@ class Inspection(Case):
         done = self.run_program('render', document, '--db', self.result, '--verify', '--log-level', 'off')
         self.assertEqual(done.returncode, 0, done.stderr)
         self.assertEqual(done.stderr.count('\n'), 1, done.stderr)
-        self.assertIn(': warning: the links "l" (line 1) and "m" (line 1) go in a circle inside group "g"', done.stderr)
+        self.assertIn(': warning: links "l" (line 1) and "m" (line 1) form a cycle inside group "g"', done.stderr)
 
     def test_unknown_pass(self):
         done = self.run_program('render', self.document, '--db', self.result, '--stop-after', 'nothing')

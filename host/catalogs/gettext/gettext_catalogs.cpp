@@ -84,7 +84,8 @@ GettextCatalogs::GettextCatalogs(const std::string& directory, const std::string
     // From "de_AT.UTF-8" over "de_AT" to "de".
     const std::vector<std::string> locales{locale, locale.substr(0, locale.find_first_of(".@")),
                                            locale.substr(0, locale.find_first_of("_.@"))};
-    for (const char* name : {"slicer2", "viewpoint", "storeiface1"}) {
+    for (const std::string_view catalogName : optstore2::catalogNames) {
+        const std::string name(catalogName);
         for (const std::string& candidate : locales) {
             const std::string path = fileOf(directory, candidate, name);
             std::error_code ignored;

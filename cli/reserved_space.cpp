@@ -1,0 +1,82 @@
+#include "cli/reserved_space.h"
+
+#include <algorithm>
+#include <string_view>
+#include <unordered_map>
+
+#include "draw/text_width.h"
+#include "host/document/reserved_space.h"
+#include "platform/optstore2/message_catalog_source.h"
+
+namespace tessera_cli {
+namespace {
+
+using tessera_draw::Reservation;
+using tessera_draw::Room;
+using tessera_draw::Weight;
+using tessera_host::LabelPlace;
+using tessera_host::QueryDeclaration;
+
+Reservation::Place placeOf(LabelPlace place) {
+    switch (place) {
+        case LabelPlace::from:
+            return Reservation::Place::from;
+        case LabelPlace::to:
+            return Reservation::Place::to;
+        case LabelPlace::center:
+            break;
+    }
+    return Reservation::Place::center;
+}
+
+// Measures each name and each query once.
+class Measure {
+  public:
+    [[nodiscard]] Room rows(tessera_host::ReservedSpace::Rows rows) {
+        Room room;
+        room.rows = static_cast<std::uint32_t>(rows.size());
+        for (const auto& [name, query] : rows) {
+            room.nameWidth = std::max(room.nameWidth, nameWidth(name));
+            room.valueWidth = std::max(room.valueWidth, valueWidth(query));
+        }
+        return room;
+    }
+
+    [[nodiscard]] double nameWidth(std::string_view name) {
+        const auto [known, isNew] = m_names.try_emplace(name, 0);
+        if (isNew) known->second = tessera_draw::measureText(name, 1, Weight::regular).width;
+        return known->second;
+    }
+
+  private:
+    [[nodiscard]] double valueWidth(const QueryDeclaration* query) {
+        if (query == nullptr) return 0;
+        const auto [known, isNew] = m_values.try_emplace(query, 0);
+        if (isNew)
+            known->second =
+                tessera_draw::measureText(tessera_host::typicalValue(*query), 1, Weight::bold).width;
+        return known->second;
+    }
+
+    std::unordered_map<std::string_view, double> m_names;
+    std::unordered_map<const QueryDeclaration*, double> m_values;
+};
+
+}  // namespace
+
+Reservation measureReservedSpace(const tessera_host::Viewpoint::Pointer& viewpoint) {
+    const tessera_host::ReservedSpace space(viewpoint, *optstore2::getMessageCatalogSource());
+    Reservation reservation;
+    Measure measure;
+    for (const auto& node : space.nodes())
+        reservation.node(node.id).widen(measure.rows(node.rows));
+    // As much as the widest of the display modes needs.
+    for (const auto& label : space.labels()) {
+        Room& room = reservation.link(label.link, placeOf(label.place));
+        room.titleWidth = std::max(room.titleWidth, measure.nameWidth(label.title));
+        room.widen(measure.rows(label.rows));
+    }
+    return reservation;
+}
+
+}  // namespace tessera_cli
