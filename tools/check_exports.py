@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Compares the names that a library exports with the reviewed list, and holds them to one namespace.
+"""Compares the names that a library exports with the reviewed list, and checks that all are in one namespace.
 
 Usage: check_exports.py LIBRARY LIST [--update]
 
---update writes the list anew; look at the difference before it is committed."""
+--update rewrites the list; review the difference before you commit it."""
 
 import pathlib
 import re
@@ -13,16 +13,16 @@ import sys
 NAMESPACE = "tessera_1"
 HEADER = f"""\
 # What libtessera exports: names of the namespace {NAMESPACE}, one a line, sorted, standard types abbreviated.
-# tools/check_exports.py compares this with the library; with --update it writes it anew.
+# tools/check_exports.py compares this list with the library; with --update it rewrites the list.
 """
-# A name of the namespace as it is mangled: a member or function, const or not, or a class's table or type information.
+# A mangled name of the namespace: a member or function, const or not, or a class's table or type information.
 OWN = re.compile(rf"^_Z(T[VTIS])?NK?{len(NAMESPACE)}{NAMESPACE}")
 STRING = "std::__cxx11::basic_string<char, std::char_traits<char>, std::allocator<char> >"
 DEFAULTS = ("std::allocator<", "std::hash<", "std::equal_to<", "std::less<")
 
 
 def without_defaults(text):
-    """Drops the template arguments that are what they would be anyway."""
+    """Removes template arguments that equal their defaults."""
     text = text.replace(STRING, "std::string")
     for default in DEFAULTS:
         while (start := text.find(", " + default)) >= 0:
@@ -35,7 +35,7 @@ def without_defaults(text):
 
 
 def exported(library):
-    """The mangled names that the library defines for others."""
+    """The mangled names that the library defines and exports."""
     listing = subprocess.run(["nm", "-D", "--defined-only", "--format=posix", library],
                              capture_output=True, text=True, check=True).stdout
     return [line.split()[0].split("@")[0] for line in listing.splitlines()]

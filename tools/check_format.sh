@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Fails when a source file is not as clang-format 14 and .clang-format would have it. With --fix, formats them instead.
+# Checks the formatting of the sources with clang-format 14 and .clang-format. With --fix, formats them instead.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -10,7 +10,7 @@ done
 
 format=${CLANG_FORMAT:-clang-format-14}
 if ! command -v "$format" >/dev/null; then format=clang-format; fi
-# Versions differ in what they make of one .clang-format.
+# Other versions format differently with the same .clang-format.
 if [[ $("$format" --version 2>/dev/null) != *"version 14."* ]]; then
     echo "check_format.sh: clang-format 14 is not installed; scripts/install-packages.sh installs it" >&2
     exit 1
@@ -29,7 +29,7 @@ while IFS= read -r -d '' file; do
     case $file in *.h | *.cpp) if [ -f "$file" ]; then files+=("$file"); fi ;; esac
 done < <(sources)
 if [ ${#files[@]} -eq 0 ]; then
-    echo "check_format.sh: there are no sources to look at" >&2
+    echo "check_format.sh: found no sources" >&2
     exit 1
 fi
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Compiles headers alone, so that each brings what it needs: those that no source of the same name includes first, which shows
-the same. Headers that passed are not compiled again until they or what they include change.
+"""Compiles headers alone, to show that each includes what it needs. Skips a header that its own source includes first, because
+the build shows the same. A header that passed is not compiled again until it or a header that it includes changes.
 
 Usage: check_headers.py BUILD_DIR"""
 
@@ -16,7 +16,7 @@ FLAGS = ["-std=c++20", "-fsyntax-only", "-Wall", "-Wextra", "-Werror", "-x", "c+
 
 
 def search_flags(commands):
-    """Every -I, -isystem and -D of the build, each once."""
+    """All -I, -isystem and -D options of the build, without duplicates."""
     flags = []
     for words in commands.values():
         for i, word in enumerate(words):
@@ -44,7 +44,7 @@ def main():
     command = [compiler, "-I", str(base), *search_flags(commands), *FLAGS]
     version = subprocess.run([compiler, "--version"], capture_output=True, text=True, check=True).stdout
     passed = project.Passed(build / "passed-headers")
-    # Folders without a target of their own so far have no flags to compile with either.
+    # A folder without a target has no flags to compile with.
     built = {os.path.relpath(path, base).split("/")[0] for path in commands}
     names = [name for name in project.files(base, (".h",), [folder for folder in project.CODE if folder in built])
              if not is_shown_by_its_source(base, name)]

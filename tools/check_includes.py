@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Fails when an include goes against the arrows between the folders.
+"""Checks that includes follow the arrows between the folders; prints and fails on each that does not.
 
     support <- draw, host <- cli       platform <- core, draw, host, cli
     host and cli see three headers of core, and nothing else of it; core sees one header of support
@@ -58,7 +58,7 @@ def problem(base, folder, quoted, target):
             return f"{folder}/ uses the standard library and log4cplus only"
         return None
     if not (base / target).is_file():
-        return "is no path from the project's root"
+        return "not a path from the project's root"
     if top == folder or top in ALLOWED[folder] or target in ALLOWED[folder]:
         return None
     return f"{folder}/ may not include {top}/" + (f" except {', '.join(sorted(FRONT))}" if FRONT <= ALLOWED[folder] and top == "core" else "")

@@ -1,4 +1,4 @@
-"""What the checks in this folder share: the project's files, who includes whom, and what was found good before."""
+"""Functions that the checks in this folder share: the project's files, their includes, and which files passed before."""
 
 import hashlib
 import json
@@ -14,7 +14,7 @@ INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 
 
 def git(base, *arguments):
-    """What git prints, or None without git, outside of a work tree, or when it fails."""
+    """The output of git; None without git, outside a work tree, or when git fails."""
     if not shutil.which("git"):
         return None
     done = subprocess.run(["git", "-C", str(base), *arguments], capture_output=True, text=True, check=False)
@@ -26,8 +26,8 @@ def root():
 
 
 def files(base, endings, folders=CODE):
-    """The project's files with one of these endings, as paths from `base`: what git knows or would add, or else what lies
-    there."""
+    """The project's files with one of these endings, as paths relative to `base`: those that git tracks or would add; without
+    git, all that are there."""
     listed = git(base, "ls-files", "-z", "--cached", "--others", "--exclude-standard", "--", *folders)
     if listed:
         names = listed.split("\0")
@@ -38,7 +38,7 @@ def files(base, endings, folders=CODE):
 
 
 def includes(path):
-    """(line, is it quoted, what it names) for each include directive of a file."""
+    """Yields (line, whether it is quoted, path) for each include directive of a file."""
     with open(path, encoding="utf-8") as text:
         for number, line in enumerate(text, 1):
             if match := INCLUDE.match(line):
@@ -46,7 +46,7 @@ def includes(path):
 
 
 def reached(base, name):
-    """The file and all of the project's files that it includes, at any depth."""
+    """The file and all of the project's files that it includes, directly or indirectly."""
     seen, open_files = set(), [name]
     while open_files:
         each = open_files.pop()

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs the tests of a build whose name contains NAME, in any case: ctest's tests, and single unit tests.
+"""Runs the tests of a build whose name contains NAME, ignoring case: tests that ctest lists, and single unit tests.
 
 Usage: run_matching.py BUILD_DIR NAME"""
 
@@ -12,7 +12,7 @@ import sys
 
 
 def known_tests(build):
-    """What ctest knows: name -> (command, environment)."""
+    """The tests that ctest lists: name -> (command, environment)."""
     listed = subprocess.run(["ctest", "--show-only=json-v1"], cwd=build, capture_output=True, text=True, check=True)
     tests = {}
     for test in json.loads(listed.stdout)["tests"]:
@@ -25,7 +25,7 @@ def known_tests(build):
 
 
 def unit_tests(program, environment, name):
-    """The program's unit tests that fit, as a filter of GoogleTest; empty when there are none."""
+    """The matching unit tests of a program, as a GoogleTest filter; empty when there are none."""
     listed = subprocess.run([program, "--gtest_list_tests"], env=environment, capture_output=True, text=True, check=True)
     found, suite = [], ""
     for line in listed.stdout.splitlines():
@@ -49,7 +49,7 @@ def main():
         pattern = "^(" + "|".join(map(re.escape, whole)) + ")$"
         if subprocess.run(["ctest", "--output-on-failure", "-R", pattern], cwd=build, check=False).returncode != 0:
             failed.append("ctest")
-    # Of the processes that share a program one is enough: a filter names what it runs.
+    # Several of ctest's tests run one program in shards; here the program runs once, with a filter.
     programs = {command[0]: environment for test, (command, environment) in tests.items()
                 if test.startswith("unit.") and test not in whole and command}
     for program, environment in programs.items():

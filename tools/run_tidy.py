@@ -1,13 +1,13 @@
 #!/usr/bin/env python3
-"""Runs clang-tidy over the sources of the product: those that a change touches, and those that include what it touches. A file
-that passed is not looked at again until it, a header it includes, its compile command or .clang-tidy changes.
+"""Runs clang-tidy on the sources of the product that a change touches, and on those that include what it touches. A file that
+passed is not checked again until it, a header that it includes, its compile command or .clang-tidy changes.
 
 Usage: run_tidy.py BUILD_DIR [FILE]...
 
-The change is what came since TESSERA_BASE (a commit), or else since the branch left origin/main, or else in the day before the
-last commit; uncommitted work belongs to it. Looking starts with what was changed last and begins no further file after
-TIDY_SECONDS (300); what is left out is said. TESSERA_TIDY=everything looks at all sources, however long that takes.
-CLANG_TIDY names another clang-tidy than clang-tidy-19, TIDY_JOBS how many run at once."""
+The change is everything since TESSERA_BASE (a commit); without it, since the branch left origin/main; without that, the last day
+before the last commit. Uncommitted work is part of it. The files changed last come first. After TIDY_SECONDS (300) no further
+file is started, and the files left out are listed. TESSERA_TIDY=everything checks all sources without a time limit.
+CLANG_TIDY is the program to run (clang-tidy-19), TIDY_JOBS the number of processes."""
 
 import concurrent.futures
 import os
@@ -25,7 +25,7 @@ FOLDERS = ("support", "platform", "core", "host", "draw", "cli")
 
 
 def changed_files(base):
-    """What the change touches, the last first; None when nothing tells what that is."""
+    """The files that the change touches, the last changed first; None when that is unknown."""
     def lines(*arguments):
         return (project.git(base, *arguments) or "").splitlines()
 
@@ -42,7 +42,7 @@ def changed_files(base):
 
 
 def touched(base, names, change):
-    """Those of the sources that the change touches or that include what it touches; the last changed first."""
+    """The sources that the change touches, or that include what it touches; the last changed first."""
     age = {name: i for i, name in enumerate(change)}
     ages = {name: min((age[each] for each in project.reached(base, name) if each in age), default=None) for name in names}
     return sorted((name for name in names if ages[name] is not None), key=ages.get)
@@ -65,7 +65,7 @@ def main():
     if not asked and os.environ.get("TESSERA_TIDY") != "everything":
         change = changed_files(base)
         if change is None:
-            print("without git there is no change to look at: TESSERA_TIDY=everything looks at all sources")
+            print("without git the change is unknown; TESSERA_TIDY=everything checks all sources")
             return SKIPPED
         names = touched(base, names, change)
         deadline = time.monotonic() + float(os.environ.get("TIDY_SECONDS", 300))
@@ -76,7 +76,7 @@ def main():
     left_out = []
 
     def look_at(name):
-        """(was it looked at, what was found)"""
+        """Returns (whether it was checked, the findings)."""
         command = commands[os.path.realpath(base / name)]
         digest = passed.digest(base, [".clang-tidy", *project.reached(base, name)], version, *command)
         if passed.has(digest):
@@ -84,7 +84,7 @@ def main():
         if deadline and time.monotonic() > deadline:
             left_out.append(name)
             return False, None
-        # The build's compiler has warnings that this one does not know.
+        # The build's compiler has warning options that clang-tidy does not know.
         result = subprocess.run([tidy, "-p", str(build), "--quiet", "--extra-arg=-Wno-unknown-warning-option",
                                  str(base / name)], capture_output=True, text=True, check=False)
         if result.returncode == 0:
@@ -95,12 +95,12 @@ def main():
     with concurrent.futures.ThreadPoolExecutor(int(os.environ.get("TIDY_JOBS", os.cpu_count() or 1))) as pool:
         results = list(pool.map(look_at, names))
     found = [text for _, text in results if text]
-    # A header's finding comes once for each file that includes it.
+    # A finding in a header is reported by each file that includes it.
     findings = dict.fromkeys(part for text in found for part in re.split(r"(?m)^(?=\S+:\d+:\d+: (?:error|warning):)", text))
     print(*findings, sep="", end="\n" if found else "")
     if left_out:
-        print(f"{len(left_out)} files were left out for want of time; TESSERA_TIDY=everything looks at them:", *sorted(left_out))
-    print(f"{len(names)} files, {sum(1 for looked, _ in results if looked)} looked at, {len(found)} with findings")
+        print(f"{len(left_out)} files were not checked, because the time was up; TESSERA_TIDY=everything checks them:", *sorted(left_out))
+    print(f"{len(names)} files, {sum(1 for looked, _ in results if looked)} checked, {len(found)} with findings")
     return 1 if found or not names else 0
 
 

@@ -16,7 +16,7 @@ SIGNATURE = re.compile(r' in (?:(?! in )[^\n])*\([^\n]*$')
 
 
 def reports(log):
-    """The library's reports without their places."""
+    """The library's reports, without signature and source line."""
     found = []
     for line in log.splitlines():
         match = REPORT.match(line)
@@ -33,7 +33,7 @@ def reports(log):
 
 
 def run(program, case):
-    """Answers and reports of one case."""
+    """Runs one case; returns the answers and the reports."""
     requests = [json.loads(line) for line in (case / 'requests.jsonl').read_text('utf-8').splitlines()]
     with tempfile.TemporaryDirectory() as folder:
         path = pathlib.Path(folder, 'result.db')
@@ -78,7 +78,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument('program')
     parser.add_argument('cases', nargs='*', type=pathlib.Path)
-    parser.add_argument('--write', action='store_true', help='write the answers down as expected')
+    parser.add_argument('--write', action='store_true', help='replace the expected answers and log by the current ones')
     options = parser.parse_args()
     cases = options.cases or sorted(path.parent for path in HERE.glob('*/viewpoint.xml'))
     failed = 0
@@ -91,12 +91,12 @@ def main():
             continue
         try:
             found = difference(options.program, case)
-        except Exception as error:  # whatever it is, the other cases are run
+        except Exception as error:  # any failure of one case must not stop the others
             found = f'{type(error).__name__}: {error}'
         if found:
             failed += 1
             print(f'{case.name}: {found}')
-    print(f'{len(cases) - failed} cases hold, {failed} differ')
+    print(f'{len(cases) - failed} cases as expected, {failed} differ')
     return 1 if failed or not cases else 0
 
 

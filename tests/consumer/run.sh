@@ -2,7 +2,7 @@
 # Usage: run.sh BUILD_DIR [LIBDIR]
 #
 # Installs the build into a temporary prefix, moves that prefix, and builds and runs app/ against it twice: with find_package
-# and with pkg-config. LIBDIR is the prefix's library folder, "lib" unless told otherwise.
+# and with pkg-config. LIBDIR is the prefix's library folder; the default is "lib".
 set -euo pipefail
 
 build=$(cd "$1" && pwd)
@@ -12,7 +12,7 @@ cmake=${CMAKE:-cmake}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-# What is installed must not depend on where it was put first, nor on what the caller's environment points to.
+# The installation must work after it was moved, and without variables of the caller's environment.
 "$cmake" --install "$build" --prefix "$work/first" >"$work/install.log" || { cat "$work/install.log"; exit 1; }
 mv "$work/first" "$work/prefix"
 unset LD_LIBRARY_PATH CPATH LIBRARY_PATH CMAKE_PREFIX_PATH
@@ -22,7 +22,7 @@ fail() {
     exit 1
 }
 [ -x "$work/prefix/bin/tessera" ] || fail "the program is not installed"
-[ ! -e "$work/prefix/include/tessera/core/check.h" ] || fail "core/check.h is the library's own and must not be installed"
+[ ! -e "$work/prefix/include/tessera/core/check.h" ] || fail "core/check.h is private to the library and must not be installed"
 "$work/prefix/bin/tessera" --version >/dev/null || fail "the installed program does not start"
 
 echo "== find_package"
@@ -36,7 +36,7 @@ export PKG_CONFIG_PATH="$work/prefix/$libdir/pkgconfig${PKG_CONFIG_PATH:+:$PKG_C
 make -f "$here/app/Makefile" OUTPUT="$work/by_pkg_config"
 "$work/by_pkg_config"
 
-# A binary that found another copy of the libraries would prove nothing.
+# The programs must use the installed libraries, not another copy.
 for program in "$work/by_cmake/consumer" "$work/by_pkg_config"; do
     loaded=$(ldd "$program")
     [[ $loaded =~ libtessera\.so[^[:space:]]*\ =\>\ "$work/prefix/" ]] || fail "$program does not load the installed library: $loaded"

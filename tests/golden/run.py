@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Draws the documents of this folder, and the examples that the front page shows, and compares the drawings with those kept.
+"""Draws the documents of this folder and the examples in README.md, and compares them with the expected drawings.
 
 Usage: run.py PROGRAM [NAME...] [--write] [--page FILE]
 
---write keeps the new drawings; --page writes a page that shows what changed, old beside new (all of them when nothing did).
-A drawing is kept because somebody looked at it and found it good: look before you write, and say in the commit why."""
+--write replaces the expected drawings by the new ones. --page writes an HTML page that shows changed drawings, old and new side by
+side, or all drawings when none changed. Look at that page before you use --write, and say in the commit why the new ones are good."""
 
 import html
 import pathlib
@@ -15,9 +15,9 @@ import tempfile
 
 FOLDER = pathlib.Path(__file__).resolve().parent
 ROOT = FOLDER.parents[1]
-# Documents that are drawn in another way than from left to right as well.
+# Documents that are drawn a second time, with these options.
 ALSO = {'nested_groups': ['--direction', 'tb'], 'chain': ['--direction', 'tb']}
-# What the front page shows: name, example, options.
+# The drawings in README.md: name, example, options.
 SHOWN = (('backup', 'backup', ['--theme', 'auto']), ('backup_tb', 'backup', ['--theme', 'dark', '--direction', 'tb']),
          ('first', 'first', ['--theme', 'auto']))
 STYLE = ('body{font:14px sans-serif;margin:24px;background:#888}figure{display:inline-block;margin:8px;vertical-align:top}'
@@ -57,7 +57,7 @@ def drawings():
 
 
 def figure(caption, svg):
-    # As an image of its own each drawing keeps its style and its ids to itself.
+    # A frame of its own, because the styles and ids of two drawings would clash in one page.
     return (f'<figure><figcaption>{html.escape(caption)}</figcaption>'
             f'<iframe style="border:0;width:1000px;height:600px" srcdoc="{html.escape(svg)}"></iframe></figure>')
 

@@ -28,7 +28,7 @@ class Query final : public ref_counted_t<qlib_1::IQuery> {
     std::string m_identifier;
 };
 
-// Every reference names a query.
+// Returns a query for any reference.
 class QueryLibrary final : public ref_counted_t<qlib_1::IQueryLibrary> {
   public:
     sptr_t<qlib_1::IQuery> buildQuery(const variant_bag_t& definition, relay2::IMessenger*) override {
@@ -62,7 +62,7 @@ class Row final : public ref_counted_t<qlib_1::ITableRow> {
     std::vector<std::string> m_cells;
 };
 
-// One row, a column a query.
+// One row, with one column per query.
 class Table final : public ref_counted_t<qlib_1::ITableTree> {
   public:
     Table(sptr_t<qlib_1::IVectorQuery> columns, sptr_t<qlib_1::ITableRow> row)
@@ -120,7 +120,7 @@ void addNode(variant_bag_t& graph, variant_bag_t& display, const char* id, const
     row.put("", reference);
 }
 
-// The pane: answers "config" with its viewpoint.
+// The pane's base handler: its only request is "config", which writes the viewpoint.
 class Pane final : public panelcore_1::IRequestHandler {
   public:
     std::string getDomainName() const override { return "pane"; }
@@ -146,7 +146,7 @@ std::string text(const variant_bag_t& bag, const char* name) {
     return value && value->can_get<const char*>() ? value->get<const char*>() : "";
 }
 
-// "id: label = value" of a node, or "id" when it shows nothing.
+// Returns "id: label = value" of a node, or "id" when it shows no value.
 std::string describe(const variant_bag_t& node) {
     const variant_bag_t* info = node.get_variant_bag("info");
     const variant_bag_t* rows = info ? info->get_variant_bag("rows") : nullptr;
@@ -176,7 +176,7 @@ int main() {
         found += describe(node.get_value()) + "\n";
     std::fputs(found.c_str(), stdout);
     if (found != "oven: Temperature = 220 C\nloaf: Weight = 750 g\n") {
-        std::fputs("these are not the nodes that were asked for\n", stderr);
+        std::fputs("these are not the expected nodes\n", stderr);
         return 1;
     }
     return 0;
