@@ -1,4 +1,4 @@
-# What every target of the project shares.
+# Settings that all targets of the project share.
 
 if(CMAKE_SOURCE_DIR STREQUAL PROJECT_SOURCE_DIR)
   find_program(TESSERA_CCACHE ccache)
@@ -14,16 +14,16 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
 
-# Before 1.0 every minor version may change an interface.
+# Before 1.0 each minor version may change an interface.
 set(TESSERA_SOVERSION ${PROJECT_VERSION_MAJOR})
 if(PROJECT_VERSION_MAJOR EQUAL 0)
   set(TESSERA_SOVERSION 0.${PROJECT_VERSION_MINOR})
 endif()
 
-# The program finds the libraries beside itself, in the build tree as after installation.
+# The program finds the libraries relative to itself, in the build tree and in an installation.
 file(RELATIVE_PATH TESSERA_LIB_FROM_BIN "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
 set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/${TESSERA_LIB_FROM_BIN}")
-# Else CMake leaves an empty entry in the build tree's, which is the folder that a program is started in.
+# Otherwise CMake puts an empty entry into the build tree's run path, and an empty entry means the current folder.
 set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
 
 function(tessera_target name)
@@ -31,7 +31,7 @@ function(tessera_target name)
   target_include_directories(${name} PUBLIC
     "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>"
     "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/tessera>")
-  # GCC 12 sees overlapping copies where std::string is put together (-Wrestrict); there are none.
+  # GCC 12 reports overlapping copies in std::string concatenation (-Wrestrict) where there are none.
   target_compile_options(${name} PRIVATE
     $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict;-fno-semantic-interposition>
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
@@ -52,8 +52,8 @@ function(tessera_target name)
   endif()
 endfunction()
 
-# A library that is loaded on demand. Its file name carries the version: its interface is shared only by what was built
-# together.
+# A library that is loaded on demand. Its file name contains the version, because its interface fits only the program that was
+# built with it.
 function(tessera_module name)
   add_library(${name} MODULE ${ARGN})
   set_target_properties(${name} PROPERTIES OUTPUT_NAME "${name}-${PROJECT_VERSION}" INSTALL_RPATH "$ORIGIN")

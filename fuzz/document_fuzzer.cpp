@@ -1,5 +1,5 @@
-// Feeds documents to everything that reads them: the XML reader, the queries, the library with all passes,
-// the writer. Built with assertions, so that the graph is verified behind each pass.
+// Feeds documents to all code that handles them: the XML reader, the queries, the library with all passes, and
+// the writer. Built with assertions, so that the graph is verified after each pass.
 //
 //     tessera_fuzz_document [-max_total_time=SECONDS] [-dict=fuzz/document.dict] FOLDER [FOLDER...]
 #include <log4cplus/logger.h>
@@ -33,7 +33,7 @@ void require(bool condition) {
     if (!condition) std::abort();
 }
 
-// A small result, and a file in memory that holds the document at hand.
+// A small result database, and a file in memory that holds the current document.
 class Place {
   public:
     Place() : m_document(memfd_create("document", 0)) {

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the program and shows what it does, over a recorded backup. Leaves nothing behind but the build.
+# Builds the program and shows what it does with a recorded backup. The only files that remain are in build/.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -31,9 +31,9 @@ echo '$ sqlite3 backup.db < backup.sql'
 sqlite3 -bail backup.db <"$example/backup.sql"
 sqlite3 backup.db "SELECT '  ' || COUNT(*) || ' rows, ' || MAX(ts + span) || ' seconds' FROM transfers"
 
-title "Does the viewpoint fit it?"
+title "Checking the viewpoint against the database"
 run tessera check backup.xml --db backup.db
-echo "  nothing is wrong with it"
+echo "  no mistakes found"
 
 title "The diagram: boxes in groups, each with its values"
 run tessera render backup.xml --db backup.db -o diagram.json
@@ -43,22 +43,22 @@ title "The same as a picture"
 run tessera render backup.xml --db backup.db -o backup.svg
 run tessera render backup.xml --db backup.db -o backup.png --theme dark
 cp backup.svg backup.png "$build/"
-echo "  to look at: build/backup.svg, build/backup.png"
+echo "  the pictures are build/backup.svg and build/backup.png"
 
-title "What the pipe's splitter, tee, writes to each of its readers"
+title "What tee, which copies the archive, writes to each of its readers"
 python3 "$show" --links --only tee <diagram.json
 
-title "A session: one JSON request a line, one JSON answer a line"
+title "A session: one JSON request per line, one JSON answer per line"
 requests=('{"request":"create"}' '{"request":"changeDisplayMode","in":{"mode":{"":"ratio"}}}')
 echo '$ tessera session backup.xml --db backup.db'
 printf '> %s\n' "${requests[@]}"
 printf '%s\n' "${requests[@]}" | tessera session backup.xml --db backup.db >answers.jsonl
 cut -c1-100 answers.jsonl | sed 's/^/< /; s/$/.../'
-echo "The second answer shows, for the same boxes, the share of the time spent in write:"
+echo "For the same boxes, the second answer shows the share of the time spent in write:"
 python3 -c 'import json, sys; print(json.dumps(json.loads(sys.stdin.readlines()[1])["out"]))' <answers.jsonl \
     | python3 "$show" --links --only tee
 
-title "What to try next"
+title "Try next"
 cat <<'TEXT'
   sqlite3 backup.db < examples/backup/backup.sql
   build/release/bin/tessera render examples/backup/backup.xml --db backup.db --filter "selection=ts < 5"
@@ -66,6 +66,7 @@ cat <<'TEXT'
   build/release/bin/tessera render examples/backup/backup.xml --db backup.db --direction tb -o diagram.pdf
   build/release/bin/tessera --help
 
-  examples/backup/README.md    what the recording shows, and how to make one of your own
-  docs/architecture.md         how the pieces fit together
+  README.md                    how to draw your own data
+  examples/backup/README.md    what the recording shows, and how to record your own
+  docs/architecture.md         how the parts work together
 TEXT

@@ -1,13 +1,15 @@
 #!/usr/bin/env python3
-"""Prints a diagram, given as JSON on standard input, as text: the boxes as a tree, then the values that links show.
+"""Reads a diagram as JSON from standard input and prints it as text: the boxes as a tree, then the values on links.
 
-Usage: show_diagram.py [--boxes] [--links] [--only NODE]     both parts without an option; NODE's links alone"""
+Usage: show_diagram.py [--boxes] [--links] [--only NODE]
+
+Without an option it prints both parts. --only prints the links of NODE only."""
 
 import argparse
 import json
 import sys
 
-ON_LINKS = ("label", "dummy")  # boxes that stand on a link, between its ends
+ON_LINKS = ("label", "dummy")  # types of boxes that lie on a link, between its ends
 TABLES = {"fromInfo": "from", "toInfo": "to", "totalInfo": "center"}
 
 
@@ -26,7 +28,7 @@ def print_boxes(boxes, group="", depth=0):
 
 
 def values_on_links(boxes, links):
-    """(from, to, place, values), from the links' own tables and from the boxes that such tables became."""
+    """Yields (from, to, place, values), for the links' own tables and for the boxes that the layout made of tables."""
     by_id = {box["id"]: box for box in boxes}
     before = {link["to"]: link["from"] for link in links}
     after = {link["from"]: link["to"] for link in links}

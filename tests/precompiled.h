@@ -1,4 +1,4 @@
-// What nearly every test includes, compiled once. A test includes what it uses all the same.
+// Headers that nearly every test includes, compiled once. Each test still includes what it uses.
 #pragma once
 
 #include <gtest/gtest.h>

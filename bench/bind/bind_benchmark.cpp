@@ -1,9 +1,9 @@
-// Times reading a document, binding its values and writing the diagram, against parsing the same XML with the
-// XML library alone; and measures the memory that the diagram takes beside the parsed document.
+// Measures reading a document, binding its values and writing the diagram, relative to parsing the same XML
+// with the XML library alone; and the memory that the diagram needs in addition to the parsed document.
 //
 //     tessera_bench_bind [--nodes N] [--modes N] [--runs N]
 //
-// Times are the best of the runs, each in a process of its own, so that none profits from memory of another.
+// Times are the best of the runs. Each is a process of its own, so that none uses memory that another freed.
 #include <fmt/format.h>
 #include <log4cplus/logger.h>
 
@@ -23,7 +23,7 @@
 namespace tessera_bench {
 namespace {
 
-// What one run took, in seconds and bytes.
+// The figures of one run, in seconds and bytes.
 struct Figures {
     double alone, reading, opening, create, writing, refresh;
     double parsedBytes, keptBytes, peakBytes, jsonBytes;

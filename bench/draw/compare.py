@@ -1,13 +1,13 @@
 #!/usr/bin/env python3
-"""Holds Tessera's drawings of generated diagrams against those of other programs: crossings, length and bends of
-lines, area and shape; or the time and memory that it takes to make them. Prints the tables of docs/benchmarks.md.
+"""Compares Tessera's drawings of generated diagrams with those of other programs: crossings, length and bends of lines, area
+and shape; with --speed, the time and memory to make them. Prints the tables of docs/benchmarks.md.
 
     bench/draw/compare.py --generator FILE --program FILE [--sizes 20,50,...] [--shapes flat,nested] [--limit SECONDS]
     bench/draw/compare.py --generator FILE --program FILE --speed [--sizes 1000,10000] [--runs N]
 
-The generator is tessera_bench_layout, the program tessera, both of a release build. The others need `dot` (graphviz),
-node, `time`, and once `npm ci` in bench/layout/peers. All lay out the same graph from left to right, with boxes, and boxes for
-labels, as large as Tessera draws them."""
+--generator is tessera_bench_layout and --program is tessera, both from a release build. The other programs need `dot` (graphviz),
+node, `time`, and one `npm ci` in bench/layout/peers. All programs lay out the same graph from left to right. Boxes, and boxes for
+labels, are as large as Tessera draws them."""
 import argparse
 import json
 import os
@@ -30,7 +30,7 @@ PROGRAMS = ('Tessera', 'dot', 'elkjs')
 
 
 def make_database(path, nodes):
-    """A value for everything that a generated document shows."""
+    """Makes a database with a value for every query of a generated document."""
     with sqlite3.connect(path) as database:
         database.execute('CREATE TABLE nodes(id INTEGER PRIMARY KEY, load REAL, memory INTEGER)')
         database.execute('CREATE TABLE links(id INTEGER PRIMARY KEY, bytes INTEGER, seconds REAL, share REAL)')
@@ -41,8 +41,10 @@ def make_database(path, nodes):
 
 
 def run(command, limit):
-    """Seconds and peak bytes of the whole process; None when it took too long, False when it failed. On a machine that does other things, too,
-    processor time says more; where several threads work, the time that passed does: so it is the smaller of them."""
+    """Seconds and peak bytes of the whole process; None when it took too long, False when it failed.
+
+    The seconds are the smaller of processor time and elapsed time: the first is right on a busy machine, the second for a process
+    with several threads."""
     def processor_time():
         usage = resource.getrusage(resource.RUSAGE_CHILDREN)
         return usage.ru_utime + usage.ru_stime
@@ -64,14 +66,14 @@ def run(command, limit):
 
 
 def raise_stack():
-    """`dot` recurses deeply."""
+    """Raises the stack limit, because `dot` recurses deeply."""
     _, most = resource.getrlimit(resource.RLIMIT_STACK)
     wanted = 1 << 30
     resource.setrlimit(resource.RLIMIT_STACK, (wanted if most == resource.RLIM_INFINITY else min(wanted, most), most))
 
 
 def graph_of(document, drawing):
-    """The document's groups, nodes and links, with the sizes that boxes and labels have in the drawing."""
+    """Returns the document's groups, nodes and links, with the sizes of boxes and labels in the drawing."""
     sizes, labels = {}, {}
     for group in ElementTree.parse(drawing).getroot().iter(figures.SVG + 'g'):
         box = group.find(figures.SVG + 'rect')
@@ -221,7 +223,7 @@ def main():
     parser.add_argument('--speed', action='store_true')
     arguments = parser.parse_args()
     if not shutil.which('dot') or not shutil.which('time') or not (PEERS / 'node_modules').is_dir():
-        sys.exit('the other programs are not installed: see the top of this file')
+        sys.exit('the other programs are not installed; the top of this file lists them')
     with tempfile.TemporaryDirectory(prefix='tessera-drawings-') as folder:
         bench = Bench(arguments, pathlib.Path(folder))
         if arguments.speed:

@@ -1,10 +1,10 @@
-// Places a generated diagram and prints what can be counted in the picture, as one JSON object.
+// Places a generated diagram and prints the figures of the picture as one JSON object.
 //
 //     tessera_bench_draw [--nodes N] [--flat] [--tangled] [--seed N] [--runs N] [--svg FILE] [--dot FILE]
 //     tessera_bench_draw --plain FILE
 //
-// The time is the best of the runs, in seconds. --svg writes a plain picture, --dot the same graph for `dot`;
-// --plain counts in what `dot -Tplain` has written.
+// The time is the best of the runs, in seconds. --svg writes a simple picture, --dot the same graph for `dot`.
+// --plain reads a drawing of `dot -Tplain` and prints its figures.
 #include <fmt/format.h>
 
 #include <algorithm>

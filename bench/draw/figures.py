@@ -1,10 +1,10 @@
-"""What can be counted in a drawing of a graph: one way for all programs that write SVG."""
+"""Counts crossings, lengths and bends in an SVG drawing of a graph, in the same way for every program."""
 import collections
 import math
 import re
 import xml.etree.ElementTree as ElementTree
 
-PIECES = 8  # straight ones that stand for a curve
+PIECES = 8  # straight pieces that replace a curve
 SVG = '{http://www.w3.org/2000/svg}'
 NUMBER = re.compile(r'[-+]?(?:\d+\.?\d*|\.\d+)(?:[eE][-+]?\d+)?')
 COMMAND = re.compile(r'([A-Za-z])([^A-Za-z]*(?:[eE][-+]?\d+[^A-Za-z]*)*)')
@@ -13,7 +13,7 @@ Figures = collections.namedtuple('Figures', 'lines crossings length bends area a
 
 
 def chains_of(path):
-    """The points along each piece of a path that is drawn in one go; M, L and C only, as all the programs write."""
+    """Returns the points of each connected part of a path. Understands M, L and C, which all the programs use."""
     chains = []
     for command, rest in COMMAND.findall(path):
         numbers = [float(number) for number in NUMBER.findall(rest)]
@@ -43,12 +43,12 @@ def is_line(group):
 
 
 def is_stroke(path):
-    """Arrow heads are closed."""
+    """Whether the path is a line; arrow heads are closed paths."""
     return not path.get('d').rstrip().lower().endswith('z')
 
 
 def picture_of(file):
-    """Width, height and, for each line, the chains that it is drawn with."""
+    """Returns width, height and, for each line, its connected parts."""
     root = ElementTree.parse(file).getroot()
     width, height = (float(NUMBER.match(root.get(name))[0]) for name in ('width', 'height'))
     lines = [[chain for path in group.iter(SVG + 'path') if is_stroke(path) for chain in chains_of(path.get('d'))]
@@ -57,8 +57,10 @@ def picture_of(file):
 
 
 def crossings_of(pieces):
-    """How often pieces (x1, y1, x2, y2, line) of different lines cross. Pieces meet in the squares of a grid about as
-    large as they are; a crossing counts in the square that it lies in."""
+    """Counts how often pieces (x1, y1, x2, y2, line) of different lines cross.
+
+    Pieces are compared within the squares of a grid; a square is about as large as a piece. A crossing counts in the square that
+    contains it."""
     if not pieces:
         return 0
     size = max(8.0, 2 * sum(math.dist(piece[:2], piece[2:4]) for piece in pieces) / len(pieces))
@@ -76,7 +78,7 @@ def crossings_of(pieces):
 
 
 def squares_of(piece, size):
-    """Those that the piece goes through, column by column, and some beside it."""
+    """Yields the squares that the piece passes through, column by column, and some beside them."""
     (x1, y1), (x2, y2) = sorted((piece[:2], piece[2:4]))
     column, last = x1 // size, x2 // size
     while column <= last:
@@ -91,13 +93,14 @@ def squares_of(piece, size):
 
 
 def crossing(p, q):
-    """Where they cross. Half open, so that a crossing at a joint counts once; lines upon each other do not cross."""
+    """Returns where two pieces cross, or None. Pieces are half open, so that a crossing at a joint counts once. Pieces on top of
+    each other do not cross."""
     def side(a, x, y):
         return (a[2] - a[0]) * (y - a[1]) - (a[3] - a[1]) * (x - a[0])
-    before, behind = side(q, p[0], p[1]), side(q, p[2], p[3])
-    if (before >= 0) == (behind >= 0) or (side(p, q[0], q[1]) >= 0) == (side(p, q[2], q[3]) >= 0):
+    before, after = side(q, p[0], p[1]), side(q, p[2], p[3])
+    if (before >= 0) == (after >= 0) or (side(p, q[0], q[1]) >= 0) == (side(p, q[2], q[3]) >= 0):
         return None
-    t = before / (before - behind)
+    t = before / (before - after)
     return p[0] + t * (p[2] - p[0]), p[1] + t * (p[3] - p[1])
 
 
@@ -106,7 +109,7 @@ def turn(a, b, c):
 
 
 def figures_of(picture):
-    """Bends are all that lines turn, in right angles: so curves and corners are told in the same way."""
+    """Counts all figures. Bends are the sum of all turns in right angles, so that curves and corners are measured alike."""
     width, height, lines = picture
     pieces, length, turns = [], 0.0, 0.0
     for number, chains in enumerate(lines):

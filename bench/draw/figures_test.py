@@ -1,4 +1,4 @@
-"""The counting of crossings, lengths and bends, on drawings of which they are known."""
+"""Tests the counting of crossings, lengths and bends on drawings with known figures."""
 import io
 import math
 import random

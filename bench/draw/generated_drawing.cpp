@@ -27,7 +27,7 @@ Index addGroup(PlacementInput& input, Index around) {
     return static_cast<Index>(input.boxes.size()) - 1;
 }
 
-// Nodes come first, so that a node's number is its place.
+// Nodes come first, so that a node's number is its index.
 void addGroups(PlacementInput& input, std::size_t nodes) {
     Index outer = nothing;
     Index inner = nothing;

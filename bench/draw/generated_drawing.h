@@ -1,4 +1,4 @@
-// The diagrams of the other benchmarks as boxes and lines.
+// The generated diagrams of the other benchmarks, as boxes and lines.
 #pragma once
 
 #include <string>
@@ -8,11 +8,11 @@
 
 namespace tessera_bench {
 
-// Boxes without levels: their lines give them layers. Labels are boxes that lines go through, in the
-// innermost group around both ends.
+// Makes boxes without levels; the lines decide their layers. A label is a box that its line passes through, in
+// the innermost group around both ends.
 [[nodiscard]] tessera_draw::PlacementInput generatedDrawing(const InputShape& shape);
 
-// The same for `dot`: boxes of the same sizes in clusters.
+// Writes the same graph for `dot`, with boxes of the same sizes, in clusters.
 void writeDot(const tessera_draw::PlacementInput& input, const std::string& path);
 
 }  // namespace tessera_bench

@@ -38,7 +38,7 @@ double side(const Point& a, const Point& b, const Point& c) {
     return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
 }
 
-// Where the pieces cross, if inside of both. Half open, so that a crossing at a joint counts once.
+// Where the pieces cross, if they do. Pieces are half open, so that a crossing at a joint counts once.
 bool doCross(const Piece& p, const Piece& q, Point& at) {
     const double pa = side(q.a, q.b, p.a);
     const double pb = side(q.a, q.b, p.b);
@@ -50,7 +50,7 @@ bool doCross(const Piece& p, const Piece& q, Point& at) {
     return true;
 }
 
-// Pieces by the squares of a grid that they may touch.
+// Finds pieces by the squares of a grid that they may touch.
 class Grid {
   public:
     explicit Grid(const std::vector<Piece>& pieces) : m_pieces(pieces) {

@@ -1,4 +1,4 @@
-// What can be counted in a picture of a graph.
+// Counts crossings, lengths and area in a picture of a graph.
 #pragma once
 
 #include <cstdint>
@@ -25,7 +25,7 @@ struct PictureFigures {
 
 [[nodiscard]] Picture pictureOf(const tessera_draw::Placement& placement);
 
-// Reads what `dot -Tplain` writes.
+// Reads the output of `dot -Tplain`.
 [[nodiscard]] Picture readPlain(const std::string& path);
 
 [[nodiscard]] PictureFigures figuresOf(const Picture& picture);

@@ -1,9 +1,9 @@
-// Times every stage of "create" on a generated diagram, and the memory that it takes; prints one JSON object.
+// Measures each stage of "create" on a generated diagram, and the memory; prints one JSON object.
 //
 //     tessera_bench_layout [--nodes N] [--flat] [--tangled] [--runs N] [--document FILE]
 //
-// Times are seconds, the best of the runs, each in a process of its own. "create" leaves out the fetching of
-// values. With --document the generated viewpoint stays in that file.
+// Times are seconds, the best of the runs, each in a process of its own. "create" does not include the fetching
+// of values. --document keeps the generated viewpoint in that file.
 #include <fmt/format.h>
 #include <log4cplus/logger.h>
 

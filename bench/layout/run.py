@@ -1,11 +1,10 @@
 #!/usr/bin/env python3
-"""Measures the layout of generated diagrams, and other engines on the same graphs, and prints the tables of
-docs/benchmarks.md.
+"""Measures the layout of generated diagrams, and of other engines on the same graphs. Prints the tables of docs/benchmarks.md.
 
-    bench/layout/run.py PROGRAM [--sizes 1000,10000,...] [--runs N] [--peers] [--peer-sizes 100,1000,...]
+    bench/layout/run.py PROGRAM [--sizes 1000,10000,...] [--runs N] [--peers | --peers-only] [--peer-sizes 100,1000,...]
 
-PROGRAM is tessera_bench_layout of a release build. --peers needs `dot` (graphviz), node, and once
-`npm ci` in bench/layout/peers. A peer has 120 seconds for a graph."""
+PROGRAM is tessera_bench_layout from a release build. --peers measures the other engines too, --peers-only nothing else; they need
+`dot` (graphviz), node, and one `npm ci` in bench/layout/peers. A peer has 120 seconds per graph."""
 import argparse
 import json
 import pathlib
@@ -18,7 +17,7 @@ import xml.etree.ElementTree as ElementTree
 
 HERE = pathlib.Path(__file__).resolve().parent
 LIMIT = 120  # seconds
-LARGEST_TANGLED = 100_000  # beyond, its ids go beyond the limit of the layout
+LARGEST_TANGLED = 100_000  # with more nodes, the ids exceed the limit of the layout
 LABEL = '12.3 MB/s'
 SHAPES = (('flat', ['--flat']), ('nested', []), ('tangled', ['--tangled']))
 
@@ -60,7 +59,7 @@ def own_table(program, sizes, runs):
 
 
 def graph_of(document):
-    """Groups and nodes with the group around each; links with whether they have a label."""
+    """Returns groups and nodes, each with its parent group, and links, each with whether it has a label."""
     root = ElementTree.parse(document).getroot()
     graph = root.find('diagram/graph')
     labelled = {link.get('id') for link in root.findall('diagram/display/link')}
@@ -98,7 +97,7 @@ def write_dot(graph, path):
 
 
 def timed(command):
-    """Seconds that the whole process took and what it printed; None when it failed or took too long."""
+    """Returns the time of the whole process, as text and as seconds; None for the seconds when it failed or took too long."""
     def limit_stack():
         resource.setrlimit(resource.RLIMIT_STACK, (1 << 30, resource.RLIM_INFINITY))
     begin = time.monotonic()
@@ -111,7 +110,7 @@ def timed(command):
 
 
 def inner(command):
-    """Seconds that the peer says its layout took."""
+    """Returns the time that the peer prints for its layout, as text and as seconds."""
     try:
         done = subprocess.run(command, capture_output=True, text=True, timeout=LIMIT)
     except subprocess.TimeoutExpired:
@@ -123,7 +122,7 @@ def inner(command):
 
 def peer_table(program, sizes, runs):
     if not shutil.which('dot') or not (HERE / 'peers/node_modules').is_dir():
-        raise SystemExit('the peers are not installed: see the top of this file')
+        raise SystemExit('the peers are not installed; the top of this file lists them')
     head('shape', 'nodes', 'Tessera, create', '`dot`', 'elkjs', 'dagre', 'fastest peer to Tessera')
     with tempfile.TemporaryDirectory(prefix='tessera-peers-') as folder:
         folder = pathlib.Path(folder)

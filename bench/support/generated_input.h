@@ -14,12 +14,12 @@ struct InputCounts {
     std::size_t references = 0;
 };
 
-// Writes the viewpoint: nodes in groups of a hundred, groups in groups of a hundred. A hundred stand in ten
-// ranks of ten; a link joins members of one group, mostly of neighbouring ranks, and in one of twenty cases
-// members of two groups that stand side by side. Without groups that one goes to any hundred.
+// Writes the viewpoint: nodes in groups of a hundred, and groups in groups of a hundred. Each hundred forms ten
+// ranks of ten. A link joins members of one group, mostly of neighbouring ranks. One link in twenty joins members
+// of two groups with the same parent; without groups, members of any two hundreds.
 InputCounts writeDocument(const InputShape& shape, const std::string& path);
 
-// Writes the database that the document's queries ask: one table with a row a node, one with a row a link.
+// Writes the database for the document's queries: a table with one row per node, a table with one row per link.
 void writeDatabase(const InputCounts& counts, const std::string& path);
 
 }  // namespace tessera_bench

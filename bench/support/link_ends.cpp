@@ -12,12 +12,12 @@ LinkEnds::Ends LinkEnds::nextTangled() {
     return {std::min(from, to), std::max(from, to)};
 }
 
-// Every node that is not in the first rank is first given a link from the rank before.
+// First, each node outside the first rank gets a link from the rank before.
 LinkEnds::Ends LinkEnds::nextBetweenRanks() {
     const bool isSpanning = m_nextTo < m_shape.nodes;
     const std::size_t to = isSpanning ? m_nextTo++ : below(m_shape.nodes);
     const bool isLocal = below(20) != 0;
-    // The unit is what stands in ranks: nodes of a group, or groups of the group around it.
+    // A unit is what forms the ranks: nodes of a group, or groups inside a group.
     const std::size_t unit = isLocal || m_shape.isFlat ? 1 : groupSize;
     const std::size_t place = to / unit % groupSize;
     const std::size_t rank = place / rankSize;

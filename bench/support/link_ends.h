@@ -21,7 +21,7 @@ struct InputShape {
     unsigned seed = 1;
 };
 
-// Ends of random links that make no cycle.
+// Ends of random links without cycles.
 class LinkEnds {
   public:
     explicit LinkEnds(const InputShape& shape) : m_shape(shape), m_random(shape.seed) {}

@@ -1,4 +1,4 @@
-// What the benchmarks share: clocks, memory, a process of its own for each run.
+// Shared by the benchmarks: clocks, memory, and runs in a process of their own.
 #pragma once
 
 #include <functional>
@@ -15,10 +15,10 @@ namespace tessera_bench {
 
 double secondsOf(const std::function<void()>& work);
 
-// Bytes that the program has allocated and not given back.
+// Bytes that the program has allocated and not freed.
 double allocated();
 
-// The most memory that the process has had so far, in bytes.
+// Peak memory of the process so far, in bytes.
 double peakResident();
 
 std::string contentOf(const std::string& path);
@@ -26,7 +26,7 @@ std::string contentOf(const std::string& path);
 // Seconds that the XML library alone takes to parse the text.
 double parseAlone(const std::string& text);
 
-// Counts what is written.
+// Counts the bytes written.
 class Counter final : public tessera_host::TextSink {
   public:
     std::size_t bytes = 0;
@@ -35,14 +35,14 @@ class Counter final : public tessera_host::TextSink {
     bool deliver(std::string_view block) override;
 };
 
-// Any message ends the benchmark.
+// Stops the benchmark at any message.
 class Complaints final : public relay2::IMessenger {
   public:
     void post(relay2::severity_t severity, const std::string& text,
               basekit2::source_position_t position) override;
 };
 
-// Runs `measure`, which fills `size` bytes, in a child process, which starts with fresh memory.
+// Runs `measure`, which fills `size` bytes, in a child process. That starts with unused memory.
 void runApart(void* figures, std::size_t size, const std::function<void(void*)>& measure);
 
 template <class Figures>

@@ -1,18 +1,18 @@
 -- A nightly backup of /usr/share/doc, recorded by record.sh on 2026-11-21: Debian GNU/Linux 12 (bookworm), 2 processors.
 -- tar 1.34, gzip 1.12, xz 5.4.1, zstd 1.5.4, strace 6.1.
--- 18.8 seconds in slots of 0.5 s, each read and write of each process counted. Being traced
+-- 18.8 seconds in slots of 0.5 s, each read and write of each process counted. Tracing
 -- slows the programs down: compare the values with each other, not with an untraced run.
 
 BEGIN;
 
--- What passed from source to target during the slot that begins at ts and lasts span seconds, as the calls
--- of one side saw it: side 'write' is the source writing, 'read' the target reading. seconds is the time
--- spent inside those calls (work of the kernel and waiting), files the number of files opened. The files
--- saved are 'plain files' and 'packed files': those that a compressor has seen before, such as *.gz and *.png.
+-- The data that passed from source to target during the slot that begins at ts and lasts span seconds, as one side
+-- counted it: with side 'write' the source as it wrote, with 'read' the target as it read. seconds is the time
+-- inside these calls (the kernel's work, and waiting), files the number of files opened. The saved files are
+-- 'plain files' and 'packed files'; packed ones are compressed already, such as *.gz and *.png.
 CREATE TABLE transfers(
   ts REAL, span REAL, source TEXT, target TEXT, side TEXT, bytes INTEGER, seconds REAL, calls INTEGER, files INTEGER);
 
--- CPU time used by a process during a slot, and the most memory it was seen to hold.
+-- CPU time and peak memory of a process during a slot.
 CREATE TABLE samples(ts REAL, span REAL, process TEXT, cpu_seconds REAL, memory INTEGER);
 
 INSERT INTO transfers VALUES
@@ -954,20 +954,20 @@ INSERT INTO samples VALUES
 (18.5,0.307,'xz',0.207006,10924032),
 (18.5,0.307,'zstd',0.051554,44249088);
 
--- The transfers as each process sees them: its own calls only, whatever stands at the other end.
+-- The transfers from the view of each process: its own calls only, with any partner.
 CREATE VIEW ports AS
   SELECT ts, span, CASE side WHEN 'read' THEN target ELSE source END AS process, side,
          bytes, seconds, calls, files
   FROM transfers;
 
--- What goes into and comes out of each compressor.
+-- Input and output of each compressor.
 CREATE VIEW compression AS
   SELECT ts, span, process AS tool,
          CASE side WHEN 'read' THEN bytes ELSE 0 END AS bytes_in,
          CASE side WHEN 'write' THEN bytes ELSE 0 END AS bytes_out
   FROM ports WHERE process IN ('gzip', 'xz', 'zstd');
 
--- The samples with the part of the night that each process belongs to.
+-- The samples, with the part of the night to which each process belongs.
 CREATE VIEW work AS
   SELECT *, CASE WHEN process IN ('unzstd', 'compare') THEN 'check' ELSE 'backup' END AS part FROM samples;
 

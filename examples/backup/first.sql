@@ -1,4 +1,4 @@
--- A backup of /usr/share/doc: what passed, and the time spent writing, by third of its 18.8 seconds.
+-- A backup of /usr/share/doc: bytes and the time spent writing, for each third of its 18.8 seconds.
 -- Recorded by record.sh on 2026-11-21.
 CREATE TABLE flows(ts REAL, span REAL, source TEXT, target TEXT, bytes INTEGER, seconds REAL);
 INSERT INTO flows VALUES

@@ -12,8 +12,8 @@ import subprocess
 import sys
 import time
 
-SAMPLE_SECONDS = 0.1                                # how often CPU time and memory are looked at
-SLOTS = (0.05, 0.1, 0.25, 0.5, 1.0, 2.0, 5.0, 10.0)  # lengths a time slot may have
+SAMPLE_SECONDS = 0.1                                # interval between two samples of CPU time and memory
+SLOTS = (0.05, 0.1, 0.25, 0.5, 1.0, 2.0, 5.0, 10.0)  # possible lengths of a time slot
 MOST_SLOTS = 60
 
 IMPORT_SCRIPT = r"""CREATE TABLE IF NOT EXISTS entries(path TEXT PRIMARY KEY, nights INTEGER NOT NULL);
@@ -38,7 +38,7 @@ def catalogue_command(work):
 
 
 def prepare(source_dir, work):
-    """What the night before left behind: an archive, a list of its entries in the catalogue, and the script."""
+    """Makes the files of the night before: the archive, the catalogue of its entries, and the import script."""
     with open(f"{work}/import.sql", "w", encoding="utf-8") as script:
         script.write(IMPORT_SCRIPT)
     with open(f"{work}/previous.tar.zst", "wb") as archive, open(f"{work}/names", "wb") as names:
@@ -54,7 +54,7 @@ def prepare(source_dir, work):
 # --- run --------------------------------------------------------------------------------------------------
 
 def start_backup(source_dir, work):
-    """Starts every process of the night; returns {process id: (name, its Popen)}."""
+    """Starts all processes of the backup; returns {process id: (name, its Popen)}."""
     started, ours = {}, []
 
     def pipe():
@@ -76,7 +76,7 @@ def start_backup(source_dir, work):
     start("unzstd", ["zstd", "-dcv", "--no-progress", f"{work}/previous.tar.zst"], stdout=unpacked_in, stderr=report)
     start("compare", ["tar", "-C", "/", "-dvf", "-"], stdin=unpacked_out, stdout=report, stderr=report)
 
-    # Tonight's archive, and everything that listens to it.
+    # Tonight's archive, and everything that reads it.
     archive_out, archive_in = pipe()
     names_out, names_in = pipe()
     branches = {}
@@ -97,7 +97,7 @@ def start_backup(source_dir, work):
 
 
 def usage_of(pid):
-    """CPU seconds used so far and bytes of memory in use, or nothing when the process has ended."""
+    """Returns the CPU seconds used so far and the bytes of memory in use; None when the process has ended."""
     try:
         with open(f"/proc/{pid}/stat", "rb") as stat:
             fields = stat.read().rpartition(b")")[2].split()
@@ -108,7 +108,7 @@ def usage_of(pid):
 
 
 def run(source_dir, work):
-    """Runs the backup to its end; leaves the names of the processes and the samples taken in processes.json."""
+    """Runs the backup to its end; writes the names of the processes and the samples to processes.json."""
     started = start_backup(source_dir, work)
     samples, failed = [], []
     cpu = dict.fromkeys(started, 0.0)
@@ -126,8 +126,8 @@ def run(source_dir, work):
             usage = usage_of(pid)
             ended, status, spent = os.wait4(pid, os.WNOHANG)
             if ended:
-                # The kernel's own sum at the end makes up for what fell between two samples. Its largest memory
-                # is of no use: it counts this program too, which every process was before it became its own.
+                # The kernel's total at the end includes what happened after the last sample. Its peak memory is not
+                # used: it includes this Python program, which each process was before exec.
                 add(pid, spent.ru_utime + spent.ru_stime, 0)
                 started[pid][1].returncode = os.waitstatus_to_exitcode(status)
                 if status:
@@ -151,7 +151,7 @@ PACKED = (".gz", ".xz", ".bz2", ".zst", ".zip", ".jar", ".png", ".jpg", ".pdf")
 
 
 def place_of(path, source_dir, work):
-    """The name the diagram knows a file by; nothing for a file that is no part of the story."""
+    """Returns the name of a file in the diagram; None for a file that the diagram does not show."""
     if path.startswith(source_dir + "/"):
         return "packed files" if path.lower().endswith(PACKED) else "plain files"
     if path.startswith(work + "/"):
@@ -160,14 +160,14 @@ def place_of(path, source_dir, work):
 
 
 def read_trace(work, names):
-    """The calls of all threads: (process, call, path, start, end, bytes), openat with no bytes."""
+    """Returns the calls of all threads: (process, call, path, start, end, bytes); openat has 0 bytes."""
     traces = {int(path.rpartition(".")[2]): path for path in glob.glob(f"{work}/trace/t.*")}
     process = {int(pid): name for pid, name in names.items()}
     lines = {}
     for thread, path in sorted(traces.items()):
         with open(path, encoding="utf-8", errors="replace") as trace:
             lines[thread] = trace.read().splitlines()
-    for thread in sorted(lines):  # a thread belongs to the process that made it; ids grow with time
+    for thread in sorted(lines):  # a thread belongs to the process that created it; ids grow with time
         for line in lines[thread]:
             made = CLONE.match(line)
             if made and thread in process:
@@ -187,7 +187,7 @@ def read_trace(work, names):
 
 
 class Slots:
-    """Cuts the time of the recording into slots of one length; the last one is shorter."""
+    """Divides the time of the recording into slots of one length; the last one is shorter."""
 
     def __init__(self, start, end):
         self.start, self.total = start, end - start
@@ -197,7 +197,7 @@ class Slots:
         return min(int((moment - self.start) / self.length), int(self.total / self.length))
 
     def parts(self, start, end):
-        """(slot, seconds) for every slot that the time from start to end touches."""
+        """Yields (slot, seconds) for every slot that overlaps the time from start to end."""
         first, last = self.index(start), self.index(end)
         for slot in range(first, last + 1):
             low = max(start, self.start + slot * self.length) if slot > first else start
@@ -210,7 +210,7 @@ class Slots:
 
 
 def transfers_of(calls, source_dir, work, slots):
-    """{(slot, source, target, side): [bytes, seconds, calls, files]}, made of every read and write."""
+    """Returns {(slot, source, target, side): [bytes, seconds, calls, files]} from all reads and writes."""
     writers, readers = {}, {}
     for name, call, path, *_ in calls:
         if path.startswith("pipe:") and call != "open":
@@ -238,7 +238,7 @@ def transfers_of(calls, source_dir, work, slots):
 
 
 def samples_of(samples, slots):
-    """{(slot, process): [cpu seconds, largest memory]}; a sample's CPU time is spread over the time it covers."""
+    """Returns {(slot, process): [CPU seconds, peak memory]}. A sample's CPU time is spread over the time that it covers."""
     rows = collections.defaultdict(lambda: [0.0, 0])
     for start, end, name, cpu, memory in samples:
         start, end = (min(max(moment, slots.start), slots.start + slots.total) for moment in (start, end))
@@ -275,36 +275,36 @@ def head(source_dir, slots):
     return (f"-- A nightly backup of {source_dir}, recorded by record.sh on {today()}: {system}, "
             f"{os.cpu_count()} processors.\n-- {programs}.\n"
             f"-- {slots.total:.1f} seconds in slots of {slots.length:g} s, each read and write of each process "
-            "counted. Being traced\n-- slows the programs down: compare the values with each other, not with an untraced run.\n")
+            "counted. Tracing\n-- slows the programs down: compare the values with each other, not with an untraced run.\n")
 
 
 SCHEMA = """
--- What passed from source to target during the slot that begins at ts and lasts span seconds, as the calls
--- of one side saw it: side 'write' is the source writing, 'read' the target reading. seconds is the time
--- spent inside those calls (work of the kernel and waiting), files the number of files opened. The files
--- saved are 'plain files' and 'packed files': those that a compressor has seen before, such as *.gz and *.png.
+-- The data that passed from source to target during the slot that begins at ts and lasts span seconds, as one side
+-- counted it: with side 'write' the source as it wrote, with 'read' the target as it read. seconds is the time
+-- inside these calls (the kernel's work, and waiting), files the number of files opened. The saved files are
+-- 'plain files' and 'packed files'; packed ones are compressed already, such as *.gz and *.png.
 CREATE TABLE transfers(
   ts REAL, span REAL, source TEXT, target TEXT, side TEXT, bytes INTEGER, seconds REAL, calls INTEGER, files INTEGER);
 
--- CPU time used by a process during a slot, and the most memory it was seen to hold.
+-- CPU time and peak memory of a process during a slot.
 CREATE TABLE samples(ts REAL, span REAL, process TEXT, cpu_seconds REAL, memory INTEGER);
 """
 
 VIEWS = """
--- The transfers as each process sees them: its own calls only, whatever stands at the other end.
+-- The transfers from the view of each process: its own calls only, with any partner.
 CREATE VIEW ports AS
   SELECT ts, span, CASE side WHEN 'read' THEN target ELSE source END AS process, side,
          bytes, seconds, calls, files
   FROM transfers;
 
--- What goes into and comes out of each compressor.
+-- Input and output of each compressor.
 CREATE VIEW compression AS
   SELECT ts, span, process AS tool,
          CASE side WHEN 'read' THEN bytes ELSE 0 END AS bytes_in,
          CASE side WHEN 'write' THEN bytes ELSE 0 END AS bytes_out
   FROM ports WHERE process IN ('gzip', 'xz', 'zstd');
 
--- The samples with the part of the night that each process belongs to.
+-- The samples, with the part of the night to which each process belongs.
 CREATE VIEW work AS
   SELECT *, CASE WHEN process IN ('unzstd', 'compare') THEN 'check' ELSE 'backup' END AS part FROM samples;
 
@@ -313,7 +313,7 @@ COMMIT;
 
 
 def first_example(source_dir, rows, slots):
-    """A few sums of the same recording: two steps of the way, a third of the time a row."""
+    """Returns a few sums of the same recording: two steps of the pipeline, one row per third of the time."""
     steps = [("tee", "xz"), ("xz", "docs.tar.xz")]
     third = slots.total / 3
     sums = collections.defaultdict(lambda: [0, 0.0])
@@ -324,7 +324,7 @@ def first_example(source_dir, rows, slots):
             total[1] += seconds
     values = [(round(part * third, 2), round(third, 2), *steps[step], size, round(seconds, 3))
               for (part, step), (size, seconds) in sorted(sums.items())]
-    return (f"-- A backup of {source_dir}: what passed, and the time spent writing, by third of its "
+    return (f"-- A backup of {source_dir}: bytes and the time spent writing, for each third of its "
             f"{slots.total:.1f} seconds.\n-- Recorded by record.sh on {today()}.\n"
             "CREATE TABLE flows(ts REAL, span REAL, source TEXT, target TEXT, bytes INTEGER, seconds REAL);\n"
             + insert("flows", values))

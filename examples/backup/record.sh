@@ -1,10 +1,10 @@
 #!/bin/sh
-# Records a nightly backup under strace and writes what was seen as SQL text.
+# Records a nightly backup under strace and writes the recording as SQL text.
 #
-#   ./record.sh [DIRECTORY]      DIRECTORY is what the backup saves: /usr/share/doc unless told otherwise
+#   ./record.sh [DIRECTORY]      DIRECTORY is the folder to back up; the default is /usr/share/doc
 #
-# Leaves backup.sql and first.sql beside this script. Everything else happens in a temporary directory
-# that is removed at the end. Keep an eye on the size: 150 MB take about twenty seconds.
+# Replaces backup.sql and first.sql next to this script. All other files are in a temporary directory, which is
+# removed at the end. Mind the size of DIRECTORY: 150 MB take about twenty seconds.
 set -eu
 
 source_dir=${1:-/usr/share/doc}

@@ -1,4 +1,4 @@
-// Lays out the graph of a JSON file with dagre and prints the seconds that the layout took.
+// Lays out the graph of a JSON file with dagre and prints the time of the layout in seconds.
 import dagre from '@dagrejs/dagre';
 import {readFileSync} from 'node:fs';
 

@@ -1,4 +1,4 @@
-// Lays out the graph of a JSON file with elkjs and prints the seconds that the layout took.
+// Lays out the graph of a JSON file with elkjs and prints the time of the layout in seconds.
 import ELK from 'elkjs/lib/elk.bundled.js';
 import {readFileSync} from 'node:fs';
 
