@@ -1,4 +1,4 @@
-// The library as a host meets it: loaded at run time, reached through its exported factory.
+// The library as a host uses it: loaded at run time, and called through its exported factory.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 

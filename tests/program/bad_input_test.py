@@ -1,4 +1,4 @@
-"""Whatever is wrong outside of the program: a clear message, the right exit status, nothing lost, nothing half written."""
+"""Bad input of every kind: each gives a clear message and the right exit status, and no partial output."""
 import json
 import os
 import resource
@@ -109,7 +109,7 @@ class Databases(Case):
 
 
 class Queries(Case):
-    """A query that fails is told with the document's place; the diagram is there all the same, and the status says so."""
+    """A query that fails is reported with its place in the document. The diagram is written, and the exit status is 1."""
 
     def broken(self, content, *texts, sql='CREATE TABLE t(a, b); INSERT INTO t VALUES (1, 2);', value=None, options=()):
         database = self.database(sql)
@@ -175,14 +175,14 @@ class Requests(Case):
         self.assertEqual(done.returncode, 0, done.stderr)
         return answers
 
-    def test_lines_that_are_no_requests_are_answered_and_end_nothing(self):
+    def test_malformed_requests_are_answered_and_the_session_continues(self):
         lines = ['no JSON', '', '{}', '[]', '"create"', '{"request":5}', '{"request":"create","in":3}',
                  '{"request":"create"', '{"request":"create"} x', '{"request":null}', '{"a":' * 200_000, '[' * 200_000]
         answers = self.ask(*lines, {'request': 'create'})
         self.assertEqual(len(answers), len(lines) + 1)
         for number, answer in enumerate(answers[:-1], start=1):
             self.assertEqual((answer['code'], answer['out']), ('IsNot.Valid.Data', {}))
-            self.assertEqual(answer['request'], 'create' if number == 7 else '')  # its name was read, its "in" is none
+            self.assertEqual(answer['request'], 'create' if number == 7 else '')  # its name was read, its "in" is not a bag
             self.assertIn(f'line {number} ', answer['message'])
         self.assertEqual(answers[-1]['code'], 'success')
 
@@ -197,7 +197,7 @@ class Requests(Case):
         self.assertEqual([answer['code'] for answer in answers], ['IsNot.Valid.Data', 'success'])
         self.assertLess(len(json.dumps(answers[0])), 1000)
 
-    def test_mode_that_is_no_text(self):
+    def test_mode_that_is_not_a_string(self):
         answers = self.ask({'request': 'create'}, {'request': 'changeDisplayMode', 'in': {'mode': {'': 5}}},
                            {'request': 'refresh'})
         self.assertEqual([answer['code'] for answer in answers], ['success', 'IsNot.Valid.Data', 'success'])
@@ -283,7 +283,7 @@ class Outputs(Case):
         self.assertEqual(shown_value(json.loads((self.folder / 'later.json').read_text())), '1')
 
     def test_names_of_open_descriptors(self):
-        """What is already open is written where it stands, as if no name had been given."""
+        """An output that is already open is written from its current position, as if no name had been given."""
         document, database = self.write('v.xml', GOOD), self.database()
         for name in ('/dev/stdout', '/dev/fd/1', '/proc/self/fd/1', '-'):
             log = self.write('all.log', 'earlier\n')
@@ -302,7 +302,7 @@ class Outputs(Case):
         done = self.run_program('render', self.write('v.xml', GOOD), '--db', self.database(), '--format', 'json', '-o', '/dev/fd/99')
         self.assert_clean_failure(done, 3, '/dev/fd/99: cannot write')
 
-    def test_links_in_a_circle(self):
+    def test_links_that_form_a_cycle(self):
         link = self.folder / 'out.json'
         link.symlink_to('out.json')
         done = self.run_program('render', self.write('v.xml', GOOD), '--db', self.database(), '-o', link)

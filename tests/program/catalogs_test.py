@@ -1,4 +1,4 @@
-"""Texts from message catalogues that msgfmt made."""
+"""Display names from message catalogues made by msgfmt."""
 import subprocess
 
 import program
@@ -40,7 +40,7 @@ class Catalogs(Case):
         self.catalog('de', 'viewpoint', {'title': 'Übersicht'}, 'ISO-8859-1')
         self.assertEqual(self.names('de')[0], 'Übersicht')
 
-    def test_what_is_no_catalogue_is_told_and_passed_over(self):
+    def test_files_that_are_not_catalogues_are_reported_and_skipped(self):
         self.catalog('de', 'viewpoint', {'title': 'Übersicht'})
         path = self.folder / 'de/LC_MESSAGES/slicer2.mo'
         whole = (self.folder / 'de/LC_MESSAGES/viewpoint.mo').read_bytes()

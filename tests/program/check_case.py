@@ -1,10 +1,10 @@
-"""What the tests of `tessera check` share."""
+"""Shared by the tests of `tessera check`."""
 from program import Case
 
 
 class CheckCase(Case):
     def findings(self, text, *options, status=1):
-        """The findings without the file's name: "LINE:COLUMN: severity: text"."""
+        """Returns the findings without the file's name: "LINE:COLUMN: severity: text"."""
         path = self.write('v.xml', text)
         done = self.run_program('check', path, *options)
         self.assertEqual(done.returncode, status, done.stderr)
@@ -15,7 +15,7 @@ class CheckCase(Case):
         return [line[len(str(path)) + 1:] for line in lines]
 
     def assert_finds(self, text, *expected, options=(), status=1):
-        """Exactly these findings, each given by how it begins."""
+        """Expects exactly these findings; each is given by its beginning."""
         found = self.findings(text, *options, status=status)
         for line, begin in zip(found, expected):
             self.assertTrue(line.startswith(begin), f'{line!r} does not begin with {begin!r}')

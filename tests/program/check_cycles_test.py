@@ -29,7 +29,7 @@ class Cycles(CheckCase):
         self.assert_finds(self.graph('<node id="G"><node id="a"/></node>\n<link id="1" from="a" to="G"/>'),
                           '4:1: error: link "1" from "a" to group "G" around it forms a cycle at the top level: G -> G; no node')
 
-    def test_both_ways_round_is_no_cycle(self):
+    def test_two_paths_to_one_node_are_not_a_cycle(self):
         self.assert_finds(self.graph('<node id="a"/><node id="b"/><link id="1" from="a" to="b" direction="both"/>'
                                      '<link id="2" from="a" to="b" direction="back"/>'), status=0)
 

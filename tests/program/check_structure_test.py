@@ -1,10 +1,10 @@
-"""What `tessera check` reports about ids, display entries and declarations that get in each other's way."""
+"""What `tessera check` reports about conflicting ids, display entries and declarations."""
 import program
 from check_case import CheckCase
 
 
 def names(diagram):
-    """Each node of a finished diagram: its display name, by id and whether it is a group."""
+    """Returns the display names of a finished diagram's nodes, by (id, whether it is a group)."""
     return {(node['id'], node['isGroup']): node['displayName'] for node in diagram['nodes']['node']}
 
 
@@ -24,13 +24,13 @@ class Ids(CheckCase):
         self.assertEqual(names(diagram), {('x', False): '', ('y', True): '', ('x', True): 'found'})
 
     def test_links_reach_the_group_rather_than_its_member(self):
-        # b is inside x, so a link from b to it goes round at the top level; to the inner x it would not.
+        # b is inside x, so a link from b to it is a cycle at the top level. A link to the inner x would not be.
         self.assert_finds(self.graph('<node id="x"><node id="x"/><node id="b"/></node>\n<link id="1" from="b" to="x"/>'),
                           '3:1: error: node id "x" is used inside this group, too, at column 14 of this line;',
                           '4:1: error: link "1" from "b" to group "x" around it forms a cycle at the top level: x -> x;')
 
     def test_links_between_two_nodes_of_one_id_reach_the_first(self):
-        # The first a takes no part in layering, so nothing goes round.
+        # The first a takes no part in layering, so there is no cycle.
         self.assert_finds(self.graph('<node id="a"/><node id="b"/><link id="1" from="a" to="b"/>'
                                      '<link id="2" from="b" to="a"/>\n<node id="a"/>'),
                           '4:1: error: node id "a" is used before, at line 3;')
@@ -73,7 +73,7 @@ class Ids(CheckCase):
         diagram = self.render(self.write('v.xml', text), self.database())
         self.assertEqual(names(diagram), {('', False): 'found'})
 
-    def test_links_inside_nodes_are_no_links(self):
+    def test_links_inside_nodes_are_ignored(self):
         self.assert_finds(self.graph('<node id="a">\n<link id="l" from="a" to="a"/></node>',
                                      '\n<display><link id="l"/></display>'),
                           '4:1: error: unknown element <link> in <node>',
@@ -140,7 +140,7 @@ class Display(CheckCase):
             '<v>', '<v><queries><query id="q" from="t">SUM(a)</query><query id="k" from="t" key="a">SUM(b)</query></queries>')
         begin = ': warning: this rowSet refers to "/q" before, at line '
         self.assert_finds(text, f'6:1{begin}5; the value is shown there, so this row is never shown', f'9:1{begin}8;', status=0)
-        # What is said is what happens: two texts for one query are two rows, equal ones are not.
+        # The diagram agrees with the finding: two different references to one query are two rows, equal ones are one.
         diagram = self.render(self.write('v.xml', text), self.database())
         shown = diagram['nodes']['node'][0]['info']['rows']['row']
         self.assertEqual([row['name'] for row in shown], ['one', 'three', 'four'])

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Pictures, as users get them from `render`."""
+"""Pictures from `render`."""
 import os
 import re
 import struct
@@ -62,7 +62,7 @@ def title(element):
 
 
 def boxes(root):
-    """Every rectangle of every element, by what it belongs to."""
+    """Returns the rectangles of all elements, by the element's kind and id."""
     return {(group.get('data-kind'), group.get('data-id')): [tuple(rect.get(key) for key in ('x', 'y', 'width', 'height'))
                                                             for rect in group.iter(SVG + 'rect')]
             for group in root.iter(SVG + 'g')}
@@ -91,14 +91,14 @@ class Svg(Drawing):
                          [('ab', 'center')])
         self.assertEqual(elements(root, 'node')[0].get('data-type'), 'process')
 
-    def test_titles_tell_everything(self):
+    def test_titles_contain_everything(self):
         root = self.tree()
         self.assertEqual(title(elements(root, 'node')[0]), 'First\nprocess\nSum: 1\nWide: 1.00 requests')
         self.assertEqual(title(elements(root, 'group')[0]), 'Group\nSum: 1')
         self.assertEqual(title(elements(root, 'label')[0]), 'A to B\nFirst → Second\nsent\nRate: 1')
         self.assertEqual([title(each) for each in elements(root, 'line')], ['A to B\nFirst → Second', 'Second ↔ Third'])
 
-    def test_text_of_others_stays_text(self):
+    def test_text_from_documents_is_escaped(self):
         nodes = ''.join(f'<node id="{quoted(text)}{at}"/>' for at, text in enumerate(HOSTILE))
         shown = ''.join(f'<node id="{quoted(text)}{at}" displayName="{quoted(text)}" type="{quoted(text)}"/>'
                         for at, text in enumerate(HOSTILE))
@@ -133,7 +133,7 @@ class Svg(Drawing):
         self.assertNotIn('#FBFCFE', dark)
         self.assertIn('prefers-color-scheme:dark', both)
         self.assertNotIn('prefers-color-scheme', light + dark)
-        # Without the rules for dark screens it is the light drawing: paper and old readers get that.
+        # Without the rules for dark screens it equals the light drawing, which is for paper and old readers.
         anonymous = [re.sub(r't[0-9a-f]{8}-', 't-', text) for text in (both.replace('tessera-auto', 'tessera-light'), light)]
         self.assertEqual(re.sub(r'@media screen.*?\n}\n', '', anonymous[0], flags=re.S), anonymous[1])
         self.assertEqual(both, self.draw('--theme', 'auto').read_text())
@@ -143,7 +143,7 @@ class Svg(Drawing):
                  for theme in ('light', 'dark', 'auto') for mode in ('bandwidth', 'size')]
         ids = [each for text in texts for each in re.findall(r' id="([^"]*)"', text)]
         self.assertEqual(len(ids), len(set(ids)))
-        # Colours are the theme's own; all else is the same in all.
+        # Themes differ in colours only.
         rules = {text: re.findall(r'^\.([\w-]+)[^{]*\{([^}]*)\}', text, flags=re.M) for text in texts}
         common = [[rule for rule in rules[text] if rule[0] == 'tessera-diagram'] for text in texts]
         self.assertEqual([each for each in common if each != common[0]], [])
@@ -166,7 +166,7 @@ class Svg(Drawing):
         root = self.tree(text=document(f'<graph id="g">{nodes}</graph><display>{shown}</display>'))
         self.assertEqual([title(each) for each in elements(root, 'node')], ['n0', 'n1', 'n2', 'n3'])
 
-    def test_titles_end_somewhere(self):
+    def test_titles_have_a_maximum_length(self):
         root = self.tree(text=document('<graph id="g"><node id="a"/></graph><display>'
                                        f'<node id="a" displayName="{"ä" * 300000}"/></display>'))
         self.assertEqual(title(elements(root, 'node')[0]), 'ä' * 500 + '…')
@@ -201,11 +201,11 @@ class NothingMoves(Drawing):
             return [path.get('d') for each in elements(root, 'line') for path in each.iter(SVG + 'path')]
         self.assertEqual(lines('1'), lines('99999999999'))
 
-    def test_rows_without_a_value_keep_their_room(self):
+    def test_rows_without_a_value_keep_their_space(self):
         root = self.tree()
         first = boxes(root)[('node', 'a')][0]
         second = boxes(root)[('node', 'b')][0]
-        self.assertEqual(float(first[3]) - float(second[3]), 88 - 38)  # three rows against none
+        self.assertEqual(float(first[3]) - float(second[3]), 88 - 38)  # three rows compared with none
 
 
 class Direction(Drawing):
@@ -242,7 +242,7 @@ class Png(Drawing):
         self.assertNotEqual(light, self.draw('--theme', 'dark', name='y.png').read_bytes())
         self.assertEqual(light, self.draw('--theme', 'auto', name='z.png').read_bytes())
 
-    def test_a_large_one_is_made_smaller_and_said_to_be(self):
+    def test_a_large_one_is_scaled_down_and_reported(self):
         nodes = ''.join(f'<node id="n{at}"/>' for at in range(1200))
         viewpoint = self.write('viewpoint.xml', document(f'<graph id="g">{nodes}</graph>'))
         done = self.run_program('render', viewpoint, '--db', self.database(), '-o', self.folder / 'x.png', '--scale', '4')
@@ -253,7 +253,7 @@ class Png(Drawing):
         self.assertLessEqual(max(width, height), 32_000)
 
 
-    def test_characters_without_a_font_are_told_of(self):
+    def test_characters_without_a_font_are_reported(self):
         (self.folder / 'fonts').mkdir()
         settings = self.write('fonts.conf', f'<fontconfig><dir>{self.folder}/fonts</dir></fontconfig>')
         viewpoint = self.write('viewpoint.xml', document(DIAGRAM, QUERIES))

@@ -1,4 +1,4 @@
-"""The flights: a real document over real data, where this machine has them."""
+"""A real document about flights, with real data; skipped where the machine does not have them."""
 import subprocess
 
 import program
@@ -23,8 +23,8 @@ class Flights(Values):
     def test_empty_global_filter_includes_all_rows(self):
         self.compare(FOLDER / 'flights.xml', self.path, {'global': ''})
 
-    def test_the_one_thing_wrong_with_it_is_found(self):
-        """Links go eastward: from San Francisco to Seattle and from there to Los Angeles, so out of California and back."""
+    def test_its_only_mistake_is_found(self):
+        """Links go eastward: from San Francisco to Seattle and from Seattle to Los Angeles, out of California and back into it."""
         done = subprocess.run([program.PROGRAM, 'check', FOLDER / 'flights.xml', '--db', self.path], capture_output=True, text=True)
         self.assertEqual((done.returncode, done.stdout), (1, ''))
         self.assertEqual(len(done.stderr.splitlines()), 1, done.stderr)

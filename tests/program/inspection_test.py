@@ -1,4 +1,4 @@
-"""Looking at the layout while it runs: what each option shows, and that without them nothing changes."""
+"""The options that show the layout at work. Without them nothing changes."""
 import re
 
 import program
@@ -69,7 +69,7 @@ class Inspection(Case):
         self.assertEqual([node['id'] for node in nodes if node['type'] == 'groupInfo'], ['g_info'])
         self.assertEqual({node['hierarchicalLevel'] for node in nodes}, {-1})
 
-    def test_stop_after_the_levels_and_behind_the_dummies(self):
+    def test_stop_after_the_levels_and_after_the_dummies(self):
         nodes, _ = self.stopped_after('hierarchical_levels')
         levels = {node['id']: node['hierarchicalLevel'] for node in nodes}
         self.assertEqual((levels['a'], levels['b'], levels['c']), (0, 3, 5))  # a, label, dummy, b, label, c
@@ -153,7 +153,7 @@ class Inspection(Case):
                 self.assertIn('tessera: ' + str(self.document) + ': the diagram was written, but it is not whole', done.stderr)
                 self.assertIn('"nodes"', done.stdout)
 
-    def test_limits_are_whole_numbers(self):
+    def test_limits_are_positive_integers(self):
         for value in ('-1', '0', '', '1.5', '0x10', '+5', ' 5', '99999999999999999999'):
             with self.subTest(value):
                 done = self.run_program('render', self.document, '--db', self.result, f'--max-elements={value}')

@@ -1,4 +1,4 @@
-"""Ctrl-C ends whatever runs, cleanly."""
+"""Ctrl-C stops the program cleanly, whatever it does."""
 import json
 import os
 import pathlib
@@ -9,14 +9,14 @@ import time
 import program
 from program import Case, showing
 
-# Counts pairs of pairs; would take hours.
+# A query that would run for hours.
 ENDLESS = 'SUM((SELECT COUNT(*) FROM t AS b, t AS c, t AS d WHERE b.a + c.a + d.a + t.a = 7))'
 MANY_ROWS = ('CREATE TABLE t(a); WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 5000) '
              'INSERT INTO t SELECT i FROM n;')
 
 
 def catches_interrupts(process):
-    """Whether the program has come as far as to handle Ctrl-C."""
+    """Whether the program has installed its handler for Ctrl-C."""
     status = pathlib.Path(f'/proc/{process.pid}/status').read_text()
     caught = next(line.split()[1] for line in status.splitlines() if line.startswith('SigCgt:'))
     return int(caught, 16) >> (signal.SIGINT - 1) & 1
@@ -29,12 +29,12 @@ def seconds_of_work(process):
 
 
 def works(process):
-    """Whether it is in the middle of long work: starting takes a few hundredths of a second."""
+    """Whether it is in the middle of long work. Starting takes only a few hundredths of a second."""
     return seconds_of_work(process) > 0.3 * program.SLOW
 
 
 def waits(process):
-    """Whether it waits for something outside and uses no processor time meanwhile."""
+    """Whether it waits for something outside and uses no processor time."""
     used = seconds_of_work(process)
     state = pathlib.Path(f'/proc/{process.pid}/stat').read_text().rpartition(')')[2].split()[0]
     time.sleep(0.05)
@@ -49,7 +49,7 @@ class Interrupt(Case):
         return process
 
     def wait_until(self, holds, process):
-        """Waits until `holds(process)`, and that the program catches signals by then."""
+        """Waits until `holds(process)` is true; expects that the program handles signals by then."""
         deadline = time.monotonic() + 30 * program.SLOW
         while not (catches_interrupts(process) and holds(process)):
             self.assertIsNone(process.poll(), 'ended too early')
@@ -57,7 +57,7 @@ class Interrupt(Case):
             time.sleep(0.005)
 
     def interrupt(self, process, number=signal.SIGINT):
-        """Sends the signal; answers output, messages and the seconds until the end."""
+        """Sends the signal; returns the output, the messages and the seconds until the end."""
         process.send_signal(number)
         begin = time.monotonic()
         out, err = process.communicate(timeout=30 * program.SLOW)
@@ -75,7 +75,7 @@ class Interrupt(Case):
         self.assertEqual(sorted(os.listdir(self.folder)), ['out.json', 'result.db', 'v.xml'])
 
     def test_render_in_the_middle_of_the_layout(self):
-        """A ring of 20,000 nodes with chords takes seconds to be layered, and many more to be filled with dummies."""
+        """A ring of 20,000 nodes with chords: layering takes seconds, and making its dummies takes many more."""
         size = 20000
         document = self.write('v.xml', program.document(
             '<graph><node id="r"/>' + ''.join(f'<node id="n{i}"/>' for i in range(size)) +
@@ -108,7 +108,7 @@ class Interrupt(Case):
         process.communicate()
         self.assertEqual(process.returncode, 1)
 
-    def test_while_nobody_opens_the_output(self):
+    def test_while_no_reader_opens_the_output(self):
         pipe = self.folder / 'out.json'
         os.mkfifo(pipe)
         process = self.start('render', self.write('v.xml', showing('SUM(a)')), '--db', self.database(), '-o', pipe)
@@ -125,7 +125,7 @@ class Interrupt(Case):
         self.assertEqual(program.shown_value(json.loads(pipe.read_text())), '1')
         self.assertEqual(process.wait(10 * program.SLOW), 0)
 
-    def test_while_nobody_writes_the_input(self):
+    def test_while_no_writer_opens_the_input(self):
         pipe = self.folder / 'v.xml'
         os.mkfifo(pipe)
         for arguments in (['render', pipe], ['check', pipe], ['render', self.write('d.xml', showing('SUM(a)')), '--log-config', pipe]):
@@ -143,7 +143,7 @@ class Interrupt(Case):
         self.assertEqual((process.returncode, out), (130, ''), err)
         self.assertLess(seconds, 2 * program.SLOW)
 
-    def test_while_nobody_reads_the_output(self):
+    def test_while_the_reader_does_not_read_the_output(self):
         nodes = ''.join(f'<node id="n{i}{"y" * 90}"/>' for i in range(2000))
         document = self.write('v.xml', program.document(f'<graph>{nodes}</graph>'))
         for command in ('render', 'session'):
@@ -155,8 +155,8 @@ class Interrupt(Case):
             process.send_signal(signal.SIGINT)
             self.assertEqual(process.wait(10 * program.SLOW), 130)
 
-    def test_check_while_nobody_reads_the_findings(self):
-        # Findings of 256 bytes fill a pipe to the brim, so that not even the last message has room.
+    def test_check_while_the_reader_does_not_read_the_findings(self):
+        # Findings of 256 bytes fill a pipe exactly, so that not even the last message fits.
         path = self.folder / 'v.xml'
         name = 'x' * (256 - len(f'{path}:10000:1: error: unknown element <> in <graph>; expected <node>, <link>\n'))
         self.write('v.xml', '<v><diagram><graph><node id="a"/>' + '\n' * 9999 + f'<{name}/>\n' * 1000 + '</graph></diagram></v>')
@@ -171,10 +171,10 @@ class Interrupt(Case):
         process = self.start('check', '/dev/stdin')
         process.stdin.write(program.document(f'<graph>{graph}</graph>'))
         process.stdin.flush()
-        process.stdin.close()  # all that is left to read fits into a pipe; nearly all the work is still to come
+        process.stdin.close()  # the rest of the input fits into a pipe; nearly all the work is still to be done
         process.stdin = None
         _, err, seconds = self.interrupt(process)
-        # The circle of m0 and its own group is not told any more.
+        # The cycle of m0 and its own group is not reported any more.
         self.assertEqual((process.returncode, err), (130, 'tessera: interrupted\n'))
         self.assertLess(seconds, 2 * program.SLOW)
 

@@ -1,4 +1,4 @@
-"""What the tests of the program share: running it, building databases, taking its answers apart."""
+"""Shared by the tests of the program: running it, building databases, reading its answers."""
 import json
 import os
 import pathlib
@@ -11,13 +11,13 @@ import unittest
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 PROGRAM = os.environ.get('TESSERA_PROGRAM', str(ROOT / 'build/dev/bin/tessera'))
-# Real documents and data that are too large for the repository, where this machine has them.
+# Real documents and data that are too large for the repository; not every machine has them.
 REAL = pathlib.Path(os.environ.get('TESSERA_REAL_DATA', ROOT.parent / 'shared/real'))
 SLOW = 5 if os.environ.get('TESSERA_SANITIZED') else 1  # how much longer everything may take
 
 
 class Case(unittest.TestCase):
-    """A test with a folder of its own."""
+    """A test case with its own temporary folder."""
 
     def setUp(self):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix='tessera-test-'))
@@ -45,7 +45,7 @@ class Case(unittest.TestCase):
                               stdin=subprocess.DEVNULL, **options)
 
     def render(self, document, database, *arguments):
-        """Renders to standard output and answers the diagram; fails on any message but a warning."""
+        """Renders to standard output and returns the diagram; fails on any message that is not a warning."""
         done = self.run_program('render', document, '--db', database, *arguments)
         self.assertEqual(done.returncode, 0, done.stderr)
         self.assertEqual([line for line in done.stderr.splitlines() if line.startswith('tessera: ') and ' warning: ' not in line],
@@ -53,14 +53,14 @@ class Case(unittest.TestCase):
         return json.loads(done.stdout)
 
     def session(self, document, database, lines, *arguments):
-        """Sends whole lines (objects become JSON) and answers (answers, process)."""
+        """Sends lines (objects become JSON); returns (answers, finished process)."""
         text = ''.join((line if isinstance(line, str) else json.dumps(line)) + '\n' for line in lines)
         done = subprocess.run([PROGRAM, 'session', str(document), '--db', str(database), *map(str, arguments)],
                               input=text, capture_output=True, text=True, encoding='utf-8', timeout=60 * SLOW)
         return [json.loads(line) for line in done.stdout.splitlines()], done
 
     def assert_clean_failure(self, done, status, *texts):
-        """The exit status, every text in the messages, no data, no crash, no message that is none."""
+        """Expects the exit status, each text in the messages, no data, no crash, and only lines that are messages."""
         self.assertEqual(done.returncode, status, done.stderr)
         self.assertEqual(done.stdout, '')
         messages = [line for line in done.stderr.splitlines() if line.startswith('tessera: ')]
@@ -70,13 +70,13 @@ class Case(unittest.TestCase):
 
 
 def document(diagram='', queries='', filters=''):
-    """A viewpoint around the given parts."""
+    """Returns a viewpoint with the given parts."""
     return (f'<viewpoint><queries>{queries}</queries><filters>{filters}</filters>'
             f'<diagram>{diagram}</diagram></viewpoint>')
 
 
 def showing(expression, **attributes):
-    """A document with one node that shows one query over table t."""
+    """Returns a document with one node that shows one query over table t."""
     extra = ''.join(f' {name}="{value}"' for name, value in attributes.items())
     if 'from' not in attributes:
         extra += ' from="t"'
@@ -86,12 +86,12 @@ def showing(expression, **attributes):
 
 
 def shown_value(diagram, node='n'):
-    """The first value that the node shows, None when it shows none."""
+    """Returns the first value that the node shows, or None."""
     info = next(each for each in diagram['nodes']['node'] if each['id'] == node)['info']
     return info['rows']['row'][0]['value'] if info else None
 
 
 def main():
     if not os.access(PROGRAM, os.X_OK):
-        sys.exit(f'{PROGRAM} is no program; build it, or set TESSERA_PROGRAM')
+        sys.exit(f'{PROGRAM} is not a program; build it, or set TESSERA_PROGRAM')
     unittest.main(module='__main__', verbosity=1)

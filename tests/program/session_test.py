@@ -1,4 +1,4 @@
-"""A host in another process: requests and answers by lines."""
+"""`session`: another process sends requests and reads answers, line by line."""
 import json
 import sqlite3
 import subprocess
@@ -39,7 +39,7 @@ class Session(Case):
         self.assertEqual((answers, done.returncode, done.stderr), ([], 0, ''))
 
     def test_one_request_sees_one_state_of_the_database(self):
-        """Two queries ask for both sides of an account while another process moves money from side to side."""
+        """Two queries read both sides of an account while another process moves money from one side to the other."""
         document = program.document(
             '<graph><node id="n"/></graph><display><node id="n"><rowSet><queryRef>/a</queryRef><queryRef>/b</queryRef>'
             '</rowSet></node></display>',

@@ -1,5 +1,5 @@
-"""Every value in a diagram equals what the sqlite3 program answers for the same question, formatted by rules written down
-here a second time."""
+"""Compares every value in a diagram with the output of the sqlite3 program for the same question, formatted by a second
+implementation of the rules."""
 import collections
 import decimal
 import subprocess
@@ -13,7 +13,7 @@ MODES = ('bandwidth', 'ratio', 'size')
 
 
 def significant(number, digits):
-    """A number with that many significant digits, trailing zeros kept, never in exponent form."""
+    """Returns the number with that many significant digits, with trailing zeros, never in exponent form."""
     number = decimal.Decimal(number)
     if number == 0:
         return '0' if digits == 1 else '0.' + '0' * (digits - 1)
@@ -23,7 +23,7 @@ def significant(number, digits):
 
 
 def scaled(number, digits, step, prefixes):
-    """Number and prefix such that what is shown is below `step` where a larger prefix exists."""
+    """Returns number and prefix. The shown number is below `step` when a larger prefix exists."""
     number = decimal.Decimal(number)
     index = 0
     while True:
@@ -51,7 +51,7 @@ def duration(number, digits):
 
 
 def formatted(value, form, unit):
-    """`value` as the sqlite3 program prints it, '' for NULL."""
+    """Formats `value`, which is as the sqlite3 program prints it; '' is NULL."""
     if value == '':
         return ''
     name, _, digits = form.partition(':')
@@ -75,7 +75,7 @@ def formatted(value, form, unit):
 
 
 class Oracle:
-    """Asks the sqlite3 program."""
+    """Runs the statement with the sqlite3 program."""
 
     def __init__(self, document, database, filters):
         root = ElementTree.parse(document).getroot()
@@ -110,7 +110,7 @@ class Oracle:
                 for reference, value in zip(references, lines)}
 
     def row_sets(self, mode):
-        """(name of the info, row set) for everything that is shown in a mode."""
+        """Yields (name of the info, row set) for everything that a mode shows."""
         for node in self.display.findall('node'):
             for row_set in node.findall('rowSet')[-1:]:
                 yield '', row_set
@@ -119,7 +119,7 @@ class Oracle:
                 yield transfer.get('displayName') or '', row_set
 
     def expected(self, mode):
-        """How often each info should be shown: (name, row set, ((row, value), ...))."""
+        """Counts how often each info should be shown: (name, row set, ((row, value), ...))."""
         values = self.values
         shown = collections.Counter()
         for name, row_set in self.row_sets(mode):

@@ -1,4 +1,4 @@
-// The assertions that are raised, for tests to look at.
+// Captures raised assertions for tests.
 #pragma once
 
 #include <mutex>
@@ -16,7 +16,7 @@ struct Assertion {
     int line;
 };
 
-// Collects assertions instead of ending the program, while it exists. One at a time.
+// While it exists, assertions are collected and do not end the program. One at a time.
 class AssertionCapture {
   public:
     AssertionCapture() {

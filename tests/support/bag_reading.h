@@ -25,7 +25,7 @@ inline Names childNames(const basekit2::variant_bag_t& bag) {
     return names;
 }
 
-// The string under `name`; "(none)" when there is no value.
+// Returns the string under `name`, or "(none)" when there is no value.
 inline std::string textOf(const basekit2::variant_bag_t& bag, std::string_view name) {
     const basekit2::variant_t* value = bag.get(name);
     return value ? std::string(value->get<std::string_view>()) : "(none)";

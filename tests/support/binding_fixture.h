@@ -1,4 +1,4 @@
-// What the tests of fetching values share: a row set, and a host in memory that answers for it.
+// Shared by the tests of fetching values: a row set, and a host in memory with its values.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -42,7 +42,7 @@ struct Binding : testing::Test {
             out.push_back(row.m_value);
         return out;
     }
-    // Fetches and expects a failure that is reported by this check alone and leaves the old values.
+    // Fetches, and expects a failure that only this check reports and that keeps the old values.
     void expectFailure(const std::string& condition) {
         EXPECT_TRUE(fetch().is_false());
         EXPECT_EQ(log.reports(), (Reports{"ERROR check " + condition}));

@@ -1,9 +1,9 @@
-// How much is tried in tests that try a lot.
+// The number of attempts in random tests.
 #pragma once
 
 namespace tessera_test {
 
-// All of it; a tenth where sanitizers make everything many times as slow.
+// The full number; a tenth of it under sanitizers, which are many times slower.
 template <class Count>
 constexpr Count effort(Count all) {
 #if defined(TESSERA_SANITIZED)

@@ -1,5 +1,5 @@
-// Forms of the host's interfaces that fail the n-th time they are asked for something. A plan says what fails
-// and when; all forms of one host share it.
+// Forms of the host's interfaces that fail at the n-th call. A plan says what fails and when; all forms of one
+// host share it.
 #pragma once
 
 #include <memory>
@@ -13,10 +13,10 @@ namespace tessera_test {
 
 enum class Fault {
     configStaysEmpty,       // the base handler fails and fills in nothing
-    configFailsButFills,    // it answers an error and the configuration all the same
+    configFailsButFills,    // it returns an error, and the configuration as well
     definitionRefused,      // the library builds no query
-    definitionGivesSingle,  // it builds one that is no vector query
-    namedQueryMissing,      // it does not know the query asked for by name
+    definitionGivesSingle,  // it builds a query that is not a vector query
+    namedQueryMissing,      // it does not know the requested query
     registryMissing,        // the input data has no filter registry
     filterLost,             // the registry does not know a filter that it has
     engineMissing,          // the input data runs no queries
@@ -34,17 +34,17 @@ enum class Fault {
 // What fails, and at which of the calls that could.
 class FaultPlan {
   public:
-    // From now on the call number `call` (counted from 1) of those that this fault can strike fails.
+    // From now on, of the calls that can have this fault, the one with the number `call` (from 1) fails.
     void set(Fault fault, int call) {
         m_fault = fault;
         m_left = call;
         m_struck = false;
     }
     void clear() { m_left = 0; }
-    // Whether the call that has been planned was reached.
+    // Whether the planned call was reached.
     bool struck() const { return m_struck; }
 
-    // Asked by the forms once a call.
+    // The forms call this once per call.
     bool strikes(Fault fault) {
         if (fault != m_fault || m_left == 0 || --m_left != 0) return false;
         m_struck = true;
@@ -88,7 +88,7 @@ class FaultyRegistry final : public ForwardingFilterRegistry {
     FaultPlan& m_plan;
 };
 
-// A column that answers another query than it should.
+// A column that returns the wrong query.
 class MisleadingColumn final : public ForwardingColumnInfo {
   public:
     MisleadingColumn(sptr_t<IColumnInfo> target, sptr_t<qlib_1::IQuery> query, std::size_t member)
@@ -101,7 +101,7 @@ class MisleadingColumn final : public ForwardingColumnInfo {
     std::size_t m_member;
 };
 
-// A vector of one member that it does not hand out.
+// A vector with one member, which it does not return.
 class HollowVectorQuery final : public ForwardingVectorQuery {
   public:
     HollowVectorQuery() : ForwardingVectorQuery(qlib_1::IVectorQuery::create({})) {}
@@ -235,7 +235,7 @@ class BlankCatalog final : public RTBASE_2_18::i18n::catalog_t {
     }
 };
 
-// Counts the questions it is asked.
+// Counts how often it is called.
 class CountingFilterMgr final : public ForwardingFilterMgr {
   public:
     using ForwardingFilterMgr::ForwardingFilterMgr;
@@ -246,7 +246,7 @@ class CountingFilterMgr final : public ForwardingFilterMgr {
     mutable int asked = 0;
 };
 
-// A memory host behind faulty forms that all follow one plan.
+// A memory host wrapped in faulty forms that share one plan.
 struct FaultyHost {
     explicit FaultyHost(const std::string& viewpointXml) : memory(viewpointXml) {}
 

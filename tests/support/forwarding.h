@@ -1,4 +1,4 @@
-// Every host interface as a base that hands each call on; tests change what they need.
+// A forwarding base for every host interface; tests override what they need.
 #pragma once
 
 #include <functional>
@@ -123,7 +123,7 @@ class ForwardingCatalog : public RTBASE_2_18::i18n::catalog_t {
     std::shared_ptr<const catalog_t> m_target;
 };
 
-// The counted interfaces keep a reference on what they hand on to.
+// The counted interfaces keep a reference on their target.
 template <class Interface>
 class ForwardingObject : public basekit2::ref_counted_t<Interface> {
   public:

@@ -1,4 +1,4 @@
-// Diagrams put together and looked at in few words, for the tests of layout passes.
+// Short ways to build and inspect diagrams in the tests of layout passes.
 #pragma once
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// What the library logs, for tests to look at.
+// Captures the library's log for tests.
 #pragma once
 
 #include <log4cplus/appender.h>
@@ -17,7 +17,7 @@ struct LogLine {
     std::string logger;
 };
 
-// Collects everything that is logged under "tessera" while it exists.
+// While it exists, collects all messages of the logger "tessera".
 class LogCapture {
   public:
     LogCapture() : m_appender(new Collector(*this)) {

@@ -1,4 +1,4 @@
-// A host in memory: queries are names, values stand in a table, nothing is opened.
+// A host in memory: queries are names, values are in a table, nothing is opened.
 #pragma once
 
 #include <atomic>
@@ -37,7 +37,7 @@ class MemoryQueryLibrary final : public basekit2::ref_counted_t<qlib_1::IQueryLi
     std::atomic<int> built{0};
 };
 
-// What the last runs were asked, and the values they answer with. Changed between requests only.
+// The requests of the last runs, and the values for the next ones. Changed between requests only.
 struct MemoryResult {
     std::map<std::string, std::string> values;  // by query identifier
     std::map<std::string, std::string>
@@ -47,7 +47,7 @@ struct MemoryResult {
     std::vector<slicekit_1_0::table_tree_request_t> runs;
     std::uint32_t columnFlags = qlib_1::columnIsValue;
     bool columnsAnswerVector = true;        // getQuery of a column is the whole vector, not the member
-    std::vector<std::string> extraColumns;  // identifiers of columns in front that nobody asked for
+    std::vector<std::string> extraColumns;  // identifiers of additional columns before the requested ones
     bool hasRegistry = true;
     bool hasEngine = true;
     std::size_t rowCount = 1;  // every row after the first has "rowN " in front of its values
@@ -81,7 +81,7 @@ class MemoryMessenger final : public relay2::IMessenger {
     std::mutex m_mutex;
 };
 
-// Cancelled from the call number `cancelAt` on (counted from 1); 0 is never.
+// Cancelled from the call number `cancelAt` (from 1) on; 0 is never.
 class CountingProgress final : public relay2::IProgress {
   public:
     explicit CountingProgress(int cancelAt = 0) : m_cancelAt(cancelAt) {}
@@ -96,7 +96,7 @@ class CountingProgress final : public relay2::IProgress {
     mutable std::atomic<int> m_calls{0};
 };
 
-// The base handler: answers "config" with the given bag.
+// The base handler: its "config" returns the given bag.
 class MemoryBaseHandler final : public panelcore_1::IRequestHandler {
   public:
     explicit MemoryBaseHandler(variant_bag_t configuration) : config(std::move(configuration)) {}

@@ -1,4 +1,4 @@
-// Short ways to put a diagram model together in tests, and to name what is in it.
+// Short ways to build a diagram model in tests, and to name its parts.
 #pragma once
 
 #include <memory>
@@ -21,7 +21,7 @@ inline NodePtr makeNode(const std::string& id) {
     return node;
 }
 
-// A node that is a member of `group`, with both ends of the membership set.
+// A node that is a member of `group`; both objects know of the membership.
 inline NodePtr makeMember(const std::string& id, const NodePtr& group) {
     auto node = makeNode(id);
     node->m_group = group;

@@ -1,4 +1,4 @@
-// Finds rectangles that meet a given one.
+// Finds rectangles that overlap a given one.
 #pragma once
 
 #include <algorithm>
@@ -11,8 +11,8 @@
 
 namespace tessera_test {
 
-// A tree of rectangles packed in strips. Made in time n log n; a search takes time in proportion to log n and
-// to what it finds, for rectangles that lie about as drawings do.
+// A tree of rectangles packed in strips. Building it takes n log n time. For rectangles spread as in drawings, a
+// search takes time in proportion to log n and to the number of results.
 class RectIndex {
   public:
     struct Entry {
