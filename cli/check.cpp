@@ -55,12 +55,10 @@ bool report(const std::string& document, const std::vector<Problem>& problems) {
 
 // The exit status of an error. What is wrong with the document itself is reported like its other problems.
 int finish(const std::string& document, const Error& error) {
-    if (error.isCancelled() || isInterrupted()) return exitInterrupted;
-    if (error.kind == ErrorKind::failed && error.position.line != 0)
-        report(document, {{error.position, error.text}});
-    else
-        printMessage(describe(error, document));
-    return error.kind == ErrorKind::cannotOpen ? exitUnopened : exitFailed;
+    if (error.kind != ErrorKind::failed || error.position.line == 0)
+        return reportError({error.kind, describe(error, document), {}});
+    if (!isInterrupted()) report(document, {{error.position, error.text}});
+    return unlessInterrupted(exitFailed);
 }
 
 // The document as text, for what is to be written of it, and read.
@@ -94,14 +92,6 @@ int fix(const Options& options, Document& document, OutputFile& file) {
     return unlessInterrupted(exitUnopened);
 }
 
-// The document's filters with those of the command line in their place.
-tessera_host::Filters filtersOf(const Viewpoint& viewpoint, const Options& options) {
-    tessera_host::Filters filters = viewpoint.filters();
-    for (const auto& [name, predicate] : options.filters)
-        tessera_host::setFilter(filters, name, {predicate, {}});
-    return filters;
-}
-
 }  // namespace
 
 int check(const Options& options) {
@@ -109,11 +99,8 @@ int check(const Options& options) {
     if (!document) return finish(options.document, document.error());
     std::shared_ptr<tessera_host::IResult> result;
     if (!options.database.empty()) {
-        auto opened = EngineRegistry::builtIn().open(options.database, {}, interruptToken());
-        if (!opened) {
-            if (!isInterrupted()) printMessage(describe(opened.error(), options.database));
-            return unlessInterrupted(exitUnopened);
-        }
+        auto opened = openResult(options);
+        if (!opened) return reportError(opened.error());
         result = *std::move(opened);
     }
     OutputFile file;

@@ -1,33 +1,111 @@
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <system_error>
+
 #include "cli/commands.h"
 #include "cli/interrupt.h"
 #include "cli/message.h"
-#include "cli/reserved_space.h"
+#include "host/catalogs/catalogs.h"
+#include "host/engine/engine_registry.h"
+#include "host/lint/reversal/acyclic_viewpoint.h"
 
 namespace tessera_cli {
+namespace {
 
-std::unique_ptr<tessera_host::Pane> openPane(const Options& options, relay2::IMessenger& messenger,
-                                             relay2::IProgress& progress, int& exitStatus,
-                                             tessera_draw::Reservation* reservation,
+using tessera_host::Error;
+using tessera_host::ErrorKind;
+using tessera_host::Expected;
+using tessera_host::IResult;
+using tessera_host::Viewpoint;
+
+// The same error with the name of the file, and the position, in its text.
+Error named(const Error& error, const std::string& file) {
+    return {error.kind, describe(error, file), {}};
+}
+
+// The viewpoint with links reversed where the options want it; otherwise the same, its cycles reported.
+Expected<Viewpoint::Pointer> treatCycles(const Viewpoint::Pointer& viewpoint, const Options& options,
+                                         relay2::IMessenger& messages) {
+    tessera_host::AcyclicViewpoint treated{viewpoint, {}};
+    if (options.acyclic) {
+        auto acyclic = makeAcyclic(viewpoint, interruptToken());
+        if (!acyclic) return named(acyclic.error(), options.document);
+        treated = *std::move(acyclic);
+    } else {
+        treated.messages = describeCycles(*viewpoint, interruptToken());
+    }
+    if (isInterrupted()) return tessera_host::cancelledError();
+    postAll(treated.messages, messages);
+    return treated.viewpoint;
+}
+
+Expected<void> requireCatalogFolder(const Options& options) {
+    std::error_code unknown;
+    if (options.catalogs.empty() || std::filesystem::is_directory(options.catalogs, unknown)) return {};
+    return Error{ErrorKind::cannotOpen, options.catalogs + ": there is no such folder"};
+}
+
+// Catalogues are one source for the whole process.
+void installCatalogs(const Options& options, relay2::IMessenger& messages) {
+    if (options.catalogs.empty()) return;
+    std::vector<std::string> problems;
+    auto catalogs = tessera_host::readCatalogs(options.catalogs, options.locale, problems);
+    for (const std::string& problem : problems)
+        messages.post(relay2::severity_t::warning, problem, {});
+    if (catalogs) optstore2::setMessageCatalogSource(std::move(catalogs));
+}
+
+}  // namespace
+
+Expected<std::shared_ptr<IResult>> openResult(const Options& options) {
+    auto result = tessera_host::EngineRegistry::builtIn().open(options.database, {}, interruptToken());
+    if (!result) return named(result.error(), options.database);
+    return result;
+}
+
+Expected<Input> openInput(const Options& options, relay2::IMessenger& messages) {
+    if (auto folder = requireCatalogFolder(options); !folder) return std::move(folder).error();
+    const auto read = Viewpoint::readFile(options.document, interruptToken());
+    if (!read) return named(read.error(), options.document);
+    auto result = openResult(options);
+    if (!result) return std::move(result).error();
+    auto viewpoint = treatCycles(*read, options, messages);
+    if (!viewpoint) return std::move(viewpoint).error();
+    installCatalogs(options, messages);
+    postAll((*viewpoint)->problems(), messages);
+    return Input{*std::move(viewpoint), *std::move(result)};
+}
+
+tessera_host::Filters filtersOf(const Viewpoint& viewpoint, const Options& options) {
+    tessera_host::Filters filters = viewpoint.filters();
+    for (const auto& [name, predicate] : options.filters)
+        tessera_host::setFilter(filters, name, {predicate, {}});
+    return filters;
+}
+
+std::unique_ptr<tessera_host::Pane> makePane(const Input& input, const Options& options,
                                              tessera_1::ILayoutWatcher* watcher) {
-    tessera_host::PaneSettings settings;
-    settings.document = options.document;
-    settings.database = options.database;
-    settings.filters = options.filters;
-    settings.catalogs = options.catalogs;
-    settings.locale = options.locale;
-    settings.queryTimeout = options.queryTimeout;
-    settings.acyclic = options.acyclic;
-    settings.layout = {options.limits, watcher};
-    if (reservation != nullptr)
-        settings.onViewpoint = [reservation](const auto& viewpoint) {
-            *reservation = measureReservedSpace(viewpoint);
-        };
-    tessera_host::OpenError error;
-    auto pane = tessera_host::Pane::open(settings, messenger, &progress, error);
-    if (pane) return pane;
-    if (!error.cancelled) printMessage(error.text);
-    exitStatus = unlessInterrupted(error.unopened ? exitUnopened : exitFailed);
-    return nullptr;
+    const std::chrono::milliseconds time(static_cast<std::int64_t>(options.queryTimeout * 1000));
+    const tessera_host::PaneOptions settings{{time}, {options.limits, watcher}};
+    return std::make_unique<tessera_host::Pane>(input.viewpoint, input.result,
+                                                filtersOf(*input.viewpoint, options), settings);
+}
+
+int reportError(const Error& error) {
+    if (error.isCancelled() || isInterrupted()) return exitInterrupted;
+    printMessage(error.text);
+    switch (error.kind) {
+        case ErrorKind::cannotOpen:
+            return exitUnopened;
+        case ErrorKind::usage:
+            return exitUsage;
+        case ErrorKind::cancelled:
+            return exitInterrupted;
+        case ErrorKind::failed:
+            break;
+    }
+    return exitFailed;
 }
 
 }  // namespace tessera_cli

@@ -8,6 +8,8 @@
 #include "cli/layout_inspector.h"
 #include "cli/message.h"
 #include "cli/output_file.h"
+#include "cli/program_end.h"
+#include "cli/reserved_space.h"
 #include "host/text/json_writer.h"
 #include "host/text/xml_writer.h"
 
@@ -24,12 +26,13 @@ variant_bag_t modeRequest(const std::string& mode) {
 }
 
 // Asks for the diagram in the wanted mode. False, with the message printed, when there is none.
-bool makeDiagram(const Options& options, tessera_host::Pane& pane, variant_bag_t& diagram) {
-    InterruptProgress progress;
-    error_code_t code = pane.request("create", {}, diagram, &progress);
+bool makeDiagram(const Options& options, tessera_host::Pane& pane, relay2::IMessenger& messages,
+                 variant_bag_t& diagram) {
+    const tessera_host::RequestOptions request{interruptToken(), &messages};
+    error_code_t code = pane.request("create", {}, diagram, request);
     if (code.is_success() && options.mode) {
         diagram = {};
-        code = pane.request("changeDisplayMode", modeRequest(*options.mode), diagram, &progress);
+        code = pane.request("changeDisplayMode", modeRequest(*options.mode), diagram, request);
     }
     if (!code.is_success() && !isInterrupted())
         printMessage(
@@ -69,13 +72,12 @@ int render(const Options& options) {
         return exitUsage;
     }
     ConsoleMessenger messenger(options.document);
-    InterruptProgress progress;
-    int exitStatus = exitDone;
+    auto input = openInput(options, messenger);
+    if (!input) return reportError(input.error());
     tessera_draw::Reservation reservation;
+    if (isPicture(options.format)) reservation = measureReservedSpace(input->viewpoint);
     LayoutInspector inspector(options);
-    auto pane = openPane(options, messenger, progress, exitStatus,
-                         isPicture(options.format) ? &reservation : nullptr, &inspector);
-    if (!pane) return exitStatus;
+    auto pane = makePane(*input, options, &inspector);
     OutputFile file;  // opened before the work: a place that cannot be written is known at once
     if (!file.open(options.output)) {
         if (!isInterrupted()) printMessage(file.error());
@@ -83,14 +85,14 @@ int render(const Options& options) {
     }
     if (const int problem = inspector.prepare(); problem != exitDone) return unlessInterrupted(problem);
     variant_bag_t diagram;
-    if (!makeDiagram(options, *pane, diagram)) return unlessInterrupted(exitFailed);
+    if (!makeDiagram(options, *pane, messenger, diagram)) return unlessInterrupted(exitFailed);
     pane.reset();  // what is drawn stands in the diagram's bag; a large drawing needs the room
     if (!writeDiagram(options, diagram, reservation, file)) return unlessInterrupted(exitUnopened);
     const int inspected = inspector.report();
-    if (messenger.errorCount() == 0) return inspected;
+    if (messenger.errorCount() == 0) return endProgram(inspected);
     printMessage(fmt::format("{}: the diagram was written in spite of the {} above", options.document,
                              messenger.errorCount() == 1 ? "error" : "errors"));
-    return exitFailed;
+    return endProgram(exitFailed);
 }
 
 }  // namespace tessera_cli

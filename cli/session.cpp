@@ -42,7 +42,7 @@ std::string readRequest(const LineReader& reader, variant_bag_t& bag, Request& r
 
 class Session {
   public:
-    explicit Session(tessera_host::Pane& pane) : m_pane(pane) {}
+    Session(tessera_host::Pane& pane, relay2::IMessenger& messages) : m_pane(pane), m_messages(messages) {}
 
     // Answers one line; false when the answer could not be written.
     bool answer(const LineReader& reader) {
@@ -58,9 +58,9 @@ class Session {
             (void)answer.add_variant_bag("out");
             return write(answer);
         }
-        InterruptProgress progress;
         variant_bag_t& out = answer.add_variant_bag("out");
-        const error_code_t code = m_pane.request(request.name, *request.in, out, &progress);
+        const error_code_t code =
+            m_pane.request(request.name, *request.in, out, {interruptToken(), &m_messages});
         answer.put("code", code.name());
         if (!code.succeeded()) answer.put("message", code.message());
         return write(answer);
@@ -79,6 +79,7 @@ class Session {
     }
 
     tessera_host::Pane& m_pane;
+    relay2::IMessenger& m_messages;
     std::size_t m_lineNumber = 0;
 };
 
@@ -86,11 +87,10 @@ class Session {
 
 int session(const Options& options) {
     ConsoleMessenger messenger(options.document);
-    InterruptProgress progress;
-    int exitStatus = exitDone;
-    const auto pane = openPane(options, messenger, progress, exitStatus);
-    if (!pane) return exitStatus;
-    Session session(*pane);
+    const auto input = openInput(options, messenger);
+    if (!input) return reportError(input.error());
+    const auto pane = makePane(*input, options);
+    Session session(*pane, messenger);
     LineReader reader(STDIN_FILENO, interruptDescriptor(), maxLine);
     while (reader.next())
         if (!session.answer(reader)) return unlessInterrupted(exitUnopened);

@@ -7,22 +7,21 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <string>
 
 #include "core/layout_options.h"
+#include "host/engine/engine_registry.h"
+#include "host/lint/reversal/acyclic_viewpoint.h"
 #include "host/pane/pane.h"
 #include "host/text/json_writer.h"
 
 namespace {
-
-class Silence final : public relay2::IMessenger {
-  public:
-    void post(relay2::severity_t, const std::string&, basekit2::source_position_t) override {}
-};
 
 class Nowhere final : public tessera_host::TextSink {
   protected:
@@ -42,15 +41,18 @@ class Place {
         std::string folder = (std::filesystem::temp_directory_path() / "tessera-fuzz-XXXXXX").string();
         require(mkdtemp(folder.data()) != nullptr);
         m_folder = folder;
-        settings.database = m_folder / "result.db";
-        settings.document = "/proc/self/fd/" + std::to_string(m_document);
-        settings.queryTimeout = 0.05;
-        settings.layout.limits.maxElements = 2'000;
+        document = "/proc/self/fd/" + std::to_string(m_document);
+        options.queryLimits.time = std::chrono::milliseconds(50);
+        options.layout.limits.maxElements = 2'000;
+        const std::string path = m_folder / "result.db";
         sqlite3* database = nullptr;
-        require(sqlite3_open(settings.database.c_str(), &database) == SQLITE_OK);
+        require(sqlite3_open(path.c_str(), &database) == SQLITE_OK);
         require(sqlite3_exec(database, "CREATE TABLE t(a, b); INSERT INTO t VALUES (1, 'x'), (2.5, NULL);",
                              nullptr, nullptr, nullptr) == SQLITE_OK);
         sqlite3_close(database);
+        auto opened = tessera_host::EngineRegistry::builtIn().open(path);
+        require(opened.hasValue());
+        result = *std::move(opened);
     }
     Place(const Place&) = delete;
     Place& operator=(const Place&) = delete;
@@ -64,7 +66,9 @@ class Place {
         require(pwrite(m_document, data, size, 0) == static_cast<ssize_t>(size));
     }
 
-    tessera_host::PaneSettings settings;
+    std::string document;
+    std::shared_ptr<tessera_host::IResult> result;
+    tessera_host::PaneOptions options;
 
   private:
     std::filesystem::path m_folder;
@@ -73,7 +77,7 @@ class Place {
 
 void request(tessera_host::Pane& pane, const char* name, const basekit2::variant_bag_t& in) {
     basekit2::variant_bag_t out;
-    (void)pane.request(name, in, out, nullptr);
+    (void)pane.request(name, in, out, {});
     Nowhere sink;
     (void)tessera_host::writeJson(out, sink);
 }
@@ -83,14 +87,14 @@ void request(tessera_host::Pane& pane, const char* name, const basekit2::variant
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const Place place;
     place.setDocument(data, size);
-    Silence silence;
-    tessera_host::OpenError error;
-    const auto pane = tessera_host::Pane::open(place.settings, silence, nullptr, error);
-    if (!pane) return 0;
-    request(*pane, "create", {});
+    const auto viewpoint = tessera_host::Viewpoint::readFile(place.document, {});
+    if (!viewpoint) return 0;
+    (void)describeCycles(**viewpoint, {});
+    tessera_host::Pane pane(*viewpoint, place.result, (*viewpoint)->filters(), place.options);
+    request(pane, "create", {});
     basekit2::variant_bag_t mode;
     mode.add_variant_bag("mode").put("", "size");
-    request(*pane, "changeDisplayMode", mode);
-    request(*pane, "refresh", {});
+    request(pane, "changeDisplayMode", mode);
+    request(pane, "refresh", {});
     return 0;
 }

@@ -16,7 +16,7 @@
 
 #include "bench/support/generated_input.h"
 #include "bench/support/measuring.h"
-#include "host/pane/pane.h"
+#include "bench/support/opened_pane.h"
 #include "host/text/json_writer.h"
 #include "host/text/xml_reader.h"
 
@@ -29,9 +29,9 @@ struct Figures {
     double parsedBytes, keptBytes, peakBytes, jsonBytes;
 };
 
-Figures measure(const tessera_host::PaneSettings& settings) {
+Figures measure(const std::string& document, const std::string& database) {
     Figures figures{};
-    const std::string text = contentOf(settings.document);
+    const std::string text = contentOf(document);
     figures.alone = parseAlone(text);
     double before = allocated();
     {
@@ -40,19 +40,16 @@ Figures measure(const tessera_host::PaneSettings& settings) {
         figures.parsedBytes = allocated() - before;
     }
     Complaints complaints;
-    tessera_host::OpenError error;
     std::unique_ptr<tessera_host::Pane> pane;
     before = allocated();
-    figures.opening =
-        secondsOf([&] { pane = tessera_host::Pane::open(settings, complaints, nullptr, error); });
-    if (!pane) giveUp(error.text);
+    figures.opening = secondsOf([&] { pane = openPane(document, database); });
     const double parsed = allocated() - before;
     const double residentBefore = peakResident();
     basekit2::variant_bag_t out;
     const auto request = [&](const char* name) {
         out = {};
         return secondsOf([&] {
-            if (!pane->request(name, {}, out, nullptr).is_success()) giveUp(name);
+            if (!pane->request(name, {}, out, {{}, &complaints}).is_success()) giveUp(name);
         });
     };
     figures.create = request("create");
@@ -83,14 +80,13 @@ void print(const Figures& best, const InputCounts& counts) {
 }
 
 void run(const InputShape& shape, std::size_t runs, const std::filesystem::path& folder) {
-    tessera_host::PaneSettings settings;
-    settings.document = folder / "generated.xml";
-    settings.database = folder / "generated.db";
-    const InputCounts counts = writeDocument(shape, settings.document);
-    writeDatabase(counts, settings.database);
+    const std::string document = folder / "generated.xml";
+    const std::string database = folder / "generated.db";
+    const InputCounts counts = writeDocument(shape, document);
+    writeDatabase(counts, database);
     fmt::print("{} nodes, {} links, {} references, {:.1f} MB of XML\n", counts.nodes, counts.links,
-               counts.references, static_cast<double>(std::filesystem::file_size(settings.document)) / 1e6);
-    const std::function<Figures()> once = [&] { return measure(settings); };
+               counts.references, static_cast<double>(std::filesystem::file_size(document)) / 1e6);
+    const std::function<Figures()> once = [&] { return measure(document, database); };
     Figures best = measureApart(once);
     for (std::size_t i = 1; i < runs; ++i) {
         const Figures figures = measureApart(once);

@@ -17,8 +17,8 @@
 
 #include "bench/support/generated_input.h"
 #include "bench/support/measuring.h"
+#include "bench/support/opened_pane.h"
 #include "core/layout_watch.h"
-#include "host/pane/pane.h"
 
 namespace tessera_bench {
 namespace {
@@ -57,20 +57,17 @@ double childrenOf(const basekit2::variant_bag_t& bag, const char* name) {
     return count;
 }
 
-Figures measure(tessera_host::PaneSettings settings) {
+Figures measure(const std::string& document, const std::string& database, tessera_host::PaneOptions options) {
     Figures figures{};
     StageClock clock(figures);
-    settings.layout.watcher = &clock;
-    figures.alone = parseAlone(contentOf(settings.document));
+    options.layout.watcher = &clock;
+    figures.alone = parseAlone(contentOf(document));
     Complaints complaints;
-    tessera_host::OpenError error;
     std::unique_ptr<tessera_host::Pane> pane;
-    figures.reading =
-        secondsOf([&] { pane = tessera_host::Pane::open(settings, complaints, nullptr, error); });
-    if (!pane) giveUp(error.text);
+    figures.reading = secondsOf([&] { pane = openPane(document, database, options); });
     basekit2::variant_bag_t out;
     figures.create = secondsOf([&] {
-        if (!pane->request("create", {}, out, nullptr).is_success()) giveUp("create");
+        if (!pane->request("create", {}, out, {{}, &complaints}).is_success()) giveUp("create");
     });
     figures.peakBytes = peakResident();
     figures.nodesOut = childrenOf(out, "nodes");
@@ -93,15 +90,15 @@ void print(const Figures& best, const InputCounts& counts, double xmlBytes) {
     fmt::print("\"output\": {:.6f}}}}}\n", best.create - inside);
 }
 
-void run(const InputShape& shape, std::size_t runs, const std::string& document,
+void run(const InputShape& shape, std::size_t runs, const std::string& given,
          const std::filesystem::path& folder) {
-    tessera_host::PaneSettings settings;
-    settings.document = document.empty() ? (folder / "generated.xml").string() : document;
-    settings.database = folder / "generated.db";
-    settings.layout.limits.maxElements = 50 * (shape.nodes + 1'000'000);
-    const InputCounts counts = writeDocument(shape, settings.document);
-    writeDatabase(counts, settings.database);
-    const std::function<Figures()> once = [&] { return measure(settings); };
+    const std::string document = given.empty() ? (folder / "generated.xml").string() : given;
+    const std::string database = folder / "generated.db";
+    tessera_host::PaneOptions options;
+    options.layout.limits.maxElements = 50 * (shape.nodes + 1'000'000);
+    const InputCounts counts = writeDocument(shape, document);
+    writeDatabase(counts, database);
+    const std::function<Figures()> once = [&] { return measure(document, database, options); };
     Figures best = measureApart(once);
     for (std::size_t i = 1; i < runs; ++i) {
         const Figures figures = measureApart(once);
@@ -112,7 +109,7 @@ void run(const InputShape& shape, std::size_t runs, const std::string& document,
         best.alone = alone;
         best.reading = reading;
     }
-    print(best, counts, static_cast<double>(std::filesystem::file_size(settings.document)));
+    print(best, counts, static_cast<double>(std::filesystem::file_size(document)));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/document/filters.h"
 #include "platform/basekit2/ref_counted.h"
@@ -32,6 +33,15 @@ class FilterRegistry final : public basekit2::ref_counted_t<qlib_1::IFilterRegis
         const auto it = m_filters.find(name);
         if (it == m_filters.end()) return std::nullopt;
         return it->second.predicate;
+    }
+
+    [[nodiscard]] std::vector<std::string> names() const {
+        const std::scoped_lock lock(m_mutex);
+        std::vector<std::string> names;
+        names.reserve(m_filters.size());
+        for (const auto& [name, filter] : m_filters)
+            names.push_back(name);
+        return names;
     }
 
     void replace(Filters filters) {

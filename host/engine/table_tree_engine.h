@@ -2,6 +2,8 @@
 #pragma once
 
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "host/document/declarations.h"
 #include "host/engine/filter_registry.h"
@@ -34,6 +36,7 @@ class InputData final : public basekit2::ref_counted_t<qlib_1::IInputData> {
 
     // Replaces all filters. Any thread; a request that is running may see the old or the new ones.
     void setFilters(Filters filters) { m_filters->replace(std::move(filters)); }
+    [[nodiscard]] std::vector<std::string> filterNames() const { return m_filters->names(); }
 
   private:
     const basekit2::sptr_t<FilterRegistry> m_filters;

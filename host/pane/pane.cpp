@@ -4,17 +4,13 @@
 #include <log4cplus/loggingmacros.h>
 
 #include <chrono>
-#include <filesystem>
 #include <utility>
 #include <vector>
 
 #include "core/factory.h"
-#include "host/catalogs/catalogs.h"
 #include "host/document/text.h"
-#include "host/engine/engine_registry.h"
 #include "host/engine/query_library.h"
 #include "host/engine/token_progress.h"
-#include "host/lint/reversal/acyclic_viewpoint.h"
 
 namespace tessera_host {
 namespace {
@@ -54,100 +50,84 @@ class ViewpointSource final : public panelcore_1::IRequestHandler {
 
 class PaneFilters final : public panelcore_1::IFilterMgr {
   public:
-    explicit PaneFilters(const Filters& filters) {
-        for (const auto& [name, filter] : filters)
-            m_names.push_back(name);
+    explicit PaneFilters(basekit2::sptr_t<InputData> inputData) : m_inputData(std::move(inputData)) {}
+
+    [[nodiscard]] std::vector<std::string> getFilterNames() const override {
+        return m_inputData->filterNames();
     }
-    [[nodiscard]] std::vector<std::string> getFilterNames() const override { return m_names; }
 
   private:
-    std::vector<std::string> m_names;
+    const basekit2::sptr_t<InputData> m_inputData;
 };
-
-void installCatalogs(const PaneSettings& settings, relay2::IMessenger& messenger) {
-    if (settings.catalogs.empty()) return;
-    std::vector<std::string> problems;
-    auto catalogs = readCatalogs(settings.catalogs, settings.locale, problems);
-    for (const std::string& problem : problems)
-        messenger.post(relay2::severity_t::warning, problem, {});
-    if (catalogs) optstore2::setMessageCatalogSource(std::move(catalogs));
-}
-
-// The document's filters with those of the settings in their place.
-Filters filtersOf(const Declarations& declarations, const PaneSettings& settings) {
-    Filters filters = declarations.filters();
-    for (const auto& [name, predicate] : settings.filters)
-        setFilter(filters, name, {predicate, {}});
-    return filters;
-}
-
-QueryLimits queryLimits(const PaneSettings& settings) {
-    return {std::chrono::milliseconds(static_cast<std::int64_t>(settings.queryTimeout * 1000))};
-}
 
 }  // namespace
 
-Pane::Pane(std::shared_ptr<SnapshotSource> source, std::shared_ptr<panelcore_1::IRequestHandler> handler)
-    : m_source(std::move(source)), m_handler(std::move(handler)) {}
+// The handler keeps one messenger for its life; this one hands messages on to the request that is running.
+class Pane::Messages final : public relay2::IMessenger {
+  public:
+    void post(relay2::severity_t severity, const std::string& text,
+              basekit2::source_position_t position) override {
+        if (m_target) m_target->post(severity, text, position);
+    }
 
-std::unique_ptr<Pane> Pane::open(const PaneSettings& settings, relay2::IMessenger& messenger,
-                                 relay2::IProgress* progress, OpenError& error) {
-    const auto begin = std::chrono::steady_clock::now();
-    std::error_code unknown;
-    if (!settings.catalogs.empty() && !std::filesystem::is_directory(settings.catalogs, unknown)) {
-        error = {settings.catalogs + ": there is no such folder", true, false};
-        return nullptr;
-    }
-    const CancelToken cancel = tokenOf(progress);
-    auto read = Viewpoint::readFile(settings.document, cancel);
-    if (!read) {
-        error = {describe(read.error(), settings.document), read.error().kind == ErrorKind::cannotOpen,
-                 read.error().isCancelled()};
-        return nullptr;
-    }
-    auto result = EngineRegistry::builtIn().open(settings.database, {}, cancel);
-    if (!result) {
-        error = {describe(result.error(), settings.database), true, result.error().isCancelled()};
-        return nullptr;
-    }
-    auto source = std::make_shared<SnapshotSource>(*std::move(result));
-    AcyclicViewpoint acyclic{*read, {}};
-    if (!settings.acyclic)
-        acyclic.messages = describeCycles(*acyclic.viewpoint, cancel);
-    else if (auto made = makeAcyclic(*read, cancel))
-        acyclic = *std::move(made);
-    if (cancel.isCancelled()) {
-        error = {settings.document + ": cancelled", false, true};
-        return nullptr;
-    }
-    postAll(acyclic.messages, messenger);
-    const Viewpoint::Pointer viewpoint = acyclic.viewpoint;
-    installCatalogs(settings, messenger);
+    // Where messages go while it lives.
+    class Target {
+      public:
+        Target(Messages& messages, relay2::IMessenger* target) : m_messages(messages) {
+            m_messages.m_target = target;
+        }
+        ~Target() { m_messages.m_target = nullptr; }
+        Target(const Target&) = delete;
+        Target& operator=(const Target&) = delete;
 
-    const auto declarations = viewpoint->declarations();
-    if (settings.onViewpoint) settings.onViewpoint(viewpoint);
-    postAll(viewpoint->problems(), messenger);
-    const Filters filters = filtersOf(*declarations, settings);
-    auto handler = tessera_1::createDiagramViewRequestHandlerWithOptions(
-        basekit2::make_counted<QueryLibrary>(declarations),
-        basekit2::make_counted<InputData>(source, declarations, filters, &messenger, queryLimits(settings)),
-        std::make_shared<ViewpointSource>(viewpoint), std::make_shared<PaneFilters>(filters), &messenger,
-        settings.layout);
-    LOG4CPLUS_DEBUG(logger(), settings.document << " on " << settings.database << " opened in "
-                                                << since(begin) << " ms: " << declarations->queries().size()
-                                                << " queries, " << filters.size() << " filters");
-    return std::unique_ptr<Pane>(new Pane(std::move(source), std::move(handler)));
+      private:
+        Messages& m_messages;
+    };
+
+  private:
+    relay2::IMessenger* m_target = nullptr;
+};
+
+Pane::Pane(Viewpoint::Pointer viewpoint, std::shared_ptr<IResult> result, Filters filters,
+           const PaneOptions& options)
+    : m_viewpoint(std::move(viewpoint)),
+      m_source(std::make_shared<SnapshotSource>(std::move(result))),
+      m_messages(std::make_unique<Messages>()),
+      m_inputData(basekit2::make_counted<InputData>(m_source, m_viewpoint->declarations(), std::move(filters),
+                                                    m_messages.get(), options.queryLimits)),
+      m_handler(tessera_1::createDiagramViewRequestHandlerWithOptions(
+          basekit2::make_counted<QueryLibrary>(m_viewpoint->declarations()), m_inputData,
+          std::make_shared<ViewpointSource>(m_viewpoint), std::make_shared<PaneFilters>(m_inputData),
+          m_messages.get(), options.layout)) {
+    LOG4CPLUS_DEBUG(logger(), "pane on " << m_viewpoint->name() << ": "
+                                         << m_viewpoint->declarations()->queries().size() << " queries, "
+                                         << m_inputData->filterNames().size() << " filters");
 }
 
+Pane::~Pane() = default;
+
 error_code_t Pane::request(const std::string& name, const variant_bag_t& in, variant_bag_t& out,
-                           relay2::IProgress* progress) {
-    const std::scoped_lock lock(m_mutex);
+                           const RequestOptions& options) {
+    const std::scoped_lock lock(m_requestMutex);
+    applyFilters();
+    const Messages::Target target(*m_messages, options.messages);
     const SnapshotHold hold(*m_source);
+    TokenProgress progress(options.cancel);
     const auto begin = std::chrono::steady_clock::now();
-    const error_code_t code = m_handler->handleRequest(name, in, out, progress);
+    const error_code_t code = m_handler->handleRequest(name, in, out, &progress);
     LOG4CPLUS_DEBUG(logger(), "request \"" << oneLine(name) << "\" answered " << code.name() << " in "
                                            << since(begin) << " ms");
     return code;
+}
+
+void Pane::setFilters(Filters filters) {
+    const std::scoped_lock lock(m_filterMutex);
+    m_nextFilters = std::move(filters);
+}
+
+void Pane::applyFilters() {
+    const std::scoped_lock lock(m_filterMutex);
+    if (m_nextFilters) m_inputData->setFilters(*std::exchange(m_nextFilters, std::nullopt));
 }
 
 }  // namespace tessera_host

@@ -1,61 +1,72 @@
-// One diagram pane on real parts: a document, a database, and the diagram library's handler between them.
+// One diagram pane: a viewpoint, a result, and the diagram library's handler between them.
 #pragma once
 
-#include <functional>
-#include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 
 #include "core/layout_options.h"
 #include "host/document/viewpoint.h"
+#include "host/engine/snapshot_source.h"
 #include "host/engine/table_tree_engine.h"
-#include "host/text/read_error.h"
 #include "platform/panelcore_1/request_handler.h"
 #include "platform/relay2/messenger.h"
-#include "platform/relay2/progress.h"
 
 namespace tessera_host {
 
-struct PaneSettings {
-    std::string document;                        // path of the viewpoint
-    std::string database;                        // path of the result
-    std::map<std::string, std::string> filters;  // replace the document's; an empty text removes one
-    std::string catalogs;                        // folder of the message catalogues; "" for none
-    std::string locale;
-    double queryTimeout = 600;        // seconds
-    bool acyclic = false;             // reverses links that form cycles; otherwise they are only reported
-    tessera_1::LayoutOptions layout;  // its watcher must outlive the pane
-    // Is called with the document as the library will read it. May be empty.
-    std::function<void(const Viewpoint::Pointer&)> onViewpoint;
+// Valid for the whole life of a pane.
+struct PaneOptions {
+    QueryLimits queryLimits;
+    tessera_1::LayoutOptions layout;  // its watcher, when there is one, outlives the pane
 };
 
-// Why a pane could not be opened. `text` names the file, and line and column where there are any.
-struct OpenError {
-    std::string text;
-    bool unopened = false;  // a file could not be opened or read, as opposed to: what it holds is wrong
-    bool cancelled = false;
+// Valid for one request.
+struct RequestOptions {
+    CancelToken cancel;
+    // Gets the messages of this request, and of no other, on the thread that sends it. Null: they are
+    // dropped. A MessageList collects them.
+    relay2::IMessenger* messages = nullptr;
 };
 
+// Made cheaply, any number of times from one viewpoint and one result; panes that share them may run requests
+// on several threads at once. The requests of one pane wait for each other.
+//
+// The diagram belongs to the pane: "create" reads the viewpoint and lays it out once, "refresh" fetches the
+// values again and "changeDisplayMode" changes what is shown. Labels of links keep the values of their first
+// "create"; for all values anew, make another pane.
 class Pane {
   public:
-    // Reads the document, opens the database read-only and makes the handler. `messenger` must outlive the
-    // pane. Null, with `error` filled, when that fails. The catalogues become those of the whole process.
-    [[nodiscard]] static std::unique_ptr<Pane> open(const PaneSettings& settings,
-                                                    relay2::IMessenger& messenger,
-                                                    relay2::IProgress* progress, OpenError& error);
+    // `filters` are those in force; see withReplacements().
+    Pane(Viewpoint::Pointer viewpoint, std::shared_ptr<IResult> result, Filters filters,
+         const PaneOptions& options = {});
+    Pane(const Pane&) = delete;
+    Pane& operator=(const Pane&) = delete;
+    ~Pane();
 
-    // Sends a request to the handler. All its queries see the database as it is at one moment. Any thread;
-    // requests wait for each other.
-    basekit2::error_code_t request(const std::string& name, const basekit2::variant_bag_t& in,
-                                   basekit2::variant_bag_t& out, relay2::IProgress* progress);
+    // Sends a request to the handler: "create", "refresh" or "changeDisplayMode". All its queries see the
+    // database as it is at one moment. `out` gets what the handler writes. The code is the handler's. Any
+    // thread; never called from within a request of the same pane.
+    [[nodiscard]] basekit2::error_code_t request(const std::string& name, const basekit2::variant_bag_t& in,
+                                                 basekit2::variant_bag_t& out, const RequestOptions& options);
+
+    // Replaces all filters, from the next request on; a request that is running keeps the old ones. Values
+    // change with the next "refresh". Any thread; does not wait.
+    void setFilters(Filters filters);
 
   private:
-    Pane(std::shared_ptr<SnapshotSource> source, std::shared_ptr<panelcore_1::IRequestHandler> handler);
+    class Messages;
 
-    std::mutex m_mutex;
-    std::shared_ptr<SnapshotSource> m_source;
-    std::shared_ptr<panelcore_1::IRequestHandler> m_handler;
+    void applyFilters();
+
+    const Viewpoint::Pointer m_viewpoint;
+    const std::shared_ptr<SnapshotSource> m_source;
+    const std::unique_ptr<Messages> m_messages;
+    const basekit2::sptr_t<InputData> m_inputData;
+    const std::shared_ptr<panelcore_1::IRequestHandler> m_handler;
+    std::mutex m_requestMutex;  // one request at a time
+    std::mutex m_filterMutex;   // of the next member
+    std::optional<Filters> m_nextFilters;
 };
 
 }  // namespace tessera_host

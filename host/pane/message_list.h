@@ -1,0 +1,29 @@
+// The messages of one request, collected.
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/document/problem.h"
+#include "platform/relay2/messenger.h"
+
+namespace tessera_host {
+
+// Given with a request. Used by one thread at a time.
+class MessageList final : public relay2::IMessenger {
+  public:
+    void post(relay2::severity_t severity, const std::string& text,
+              basekit2::source_position_t position) override {
+        m_messages.push_back({position, text, severity});
+    }
+
+    // In the order in which they were posted.
+    [[nodiscard]] const std::vector<Problem>& messages() const noexcept { return m_messages; }
+    [[nodiscard]] std::vector<Problem> take() noexcept { return std::exchange(m_messages, {}); }
+
+  private:
+    std::vector<Problem> m_messages;
+};
+
+}  // namespace tessera_host
