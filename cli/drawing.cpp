@@ -35,7 +35,7 @@ bool writePixels(const Options& options, const tessera_draw::Scene& scene, tesse
         printMessage(fmt::format("{} cannot be written here: {}", options.format, reason));
         return false;
     }
-    const tessera_draw::PictureOptions asked{themeOf(options.theme), options.scale, isInterrupted};
+    const tessera_draw::PictureOptions asked{themeOf(options.theme), options.scale, interruptToken()};
     const tessera_draw::PictureResult result = options.format == "png"
                                                    ? writer->writePng(scene, asked, output)
                                                    : writer->writePdf(scene, asked, output);
@@ -63,7 +63,7 @@ bool writeDrawing(const Options& options, const basekit2::variant_bag_t& diagram
     tessera_draw::SceneOptions sceneOptions;
     sceneOptions.reservation = &reservation;
     if (options.direction == "tb") sceneOptions.direction = tessera_draw::Direction::topToBottom;
-    sceneOptions.isStopped = isInterrupted;
+    sceneOptions.cancel = interruptToken();
     if (isInterrupted()) return false;
     const tessera_draw::Scene scene = tessera_draw::makeScene(diagram, sceneOptions);
     if (isInterrupted()) return false;

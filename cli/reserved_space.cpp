@@ -12,7 +12,7 @@ namespace tessera_cli {
 namespace {
 
 using tessera_draw::Reservation;
-using tessera_draw::Room;
+using tessera_draw::RowSpace;
 using tessera_draw::Weight;
 using tessera_host::LabelPlace;
 using tessera_host::QueryDeclaration;
@@ -32,14 +32,14 @@ Reservation::Place placeOf(LabelPlace place) {
 // Measures each name and each query once.
 class Measure {
   public:
-    [[nodiscard]] Room rows(tessera_host::ReservedSpace::Rows rows) {
-        Room room;
-        room.rows = static_cast<std::uint32_t>(rows.size());
+    [[nodiscard]] RowSpace rows(tessera_host::ReservedSpace::Rows rows) {
+        RowSpace space;
+        space.rows = static_cast<std::uint32_t>(rows.size());
         for (const auto& [name, query] : rows) {
-            room.nameWidth = std::max(room.nameWidth, nameWidth(name));
-            room.valueWidth = std::max(room.valueWidth, valueWidth(query));
+            space.nameWidth = std::max(space.nameWidth, nameWidth(name));
+            space.valueWidth = std::max(space.valueWidth, valueWidth(query));
         }
-        return room;
+        return space;
     }
 
     [[nodiscard]] double nameWidth(std::string_view name) {
@@ -72,9 +72,9 @@ Reservation measureReservedSpace(const tessera_host::Viewpoint::Pointer& viewpoi
         reservation.node(node.id).widen(measure.rows(node.rows));
     // As much as the widest of the display modes needs.
     for (const auto& label : space.labels()) {
-        Room& room = reservation.link(label.link, placeOf(label.place));
-        room.titleWidth = std::max(room.titleWidth, measure.nameWidth(label.title));
-        room.widen(measure.rows(label.rows));
+        RowSpace& rowSpace = reservation.link(label.link, placeOf(label.place));
+        rowSpace.titleWidth = std::max(rowSpace.titleWidth, measure.nameWidth(label.title));
+        rowSpace.widen(measure.rows(label.rows));
     }
     return reservation;
 }

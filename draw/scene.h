@@ -3,15 +3,14 @@
 
 #include <cstdint>
 #include <deque>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "draw/display_types.h"
 #include "draw/geometry.h"
-#include "draw/placement.h"
+#include "draw/placement/placement.h"
 #include "draw/reservation.h"
+#include "draw/scene/display_types.h"
 #include "draw/theme.h"
 #include "platform/basekit2/variant_bag.h"
 
@@ -20,11 +19,11 @@ namespace tessera_draw {
 struct BoxShape {
     Rect rect;
     BoxRole role = BoxRole::card;
-    Ink bar = Ink::none;  // the bar along the left edge
+    ColorRole bar = ColorRole::none;  // the bar along the left edge
 };
 
 // The sign of a display type, as wide and as high as `size`.
-struct MarkShape {
+struct SymbolShape {
     Point center;
     double size = 0;
     TypeLook look;
@@ -34,11 +33,11 @@ struct TextShape {
     Point at;  // on the base line; where in the text is the style's anchor
     TextRole role = TextRole::name;
     std::string_view text;
-    bool isShortened = false;  // "…" follows
-    double width = 0;          // as measured
-    double room = 0;           // what it must not be wider than
-    bool isExact = true;       // else it may turn out wider, and is to be held in its room
-    Ink halo = Ink::none;      // keeps lines behind the text away from its letters
+    bool isShortened = false;              // "…" follows
+    double width = 0;                      // as measured
+    double maxWidth = 0;                   // what it must not be wider than
+    bool isExact = true;                   // else it may turn out wider, and is to be clipped there
+    ColorRole textHalo = ColorRole::none;  // keeps lines behind the text away from its letters
 };
 
 // The tip, and where it points: one of the four directions, of length 1.
@@ -56,7 +55,7 @@ struct LineShape {
 };
 
 // "first", "first: second", "first → second".
-struct TipLine {
+struct TooltipLine {
     std::string_view first;
     std::string_view between;
     std::string_view second;
@@ -80,12 +79,12 @@ struct Element {
     std::string_view link;   // of a label, the id of its link
     std::string_view place;  // and where it stands on that: "from", "center", "to"
     std::string_view type;   // display type
-    Index index = nothing;   // the node's, or the thread's
+    Index index = nothing;   // the node's, or the link path's
     Span boxes;
-    Span marks;
+    Span symbols;
     Span lines;
     Span texts;
-    Span tips;  // what a pointer at it, or a screen reader, is told
+    Span tooltips;  // what a pointer at it, or a screen reader, is told
 };
 
 struct Scene {
@@ -97,10 +96,10 @@ struct Scene {
     std::size_t lineCount = 0;
     std::vector<Element> elements;
     std::vector<BoxShape> boxes;
-    std::vector<MarkShape> marks;
+    std::vector<SymbolShape> symbols;
     std::vector<LineShape> lines;
     std::vector<TextShape> texts;
-    std::vector<TipLine> tips;
+    std::vector<TooltipLine> tooltips;
     std::deque<std::string> ownedTexts;  // those that are not the bag's
 };
 
@@ -110,12 +109,12 @@ struct SceneOptions {
     Direction direction = Direction::leftToRight;
     // Null: every box keeps room for what is usual. Null or not, sizes never depend on values.
     const Reservation* reservation = nullptr;
-    std::function<bool()> isStopped = nullptr;  // asked now and then; may be empty
+    tessera_support::CancelToken cancel = {};
 };
 
 // Draws the diagram in `bag`, which must outlive the scene. Where things stand and how large they are depends
 // on names, types, levels, links and reserved room; values only fill that room. Any bag will do. The scene is
-// empty once `isStopped` says so.
+// empty once `cancel` is cancelled.
 [[nodiscard]] Scene makeScene(const basekit2::variant_bag_t& bag, const SceneOptions& options);
 
 }  // namespace tessera_draw

@@ -28,9 +28,9 @@ struct FittedText {
     bool isExact = true;
 };
 
-// The longest beginning that is not wider than `room`. Cuts between characters that people see as one: an
+// The longest beginning that is not wider than `maxWidth`. Cuts between characters that people see as one: an
 // accent stays with its letter, an emoji with what modifies it. White space at both ends is left out. Takes
 // time in proportion to what fits, not to the whole text.
-[[nodiscard]] FittedText fitText(std::string_view text, double room, double size, Weight weight) noexcept;
+[[nodiscard]] FittedText fitText(std::string_view text, double maxWidth, double size, Weight weight) noexcept;
 
 }  // namespace tessera_draw

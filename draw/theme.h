@@ -18,7 +18,7 @@ struct Rgb {
 };
 
 // What a colour is for; a theme says which one it is.
-enum class Ink : std::uint8_t {
+enum class ColorRole : std::uint8_t {
     none,
     ground,
     text,
@@ -30,16 +30,16 @@ enum class Ink : std::uint8_t {
     cardBorder,
     labelBorder,
     line,
-    chip,
+    badge,
     accent1,
     accent2,
     accent3,
     accent4,
 };
-inline constexpr std::size_t inkCount = 16;
+inline constexpr std::size_t colorRoleCount = 16;
 inline constexpr std::size_t accentCount = 4;
 
-using Palette = std::array<Rgb, inkCount>;  // by Ink; that of `none` is not used
+using Palette = std::array<Rgb, colorRoleCount>;  // by ColorRole; that of `none` is not used
 
 [[nodiscard]] const Palette& lightPalette() noexcept;
 [[nodiscard]] const Palette& darkPalette() noexcept;
@@ -57,13 +57,13 @@ enum class BoxRole : std::uint8_t {
     interfaceCard,
     labelCard,
     note,
-    chip,
+    badge,
 };
 inline constexpr std::size_t boxRoleCount = 7;
 
 struct BoxStyle {
-    Ink fill = Ink::none;
-    Ink stroke = Ink::none;
+    ColorRole fill = ColorRole::none;
+    ColorRole stroke = ColorRole::none;
     bool isDashed = false;
     double radius = 0;
 };
@@ -72,7 +72,7 @@ struct BoxStyle {
 
 enum class TextRole : std::uint8_t {
     heading,
-    chip,
+    badge,
     name,
     rowName,
     rowValue,
@@ -92,7 +92,7 @@ enum class Anchor : std::uint8_t { start, middle, end };
 struct TextStyle {
     double size = 0;
     Weight weight = Weight::regular;
-    Ink ink = Ink::text;
+    ColorRole color = ColorRole::text;
     Anchor anchor = Anchor::start;
 };
 
@@ -100,7 +100,7 @@ struct TextStyle {
 
 inline constexpr double boxStrokeWidth = 1;
 inline constexpr double lineStrokeWidth = 1.6;
-inline constexpr double haloWidth = 4;
+inline constexpr double textHaloWidth = 4;
 inline constexpr double dashLength = 5;
 inline constexpr double dashGap = 3;
 

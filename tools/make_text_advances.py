@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes draw/text_advances.h: how far each character of DejaVu Sans moves the pen, regular and bold.
+"""Writes draw/scene/text_advances.h: how far each character of DejaVu Sans moves the pen, regular and bold.
 
 Usage: make_text_advances.py [--check] [FONT_FOLDER]
 
@@ -120,7 +120,7 @@ def text(folder):
 def main():
     arguments = [each for each in sys.argv[1:] if each != '--check']
     folder = pathlib.Path(arguments[0] if arguments else '/usr/share/fonts/truetype/dejavu')
-    target = project.root() / 'draw/text_advances.h'
+    target = project.root() / 'draw/scene/text_advances.h'
     if not (folder / 'DejaVuSans-Bold.ttf').is_file():
         print(f'{folder}: DejaVu Sans is not on this machine')
         return 77

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "bench/support/link_ends.h"
-#include "draw/placement.h"
+#include "draw/placement/placement.h"
 
 namespace tessera_bench {
 

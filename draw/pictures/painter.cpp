@@ -4,7 +4,7 @@
 #include <numbers>
 
 #include "draw/pictures/text_painter.h"
-#include "draw/shapes.h"
+#include "draw/scene/shapes.h"
 
 namespace tessera_draw {
 namespace {
@@ -49,8 +49,8 @@ class Painter {
     void paint(const Scene& scene, const Element& element) {
         for (std::uint32_t i = 0; i < element.boxes.count; ++i)
             box(scene.boxes[element.boxes.first + i]);
-        for (std::uint32_t i = 0; i < element.marks.count; ++i)
-            mark(scene.marks[element.marks.first + i]);
+        for (std::uint32_t i = 0; i < element.symbols.count; ++i)
+            symbol(scene.symbols[element.symbols.first + i]);
         for (std::uint32_t i = 0; i < element.lines.count; ++i)
             line(scene.lines[element.lines.first + i]);
         for (std::uint32_t i = 0; i < element.texts.count; ++i)
@@ -60,8 +60,8 @@ class Painter {
     [[nodiscard]] std::size_t missing() const noexcept { return m_text.missing(); }
 
   private:
-    void fill(const Outline& outline, Ink ink) {
-        setInk(m_cairo, m_palette, ink);
+    void fill(const Outline& outline, ColorRole color) {
+        setColor(m_cairo, m_palette, color);
         tracePath(m_cairo, outline);
         cairo_fill(m_cairo);
     }
@@ -69,24 +69,24 @@ class Painter {
     void box(const BoxShape& box) {
         const BoxStyle& style = styleOf(box.role);
         roundedRect(m_cairo, box.rect, style.radius);
-        setInk(m_cairo, m_palette, style.fill);
+        setColor(m_cairo, m_palette, style.fill);
         cairo_fill_preserve(m_cairo);
-        setInk(m_cairo, m_palette, style.stroke);
+        setColor(m_cairo, m_palette, style.stroke);
         cairo_set_line_width(m_cairo, boxStrokeWidth);
         const std::array<double, 2> dashes = {dashLength, dashGap};
         cairo_set_dash(m_cairo, dashes.data(), style.isDashed ? 2 : 0, 0);
         cairo_stroke(m_cairo);
         cairo_set_dash(m_cairo, nullptr, 0, 0);
-        if (box.bar != Ink::none) fill(barOf(box.rect, style.radius), box.bar);
+        if (box.bar != ColorRole::none) fill(barOf(box.rect, style.radius), box.bar);
     }
 
-    void mark(const MarkShape& mark) {
-        if (!isOutlined(mark.look.mark)) {
-            fill(outlineOf(mark), mark.look.accent);
+    void symbol(const SymbolShape& symbol) {
+        if (!isOutlined(symbol.look.symbol)) {
+            fill(outlineOf(symbol), symbol.look.accent);
             return;
         }
-        setInk(m_cairo, m_palette, mark.look.accent);
-        tracePath(m_cairo, outlineOf(mark));
+        setColor(m_cairo, m_palette, symbol.look.accent);
+        tracePath(m_cairo, outlineOf(symbol));
         cairo_set_line_width(m_cairo, outlineWidth);
         cairo_stroke(m_cairo);
     }
@@ -102,11 +102,11 @@ class Painter {
                     cairo_line_to(m_cairo, segment.end.x, segment.end.y);
             }
         }
-        setInk(m_cairo, m_palette, Ink::line);
+        setColor(m_cairo, m_palette, ColorRole::line);
         cairo_set_line_width(m_cairo, lineStrokeWidth);
         cairo_stroke(m_cairo);
-        if (line.hasFromHead) fill(outlineOf(line.fromHead), Ink::line);
-        if (line.hasToHead) fill(outlineOf(line.toHead), Ink::line);
+        if (line.hasFromHead) fill(outlineOf(line.fromHead), ColorRole::line);
+        if (line.hasToHead) fill(outlineOf(line.toHead), ColorRole::line);
     }
 
     cairo_t* m_cairo;
@@ -116,19 +116,19 @@ class Painter {
 
 }  // namespace
 
-void setInk(cairo_t* cairo, const Palette& palette, Ink ink) {
-    const Rgb& colour = palette[static_cast<std::size_t>(ink)];
+void setColor(cairo_t* cairo, const Palette& palette, ColorRole color) {
+    const Rgb& colour = palette[static_cast<std::size_t>(color)];
     cairo_set_source_rgb(cairo, colour.red / 255.0, colour.green / 255.0, colour.blue / 255.0);
 }
 
 bool paintScene(cairo_t* cairo, const Scene& scene, const PictureOptions& options, std::size_t& missing) {
     const Palette& palette = options.theme == Theme::dark ? darkPalette() : lightPalette();
-    setInk(cairo, palette, Ink::ground);
+    setColor(cairo, palette, ColorRole::ground);
     cairo_paint(cairo);
     cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
     Painter painter(cairo, palette);
     for (const Element& element : scene.elements) {
-        if (options.isStopped && options.isStopped()) return false;
+        if (options.cancel.isCancelled()) return false;
         painter.paint(scene, element);
     }
     missing = painter.missing();

@@ -13,6 +13,6 @@ namespace tessera_draw {
 // no font has in `missing`. False when it was stopped.
 bool paintScene(cairo_t* cairo, const Scene& scene, const PictureOptions& options, std::size_t& missing);
 
-void setInk(cairo_t* cairo, const Palette& palette, Ink ink);
+void setColor(cairo_t* cairo, const Palette& palette, ColorRole color);
 
 }  // namespace tessera_draw

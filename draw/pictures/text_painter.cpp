@@ -1,8 +1,8 @@
 #include "draw/pictures/text_painter.h"
 
 #include "draw/pictures/painter.h"
-#include "draw/shapes.h"
-#include "draw/utf8.h"
+#include "draw/scene/shapes.h"
+#include "draw/scene/shown_text.h"
 
 namespace tessera_draw {
 namespace {
@@ -10,12 +10,12 @@ namespace {
 // The text as it is shown: valid, on one line.
 void appendShown(std::string& shown, std::string_view text) {
     while (!text.empty()) {
-        const auto [code, length] = firstCharacter(text);
+        const auto [code, length, isValid] = tessera_support::decodeUtf8(text);
         const char32_t character = shownAs(code);
-        if (character == code && code != replacement)
+        if (isValid && character == code)
             shown += text.substr(0, length);
         else
-            shown += character == ' ' ? " " : "\xEF\xBF\xBD";
+            shown += character == ' ' ? " " : tessera_support::replacementText;
         text.remove_prefix(length);
     }
 }
@@ -55,9 +55,9 @@ void TextPainter::paint(const TextShape& text) {
     pango_layout_set_text(layout, m_shown.data(), static_cast<int>(m_shown.size()));
     PangoRectangle extents;
     pango_layout_get_extents(layout, nullptr, &extents);
-    if (extents.width > (text.room + 1) * PANGO_SCALE) {
+    if (extents.width > (text.maxWidth + 1) * PANGO_SCALE) {
         pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
-        pango_layout_set_width(layout, static_cast<int>(text.room * PANGO_SCALE));
+        pango_layout_set_width(layout, static_cast<int>(text.maxWidth * PANGO_SCALE));
     }
     PangoLayoutLine* line = pango_layout_get_line_readonly(layout, 0);
     if (line == nullptr) return;
@@ -67,14 +67,14 @@ void TextPainter::paint(const TextShape& text) {
     const Anchor anchor = styleOf(text.role).anchor;
     const double back = anchor == Anchor::start ? 0 : anchor == Anchor::middle ? width / 2 : width;
     cairo_move_to(m_cairo, text.at.x - back, text.at.y);
-    if (text.halo != Ink::none) {
+    if (text.textHalo != ColorRole::none) {
         pango_cairo_layout_line_path(m_cairo, line);
-        setInk(m_cairo, m_palette, text.halo);
-        cairo_set_line_width(m_cairo, haloWidth);
+        setColor(m_cairo, m_palette, text.textHalo);
+        cairo_set_line_width(m_cairo, textHaloWidth);
         cairo_stroke(m_cairo);
         cairo_move_to(m_cairo, text.at.x - back, text.at.y);
     }
-    setInk(m_cairo, m_palette, styleOf(text.role).ink);
+    setColor(m_cairo, m_palette, styleOf(text.role).color);
     pango_cairo_show_layout_line(m_cairo, line);
 }
 

@@ -6,13 +6,13 @@ namespace tessera_draw::placing {
 
 void CrossingCounter::collectHeads(Index layer) {
     m_heads.clear();
-    for (Index i = m_net.layerBegin[layer]; i < m_net.layerBegin[layer + 1]; ++i) {
-        const Index vertex = m_net.order[i];
+    for (Index i = m_graph.layerBegin[layer]; i < m_graph.layerBegin[layer + 1]; ++i) {
+        const Index vertex = m_graph.order[i];
         m_ends.clear();
-        for (Index k = m_net.outBegin[vertex]; k < m_net.outBegin[vertex + 1]; ++k) {
-            const Edge& edge = m_net.edges[m_net.outEdges[k]];
-            const std::uint64_t port = m_net.portPlace(edge.tailPort);
-            m_ends.push_back(port << 32 | m_keys.ofHead(edge));
+        for (Index k = m_graph.outBegin[vertex]; k < m_graph.outBegin[vertex + 1]; ++k) {
+            const Edge& edge = m_graph.edges[m_graph.outEdges[k]];
+            const std::uint64_t port = m_graph.portPlace(edge.tailPort);
+            m_ends.push_back(port << 32 | m_ranks.ofHead(edge));
         }
         if (m_ends.size() > 1) std::sort(m_ends.begin(), m_ends.end());
         for (const std::uint64_t end : m_ends)
@@ -23,7 +23,7 @@ void CrossingCounter::collectHeads(Index layer) {
 std::uint64_t CrossingCounter::behind(Index layer) {
     collectHeads(layer);
     if (m_heads.size() < 2) return 0;
-    const std::size_t size = m_keys.headKeys(layer + 1);
+    const std::size_t size = m_ranks.headRanks(layer + 1);
     m_tree.assign(size + 1, 0);
     std::uint64_t count = 0;
     Index seen = 0;
@@ -41,7 +41,7 @@ std::uint64_t CrossingCounter::behind(Index layer) {
 
 std::uint64_t CrossingCounter::inContainer(Index container) {
     std::uint64_t count = 0;
-    for (Index layer = m_net.firstLayer[container]; layer < m_net.lastLayer(container); ++layer)
+    for (Index layer = m_graph.firstLayer[container]; layer < m_graph.lastLayer(container); ++layer)
         count += behind(layer);
     return count;
 }

@@ -1,13 +1,13 @@
 // Counts crossings between two neighbouring layers.
 #pragma once
 
-#include "draw/placement/keys.h"
+#include "draw/placement/port_ranks.h"
 
 namespace tessera_draw::placing {
 
 class CrossingCounter {
   public:
-    CrossingCounter(const Net& net, const Keys& keys) : m_net(net), m_keys(keys) {}
+    CrossingCounter(const LayeredGraph& graph, const PortRanks& ranks) : m_graph(graph), m_ranks(ranks) {}
 
     [[nodiscard]] std::uint64_t behind(Index layer);
     [[nodiscard]] std::uint64_t inContainer(Index container);
@@ -15,8 +15,8 @@ class CrossingCounter {
   private:
     void collectHeads(Index layer);
 
-    const Net& m_net;
-    const Keys& m_keys;
+    const LayeredGraph& m_graph;
+    const PortRanks& m_ranks;
     std::vector<Index> m_heads;  // of the edges, ordered by their tails
     std::vector<std::uint64_t> m_ends;
     std::vector<Index> m_tree;

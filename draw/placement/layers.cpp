@@ -10,16 +10,17 @@ namespace {
 
 using Rank = std::int64_t;
 
-// Finds ranks for boxes without a level from the hops between members.
+// Finds ranks for boxes without a level from the route segments between members.
 class FreeRanks {
   public:
-    FreeRanks(const std::vector<BoxToPlace>& boxes, const std::vector<Hop>& hops, std::vector<Rank>& ranks)
+    FreeRanks(const std::vector<BoxToPlace>& boxes, const std::vector<RouteSegment>& routeSegments,
+              std::vector<Rank>& ranks)
         : m_ranks(ranks) {
         m_isFree.resize(boxes.size());
         for (std::size_t i = 0; i < boxes.size(); ++i)
             m_isFree[i] = boxes[i].level == -1 ? 1 : 0;
-        for (const Hop& hop : hops)
-            if (concerns(hop)) m_arrows.push_back({hop.fromMember, hop.toMember});
+        for (const RouteSegment& routeSegment : routeSegments)
+            if (concerns(routeSegment)) m_arrows.push_back({routeSegment.fromMember, routeSegment.toMember});
     }
 
     void find() {
@@ -37,10 +38,11 @@ class FreeRanks {
         bool isCut = false;
     };
 
-    [[nodiscard]] bool concerns(const Hop& hop) const {
-        if (hop.fromMember == nothing || hop.toMember == nothing || hop.fromMember == hop.toMember)
+    [[nodiscard]] bool concerns(const RouteSegment& routeSegment) const {
+        if (routeSegment.fromMember == nothing || routeSegment.toMember == nothing ||
+            routeSegment.fromMember == routeSegment.toMember)
             return false;
-        return m_isFree[hop.fromMember] || m_isFree[hop.toMember];
+        return m_isFree[routeSegment.fromMember] || m_isFree[routeSegment.toMember];
     }
 
     void sortByTail() {
@@ -158,7 +160,8 @@ Members membersOf(const Nesting& nesting, Index container) {
 
 }  // namespace
 
-Layers layersOf(const std::vector<BoxToPlace>& boxes, const Nesting& nesting, const std::vector<Hop>& hops) {
+Layers layersOf(const std::vector<BoxToPlace>& boxes, const Nesting& nesting,
+                const std::vector<RouteSegment>& routeSegments) {
     std::vector<Rank> ranks(boxes.size(), 0);
     for (std::size_t i = 0; i < boxes.size(); ++i)
         if (boxes[i].level != -1) ranks[i] = boxes[i].level;
@@ -166,7 +169,7 @@ Layers layersOf(const std::vector<BoxToPlace>& boxes, const Nesting& nesting, co
         Members members = membersOf(nesting, container);
         (void)compress(members, boxes, ranks, true);
     }
-    FreeRanks(boxes, hops, ranks).find();
+    FreeRanks(boxes, routeSegments, ranks).find();
     Layers layers;
     for (Index container = 0; container < nesting.containerCount(); ++container) {
         Members members = membersOf(nesting, container);

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "draw/placement/hops.h"
+#include "draw/placement/route_segments.h"
 
 namespace tessera_draw::placing {
 
@@ -16,6 +16,6 @@ struct Layers {
 // a level does, before what they lead to. Boxes at a border stand in the container's first or last layer, in
 // one of their own where their level says otherwise.
 [[nodiscard]] Layers layersOf(const std::vector<BoxToPlace>& boxes, const Nesting& nesting,
-                              const std::vector<Hop>& hops);
+                              const std::vector<RouteSegment>& routeSegments);
 
 }  // namespace tessera_draw::placing

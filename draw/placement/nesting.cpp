@@ -1,13 +1,12 @@
 #include "draw/placement/nesting.h"
 
-#include <algorithm>
 #include <numeric>
 
 namespace tessera_draw::placing {
 namespace {
 
-// Cuts circles: of each, the box at which the walk around it began goes to top level.
-void cutCircles(std::vector<Index>& parent, Index drawing) {
+// Breaks cycles of groups: of each, the box at which the walk around it began goes to top level.
+void cutCycles(std::vector<Index>& parent, Index drawing) {
     std::vector<Index> seenFrom(parent.size(), nothing);
     seenFrom[drawing] = drawing;
     for (Index start = 0; start < drawing; ++start) {
@@ -39,46 +38,18 @@ Children childrenOf(const std::vector<Index>& parent, Index drawing) {
     return children;
 }
 
-void setJump(Nesting& nesting, Index box) {
-    const Index around = nesting.parent[box];
-    const Index far = nesting.jump[around];
-    const Index step = nesting.depth[around] - nesting.depth[far];
-    const bool isSameStep = step == nesting.depth[far] - nesting.depth[nesting.jump[far]];
-    nesting.depth[box] = nesting.depth[around] + 1;
-    nesting.jump[box] = isSameStep ? nesting.jump[far] : around;
-}
-
 }  // namespace
-
-Index Nesting::ancestorAt(Index box, Index wantedDepth) const {
-    while (depth[box] > wantedDepth)
-        box = depth[jump[box]] >= wantedDepth ? jump[box] : parent[box];
-    return box;
-}
-
-Index Nesting::commonBox(Index a, Index b) const {
-    const Index shallower = std::min(depth[a], depth[b]);
-    a = ancestorAt(a, shallower);
-    b = ancestorAt(b, shallower);
-    while (a != b) {
-        const bool mayJump = jump[a] != jump[b];
-        a = mayJump ? jump[a] : parent[a];
-        b = mayJump ? jump[b] : parent[b];
-    }
-    return a;
-}
 
 Nesting nestingOf(const std::vector<BoxToPlace>& boxes) {
     Nesting nesting;
     const auto drawing = static_cast<Index>(boxes.size());
     nesting.drawing = drawing;
-    nesting.parent.assign(boxes.size() + 1, drawing);
+    std::vector<Index> parent(boxes.size() + 1, drawing);
     for (Index box = 0; box < drawing; ++box)
-        if (boxes[box].group < drawing) nesting.parent[box] = boxes[box].group;
-    cutCircles(nesting.parent, drawing);
-    const Children children = childrenOf(nesting.parent, drawing);
-    nesting.depth.assign(boxes.size() + 1, 0);
-    nesting.jump.assign(boxes.size() + 1, drawing);
+        if (boxes[box].group < drawing) parent[box] = boxes[box].group;
+    cutCycles(parent, drawing);
+    const Children children = childrenOf(parent, drawing);
+    nesting.tree = tessera_support::AncestorIndex<Index>(boxes.size() + 1, drawing);
     nesting.containerOf.assign(boxes.size() + 1, nothing);
     nesting.containerOf[drawing] = 0;
     nesting.boxOf.push_back(drawing);
@@ -89,7 +60,7 @@ Nesting nestingOf(const std::vector<BoxToPlace>& boxes) {
         for (Index i = children.begin[around]; i < children.begin[around + 1]; ++i) {
             const Index box = children.list[i];
             nesting.members.push_back(box);
-            setJump(nesting, box);
+            nesting.tree.setParent(box, around);
             if (!boxes[box].isContainer && children.begin[box] == children.begin[box + 1]) continue;
             nesting.containerOf[box] = nesting.containerCount();
             nesting.boxOf.push_back(box);

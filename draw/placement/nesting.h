@@ -3,7 +3,8 @@
 
 #include <vector>
 
-#include "draw/placement.h"
+#include "draw/placement/placement.h"
+#include "support/ancestor_index.h"
 
 namespace tessera_draw::placing {
 
@@ -11,22 +12,14 @@ namespace tessera_draw::placing {
 // Containers are numbered on their own, outer ones before those inside; the drawing is number 0.
 struct Nesting {
     Index drawing = 0;
-    std::vector<Index> parent;       // the box around each; the drawing is its own
-    std::vector<Index> depth;        // of the drawing 0
-    std::vector<Index> jump;         // some box around each, so that log n jumps lead to any
-    std::vector<Index> containerOf;  // each box's own number as a container, or nothing
-    std::vector<Index> boxOf;        // of each container
-    std::vector<Index> memberBegin;  // by container, in `members`
-    std::vector<Index> members;      // boxes, in the order of the input
+    tessera_support::AncestorIndex<Index> tree;  // of boxes; its root is the drawing
+    std::vector<Index> containerOf;              // each box's own number as a container, or nothing
+    std::vector<Index> boxOf;                    // of each container
+    std::vector<Index> memberBegin;              // by container, in `members`
+    std::vector<Index> members;                  // boxes, in the order of the input
 
     [[nodiscard]] Index containerCount() const noexcept { return static_cast<Index>(boxOf.size()); }
-    [[nodiscard]] Index containerAround(Index box) const { return containerOf[parent[box]]; }
-
-    // The box around `box`, or itself, that has the depth. REQUIRES: depth <= that of the box.
-    [[nodiscard]] Index ancestorAt(Index box, Index wantedDepth) const;
-
-    // The innermost box around both, which may be one of them.
-    [[nodiscard]] Index commonBox(Index a, Index b) const;
+    [[nodiscard]] Index containerAround(Index box) const { return containerOf[tree.parent(box)]; }
 };
 
 // A box whose group is no box stands at top level; so does one box of each circle of groups.

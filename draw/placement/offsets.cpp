@@ -8,28 +8,28 @@ namespace tessera_draw::placing {
 namespace {
 
 template <typename Visit>
-void forEnds(const Net& net, Visit visit) {
-    for (Index i = 0; i < net.edges.size(); ++i) {
-        const Edge& edge = net.edges[i];
+void forEnds(const LayeredGraph& graph, Visit visit) {
+    for (Index i = 0; i < graph.edges.size(); ++i) {
+        const Edge& edge = graph.edges[i];
         if (edge.kind == Edge::Kind::plain) continue;
         if (edge.tail != nothing) visit(edge.tail, i, true);
         if (edge.head != nothing) visit(edge.head, i, false);
     }
 }
 
-constexpr double farthestSlide = 14;
-constexpr double leastShare = 0.55;  // of the even distance that neighbours keep
+constexpr double maxSlide = 14;
+constexpr double minShare = 0.55;  // of the even distance that neighbours keep
 
 }  // namespace
 
-Offsets::Offsets(Net& net, const Nesting& nesting, const Spacing& spacing)
-    : m_net(net), m_nesting(nesting), m_spacing(spacing), m_keys(net, nesting) {
-    m_otherBegin.assign(net.firstWaypoint + 1, 0);
-    forEnds(net, [&](Index vertex, Index, bool) { ++m_otherBegin[vertex + 1]; });
+Offsets::Offsets(LayeredGraph& graph, const Nesting& nesting, const Spacing& spacing)
+    : m_graph(graph), m_nesting(nesting), m_spacing(spacing), m_ranks(graph, nesting) {
+    m_otherBegin.assign(graph.firstDummyVertex + 1, 0);
+    forEnds(graph, [&](Index vertex, Index, bool) { ++m_otherBegin[vertex + 1]; });
     std::partial_sum(m_otherBegin.begin(), m_otherBegin.end(), m_otherBegin.begin());
     m_others.resize(m_otherBegin.back());
     std::vector<Index> next(m_otherBegin.begin(), m_otherBegin.end() - 1);
-    forEnds(net, [&](Index vertex, Index edge, bool isTail) { m_others[next[vertex]++] = {edge, isTail}; });
+    forEnds(graph, [&](Index vertex, Index edge, bool isTail) { m_others[next[vertex]++] = {edge, isTail}; });
 }
 
 void Offsets::set(Index container) {
@@ -42,28 +42,28 @@ void Offsets::set(Index container) {
 
 void Offsets::collectSide(Index box, bool isAtEnd) {
     m_side.clear();
-    const auto& begin = isAtEnd ? m_net.outBegin : m_net.inBegin;
-    const auto& edges = isAtEnd ? m_net.outEdges : m_net.inEdges;
+    const auto& begin = isAtEnd ? m_graph.outBegin : m_graph.inBegin;
+    const auto& edges = isAtEnd ? m_graph.outEdges : m_graph.inEdges;
     for (Index k = begin[box]; k < begin[box + 1]; ++k)
-        m_side.push_back(sideKey(m_net, m_keys, edges[k], isAtEnd));
+        m_side.push_back(sideKey(m_graph, m_ranks, edges[k], isAtEnd));
     forOthers(box, [&](Index edge, bool isTail) {
-        if ((m_net.edges[edge].kind != Edge::Kind::fromLane) == isAtEnd)
-            m_side.push_back(sideKey(m_net, m_keys, edge, isTail));
+        if ((m_graph.edges[edge].kind != Edge::Kind::fromLane) == isAtEnd)
+            m_side.push_back(sideKey(m_graph, m_ranks, edge, isTail));
     });
 }
 
 // Around the middle; where the box is too low for all, closer together. Ports stand where they are.
 void Offsets::spread(Index box) {
     std::sort(m_side.begin(), m_side.end());
-    const double height = m_net.height[box];
+    const double height = m_graph.height[box];
     const auto count = static_cast<double>(m_side.size());
     const double usable = std::max(height - 2 * std::min(m_spacing.betweenLines * 0.8, height / 6), 0.0);
     const double step = count > 1 ? std::min(1.6 * m_spacing.betweenLines, usable / (count - 1)) : 0;
     double offset = height / 2 - step * (count - 1) / 2;
     for (const SideKey& side : m_side) {
-        const Edge& edge = m_net.edges[side.edge];
+        const Edge& edge = m_graph.edges[side.edge];
         const Index port = side.isTail ? edge.tailPort : edge.headPort;
-        offsetOf(side) = port == nothing ? offset : m_net.top[m_net.vertexOf(port)];
+        offsetOf(side) = port == nothing ? offset : m_graph.top[m_graph.vertexOf(port)];
         offset += step;
     }
 }
@@ -73,7 +73,7 @@ void Offsets::straighten(Index container) {
     for (const bool areSingle : {false, true})
         for (Index i = m_nesting.memberBegin[container]; i < m_nesting.memberBegin[container + 1]; ++i) {
             const Index box = m_nesting.members[i];
-            if (m_net.isOnLine[box] != 0 || m_nesting.containerOf[box] != nothing) continue;
+            if (m_graph.isOnLine[box] != 0 || m_nesting.containerOf[box] != nothing) continue;
             for (const bool isAtEnd : {false, true}) {
                 collectSide(box, isAtEnd);
                 if (!m_side.empty() && (m_side.size() == 1) == areSingle) slide(box);
@@ -83,24 +83,23 @@ void Offsets::straighten(Index container) {
 
 // Where the end would have to be.
 double Offsets::straightOffset(const SideKey& side, Index box) const {
-    const Edge& edge = m_net.edges[side.edge];
+    const Edge& edge = m_graph.edges[side.edge];
     if (edge.kind != Edge::Kind::plain) return side.isTail ? edge.tailOffset : edge.headOffset;
-    return (side.isTail ? m_net.headY(edge) : m_net.tailY(edge)) - m_net.top[box];
+    return (side.isTail ? m_graph.headY(edge) : m_graph.tailY(edge)) - m_graph.top[box];
 }
 
 void Offsets::slide(Index box) {
     std::sort(m_side.begin(), m_side.end());
-    const double height = m_net.height[box];
+    const double height = m_graph.height[box];
     const double margin = std::min(m_spacing.betweenLines * 0.8, height / 6);
     const double step = m_side.size() > 1 ? offsetOf(m_side[1]) - offsetOf(m_side[0]) : 0;
     double from = margin;
     for (std::size_t i = 0; i < m_side.size(); ++i) {
         double& offset = offsetOf(m_side[i]);
-        const double to =
-            i + 1 < m_side.size() ? offsetOf(m_side[i + 1]) - step * leastShare : height - margin;
+        const double to = i + 1 < m_side.size() ? offsetOf(m_side[i + 1]) - step * minShare : height - margin;
         const double wanted = straightOffset(m_side[i], box);
-        if (wanted >= from && wanted <= to && std::abs(wanted - offset) <= farthestSlide) offset = wanted;
-        from = offset + step * leastShare;
+        if (wanted >= from && wanted <= to && std::abs(wanted - offset) <= maxSlide) offset = wanted;
+        from = offset + step * minShare;
     }
 }
 

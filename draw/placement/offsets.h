@@ -3,13 +3,13 @@
 
 #include <vector>
 
-#include "draw/placement/keys.h"
+#include "draw/placement/port_ranks.h"
 
 namespace tessera_draw::placing {
 
 class Offsets {
   public:
-    Offsets(Net& net, const Nesting& nesting, const Spacing& spacing);
+    Offsets(LayeredGraph& graph, const Nesting& nesting, const Spacing& spacing);
 
     // Of the edges of the container's members. Needs the layers' order, the heights of boxes, and the inside
     // of containers.
@@ -37,13 +37,13 @@ class Offsets {
     void slide(Index box);
     [[nodiscard]] double straightOffset(const SideKey& side, Index box) const;
     [[nodiscard]] double& offsetOf(const SideKey& side) {
-        return side.isTail ? m_net.edges[side.edge].tailOffset : m_net.edges[side.edge].headOffset;
+        return side.isTail ? m_graph.edges[side.edge].tailOffset : m_graph.edges[side.edge].headOffset;
     }
 
-    Net& m_net;
+    LayeredGraph& m_graph;
     const Nesting& m_nesting;
     const Spacing& m_spacing;
-    Keys m_keys;
+    PortRanks m_ranks;
     std::vector<Index> m_otherBegin;
     std::vector<EdgeEnd> m_others;
     std::vector<SideKey> m_side;

@@ -22,10 +22,14 @@ constexpr Index siftingReach = 10;
 // Orders the layers of one container.
 class ContainerOrdering {
   public:
-    ContainerOrdering(Net& net, const Nesting& nesting, Watch& watch)
-        : m_net(net), m_watch(watch), m_keys(net, nesting), m_counter(net, m_keys), m_sifting(net, m_keys) {}
+    ContainerOrdering(LayeredGraph& graph, const Nesting& nesting, const CancelToken& cancel)
+        : m_graph(graph),
+          m_cancel(cancel),
+          m_ranks(graph, nesting),
+          m_counter(graph, m_ranks),
+          m_sifting(graph, m_ranks) {}
 
-    [[nodiscard]] Keys& keys() noexcept { return m_keys; }
+    [[nodiscard]] PortRanks& ranks() noexcept { return m_ranks; }
 
     // From nothing, spending so much work: in a small container on each of several first orders, else on that
     // which is best after sweeps.
@@ -33,22 +37,22 @@ class ContainerOrdering {
         enter(container, false);
         if (m_size == 0) return;
         const bool isSmall = m_size <= smallEnoughForAll;
-        m_starts.assign(m_net.order.begin() + m_net.layerBegin[m_first],
-                        m_net.order.begin() + m_net.layerBegin[m_last + 1]);
+        m_starts.assign(m_graph.order.begin() + m_graph.layerBegin[m_first],
+                        m_graph.order.begin() + m_graph.layerBegin[m_last + 1]);
         const double endOfAll = spent() + work;
-        std::uint64_t least = unknown;
+        std::uint64_t fewest = unknown;
         std::vector<Index> order;
         for (const Walk walk : {Walk::depthFirst, Walk::depthFirstFromEnd, Walk::breadthFirst}) {
-            if (least == 0 || (walk == Walk::breadthFirst && !isSmall)) break;
+            if (fewest == 0 || (walk == Walk::breadthFirst && !isSmall)) break;
             const double end = spent() + work / 3;
             walkThrough(walk);
             sweep();
             if (isSmall) siftAndSweep(end);
-            if (m_bestCrossings >= least) continue;
-            least = m_bestCrossings;
+            if (m_bestCrossings >= fewest) continue;
+            fewest = m_bestCrossings;
             order = m_best;
         }
-        m_bestCrossings = least;
+        m_bestCrossings = fewest;
         m_best = order;
         restore(m_best);
         if (!isSmall) siftAndSweep(endOfAll);
@@ -64,20 +68,20 @@ class ContainerOrdering {
     }
 
     void refresh(Index container) {
-        for (Index layer = m_net.firstLayer[container]; layer < m_net.firstLayer[container + 1]; ++layer)
-            m_keys.refresh(layer);
+        for (Index layer = m_graph.firstLayer[container]; layer < m_graph.firstLayer[container + 1]; ++layer)
+            m_ranks.refresh(layer);
     }
 
     [[nodiscard]] std::uint64_t crossings(Index container) { return m_counter.inContainer(container); }
 
   private:
     void enter(Index container, bool keepBorders) {
-        m_first = m_net.firstLayer[container];
-        m_last = m_net.lastLayer(container);
+        m_first = m_graph.firstLayer[container];
+        m_last = m_graph.lastLayer(container);
         m_keepBorders = keepBorders;
-        m_size = m_net.layerBegin[m_last + 1] - m_net.layerBegin[m_first];
-        for (Index i = m_net.layerBegin[m_first]; i < m_net.layerBegin[m_last + 1]; ++i)
-            m_size += m_net.outBegin[m_net.order[i] + 1] - m_net.outBegin[m_net.order[i]];
+        m_size = m_graph.layerBegin[m_last + 1] - m_graph.layerBegin[m_first];
+        for (Index i = m_graph.layerBegin[m_first]; i < m_graph.layerBegin[m_last + 1]; ++i)
+            m_size += m_graph.outBegin[m_graph.order[i] + 1] - m_graph.outBegin[m_graph.order[i]];
         refresh(container);
         m_crossings.assign(m_last - m_first, unknown);
     }
@@ -86,8 +90,9 @@ class ContainerOrdering {
 
     // First order: that of a walk along the edges.
     void walkThrough(Walk walk) {
-        m_isSeen.resize(m_net.vertexCount(), 0);
-        std::vector<Index> next(m_net.layerBegin.begin() + m_first, m_net.layerBegin.begin() + m_last + 1);
+        m_isSeen.resize(m_graph.vertexCount(), 0);
+        std::vector<Index> next(m_graph.layerBegin.begin() + m_first,
+                                m_graph.layerBegin.begin() + m_last + 1);
         for (const Index start : m_starts) {
             m_way.assign(1, start);
             for (std::size_t head = 0; head < m_way.size();) {
@@ -99,7 +104,7 @@ class ContainerOrdering {
                     ++head;
                 if (m_isSeen[vertex] != 0) continue;
                 m_isSeen[vertex] = 1;
-                m_net.order[next[m_net.layer[vertex] - m_first]++] = vertex;
+                m_graph.order[next[m_graph.layer[vertex] - m_first]++] = vertex;
                 addNeighbours(vertex, walk);
             }
         }
@@ -120,32 +125,32 @@ class ContainerOrdering {
                 std::reverse(m_way.begin() + static_cast<std::ptrdiff_t>(begin), m_way.end());
         };
         const std::size_t heads = m_way.size();
-        for (Index i = m_net.outBegin[vertex]; i < m_net.outBegin[vertex + 1]; ++i)
-            add(m_net.edges[m_net.outEdges[i]].head);
+        for (Index i = m_graph.outBegin[vertex]; i < m_graph.outBegin[vertex + 1]; ++i)
+            add(m_graph.edges[m_graph.outEdges[i]].head);
         turnFrom(heads);
         const std::size_t tails = m_way.size();
-        for (Index i = m_net.inBegin[vertex]; i < m_net.inBegin[vertex + 1]; ++i)
-            add(m_net.edges[m_net.inEdges[i]].tail);
+        for (Index i = m_graph.inBegin[vertex]; i < m_graph.inBegin[vertex + 1]; ++i)
+            add(m_graph.edges[m_graph.inEdges[i]].tail);
         turnFrom(tails);
     }
 
     // The layer's order stands: what depends on it.
     void settle(Index layer) {
-        const Index begin = m_net.layerBegin[layer];
-        for (Index i = begin; i < m_net.layerBegin[layer + 1]; ++i)
-            m_net.place[m_net.order[i]] = i - begin;
-        m_keys.refresh(layer);
+        const Index begin = m_graph.layerBegin[layer];
+        for (Index i = begin; i < m_graph.layerBegin[layer + 1]; ++i)
+            m_graph.place[m_graph.order[i]] = i - begin;
+        m_ranks.refresh(layer);
         if (layer > m_first) m_crossings[layer - 1 - m_first] = unknown;
         if (layer < m_last) m_crossings[layer - m_first] = unknown;
     }
 
     // Leaves the best order that some sweeps find.
     void sweep() {
-        constexpr int most = 8;
+        constexpr int maxWalks = 8;
         m_bestCrossings = countAll();
         keep();
         int failures = 0;
-        for (int i = 0; i < most && m_bestCrossings > 0 && failures < 3 && !m_watch.isStopped(); ++i) {
+        for (int i = 0; i < maxWalks && m_bestCrossings > 0 && failures < 3 && !m_cancel.isCancelled(); ++i) {
             sweepOnce(i % 2 == 0, i % 4 >= 2);
             const std::uint64_t crossings = countAll();
             ++failures;
@@ -183,7 +188,7 @@ class ContainerOrdering {
     }
 
     [[nodiscard]] double spent() const { return static_cast<double>(m_sifting.work()) + m_sweepWork; }
-    [[nodiscard]] bool isOver(double end) { return spent() > end || m_watch.isStopped(); }
+    [[nodiscard]] bool isOver(double end) { return spent() > end || m_cancel.isCancelled(); }
 
     [[nodiscard]] bool isKept(Index layer) const {
         return m_keepBorders && (layer == m_first || layer == m_last);
@@ -193,44 +198,44 @@ class ContainerOrdering {
     void reorder(Index layer, bool isForwards, bool mayFlip) {
         if (isKept(layer)) return;
         m_sorted.clear();
-        m_slots.clear();
-        const Index begin = m_net.layerBegin[layer];
-        for (Index i = begin; i < m_net.layerBegin[layer + 1]; ++i) {
-            const Index vertex = m_net.order[i];
+        m_stops.clear();
+        const Index begin = m_graph.layerBegin[layer];
+        for (Index i = begin; i < m_graph.layerBegin[layer + 1]; ++i) {
+            const Index vertex = m_graph.order[i];
             const double mean = isForwards ? meanOfTails(vertex) : meanOfHeads(vertex);
             if (mean < 0) continue;
-            m_slots.push_back(i);
+            m_stops.push_back(i);
             m_sorted.push_back({mean, mayFlip ? begin - i : i, vertex});
         }
         std::sort(m_sorted.begin(), m_sorted.end(), [](const Sorted& a, const Sorted& b) {
             return a.mean != b.mean ? a.mean < b.mean : a.place < b.place;
         });
         bool hasChanged = false;
-        for (std::size_t i = 0; i < m_slots.size(); ++i) {
-            hasChanged = hasChanged || m_net.order[m_slots[i]] != m_sorted[i].vertex;
-            m_net.order[m_slots[i]] = m_sorted[i].vertex;
+        for (std::size_t i = 0; i < m_stops.size(); ++i) {
+            hasChanged = hasChanged || m_graph.order[m_stops[i]] != m_sorted[i].vertex;
+            m_graph.order[m_stops[i]] = m_sorted[i].vertex;
         }
         if (hasChanged) settle(layer);
     }
 
     [[nodiscard]] double meanOfTails(Index vertex) const {
-        const Index begin = m_net.inBegin[vertex];
-        const Index end = m_net.inBegin[vertex + 1];
+        const Index begin = m_graph.inBegin[vertex];
+        const Index end = m_graph.inBegin[vertex + 1];
         double sum = 0;
         for (Index i = begin; i < end; ++i)
-            sum += m_keys.ofTail(m_net.edges[m_net.inEdges[i]]);
+            sum += m_ranks.ofTail(m_graph.edges[m_graph.inEdges[i]]);
         return begin == end ? -1 : sum / (end - begin);
     }
     [[nodiscard]] double meanOfHeads(Index vertex) const {
-        const Index begin = m_net.outBegin[vertex];
-        const Index end = m_net.outBegin[vertex + 1];
+        const Index begin = m_graph.outBegin[vertex];
+        const Index end = m_graph.outBegin[vertex + 1];
         double sum = 0;
         for (Index i = begin; i < end; ++i)
-            sum += m_keys.ofHead(m_net.edges[m_net.outEdges[i]]);
+            sum += m_ranks.ofHead(m_graph.edges[m_graph.outEdges[i]]);
         return begin == end ? -1 : sum / (end - begin);
     }
 
-    // Layer by layer, until nothing changes or the work is done. Answers how many crossings fewer there are.
+    // Layer by layer, until nothing changes or the work is done. Returns how many crossings fewer there are.
     std::uint64_t sift(bool isForwards, double end) {
         const Index count = m_last - m_first + 1;
         std::uint64_t gained = 0;
@@ -266,15 +271,15 @@ class ContainerOrdering {
     }
 
     void keep() {
-        m_best.assign(m_net.order.begin() + m_net.layerBegin[m_first],
-                      m_net.order.begin() + m_net.layerBegin[m_last + 1]);
+        m_best.assign(m_graph.order.begin() + m_graph.layerBegin[m_first],
+                      m_graph.order.begin() + m_graph.layerBegin[m_last + 1]);
     }
 
     void restore(const std::vector<Index>& order) {
         auto kept = order.begin();
         for (Index layer = m_first; layer <= m_last; ++layer) {
-            const auto begin = m_net.order.begin() + m_net.layerBegin[layer];
-            const auto end = m_net.order.begin() + m_net.layerBegin[layer + 1];
+            const auto begin = m_graph.order.begin() + m_graph.layerBegin[layer];
+            const auto end = m_graph.order.begin() + m_graph.layerBegin[layer + 1];
             const bool hasChanged = !std::equal(begin, end, kept);
             std::copy_n(kept, end - begin, begin);
             kept += end - begin;
@@ -288,9 +293,9 @@ class ContainerOrdering {
         Index vertex;
     };
 
-    Net& m_net;
-    Watch& m_watch;
-    Keys m_keys;
+    LayeredGraph& m_graph;
+    const CancelToken& m_cancel;
+    PortRanks m_ranks;
     CrossingCounter m_counter;
     Sifting m_sifting;
     Index m_first = 0;
@@ -307,47 +312,47 @@ class ContainerOrdering {
     std::vector<Index> m_way;
     std::vector<Index> m_starts;  // where walks start, in this order
     std::vector<Sorted> m_sorted;
-    std::vector<Index> m_slots;
+    std::vector<Index> m_stops;
 };
 
 // Goes through the containers, inwards and outwards.
 class NestedOrdering {
   public:
-    NestedOrdering(Net& net, const Nesting& nesting, Watch& watch)
-        : m_net(net),
+    NestedOrdering(LayeredGraph& graph, const Nesting& nesting, const CancelToken& cancel)
+        : m_graph(graph),
           m_nesting(nesting),
-          m_watch(watch),
-          m_inner(net, nesting, watch),
-          m_outerEnd(net.borderPoints.size()) {
-        for (Index i = 0; i < net.edges.size(); ++i) {
-            if (net.edges[i].tailPort != nothing) m_outerEnd[net.edges[i].tailPort] = {i, true};
-            if (net.edges[i].headPort != nothing) m_outerEnd[net.edges[i].headPort] = {i, false};
+          m_cancel(cancel),
+          m_inner(graph, nesting, cancel),
+          m_outerEnd(graph.hierarchicalPorts.size()) {
+        for (Index i = 0; i < graph.edges.size(); ++i) {
+            if (graph.edges[i].tailPort != nothing) m_outerEnd[graph.edges[i].tailPort] = {i, true};
+            if (graph.edges[i].headPort != nothing) m_outerEnd[graph.edges[i].headPort] = {i, false};
         }
     }
 
     void run() {
         const Index count = m_nesting.containerCount();
-        for (Index i = count; i-- > 0 && !m_watch.isStopped();)
-            m_inner.begin(i, workOn(i) * (m_net.borderPoints.empty() ? 1 : 0.5));
-        if (m_net.borderPoints.empty() || m_watch.isStopped()) return;
+        for (Index i = count; i-- > 0 && !m_cancel.isCancelled();)
+            m_inner.begin(i, workOn(i) * (m_graph.hierarchicalPorts.empty() ? 1 : 0.5));
+        if (m_graph.hierarchicalPorts.empty() || m_cancel.isCancelled()) return;
         std::uint64_t best = std::numeric_limits<std::uint64_t>::max();
         std::vector<Index> bestOrder;
         for (int round = 0; round < rounds; ++round) {
             if (round > 0)
                 for (Index i = count; i-- > 0;)
                     m_inner.improve(i, false, workOn(i) / (4 * rounds));
-            for (Index i = 0; i < count && !m_watch.isStopped(); ++i)
+            for (Index i = 0; i < count && !m_cancel.isCancelled(); ++i)
                 goInto(i);
-            const std::uint64_t crossings = crossingsOf(m_net, m_nesting);
+            const std::uint64_t crossings = crossingsOf(m_graph, m_nesting);
             if (crossings >= best) continue;
             best = crossings;
-            bestOrder = m_net.order;
+            bestOrder = m_graph.order;
             if (best == 0) break;
         }
-        m_net.order = bestOrder;
-        for (Index layer = 0; layer < m_net.firstLayer.back(); ++layer)
-            for (Index i = 0; i < m_net.sizeOf(layer); ++i)
-                m_net.place[m_net.at(layer, i)] = i;
+        m_graph.order = bestOrder;
+        for (Index layer = 0; layer < m_graph.firstLayer.back(); ++layer)
+            for (Index i = 0; i < m_graph.sizeOf(layer); ++i)
+                m_graph.place[m_graph.at(layer, i)] = i;
     }
 
   private:
@@ -358,18 +363,18 @@ class NestedOrdering {
 
     // The container's share.
     [[nodiscard]] double workOn(Index container) const {
-        const Index begin = m_net.layerBegin[m_net.firstLayer[container]];
-        const double vertices = m_net.layerBegin[m_net.firstLayer[container + 1]] - begin;
-        const double all = m_net.vertexCount();
+        const Index begin = m_graph.layerBegin[m_graph.firstLayer[container]];
+        const double vertices = m_graph.layerBegin[m_graph.firstLayer[container + 1]] - begin;
+        const double all = m_graph.vertexCount();
         const double small = std::min(smallDiagram / all, 1.0);
         return vertices * (workPerVertex + freeWork * small * small / all);
     }
 
     void goInto(Index container) {
         if (container == 0) return;
-        const Index first = m_net.firstLayer[container];
-        const Index last = m_net.lastLayer(container);
-        if (m_net.sizeOf(first) + m_net.sizeOf(last) == 0) return;
+        const Index first = m_graph.firstLayer[container];
+        const Index last = m_graph.lastLayer(container);
+        if (m_graph.sizeOf(first) + m_graph.sizeOf(last) == 0) return;
         orderBorder(first);
         orderBorder(last);
         m_inner.improve(container, true, workOn(container) / (4 * rounds));
@@ -378,41 +383,41 @@ class NestedOrdering {
     // As their lines go on outside. Points without an outside keep their places.
     void orderBorder(Index layer) {
         m_points.clear();
-        m_slots.clear();
-        const Index begin = m_net.layerBegin[layer];
-        for (Index i = begin; i < m_net.layerBegin[layer + 1]; ++i) {
-            const OuterEnd end = m_outerEnd[m_net.order[i] - m_net.boxCount];
+        m_stops.clear();
+        const Index begin = m_graph.layerBegin[layer];
+        for (Index i = begin; i < m_graph.layerBegin[layer + 1]; ++i) {
+            const OuterEnd end = m_outerEnd[m_graph.order[i] - m_graph.boxCount];
             if (end.edge == nothing) continue;
-            SideKey key = sideKey(m_net, m_inner.keys(), end.edge, end.isTail);
+            SideKey key = sideKey(m_graph, m_inner.ranks(), end.edge, end.isTail);
             key.edge = i - begin;
-            m_points.emplace_back(key, m_net.order[i]);
-            m_slots.push_back(i);
+            m_points.emplace_back(key, m_graph.order[i]);
+            m_stops.push_back(i);
         }
         std::sort(m_points.begin(), m_points.end());
-        for (std::size_t i = 0; i < m_slots.size(); ++i)
-            m_net.order[m_slots[i]] = m_points[i].second;
-        for (Index i = begin; i < m_net.layerBegin[layer + 1]; ++i)
-            m_net.place[m_net.order[i]] = i - begin;
+        for (std::size_t i = 0; i < m_stops.size(); ++i)
+            m_graph.order[m_stops[i]] = m_points[i].second;
+        for (Index i = begin; i < m_graph.layerBegin[layer + 1]; ++i)
+            m_graph.place[m_graph.order[i]] = i - begin;
     }
 
-    Net& m_net;
+    LayeredGraph& m_graph;
     const Nesting& m_nesting;
-    Watch& m_watch;
+    const CancelToken& m_cancel;
     ContainerOrdering m_inner;
-    std::vector<OuterEnd> m_outerEnd;  // of each border point
+    std::vector<OuterEnd> m_outerEnd;  // of each hierarchical port
     std::vector<std::pair<SideKey, Index>> m_points;
-    std::vector<Index> m_slots;
+    std::vector<Index> m_stops;
 };
 
 }  // namespace
 
-void orderLayers(Net& net, const Nesting& nesting, Watch& watch) {
-    NestedOrdering(net, nesting, watch).run();
+void orderLayers(LayeredGraph& graph, const Nesting& nesting, const CancelToken& cancel) {
+    NestedOrdering(graph, nesting, cancel).run();
 }
 
-std::uint64_t crossingsOf(const Net& net, const Nesting& nesting) {
-    const Keys keys(net, nesting);
-    CrossingCounter counter(net, keys);
+std::uint64_t crossingsOf(const LayeredGraph& graph, const Nesting& nesting) {
+    const PortRanks ranks(graph, nesting);
+    CrossingCounter counter(graph, ranks);
     std::uint64_t count = 0;
     for (Index container = 0; container < nesting.containerCount(); ++container)
         count += counter.inContainer(container);

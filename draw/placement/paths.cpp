@@ -28,34 +28,34 @@ Point towards(const Point& from, const Point& to, double distance) {
 
 class PathMaker {
   public:
-    PathMaker(const Nesting& nesting, const Net& net, const Frame& frame, const std::vector<Rect>& boxes,
-              const Spacing& spacing)
-        : m_nesting(nesting), m_net(net), m_frame(frame), m_boxes(boxes), m_spacing(spacing) {}
+    PathMaker(const Nesting& nesting, const LayeredGraph& graph, const ContainerGeometry& geometry,
+              const std::vector<Rect>& boxes, const Spacing& spacing)
+        : m_nesting(nesting), m_graph(graph), m_geometry(geometry), m_boxes(boxes), m_spacing(spacing) {}
 
-    PlacedLine::Stretch stretch(const Hop& hop, const PieceRange& pieces) {
+    PlacedLine::Stretch stretch(const RouteSegment& routeSegment, const ChainRange& chains) {
         m_knots.clear();
-        if (hop.isDirect) {
-            addDirect(hop);
+        if (routeSegment.isDirect) {
+            addDirect(routeSegment);
         } else {
-            for (Index i = pieces.begin; i < pieces.end; ++i)
-                addPiece(m_net.pieces[i]);
+            for (Index i = chains.begin; i < chains.end; ++i)
+                addPiece(m_graph.chains[i]);
         }
         return drawn();
     }
 
   private:
-    void addDirect(const Hop& hop) {
-        const Rect& from = m_boxes[hop.from];
-        const Rect& to = m_boxes[hop.to];
+    void addDirect(const RouteSegment& routeSegment) {
+        const Rect& from = m_boxes[routeSegment.from];
+        const Rect& to = m_boxes[routeSegment.to];
         add({from.right(), from.y + from.height / 2}, false);
         add({to.x, to.y + to.height / 2}, true);
     }
 
-    void addPiece(const Piece& piece) {
-        for (Index k = 0; k < piece.edgeCount; ++k) {
-            const Index index = piece.firstEdge + (piece.isReversed ? piece.edgeCount - 1 - k : k);
-            setEdgeKnots(m_net.edges[index], piece.container);
-            if (piece.isReversed) reverseEdgeKnots();
+    void addPiece(const EdgeChain& chain) {
+        for (Index k = 0; k < chain.edgeCount; ++k) {
+            const Index index = chain.firstEdge + (chain.isReversed ? chain.edgeCount - 1 - k : k);
+            setEdgeKnots(m_graph.edges[index], chain.container);
+            if (chain.isReversed) reverseEdgeKnots();
             for (std::size_t i = 0; i < m_edgeKnotCount; ++i)
                 add(m_edgeKnots.at(i).at, m_edgeKnots.at(i).isCurve);
         }
@@ -66,16 +66,16 @@ class PathMaker {
         m_origin = box == m_nesting.drawing ? Point{} : Point{m_boxes[box].x, m_boxes[box].y};
         m_edgeKnotCount = 0;
         const bool isLoop = edge.kind == Edge::Kind::loop;
-        const double fromY = edge.tail == nothing ? edge.tailOffset : m_net.tailY(edge);
-        const double toY = edge.head == nothing ? edge.headOffset : m_net.headY(edge);
-        const Index gap = edge.tail == nothing ? m_net.layer[edge.head] - 1 : m_net.layer[edge.tail];
+        const double fromY = edge.tail == nothing ? edge.tailOffset : m_graph.tailY(edge);
+        const double toY = edge.head == nothing ? edge.headOffset : m_graph.headY(edge);
+        const Index gap = edge.tail == nothing ? m_graph.layer[edge.head] - 1 : m_graph.layer[edge.tail];
         if (edge.tail != nothing) addToEdge(rightOf(edge.tail), fromY);
         if (edge.bend == Edge::Bend::curve) {
-            addToEdge(m_frame.gapBegin(gap), fromY);
-            addToEdge(m_frame.gapEnd(gap), toY, true);
+            addToEdge(m_geometry.gapBegin(gap), fromY);
+            addToEdge(m_geometry.gapEnd(gap), toY, true);
         } else if (edge.bend == Edge::Bend::track) {
-            addToEdge(m_frame.gapBegin(gap) + edge.trackX, fromY);
-            addToEdge(m_frame.gapBegin(gap) + edge.trackX, toY);
+            addToEdge(m_geometry.gapBegin(gap) + edge.trackX, fromY);
+            addToEdge(m_geometry.gapBegin(gap) + edge.trackX, toY);
         }
         if (edge.head != nothing) addToEdge(isLoop ? rightOf(edge.head) : leftOf(edge.head), toY);
     }
@@ -94,10 +94,11 @@ class PathMaker {
 
     // Points have one side: lines go straight on through their layer.
     [[nodiscard]] double leftOf(Index vertex) const {
-        return vertex < m_net.boxCount ? m_frame.boxes[vertex].x : m_frame.layerX[m_net.layer[vertex]];
+        return vertex < m_graph.boxCount ? m_geometry.boxes[vertex].x
+                                         : m_geometry.layerX[m_graph.layer[vertex]];
     }
     [[nodiscard]] double rightOf(Index vertex) const {
-        return vertex < m_net.boxCount ? m_frame.boxes[vertex].right() : leftOf(vertex);
+        return vertex < m_graph.boxCount ? m_geometry.boxes[vertex].right() : leftOf(vertex);
     }
 
     void add(const Point& at, bool isCurve) {
@@ -158,8 +159,8 @@ class PathMaker {
     }
 
     const Nesting& m_nesting;
-    const Net& m_net;
-    const Frame& m_frame;
+    const LayeredGraph& m_graph;
+    const ContainerGeometry& m_geometry;
     const std::vector<Rect>& m_boxes;
     const Spacing& m_spacing;
     Point m_origin;
@@ -171,12 +172,14 @@ class PathMaker {
 }  // namespace
 
 std::vector<PlacedLine> pathsOf(const PlacementInput& input, const Nesting& nesting,
-                                const std::vector<Hop>& hops, const Net& net, const Frame& frame,
-                                const std::vector<Rect>& boxes, const Spacing& spacing) {
+                                const std::vector<RouteSegment>& routeSegments, const LayeredGraph& graph,
+                                const ContainerGeometry& geometry, const std::vector<Rect>& boxes,
+                                const Spacing& spacing) {
     std::vector<PlacedLine> lines(input.lines.size());
-    PathMaker maker(nesting, net, frame, boxes, spacing);
-    for (std::size_t i = 0; i < hops.size(); ++i)
-        lines[hops[i].line].stretches.push_back(maker.stretch(hops[i], net.ofHop[i]));
+    PathMaker maker(nesting, graph, geometry, boxes, spacing);
+    for (std::size_t i = 0; i < routeSegments.size(); ++i)
+        lines[routeSegments[i].line].stretches.push_back(
+            maker.stretch(routeSegments[i], graph.ofRouteSegment[i]));
     return lines;
 }
 

@@ -1,11 +1,10 @@
 #include <utility>
 
-#include "draw/placement.h"
-#include "draw/placement/frame.h"
-#include "draw/placement/hops.h"
+#include "draw/placement/container_geometry.h"
 #include "draw/placement/ordering.h"
 #include "draw/placement/paths.h"
-#include "draw/placement/watch.h"
+#include "draw/placement/placement.h"
+#include "draw/placement/route_segments.h"
 
 namespace tessera_draw {
 namespace {
@@ -13,10 +12,10 @@ namespace {
 using namespace placing;  // NOLINT(google-build-using-namespace): the steps of this one function
 
 // From places in the containers to places in the drawing; containers stand before what is in them.
-std::vector<Rect> inDrawing(const Nesting& nesting, const Frame& frame) {
-    std::vector<Rect> boxes(frame.boxes.begin(), frame.boxes.end() - 1);
+std::vector<Rect> inDrawing(const Nesting& nesting, const ContainerGeometry& geometry) {
+    std::vector<Rect> boxes(geometry.boxes.begin(), geometry.boxes.end() - 1);
     for (const Index box : nesting.members) {
-        const Index around = nesting.parent[box];
+        const Index around = nesting.tree.parent(box);
         if (around == nesting.drawing) continue;
         boxes[box].x += boxes[around].x;
         boxes[box].y += boxes[around].y;
@@ -26,18 +25,18 @@ std::vector<Rect> inDrawing(const Nesting& nesting, const Frame& frame) {
 
 }  // namespace
 
-Placement place(const PlacementInput& input, const Spacing& spacing) {
-    Watch watch(input.isStopped);
+Placement place(const PlacementInput& input, const Spacing& spacing, const CancelToken& cancel) {
     const Nesting nesting = nestingOf(input.boxes);
-    const std::vector<Hop> hops = hopsOf(input, nesting);
-    Net net = netOf(input.boxes, nesting, hops, layersOf(input.boxes, nesting, hops));
-    orderLayers(net, nesting, watch);
-    const Frame frame = frameOf(input.boxes, nesting, net, spacing, watch);
+    const std::vector<RouteSegment> routeSegments = routeSegmentsOf(input, nesting);
+    LayeredGraph graph =
+        layeredGraphOf(input.boxes, nesting, routeSegments, layersOf(input.boxes, nesting, routeSegments));
+    orderLayers(graph, nesting, cancel);
+    const ContainerGeometry geometry = containerGeometryOf(input.boxes, nesting, graph, spacing, cancel);
     Placement placement;
-    if (watch.isStopped()) return placement;
-    placement.size = {frame.boxes.back().width, frame.boxes.back().height};
-    placement.boxes = inDrawing(nesting, frame);
-    placement.lines = pathsOf(input, nesting, hops, net, frame, placement.boxes, spacing);
+    if (cancel.isCancelled()) return placement;
+    placement.size = {geometry.boxes.back().width, geometry.boxes.back().height};
+    placement.boxes = inDrawing(nesting, geometry);
+    placement.lines = pathsOf(input, nesting, routeSegments, graph, geometry, placement.boxes, spacing);
     return placement;
 }
 

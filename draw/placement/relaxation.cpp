@@ -3,7 +3,7 @@
 #include <limits>
 #include <utility>
 
-#include "draw/placement/strip.h"
+#include "draw/placement/block_graph.h"
 
 namespace tessera_draw::placing {
 namespace {
@@ -14,10 +14,11 @@ constexpr int passes = 6;
 // Moves bodies, vertices that stay straight to one another, to where their edges lose least.
 class Relaxation {
   public:
-    Relaxation(const Strip& strip, std::vector<double>& tops) : m_strip(strip), m_tops(tops) {}
+    Relaxation(const BlockGraph& blockGraph, std::vector<double>& tops)
+        : m_blockGraph(blockGraph), m_tops(tops) {}
 
     // Bodies are lines' straight runs, or all that is joined by straight edges.
-    // Answers whether any has moved.
+    // Returns whether any has moved.
     bool run(bool onlyLines, bool isForwards) {
         m_hasMoved = false;
         findBodies(onlyLines);
@@ -33,36 +34,36 @@ class Relaxation {
         double weight;
     };
 
-    [[nodiscard]] double difference(Index i, const Tie& tie) const {
-        return m_tops[tie.other] + tie.otherOffset - m_tops[i] - tie.ownOffset;
+    [[nodiscard]] double difference(Index i, const Adjacency& adjacency) const {
+        return m_tops[adjacency.other] + adjacency.otherOffset - m_tops[i] - adjacency.ownOffset;
     }
 
     // Bodies are listed in the order of their first vertices.
     void findBodies(bool onlyLines) {
-        m_body.assign(m_strip.size(), nothing);
+        m_body.assign(m_blockGraph.size(), nothing);
         m_bodyBegin.assign(1, 0);
         m_members.clear();
-        for (Index start = 0; start < m_strip.size(); ++start) {
+        for (Index start = 0; start < m_blockGraph.size(); ++start) {
             if (m_body[start] != nothing) continue;
             const Index body = static_cast<Index>(m_bodyBegin.size()) - 1;
             m_body[start] = body;
             m_members.push_back(start);
             for (std::size_t head = m_bodyBegin.back(); head < m_members.size(); ++head) {
                 const Index i = m_members[head];
-                for (Index k = m_strip.inBegin[i]; k < m_strip.inBegin[i + 1]; ++k)
-                    join(i, m_strip.in[k], body, onlyLines);
-                for (Index k = m_strip.outBegin[i]; k < m_strip.outBegin[i + 1]; ++k)
-                    join(i, m_strip.out[k], body, onlyLines);
+                for (Index k = m_blockGraph.inBegin[i]; k < m_blockGraph.inBegin[i + 1]; ++k)
+                    join(i, m_blockGraph.in[k], body, onlyLines);
+                for (Index k = m_blockGraph.outBegin[i]; k < m_blockGraph.outBegin[i + 1]; ++k)
+                    join(i, m_blockGraph.out[k], body, onlyLines);
             }
             m_bodyBegin.push_back(static_cast<Index>(m_members.size()));
         }
     }
 
-    void join(Index i, const Tie& tie, Index body, bool onlyLines) {
-        if (m_body[tie.other] != nothing || (onlyLines && !tie.isInner)) return;
-        if (std::abs(difference(i, tie)) > straight) return;
-        m_body[tie.other] = body;
-        m_members.push_back(tie.other);
+    void join(Index i, const Adjacency& adjacency, Index body, bool onlyLines) {
+        if (m_body[adjacency.other] != nothing || (onlyLines && !adjacency.isInner)) return;
+        if (std::abs(difference(i, adjacency)) > straight) return;
+        m_body[adjacency.other] = body;
+        m_members.push_back(adjacency.other);
     }
 
     void settle(Index body) {
@@ -71,10 +72,10 @@ class Relaxation {
         m_wishes.clear();
         for (Index k = m_bodyBegin[body]; k < m_bodyBegin[body + 1]; ++k) {
             const Index i = m_members[k];
-            if (m_strip.isFirst[i] == 0 && m_body[i - 1] != body)
-                up = std::max(up, m_tops[i - 1] + m_strip.step(i - 1) - m_tops[i]);
-            if (m_strip.isLast[i] == 0 && m_body[i + 1] != body)
-                down = std::min(down, m_tops[i + 1] - m_strip.step(i) - m_tops[i]);
+            if (m_blockGraph.isFirst[i] == 0 && m_body[i - 1] != body)
+                up = std::max(up, m_tops[i - 1] + m_blockGraph.step(i - 1) - m_tops[i]);
+            if (m_blockGraph.isLast[i] == 0 && m_body[i + 1] != body)
+                down = std::min(down, m_tops[i + 1] - m_blockGraph.step(i) - m_tops[i]);
             addWishes(i, body);
         }
         if (m_wishes.empty()) return;
@@ -87,17 +88,18 @@ class Relaxation {
 
     // One for each side: a vertex with two equal neighbours there wants to stand between them.
     void addWishes(Index i, Index body) {
-        addWish(i, body, m_strip.in, m_strip.inBegin);
-        addWish(i, body, m_strip.out, m_strip.outBegin);
+        addWish(i, body, m_blockGraph.in, m_blockGraph.inBegin);
+        addWish(i, body, m_blockGraph.out, m_blockGraph.outBegin);
     }
 
-    void addWish(Index i, Index body, const std::vector<Tie>& ties, const std::vector<Index>& begin) {
+    void addWish(Index i, Index body, const std::vector<Adjacency>& adjacencies,
+                 const std::vector<Index>& begin) {
         m_side.clear();
         double weight = 0;
         for (Index k = begin[i]; k < begin[i + 1]; ++k) {
-            if (m_body[ties[k].other] == body) continue;
-            m_side.push_back({difference(i, ties[k]), ties[k].weight});
-            weight += ties[k].weight;
+            if (m_body[adjacencies[k].other] == body) continue;
+            m_side.push_back({difference(i, adjacencies[k]), adjacencies[k].weight});
+            weight += adjacencies[k].weight;
         }
         if (m_side.empty()) return;
         m_wishes.push_back({median(m_side, weight, [](double a, double b) { return (a + b) / 2; }), weight});
@@ -132,7 +134,7 @@ class Relaxation {
         return (a + b) / 2;
     }
 
-    const Strip& m_strip;
+    const BlockGraph& m_blockGraph;
     std::vector<double>& m_tops;
     bool m_hasMoved = false;
     std::vector<Index> m_body;
@@ -143,20 +145,20 @@ class Relaxation {
 };
 
 // Rounding has left nothing nearer than it may be.
-void keepDistances(const Strip& strip, std::vector<double>& tops) {
-    for (Index i = 0; i + 1 < strip.size(); ++i)
-        if (strip.isLast[i] == 0) tops[i + 1] = std::max(tops[i + 1], tops[i] + strip.step(i));
+void keepDistances(const BlockGraph& blockGraph, std::vector<double>& tops) {
+    for (Index i = 0; i + 1 < blockGraph.size(); ++i)
+        if (blockGraph.isLast[i] == 0) tops[i + 1] = std::max(tops[i + 1], tops[i] + blockGraph.step(i));
 }
 
 }  // namespace
 
-void relax(const Strip& strip, std::vector<double>& tops, Watch& watch) {
-    Relaxation relaxation(strip, tops);
-    for (int pass = 0; pass < passes && !watch.isStopped(); ++pass) {
+void relax(const BlockGraph& blockGraph, std::vector<double>& tops, const CancelToken& cancel) {
+    Relaxation relaxation(blockGraph, tops);
+    for (int pass = 0; pass < passes && !cancel.isCancelled(); ++pass) {
         const bool haveLinesMoved = relaxation.run(true, pass % 2 == 0);
         if (!relaxation.run(false, pass % 2 == 0) && !haveLinesMoved) break;
     }
-    keepDistances(strip, tops);
+    keepDistances(blockGraph, tops);
 }
 
 }  // namespace tessera_draw::placing

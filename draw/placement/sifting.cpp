@@ -5,7 +5,7 @@
 namespace tessera_draw::placing {
 
 std::uint64_t Sifting::sift(Index layer, Index reach) {
-    if (m_net.sizeOf(layer) < 2) return 0;
+    if (m_graph.sizeOf(layer) < 2) return 0;
     collect(layer);
     const auto count = static_cast<Index>(m_layer.size());
     std::uint64_t gained = 0;
@@ -20,9 +20,9 @@ std::uint64_t Sifting::sift(Index layer, Index reach) {
         gained += moveBest(place, reach);
     }
     if (gained == 0) return 0;
-    const Index begin = m_net.layerBegin[layer];
+    const Index begin = m_graph.layerBegin[layer];
     for (Index i = 0; i < count; ++i)
-        m_net.order[begin + i] = m_layer[m_order[i]].vertex;
+        m_graph.order[begin + i] = m_layer[m_order[i]].vertex;
     return gained;
 }
 
@@ -30,21 +30,21 @@ void Sifting::collect(Index layer) {
     m_neighbours.clear();
     m_layer.clear();
     m_order.clear();
-    for (Index i = 0; i < m_net.sizeOf(layer); ++i) {
-        appendKeys(m_net.at(layer, i));
+    for (Index i = 0; i < m_graph.sizeOf(layer); ++i) {
+        appendRanks(m_graph.at(layer, i));
         m_order.push_back(i);
     }
 }
 
-void Sifting::appendKeys(Index vertex) {
+void Sifting::appendRanks(Index vertex) {
     Sifted sifted;
     sifted.vertex = vertex;
     sifted.begin = static_cast<Index>(m_neighbours.size());
-    for (Index k = m_net.inBegin[vertex]; k < m_net.inBegin[vertex + 1]; ++k)
-        m_neighbours.push_back(m_keys.ofTail(m_net.edges[m_net.inEdges[k]]));
+    for (Index k = m_graph.inBegin[vertex]; k < m_graph.inBegin[vertex + 1]; ++k)
+        m_neighbours.push_back(m_ranks.ofTail(m_graph.edges[m_graph.inEdges[k]]));
     sifted.middle = static_cast<Index>(m_neighbours.size());
-    for (Index k = m_net.outBegin[vertex]; k < m_net.outBegin[vertex + 1]; ++k)
-        m_neighbours.push_back(m_keys.ofHead(m_net.edges[m_net.outEdges[k]]));
+    for (Index k = m_graph.outBegin[vertex]; k < m_graph.outBegin[vertex + 1]; ++k)
+        m_neighbours.push_back(m_ranks.ofHead(m_graph.edges[m_graph.outEdges[k]]));
     sifted.end = static_cast<Index>(m_neighbours.size());
     const auto at = [&](Index i) { return m_neighbours.begin() + i; };
     if (sifted.middle - sifted.begin > 1) std::sort(at(sifted.begin), at(sifted.middle));
@@ -54,25 +54,25 @@ void Sifting::appendKeys(Index vertex) {
 
 // How many pairs have a less than b, less those with a more than b.
 inline std::int64_t Sifting::balance(Index a, Index endA, Index b, Index endB) const {
-    const Index* keys = m_neighbours.data();
+    const Index* ranks = m_neighbours.data();
     if (endA - a > 4 && endB - b > 4) return balanceOfMany(a, endA, b, endB);
     std::int64_t sum = 0;
     for (; a < endA; ++a)
         for (Index k = b; k < endB; ++k)
-            sum += static_cast<int>(keys[a] < keys[k]) - static_cast<int>(keys[a] > keys[k]);
+            sum += static_cast<int>(ranks[a] < ranks[k]) - static_cast<int>(ranks[a] > ranks[k]);
     return sum;
 }
 
 // Both lists are in order, so one walk along them tells.
 std::int64_t Sifting::balanceOfMany(Index a, Index endA, Index b, Index endB) const {
-    const Index* keys = m_neighbours.data();
+    const Index* ranks = m_neighbours.data();
     std::int64_t sum = 0;
     Index less = b;  // the first of b that is not less than the one of a
     Index notMore = b;
     for (; a < endA; ++a) {
-        while (less < endB && keys[less] < keys[a])
+        while (less < endB && ranks[less] < ranks[a])
             ++less;
-        while (notMore < endB && keys[notMore] <= keys[a])
+        while (notMore < endB && ranks[notMore] <= ranks[a])
             ++notMore;
         sum += static_cast<std::int64_t>(endB - notMore) - static_cast<std::int64_t>(less - b);
     }
@@ -96,14 +96,14 @@ std::uint64_t Sifting::moveBest(Index place, Index reach) {
     const Index first = place > reach ? place - reach : 0;
     const Index last = std::min(place + reach, static_cast<Index>(m_order.size()) - 1);
     Index best = place;
-    std::int64_t least = 0;
+    std::int64_t minLoss = 0;
     std::int64_t loss = 0;
     for (Index i = place + 1; i <= last; ++i) {
         const Sifted& other = m_layer[m_order[i]];
         loss += lossBehind(vertex, other);
         m_work += workOf(vertex, other);
-        if (loss >= least) continue;
-        least = loss;
+        if (loss >= minLoss) continue;
+        minLoss = loss;
         best = i;
     }
     loss = 0;
@@ -111,8 +111,8 @@ std::uint64_t Sifting::moveBest(Index place, Index reach) {
         const Sifted& other = m_layer[m_order[i]];
         loss -= lossBehind(vertex, other);
         m_work += workOf(vertex, other);
-        if (loss >= least) continue;
-        least = loss;
+        if (loss >= minLoss) continue;
+        minLoss = loss;
         best = i;
     }
     if (best == place) return 0;
@@ -121,7 +121,7 @@ std::uint64_t Sifting::moveBest(Index place, Index reach) {
         std::rotate(at(place), at(place + 1), at(best + 1));
     else
         std::rotate(at(best), at(place), at(place + 1));
-    return static_cast<std::uint64_t>(-least);
+    return static_cast<std::uint64_t>(-minLoss);
 }
 
 }  // namespace tessera_draw::placing

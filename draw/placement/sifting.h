@@ -3,16 +3,16 @@
 
 #include <vector>
 
-#include "draw/placement/keys.h"
+#include "draw/placement/port_ranks.h"
 
 namespace tessera_draw::placing {
 
 class Sifting {
   public:
-    Sifting(Net& net, const Keys& keys) : m_net(net), m_keys(keys) {}
+    Sifting(LayeredGraph& graph, const PortRanks& ranks) : m_graph(graph), m_ranks(ranks) {}
 
     // Tries for each vertex of the layer all places that are at most `reach` from its own, the layers on both
-    // sides being as they are. Answers how many crossings fewer there are; unless 0, `place` is to be set
+    // sides being as they are. Returns how many crossings fewer there are; unless 0, `place` is to be set
     // anew.
     std::uint64_t sift(Index layer, Index reach);
 
@@ -29,15 +29,15 @@ class Sifting {
     };
 
     void collect(Index layer);
-    void appendKeys(Index vertex);
+    void appendRanks(Index vertex);
     [[nodiscard]] std::int64_t lossBehind(const Sifted& vertex, const Sifted& other) const;
     [[nodiscard]] static Index workOf(const Sifted& vertex, const Sifted& other);
     [[nodiscard]] std::int64_t balance(Index a, Index endA, Index b, Index endB) const;
     [[nodiscard]] std::int64_t balanceOfMany(Index a, Index endA, Index b, Index endB) const;
     [[nodiscard]] std::uint64_t moveBest(Index place, Index reach);
 
-    Net& m_net;
-    const Keys& m_keys;
+    LayeredGraph& m_graph;
+    const PortRanks& m_ranks;
     std::vector<Index> m_neighbours;
     std::vector<Sifted> m_layer;
     std::vector<Index> m_order;  // of m_layer

@@ -8,9 +8,9 @@ namespace tessera_draw::placing {
 namespace {
 
 constexpr double straight = 1e-3;
-constexpr double nearRows = 1.5;      // what is no farther apart looks like one line
-constexpr std::size_t mostNear = 32;  // rows that are looked at; only at a hub are there more so near
-constexpr Index mostTracks = 24;      // in full width; more of them are narrower
+constexpr double nearRows = 1.5;     // what is no farther apart looks like one line
+constexpr std::size_t maxNear = 32;  // rows that are looked at; only at a hub are there more so near
+constexpr Index maxTracks = 24;      // in full width; more of them are narrower
 
 // Tracks for edges that all go the same way: the one that starts lowest comes first, the others in turn get
 // the next track behind those that they overlap. `source` and `target` with source < target.
@@ -103,14 +103,14 @@ double GapPlan::width() {
 }
 
 bool GapPlan::isCurved(Iterator begin, Iterator end) const {
-    double longest = 0;
+    double maxLength = 0;
     for (auto it = begin; it != end; ++it) {
         if (it->isLoop) return false;
-        longest = std::max(longest, it->lower() - it->upper());
+        maxLength = std::max(maxLength, it->lower() - it->upper());
     }
     const auto count = end - begin;
-    return count == 1 || longest <= 1.5 * m_spacing.betweenLayers ||
-           (count <= 3 && longest <= 5 * m_spacing.betweenLayers);
+    return count == 1 || maxLength <= 1.5 * m_spacing.betweenLayers ||
+           (count <= 3 && maxLength <= 5 * m_spacing.betweenLayers);
 }
 
 // Edges of a cluster overlap each other, and none outside of it.
@@ -119,12 +119,12 @@ void GapPlan::planCluster(Iterator begin, Iterator end) {
         assignTracks(begin, end);
         return;
     }
-    double longest = 0;
+    double maxLength = 0;
     for (auto it = begin; it != end; ++it) {
-        m_net.edges[it->edge].bend = Edge::Bend::curve;
-        longest = std::max(longest, it->lower() - it->upper());
+        m_graph.edges[it->edge].bend = Edge::Bend::curve;
+        maxLength = std::max(maxLength, it->lower() - it->upper());
     }
-    const double steepness = std::clamp((longest / m_spacing.betweenLayers - 2) / 6, 0.0, 1.0);
+    const double steepness = std::clamp((maxLength / m_spacing.betweenLayers - 2) / 6, 0.0, 1.0);
     m_width = std::max(m_width, m_spacing.betweenLayers * (1 + steepness));
 }
 
@@ -133,7 +133,7 @@ void GapPlan::assignTracks(Iterator begin, Iterator end) {
     std::vector<GapEdge*> downs;
     std::vector<GapEdge*> ups;
     for (auto it = begin; it != end; ++it) {
-        m_net.edges[it->edge].bend = Edge::Bend::track;
+        m_graph.edges[it->edge].bend = Edge::Bend::track;
         (it->isLoop ? loops : it->from < it->to ? downs : ups).push_back(&*it);
     }
     const auto upper = [](const GapEdge& edge) { return edge.upper(); };
@@ -153,15 +153,15 @@ void GapPlan::assignTracks(Iterator begin, Iterator end) {
 }
 
 double GapPlan::widthFor(Index tracks) const {
-    return m_spacing.betweenLayers + std::min(tracks - 1, mostTracks) * m_spacing.betweenLines;
+    return m_spacing.betweenLayers + std::min(tracks - 1, maxTracks) * m_spacing.betweenLines;
 }
 
 void GapPlan::setTracks(double gapWidth) {
     for (const GapEdge& edge : m_edges) {
-        if (m_net.edges[edge.edge].bend != Edge::Bend::track) continue;
+        if (m_graph.edges[edge.edge].bend != Edge::Bend::track) continue;
         const double width = widthFor(edge.tracks) - m_spacing.betweenLayers;
         const double pitch = edge.tracks > 1 ? width / (edge.tracks - 1) : 0;
-        m_net.edges[edge.edge].trackX = (gapWidth - width) / 2 + edge.track * pitch;
+        m_graph.edges[edge.edge].trackX = (gapWidth - width) / 2 + edge.track * pitch;
     }
     separateRows();
 }
@@ -171,7 +171,7 @@ void GapPlan::setTracks(double gapWidth) {
 void GapPlan::separateRows() {
     std::vector<const GapEdge*> byFrom;
     for (const GapEdge& edge : m_edges)
-        if (!edge.isLoop && m_net.edges[edge.edge].bend == Edge::Bend::track) byFrom.push_back(&edge);
+        if (!edge.isLoop && m_graph.edges[edge.edge].bend == Edge::Bend::track) byFrom.push_back(&edge);
     std::vector<const GapEdge*> byTo = byFrom;
     std::sort(byFrom.begin(), byFrom.end(), [](const GapEdge* a, const GapEdge* b) {
         return a->from != b->from ? a->from < b->from : a->edge < b->edge;
@@ -183,10 +183,10 @@ void GapPlan::separateRows() {
     for (const GapEdge* out : byTo) {
         while (first < byFrom.size() && byFrom[first]->from < out->to - nearRows)
             ++first;
-        const std::size_t last = std::min(byFrom.size(), first + mostNear);
+        const std::size_t last = std::min(byFrom.size(), first + maxNear);
         for (std::size_t k = first; k < last && byFrom[k]->from <= out->to + nearRows; ++k) {
             const GapEdge* in = byFrom[k];
-            if (m_net.edges[out->edge].trackX >= m_net.edges[in->edge].trackX) continue;
+            if (m_graph.edges[out->edge].trackX >= m_graph.edges[in->edge].trackX) continue;
             if (!giveWay(*out, false)) (void)giveWay(*in, true);
             break;
         }
@@ -195,11 +195,11 @@ void GapPlan::separateRows() {
 
 // Moves the edge's end along its box. False when it has to stand where it does.
 bool GapPlan::giveWay(const GapEdge& gapEdge, bool isTail) {
-    Edge& edge = m_net.edges[gapEdge.edge];
+    Edge& edge = m_graph.edges[gapEdge.edge];
     const Index vertex = isTail ? edge.tail : edge.head;
-    if (vertex >= m_net.boxCount || (isTail ? edge.tailPort : edge.headPort) != nothing) return false;
-    const auto& begin = isTail ? m_net.outBegin : m_net.inBegin;
-    const double step = m_net.height[vertex] / (begin[vertex + 1] - begin[vertex] + 1.0);
+    if (vertex >= m_graph.boxCount || (isTail ? edge.tailPort : edge.headPort) != nothing) return false;
+    const auto& begin = isTail ? m_graph.outBegin : m_graph.inBegin;
+    const double step = m_graph.height[vertex] / (begin[vertex + 1] - begin[vertex] + 1.0);
     const double way = std::min({4.0, step * 0.4, (gapEdge.lower() - gapEdge.upper()) / 3});
     const bool goesDown = (gapEdge.from < gapEdge.to) == isTail;
     (isTail ? edge.tailOffset : edge.headOffset) += goesDown ? way : -way;

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "draw/placement/net.h"
+#include "draw/placement/layered_graph.h"
 
 namespace tessera_draw::placing {
 
@@ -21,13 +21,13 @@ struct GapEdge {
 };
 
 // Gives each edge that is not straight a curve, where it has room for one, or a track: the place of its
-// vertical piece. Tracks cross only where the edges' ends leave no choice, and pieces in one track are apart.
+// vertical chain. Tracks cross only where the edges' ends leave no choice, and chains in one track are apart.
 class GapPlan {
   public:
-    GapPlan(std::vector<GapEdge>& edges, Net& net, const Spacing& spacing)
-        : m_edges(edges), m_net(net), m_spacing(spacing) {}
+    GapPlan(std::vector<GapEdge>& edges, LayeredGraph& graph, const Spacing& spacing)
+        : m_edges(edges), m_graph(graph), m_spacing(spacing) {}
 
-    // Answers the width that the bends need, 0 when there is none.
+    // Returns the width that the bends need, 0 when there is none.
     [[nodiscard]] double width();
 
     // REQUIRES: width() was asked, and the gap is as wide at least.
@@ -44,7 +44,7 @@ class GapPlan {
     [[nodiscard]] bool giveWay(const GapEdge& gapEdge, bool isTail);
 
     std::vector<GapEdge>& m_edges;
-    Net& m_net;
+    LayeredGraph& m_graph;
     const Spacing& m_spacing;
     double m_width = 0;
 };

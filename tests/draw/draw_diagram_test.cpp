@@ -1,4 +1,4 @@
-#include "draw/diagram.h"
+#include "draw/read/diagram.h"
 
 #include <gtest/gtest.h>
 

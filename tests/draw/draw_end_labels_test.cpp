@@ -1,4 +1,4 @@
-#include "draw/end_labels.h"
+#include "draw/read/end_labels.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 namespace tessera_draw {
 namespace {
 
-// One thread through what the letters say: dummies, and labels "from", "center", "to". Every slot has a level
+// One link path through what the letters say: dummies, and labels "from", "center", "to". Every stop has a level
 // and a group of its own.
 class Chain {
   public:
@@ -17,22 +17,22 @@ class Chain {
             node.type = letter == 'd' ? "dummy" : "label";
             node.location = letter == 'f' ? "from" : letter == 'c' ? "center" : letter == 't' ? "to" : "";
             const auto index = static_cast<Index>(m_diagram.nodes.size());
-            m_threads.slots.push_back({index, 100 + index, static_cast<std::int32_t>(index)});
+            m_linkPaths.stops.push_back({index, 100 + index, static_cast<std::int32_t>(index)});
             m_diagram.nodes.push_back(node);
         }
-        Thread thread;
-        thread.slotCount = static_cast<std::uint32_t>(letters.size());
-        m_threads.threads.push_back(thread);
+        LinkPath path;
+        path.stopCount = static_cast<std::uint32_t>(letters.size());
+        m_linkPaths.paths.push_back(path);
     }
 
     std::string moved() {
-        moveEndLabels(m_diagram, m_threads);
+        moveEndLabels(m_diagram, m_linkPaths);
         std::string letters;
-        for (std::size_t i = 0; i < m_threads.slots.size(); ++i) {
-            const Slot& slot = m_threads.slots[i];
-            EXPECT_EQ(slot.level, static_cast<std::int32_t>(i)) << "levels stay";
-            EXPECT_EQ(slot.group, 100 + i) << "so do groups";
-            const Node& node = m_diagram.nodes[slot.node];
+        for (std::size_t i = 0; i < m_linkPaths.stops.size(); ++i) {
+            const PathStop& stop = m_linkPaths.stops[i];
+            EXPECT_EQ(stop.level, static_cast<std::int32_t>(i)) << "levels stay";
+            EXPECT_EQ(stop.group, 100 + i) << "so do groups";
+            const Node& node = m_diagram.nodes[stop.node];
             letters += node.type == "dummy" ? 'd' : node.location.front();
         }
         return letters;
@@ -40,7 +40,7 @@ class Chain {
 
   private:
     Diagram m_diagram;
-    Threads m_threads;
+    LinkPaths m_linkPaths;
 };
 
 TEST(DrawEndLabels, StandAtTheEnds) {

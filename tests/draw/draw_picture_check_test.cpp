@@ -9,7 +9,7 @@
 #include <fstream>
 #include <string>
 
-#include "draw/scene_input.h"
+#include "draw/scene/scene_input.h"
 #include "host/text/json_reader.h"
 #include "tests/support/drawn_diagram.h"
 #include "tests/support/effort.h"
@@ -277,16 +277,17 @@ TEST(DrawPictureCheck, RandomBoxesArePlacedSoundly) {
     for (std::uint64_t seed = 0; seed < tessera_test::effort(1000U); ++seed) {
         const variant_bag_t bag = tessera_test::randomDrawing(seed);
         const Diagram diagram = readDiagram(bag);
-        const Threads threads = findThreads(diagram);
+        const LinkPaths linkPaths = findLinkPaths(diagram);
         const BoxKinds kinds = findKinds(diagram);
-        const SceneInput input = makeInput(
-            diagram, threads, kinds, reserveBoxes(diagram, threads, kinds, nullptr), Direction::leftToRight);
+        const SceneInput input =
+            makeInput(diagram, linkPaths, kinds, boxSizesOf(diagram, linkPaths, kinds, nullptr),
+                      Direction::leftToRight);
         expectSound(checkPicture(tessera_test::pictureOf(input.input, place(input.input, Spacing{}))),
                     "seed " + std::to_string(seed));
     }
 }
 
-// Answers how many there are.
+// Returns how many there are.
 std::size_t checkAnswersOfCases(const std::filesystem::path& cases) {
     std::size_t drawn = 0;
     for (const auto& folder : std::filesystem::directory_iterator(cases)) {
@@ -304,7 +305,7 @@ std::size_t checkAnswersOfCases(const std::filesystem::path& cases) {
     return drawn;
 }
 
-// The answers of the cases, which are the library's. TESSERA_MORE_CASES may name a folder of more.
+// The returns of the cases, which are the library's. TESSERA_MORE_CASES may name a folder of more.
 TEST(DrawPictureCheck, AnswersOfTheCasesAreDrawnSoundly) {
     EXPECT_GT(checkAnswersOfCases(TESSERA_CASES), 15U);
     if (const char* more = std::getenv("TESSERA_MORE_CASES"); more != nullptr) {

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "draw/placement.h"
+#include "draw/placement/placement.h"
 #include "tests/support/effort.h"
 
 namespace {

@@ -1,9 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <thread>
+
 #include "tests/draw/placement_checking.h"
 #include "tests/support/effort.h"
 
 using tessera_draw::place;
+using tessera_draw::Placement;
 using tessera_draw::PlacementInput;
 using tessera_test::effort;
 using tessera_test::findFault;
@@ -32,27 +36,25 @@ TEST(DrawPlacementProperties, TheSameInputGivesTheSameAnswer) {
     }
 }
 
-// Whenever it is stopped; and being asked changes nothing.
-TEST(DrawPlacementProperties, StopsWhenItIsTold) {
+// At whatever moment it is cancelled, the drawing is whole or there is none.
+TEST(DrawPlacementProperties, StopsWhenItIsCancelled) {
+    std::size_t stopped = 0;
     for (unsigned seed = 0; seed < effort(100U); ++seed) {
-        PlacementInput input = randomDrawing(seed);
+        const PlacementInput input = randomDrawing(seed);
         const auto whole = place(input, {});
-        int asked = 0;
-        input.isStopped = [&] {
-            ++asked;
-            return false;
-        };
-        ASSERT_EQ(place(input, {}).boxes, whole.boxes);
-        ASSERT_GT(asked, 4);
-        const int all = asked;
-        for (const int last : {1, 2, all / 2, all - 1, all}) {
-            asked = 0;
-            input.isStopped = [&] { return ++asked >= last; };
-            const auto stopped = place(input, {});
-            ASSERT_TRUE(stopped.boxes.empty() && stopped.lines.empty()) << seed;
-            ASSERT_EQ(asked, last) << "asked again";
+        tessera_support::CancelSource source;
+        ASSERT_EQ(place(input, {}, source.token()).boxes, whole.boxes);
+        Placement placed;
+        {
+            const std::jthread work([&] { placed = place(input, {}, source.token()); });
+            std::this_thread::sleep_for(std::chrono::microseconds(seed * 7 % 300));
+            source.cancel();
         }
+        if (placed.boxes.empty()) ++stopped;
+        ASSERT_TRUE(placed.boxes == whole.boxes || (placed.boxes.empty() && placed.lines.empty())) << seed;
+        ASSERT_TRUE(place(input, {}, source.token()).boxes.empty()) << seed;
     }
+    RecordProperty("stopped", static_cast<int>(stopped));
 }
 
 // The check itself must see what is wrong.

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "draw/shapes.h"
+#include "draw/scene/shapes.h"
 #include "draw/svg_writer.h"
 #include "tests/support/drawn_diagram.h"
 #include "tests/support/effort.h"
@@ -40,14 +40,14 @@ std::vector<std::string> textsOf(const Scene& scene, const Element& element) {
     return texts;
 }
 
-std::string tipOf(const Scene& scene, const Element& element) {
-    std::string tip;
-    for (std::uint32_t i = 0; i < element.tips.count; ++i) {
-        const TipLine& line = scene.tips[element.tips.first + i];
-        tip += (i > 0 ? "\n" : "") + std::string(line.first) + std::string(line.between) +
-               std::string(line.second);
+std::string tooltipOf(const Scene& scene, const Element& element) {
+    std::string tooltip;
+    for (std::uint32_t i = 0; i < element.tooltips.count; ++i) {
+        const TooltipLine& line = scene.tooltips[element.tooltips.first + i];
+        tooltip += (i > 0 ? "\n" : "") + std::string(line.first) + std::string(line.between) +
+                   std::string(line.second);
     }
-    return tip;
+    return tooltip;
 }
 
 bool isInside(const Rect& inner, const Rect& outer) {
@@ -59,8 +59,8 @@ bool isInside(const Rect& inner, const Rect& outer) {
 // The area that a text covers: at most its room, from its ascent to its descent.
 Rect areaOf(const TextShape& text) {
     const double size = styleOf(text.role).size;
-    const double shown = std::min(text.width, text.room);
-    const double free = text.room - shown;
+    const double shown = std::min(text.width, text.maxWidth);
+    const double free = text.maxWidth - shown;
     const Anchor anchor = styleOf(text.role).anchor;
     const double left = leftOf(text) + (anchor == Anchor::start ? 0
                                         : anchor == Anchor::end ? free
@@ -203,7 +203,7 @@ TEST(DrawScene, RowsBeyondTheRoomAreCountedAndTold) {
     const Scene scene = makeScene(drawn.bag, {});
     const Element& element = *elementsOf(scene, Element::Kind::node).front();
     EXPECT_EQ(textsOf(scene, element), (std::vector<std::string>{"Node", "r1", "1", "+4 more"}));
-    EXPECT_EQ(tipOf(scene, element), "Node\ninfo\nr1: 1\nr2: 2\nr3: 3\nr4: 4\nr5: 5");
+    EXPECT_EQ(tooltipOf(scene, element), "Node\ninfo\nr1: 1\nr2: 2\nr3: 3\nr4: 4\nr5: 5");
 
     Reservation reservation;
     reservation.node("n") = {5, 0, 2, 2};
@@ -214,9 +214,9 @@ TEST(DrawScene, RowsBeyondTheRoomAreCountedAndTold) {
 TEST(DrawScene, WhatIsReservedIsKept) {
     DrawnBag drawn;
     drawn.node("n", "Node");
-    const auto rectWith = [&](const Room& room) {
+    const auto rectWith = [&](const RowSpace& space) {
         Reservation reservation;
-        reservation.node("n") = room;
+        reservation.node("n") = space;
         return makeScene(drawn.bag, {Direction::leftToRight, &reservation}).boxes.back().rect;
     };
     EXPECT_LT(rectWith({0, 0, 0, 0}).height, rectWith({1, 0, 3, 3}).height);
@@ -278,11 +278,11 @@ TEST(DrawScene, DisplayTypesHaveSignsAndALegend) {
     drawn.node("d", "D");
     const Scene scene = makeScene(drawn.bag, {});
     const auto nodes = elementsOf(scene, Element::Kind::node);
-    const auto lookOf = [&](std::size_t at) { return scene.marks[nodes[at]->marks.first].look; };
-    EXPECT_EQ(lookOf(0).mark, lookOf(2).mark);
-    EXPECT_NE(lookOf(0).mark, lookOf(1).mark);
+    const auto lookOf = [&](std::size_t at) { return scene.symbols[nodes[at]->symbols.first].look; };
+    EXPECT_EQ(lookOf(0).symbol, lookOf(2).symbol);
+    EXPECT_NE(lookOf(0).symbol, lookOf(1).symbol);
     EXPECT_NE(lookOf(0).accent, lookOf(1).accent);
-    EXPECT_EQ(nodes[3]->marks.count, 0U);
+    EXPECT_EQ(nodes[3]->symbols.count, 0U);
     const auto legends = elementsOf(scene, Element::Kind::legend);
     ASSERT_EQ(legends.size(), 1U);
     EXPECT_EQ(textsOf(scene, *legends.front()), (std::vector<std::string>{"process", "storage"}));
@@ -301,7 +301,7 @@ TEST(DrawScene, TwelveDisplayTypesLookDifferent) {
         for (std::size_t k = i + 1; k < names.size(); ++k) {
             const TypeLook a = types.lookOf(names[i]);
             const TypeLook b = types.lookOf(names[k]);
-            EXPECT_FALSE(a.mark == b.mark && a.accent == b.accent) << i << " and " << k;
+            EXPECT_FALSE(a.symbol == b.symbol && a.accent == b.accent) << i << " and " << k;
         }
     }
 }
@@ -337,13 +337,14 @@ TEST(DrawScene, DeepNestingNeedsNoStack) {
     EXPECT_EQ(scene.groupCount, static_cast<std::size_t>(depth));
 }
 
-TEST(DrawScene, IsEmptyOnceItIsStopped) {
+TEST(DrawScene, IsEmptyOnceItIsCancelled) {
     DrawnBag drawn;
     drawn.node("a", "A", 0);
     SceneOptions options;
-    options.isStopped = [] { return false; };
+    tessera_support::CancelSource source;
+    options.cancel = source.token();
     EXPECT_EQ(makeScene(drawn.bag, options).nodeCount, 1U);
-    options.isStopped = [] { return true; };
+    source.cancel();
     EXPECT_TRUE(makeScene(drawn.bag, options).elements.empty());
 }
 

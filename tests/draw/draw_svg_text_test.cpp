@@ -1,4 +1,4 @@
-#include "draw/svg_text.h"
+#include "draw/svg/svg_text.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "draw/placement.h"
+#include "draw/placement/placement.h"
 
 namespace tessera_test {
 

@@ -11,7 +11,7 @@
 
 namespace tessera_test {
 
-// What the library answers for a diagram of fillRandomDiagram(), all passes run.
+// What the library returns for a diagram of fillRandomDiagram(), all passes run.
 [[nodiscard]] basekit2::variant_bag_t randomDrawing(std::uint64_t seed);
 
 // The same diagram with every value replaced.

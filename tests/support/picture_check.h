@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "draw/placement.h"
+#include "draw/placement/placement.h"
 
 namespace tessera_test {
 

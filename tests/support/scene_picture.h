@@ -4,13 +4,13 @@
 #include <algorithm>
 #include <string>
 
-#include "draw/box_sizes.h"
-#include "draw/diagram.h"
-#include "draw/end_labels.h"
+#include "draw/read/diagram.h"
+#include "draw/read/end_labels.h"
+#include "draw/read/link_paths.h"
 #include "draw/scene.h"
-#include "draw/scene_lines.h"
-#include "draw/shapes.h"
-#include "draw/threads.h"
+#include "draw/scene/box_sizes.h"
+#include "draw/scene/scene_lines.h"
+#include "draw/scene/shapes.h"
 #include "tests/support/picture_check.h"
 
 namespace tessera_test {
@@ -41,8 +41,8 @@ inline Picture pictureOf(const tessera_draw::PlacementInput& input,
 inline tessera_draw::Rect areaOf(const tessera_draw::TextShape& text) {
     using tessera_draw::Anchor;
     const double size = styleOf(text.role).size;
-    const double shown = std::min(text.width, text.room);
-    const double free = text.room - shown;
+    const double shown = std::min(text.width, text.maxWidth);
+    const double free = text.maxWidth - shown;
     const Anchor anchor = styleOf(text.role).anchor;
     const double before = anchor == Anchor::start ? 0 : anchor == Anchor::end ? free : free / 2;
     return {leftOf(text) + before, text.at.y - 0.8 * size, shown, size};
@@ -53,7 +53,7 @@ class ScenePicture {
   public:
     ScenePicture(const basekit2::variant_bag_t& bag, const tessera_draw::Scene& scene)
         : m_diagram(tessera_draw::readDiagram(bag)),
-          m_threads(threadsOf(m_diagram)),
+          m_linkPaths(threadsOf(m_diagram)),
           m_scene(scene),
           m_boxes(m_diagram.nodes.size(), nothing) {}
 
@@ -74,10 +74,10 @@ class ScenePicture {
   private:
     using Kind = tessera_draw::Element::Kind;
 
-    static tessera_draw::Threads threadsOf(const tessera_draw::Diagram& diagram) {
-        tessera_draw::Threads threads = tessera_draw::findThreads(diagram);
-        moveEndLabels(diagram, threads);
-        return threads;
+    static tessera_draw::LinkPaths threadsOf(const tessera_draw::Diagram& diagram) {
+        tessera_draw::LinkPaths linkPaths = tessera_draw::findLinkPaths(diagram);
+        moveEndLabels(diagram, linkPaths);
+        return linkPaths;
     }
 
     void addBox(const tessera_draw::Element& element) {
@@ -93,7 +93,7 @@ class ScenePicture {
                                    std::string(element.id)});
     }
 
-    // Labels are in the group of their slot.
+    // Labels are in the group of their stop.
     void nestBoxes() {
         const auto put = [this](Index node, Index group) {
             if (m_boxes[node] != nothing)
@@ -101,8 +101,8 @@ class ScenePicture {
         };
         for (Index i = 0; i < m_boxes.size(); ++i)
             put(i, m_diagram.nodes[i].group);
-        for (const tessera_draw::Slot& slot : m_threads.slots)
-            put(slot.node, slot.group);
+        for (const tessera_draw::PathStop& stop : m_linkPaths.stops)
+            put(stop.node, stop.group);
     }
 
     // A group's values are a part of it.
@@ -115,17 +115,17 @@ class ScenePicture {
     }
 
     void addLine(const tessera_draw::Element& element) {
-        const tessera_draw::Thread& thread = m_threads.threads[element.index];
+        const tessera_draw::LinkPath& path = m_linkPaths.paths[element.index];
         const tessera_draw::LineShape& shape = m_scene.lines[element.lines.first];
         Picture::Line& line = m_picture.lines.emplace_back();
-        line.from = endBox(thread.from);
-        line.to = endBox(thread.to);
-        for (std::uint32_t i = 0; i < thread.slotCount; ++i)
-            if (const Index label = m_boxes[m_threads.slots[thread.firstSlot + i].node]; label != nothing)
+        line.from = endBox(path.from);
+        line.to = endBox(path.to);
+        for (std::uint32_t i = 0; i < path.stopCount; ++i)
+            if (const Index label = m_boxes[m_linkPaths.stops[path.firstStop + i].node]; label != nothing)
                 line.through.push_back(label);
         line.stretches = shape.stretches;
-        line.wantsFromHead = thread.direction == "back" || thread.direction == "both";
-        line.wantsToHead = thread.direction == "forward" || thread.direction == "both";
+        line.wantsFromHead = path.direction == "back" || path.direction == "both";
+        line.wantsToHead = path.direction == "forward" || path.direction == "both";
         if (shape.hasFromHead) line.fromHead = {shape.fromHead.tip, shape.fromHead.direction};
         if (shape.hasToHead) line.toHead = {shape.toHead.tip, shape.toHead.direction};
         line.name =
@@ -148,13 +148,13 @@ class ScenePicture {
             if (type != "dummy" && type != "groupInfo" && m_boxes[i] == nothing) ++m_picture.missing;
         }
         std::size_t drawable = 0;
-        for (const tessera_draw::Thread& thread : m_threads.threads)
-            drawable += endBox(thread.from) != nothing && endBox(thread.to) != nothing ? 1U : 0U;
+        for (const tessera_draw::LinkPath& path : m_linkPaths.paths)
+            drawable += endBox(path.from) != nothing && endBox(path.to) != nothing ? 1U : 0U;
         m_picture.missing += drawable - std::min(drawable, m_picture.lines.size());
     }
 
     const tessera_draw::Diagram m_diagram;
-    const tessera_draw::Threads m_threads;
+    const tessera_draw::LinkPaths m_linkPaths;
     const tessera_draw::Scene& m_scene;
     std::vector<Index> m_boxes;  // by node
     Picture m_picture;

@@ -1,0 +1,104 @@
+// What the library hands to those who load it.
+#include <cairo-pdf.h>
+#include <cairo.h>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <string>
+
+#include "draw/picture_writer.h"
+#include "draw/pictures/painter.h"
+
+namespace tessera_draw {
+namespace {
+
+struct Freed {
+    void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
+    void operator()(cairo_t* cairo) const { cairo_destroy(cairo); }
+};
+using Surface = std::unique_ptr<cairo_surface_t, Freed>;
+using Context = std::unique_ptr<cairo_t, Freed>;
+
+constexpr double pointsPerPixel = 0.75;
+
+cairo_status_t handOn(void* closure, const unsigned char* data, unsigned int length) {
+    auto& output = *static_cast<Output*>(closure);
+    const bool isTaken = output.write({reinterpret_cast<const char*>(data), length});
+    return isTaken ? CAIRO_STATUS_SUCCESS : CAIRO_STATUS_WRITE_ERROR;
+}
+
+// What the status means to the user: nothing when the output took no more, which it knows itself.
+std::string problemOf(cairo_status_t status) {
+    if (status == CAIRO_STATUS_SUCCESS || status == CAIRO_STATUS_WRITE_ERROR) return {};
+    return cairo_status_to_string(status);
+}
+
+PictureResult failure(cairo_status_t status) {
+    PictureResult result;
+    result.error = problemOf(status);
+    return result;
+}
+
+// A title as PDF can carry it, of moderate length.
+std::string titleOf(const Scene& scene) {
+    std::string title;
+    for (const char c : scene.name.substr(0, 200))
+        title += static_cast<unsigned char>(c) < 0x20 || c == 0x7F ? ' ' : c;
+    return title;
+}
+
+class CairoWriter final : public PictureWriter {
+  public:
+    PictureResult writePng(const Scene& scene, const PictureOptions& options, Output& output) override {
+        const double width = std::ceil(scene.size.width);
+        const double height = std::ceil(scene.size.height);
+        PictureResult result;
+        result.scale = std::min({options.scale, maxPngSide / width, maxPngSide / height,
+                                 std::sqrt(maxPngPixels / width / height)});
+        const auto pixels = [&](double length) {
+            return std::max(1, static_cast<int>(std::lround(length * result.scale)));
+        };
+        const Surface surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, pixels(width), pixels(height)));
+        const Context cairo(cairo_create(surface.get()));
+        cairo_scale(cairo.get(), result.scale, result.scale);
+        if (!paintScene(cairo.get(), scene, options, result.missingCharacters)) return {};
+        if (const auto status = cairo_status(cairo.get()); status != CAIRO_STATUS_SUCCESS)
+            return failure(status);
+        const auto status = cairo_surface_write_to_png_stream(surface.get(), handOn, &output);
+        if (status != CAIRO_STATUS_SUCCESS) return failure(status);
+        result.isWritten = true;
+        return result;
+    }
+
+    PictureResult writePdf(const Scene& scene, const PictureOptions& options, Output& output) override {
+        const double width = std::ceil(scene.size.width) * pointsPerPixel;
+        const double height = std::ceil(scene.size.height) * pointsPerPixel;
+        PictureResult result;
+        result.scale = std::min({1.0, maxPdfSide / width, maxPdfSide / height});
+        const Surface surface(cairo_pdf_surface_create_for_stream(handOn, &output, width * result.scale,
+                                                                  height * result.scale));
+        const std::string title = titleOf(scene);
+        cairo_pdf_surface_set_metadata(surface.get(), CAIRO_PDF_METADATA_TITLE, title.c_str());
+        // The same drawing gives the same bytes, so there is no time in it.
+        cairo_pdf_surface_set_metadata(surface.get(), CAIRO_PDF_METADATA_CREATE_DATE, "1970-01-01T00:00:00Z");
+        const Context cairo(cairo_create(surface.get()));
+        cairo_scale(cairo.get(), pointsPerPixel * result.scale, pointsPerPixel * result.scale);
+        const bool isPainted = paintScene(cairo.get(), scene, options, result.missingCharacters);
+        cairo_show_page(cairo.get());
+        cairo_surface_finish(surface.get());
+        if (!isPainted) return {};
+        for (const auto status : {cairo_status(cairo.get()), cairo_surface_status(surface.get())})
+            if (status != CAIRO_STATUS_SUCCESS) return failure(status);
+        result.isWritten = true;
+        return result;
+    }
+};
+
+}  // namespace
+}  // namespace tessera_draw
+
+extern "C" __attribute__((visibility("default"))) tessera_draw::PictureWriter* tesseraPictureWriter() {
+    static tessera_draw::CairoWriter writer;
+    return &writer;
+}

@@ -1,0 +1,267 @@
+#include "draw/placement/container_geometry.h"
+
+#include <algorithm>
+#include <limits>
+#include <queue>
+
+#include "draw/placement/block_graph.h"
+#include "draw/placement/offsets.h"
+#include "draw/placement/tracks.h"
+
+namespace tessera_draw::placing {
+namespace {
+
+class GeometryBuilder {
+  public:
+    GeometryBuilder(const std::vector<BoxToPlace>& boxes, const Nesting& nesting, LayeredGraph& graph,
+                    const Spacing& spacing, const CancelToken& cancel)
+        : m_boxes(boxes),
+          m_nesting(nesting),
+          m_graph(graph),
+          m_spacing(spacing),
+          m_cancel(cancel),
+          m_offsets(graph, nesting, spacing) {
+        m_geometry.boxes.resize(boxes.size() + 1);
+        m_width.resize(boxes.size());
+        m_geometry.layerX.resize(graph.firstLayer.back(), 0);
+        m_geometry.layerWidth.resize(graph.firstLayer.back(), 0);
+        sortLanes();
+    }
+
+    ContainerGeometry build() {
+        for (Index container = m_nesting.containerCount(); container-- > 0 && !m_cancel.isCancelled();)
+            place(container);
+        return std::move(m_geometry);
+    }
+
+  private:
+    // What a container asks of its own frame.
+    struct Limits {
+        Size minSize;
+        Insets padding;
+        // The title, where lines come through the border beside it: how far in, and how far below the
+        // padding.
+        Size header;
+    };
+
+    [[nodiscard]] Limits limitsOf(Index container) const {
+        const Index box = m_nesting.boxOf[container];
+        if (box == m_nesting.drawing) return {};
+        const BoxToPlace& own = m_boxes[box];
+        Limits limits{own.size, own.padding, {}};
+        const double reach = own.header.height - own.padding.top;
+        if (reach > 0 && m_graph.sizeOf(m_graph.firstLayer[container]) > 0)
+            limits.header = {std::min(own.header.width, own.padding.left), reach};
+        return limits;
+    }
+
+    // Edges of lanes by container.
+    void sortLanes() {
+        m_lanes.resize(m_nesting.containerCount());
+        for (const EdgeChain& chain : m_graph.chains)
+            if (m_graph.edges[chain.firstEdge].kind == Edge::Kind::toLane)
+                m_lanes[chain.container].push_back(chain.firstEdge);
+    }
+
+    void place(Index container) {
+        const Limits limits = limitsOf(container);
+        for (Index i = m_nesting.memberBegin[container]; i < m_nesting.memberBegin[container + 1]; ++i) {
+            const Index box = m_nesting.members[i];
+            Rect& rect = m_geometry.boxes[box];
+            if (m_nesting.containerOf[box] == nothing)
+                rect = {0, 0, m_boxes[box].size.width, m_boxes[box].size.height};
+            m_graph.height[box] = rect.height;
+            m_width[box] = rect.width;
+        }
+        arrangeGrids(container);
+        m_offsets.set(container);
+        fillBlockGraph(m_blockGraph, m_graph, container, limits.header.height, m_spacing);
+        std::vector<double> tops = alignedTops(m_blockGraph, m_cancel);
+        if (limits.header.height > 0) tops.front() = *std::min_element(tops.begin(), tops.end());
+        relax(m_blockGraph, tops, m_cancel);
+        Rect& own = m_geometry.boxes[m_nesting.boxOf[container]];
+        own.height = setTops(container, tops, limits);
+        m_offsets.straighten(container);
+        own.width = setColumns(container, limits);
+        placeBoxes(container);
+    }
+
+    // The leader stands for all of them.
+    void arrangeGrids(Index container) {
+        const IsolatedGrids& grids = m_graph.grids;
+        for (Index i = grids.firstInContainer[container]; i < grids.firstInContainer[container + 1]; ++i) {
+            const Size size = arrange(grids, grids.grids[i], m_boxes, m_spacing, m_geometry.boxes);
+            m_graph.height[grids.leader(grids.grids[i])] = size.height;
+            m_width[grids.leader(grids.grids[i])] = size.width;
+        }
+    }
+
+    // Returns the container's height.
+    double setTops(Index container, const std::vector<double>& tops, const Limits& limits) {
+        double top = std::numeric_limits<double>::infinity();
+        double bottom = -std::numeric_limits<double>::infinity();
+        for (Index i = 0; i < m_blockGraph.size(); ++i) {
+            top = std::min(top, tops[i]);
+            bottom = std::max(bottom, tops[i] + m_blockGraph.height[i]);
+        }
+        if (m_blockGraph.size() == 0) top = bottom = 0;
+        const double lanes = setLanes(container, bottom);
+        const Insets& padding = limits.padding;
+        const double height = padding.top + (bottom - top) + lanes + padding.bottom;
+        const double spare = std::max(limits.minSize.height - height, 0.0);
+        const double move = padding.top + spare / 2 - top;
+        for (Index i = 0; i < m_blockGraph.size(); ++i)
+            if (m_blockGraph.vertex[i] != nothing) m_graph.top[m_blockGraph.vertex[i]] = tops[i] + move;
+        for (const Index edge : m_lanes[container]) {
+            m_graph.edges[edge].headOffset += move;
+            m_graph.edges[edge + 1].tailOffset = m_graph.edges[edge].headOffset;
+        }
+        return height + spare;
+    }
+
+    // Lanes lie below everything, those apart along the layers in one. Returns the room that they take.
+    double setLanes(Index container, double bottom) {
+        auto& lanes = m_lanes[container];
+        const auto first = [&](Index edge) { return m_graph.layer[m_graph.edges[edge].tail]; };
+        const auto last = [&](Index edge) { return m_graph.layer[m_graph.edges[edge + 1].head]; };
+        std::sort(lanes.begin(), lanes.end(),
+                  [&](Index a, Index b) { return first(a) != first(b) ? first(a) < first(b) : a < b; });
+        using EndAndLane = std::pair<Index, Index>;
+        std::priority_queue<EndAndLane, std::vector<EndAndLane>, std::greater<>> used;
+        Index count = 0;
+        for (const Index edge : lanes) {
+            Index lane = count;
+            if (!used.empty() && used.top().first < first(edge)) {
+                lane = used.top().second;
+                used.pop();
+            } else {
+                ++count;
+            }
+            used.emplace(last(edge), lane);
+            m_graph.edges[edge].headOffset = bottom + m_spacing.betweenBoxes + lane * m_spacing.betweenLines;
+        }
+        return count == 0 ? 0 : m_spacing.betweenBoxes + (count - 1) * m_spacing.betweenLines;
+    }
+
+    void collectGap(Index layer) {
+        m_gap.clear();
+        const Index begin = m_graph.layerBegin[layer];
+        for (Index i = begin; i < m_graph.layerBegin[layer + 1]; ++i) {
+            const Index vertex = m_graph.order[i];
+            for (Index k = m_graph.outBegin[vertex]; k < m_graph.outBegin[vertex + 1]; ++k)
+                addToGap(m_graph.outEdges[k]);
+            m_offsets.forOthers(vertex, [&](Index edge, bool isTail) {
+                const bool isBehind = m_graph.edges[edge].kind == Edge::Kind::toLane ||
+                                      (m_graph.edges[edge].kind == Edge::Kind::loop && isTail);
+                if (isBehind) addToGap(edge);
+            });
+        }
+        for (Index i = m_graph.layerBegin[layer + 1]; i < m_graph.layerBegin[layer + 2]; ++i)
+            m_offsets.forOthers(m_graph.order[i], [&](Index edge, bool) {
+                if (m_graph.edges[edge].kind == Edge::Kind::fromLane) addToGap(edge);
+            });
+    }
+
+    void addToGap(Index index) {
+        const Edge& edge = m_graph.edges[index];
+        GapEdge inGap;
+        inGap.edge = index;
+        inGap.from = edge.tail == nothing ? edge.tailOffset : m_graph.tailY(edge);
+        inGap.to = edge.head == nothing ? edge.headOffset : m_graph.headY(edge);
+        inGap.isLoop = edge.kind == Edge::Kind::loop;
+        m_gap.push_back(inGap);
+    }
+
+    // The gap's width without bends. At borders the padding is there for them too.
+    [[nodiscard]] double minGap(Index container, Index layer, const Limits& limits) const {
+        const bool isFirst = layer == m_graph.firstLayer[container];
+        const bool isLast = layer + 1 == m_graph.lastLayer(container);
+        const double left = limits.padding.left - limits.header.width;
+        if (isFirst && isLast) return left + limits.padding.right;
+        if (isFirst) return left;
+        return isLast ? limits.padding.right : m_spacing.betweenLayers;
+    }
+
+    // Returns the container's width.
+    double setColumns(Index container, const Limits& limits) {
+        const Index first = m_graph.firstLayer[container];
+        const Index last = m_graph.lastLayer(container);
+        std::vector<std::vector<GapEdge>> gaps;
+        std::vector<double> widths;
+        double all = 0;
+        for (Index layer = first; layer < last; ++layer) {
+            collectGap(layer);
+            GapPlan plan(m_gap, m_graph, m_spacing);
+            const double width = std::max(plan.width(), minGap(container, layer, limits));
+            gaps.push_back(m_gap);
+            widths.push_back(width);
+            m_geometry.layerWidth[layer] = layer == first ? limits.header.width : columnWidth(layer);
+            all += width + m_geometry.layerWidth[layer];
+        }
+        const double spare = std::max(limits.minSize.width - all, 0.0);
+        widths.front() += spare / 2;
+        widths.back() += spare / 2;
+        double x = 0;
+        for (Index layer = first; layer < last; ++layer) {
+            m_geometry.layerX[layer] = x;
+            GapPlan(gaps[layer - first], m_graph, m_spacing).setTracks(widths[layer - first]);
+            x += m_geometry.layerWidth[layer] + widths[layer - first];
+        }
+        m_geometry.layerX[last] = x;
+        return x;
+    }
+
+    [[nodiscard]] double columnWidth(Index layer) const {
+        double width = 0;
+        for (Index i = m_graph.layerBegin[layer]; i < m_graph.layerBegin[layer + 1]; ++i)
+            if (m_graph.order[i] < m_graph.boxCount) width = std::max(width, m_width[m_graph.order[i]]);
+        return width;
+    }
+
+    void placeBoxes(Index container) {
+        for (Index i = m_nesting.memberBegin[container]; i < m_nesting.memberBegin[container + 1]; ++i) {
+            const Index box = m_nesting.members[i];
+            const Index grid = m_graph.grids.ofBox[box];
+            const Index leader = grid == nothing ? box : m_graph.grids.leader(m_graph.grids.grids[grid]);
+            const Index layer = m_graph.layer[box];
+            const double spare = m_geometry.layerWidth[layer] - m_width[leader];
+            Rect& rect = m_geometry.boxes[box];
+            rect.x += m_geometry.layerX[layer] + spare * shareInColumn(leader);
+            rect.y += m_graph.top[leader];
+        }
+    }
+
+    // Beside a isolated grid's many columns a box stands where its lines come from, or else where they lead to.
+    [[nodiscard]] double shareInColumn(Index box) const {
+        const Index layer = m_graph.layer[box];
+        const Index last = m_graph.at(layer, m_graph.sizeOf(layer) - 1);
+        const bool isBesideGrid =
+            last != box && last < m_graph.boxCount && m_graph.grids.ofBox[last] != nothing;
+        if (!isBesideGrid || m_boxes[box].along != BoxToPlace::Along::middle)
+            return shareBefore(m_boxes[box]);
+        if (m_graph.inBegin[box] < m_graph.inBegin[box + 1]) return 0;
+        return m_graph.outBegin[box] < m_graph.outBegin[box + 1] ? 1 : 0.5;
+    }
+
+    const std::vector<BoxToPlace>& m_boxes;
+    const Nesting& m_nesting;
+    LayeredGraph& m_graph;
+    const Spacing& m_spacing;
+    const CancelToken& m_cancel;
+    Offsets m_offsets;
+    BlockGraph m_blockGraph;
+    std::vector<double> m_width;  // by box: of the box, or the isolated grid that it stands for
+    std::vector<GapEdge> m_gap;
+    std::vector<std::vector<Index>> m_lanes;  // by container: the edges to them
+    ContainerGeometry m_geometry;
+};
+
+}  // namespace
+
+ContainerGeometry containerGeometryOf(const std::vector<BoxToPlace>& boxes, const Nesting& nesting,
+                                      LayeredGraph& graph, const Spacing& spacing,
+                                      const CancelToken& cancel) {
+    return GeometryBuilder(boxes, nesting, graph, spacing, cancel).build();
+}
+
+}  // namespace tessera_draw::placing

@@ -1,0 +1,83 @@
+#include "draw/placement/isolated_grids.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tessera_draw::placing {
+namespace {
+
+constexpr Index fewest = 8;  // fewer look better as one column
+
+}  // namespace
+
+IsolatedGrids isolatedGridsOf(const std::vector<BoxToPlace>& boxes, const Nesting& nesting,
+                              const std::vector<char>& isTouched, const std::vector<Index>& layer,
+                              Index layerCount) {
+    const auto mayJoinGrid = [&](Index box) {
+        return isTouched[box] == 0 && boxes[box].border == BoxToPlace::Border::none;
+    };
+    std::vector<Index> count(layerCount, 0);
+    for (Index box = 0; box < boxes.size(); ++box)
+        if (mayJoinGrid(box)) ++count[layer[box]];
+    IsolatedGrids answer;
+    answer.ofBox.assign(boxes.size(), nothing);
+    std::vector<Index> gridOf(layerCount, nothing);
+    for (Index container = 0; container < nesting.containerCount(); ++container) {
+        answer.firstInContainer.push_back(static_cast<Index>(answer.grids.size()));
+        for (Index i = nesting.memberBegin[container]; i < nesting.memberBegin[container + 1]; ++i) {
+            const Index box = nesting.members[i];
+            if (!mayJoinGrid(box) || count[layer[box]] < fewest) continue;
+            Index& grid = gridOf[layer[box]];
+            if (grid == nothing) {
+                grid = static_cast<Index>(answer.grids.size());
+                const auto begin = static_cast<Index>(answer.members.size());
+                answer.grids.push_back({begin, begin});
+                answer.members.resize(begin + count[layer[box]]);
+            }
+            answer.ofBox[box] = grid;
+            answer.members[answer.grids[grid].end++] = box;
+        }
+    }
+    answer.firstInContainer.push_back(static_cast<Index>(answer.grids.size()));
+    return answer;
+}
+
+Size arrange(const IsolatedGrids& grids, const IsolatedGrid& grid, const std::vector<BoxToPlace>& boxes,
+             const Spacing& spacing, std::vector<Rect>& rects) {
+    const double between = spacing.betweenBoxes;
+    double area = 0;
+    for (Index i = grid.begin; i < grid.end; ++i) {
+        const Rect& rect = rects[grids.members[i]];
+        area += (rect.width + between) * (rect.height + between);
+    }
+    const double wanted = std::sqrt(area);
+    Size size;
+    for (Index i = grid.begin; i < grid.end;) {
+        const Index first = i;
+        double width = 0;
+        double y = 0;
+        for (; i < grid.end; ++i) {
+            Rect& rect = rects[grids.members[i]];
+            if (i > first && y + rect.height > wanted) break;
+            rect.y = y;
+            y += rect.height + between;
+            width = std::max(width, rect.width);
+        }
+        if (first > grid.begin) size.width += between;
+        for (Index k = first; k < i; ++k) {
+            Rect& rect = rects[grids.members[k]];
+            rect.x = size.width + (width - rect.width) * shareBefore(boxes[grids.members[k]]);
+        }
+        size.width += width;
+        size.height = std::max(size.height, y - between);
+    }
+    return size;
+}
+
+double shareBefore(const BoxToPlace& box) noexcept {
+    if (box.border != BoxToPlace::Border::none) return box.border == BoxToPlace::Border::start ? 0 : 1;
+    if (box.along == BoxToPlace::Along::middle) return 0.5;
+    return box.along == BoxToPlace::Along::start ? 0 : 1;
+}
+
+}  // namespace tessera_draw::placing

@@ -1,0 +1,246 @@
+#include "draw/placement/layered_graph.h"
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+namespace tessera_draw::placing {
+namespace {
+
+// An end of a chain before there are edges.
+struct End {
+    Index vertex = nothing;
+    Index port = nothing;
+};
+
+struct RawChain {
+    Index container = 0;
+    End from;
+    End to;
+};
+
+class LayeredGraphBuilder {
+  public:
+    LayeredGraphBuilder(const std::vector<BoxToPlace>& boxes, const Nesting& nesting,
+                        const std::vector<RouteSegment>& routeSegments, const Layers& layers)
+        : m_boxes(boxes), m_nesting(nesting), m_routeSegments(routeSegments), m_layers(layers) {}
+
+    LayeredGraph build() {
+        m_graph.boxCount = static_cast<Index>(m_boxes.size());
+        for (const RouteSegment& routeSegment : m_routeSegments)
+            addChains(routeSegment);
+        m_graph.firstDummyVertex = m_graph.vertexOf(static_cast<Index>(m_graph.hierarchicalPorts.size()));
+        placeInLayers();
+        findFarChains();
+        for (std::size_t i = 0; i < m_raw.size(); ++i)
+            addEdges(m_raw[i], m_isFar[i] != 0);
+        findGrids();
+        fillLayers();
+        linkEdges();
+        markLines();
+        return std::move(m_graph);
+    }
+
+  private:
+    // A line that ends at a container gets a hierarchical port of it too: it needs a place there as others do.
+    void addChains(const RouteSegment& routeSegment) {
+        const auto begin = static_cast<Index>(m_raw.size());
+        if (!routeSegment.isDirect) {
+            const bool isInside = routeSegment.fromMember == nothing || routeSegment.toMember == nothing;
+            const Index fromLayer = isInside ? 0 : m_layers.ofBox[routeSegment.fromMember];
+            const Index toLayer = isInside ? 1 : m_layers.ofBox[routeSegment.toMember];
+            RawChain middle;
+            middle.container = routeSegment.container;
+            middle.from = climb(routeSegment.from, routeSegment.fromMember, fromLayer <= toLayer, false);
+            const auto outside = static_cast<std::ptrdiff_t>(m_raw.size());
+            middle.to = climb(routeSegment.to, routeSegment.toMember, fromLayer >= toLayer, true);
+            m_raw.push_back(middle);
+            std::reverse(m_raw.begin() + outside, m_raw.end());
+        }
+        m_graph.ofRouteSegment.push_back({begin, static_cast<Index>(m_raw.size())});
+    }
+
+    End climb(Index box, Index member, bool isAtEnd, bool isTowards) {
+        if (member == nothing) return {hierarchicalPort(box, isTowards), nothing};
+        End end{box, nothing};
+        if (m_nesting.containerOf[box] != nothing) end.port = newHierarchicalPort(box, isAtEnd);
+        while (end.vertex != member) {
+            const Index around = m_nesting.tree.parent(end.vertex);
+            const Index port = newHierarchicalPort(around, isAtEnd);
+            const End border{m_graph.vertexOf(port), nothing};
+            m_raw.push_back(
+                {m_nesting.containerOf[around], isTowards ? border : end, isTowards ? end : border});
+            end = {around, port};
+        }
+        return end;
+    }
+
+    Index newHierarchicalPort(Index box, bool isAtEnd) {
+        m_graph.hierarchicalPorts.push_back({box, isAtEnd});
+        return static_cast<Index>(m_graph.hierarchicalPorts.size()) - 1;
+    }
+    Index hierarchicalPort(Index box, bool isAtEnd) {
+        return m_graph.vertexOf(newHierarchicalPort(box, isAtEnd));
+    }
+
+    // Boxes and hierarchical ports; dummy vertices follow with their edges.
+    void placeInLayers() {
+        m_graph.firstLayer.push_back(0);
+        for (const Index count : m_layers.inContainer)
+            m_graph.firstLayer.push_back(m_graph.firstLayer.back() + count + 2);
+        m_graph.layer.resize(m_graph.firstDummyVertex);
+        for (Index box = 0; box < m_graph.boxCount; ++box)
+            m_graph.layer[box] = m_graph.firstLayer[m_nesting.containerAround(box)] + 1 + m_layers.ofBox[box];
+        for (Index i = 0; i < m_graph.hierarchicalPorts.size(); ++i) {
+            const Index container = m_nesting.containerOf[m_graph.hierarchicalPorts[i].box];
+            m_graph.layer[m_graph.vertexOf(i)] = m_graph.hierarchicalPorts[i].isAtEnd
+                                                     ? m_graph.lastLayer(container)
+                                                     : m_graph.firstLayer[container];
+        }
+    }
+
+    [[nodiscard]] Index spanOf(const RawChain& chain) const {
+        const Index a = m_graph.layer[chain.from.vertex];
+        const Index b = m_graph.layer[chain.to.vertex];
+        return a < b ? b - a : a - b;
+    }
+
+    // Dummy vertices are as many as lines times layers. Where that is too much the longest chains take a lane
+    // outside of all layers.
+    void findFarChains() {
+        m_isFar.assign(m_raw.size(), 0);
+        const std::size_t limit = 8 * (m_raw.size() + m_boxes.size()) + 200'000;
+        std::size_t sum = 0;
+        for (const RawChain& chain : m_raw)
+            sum += spanOf(chain);
+        if (sum <= limit) return;
+        std::vector<std::pair<Index, Index>> bySpan;
+        bySpan.reserve(m_raw.size());
+        for (Index i = 0; i < m_raw.size(); ++i)
+            bySpan.emplace_back(spanOf(m_raw[i]), i);
+        std::sort(bySpan.begin(), bySpan.end());
+        sum = 0;
+        for (const auto& [span, chain] : bySpan) {
+            sum += span;
+            m_isFar[chain] = sum > limit && span > 1 ? 1 : 0;
+        }
+    }
+
+    void addEdges(const RawChain& raw, bool isFar) {
+        EdgeChain chain;
+        chain.container = raw.container;
+        chain.firstEdge = static_cast<Index>(m_graph.edges.size());
+        chain.isReversed = m_graph.layer[raw.from.vertex] > m_graph.layer[raw.to.vertex];
+        const End& tail = chain.isReversed ? raw.to : raw.from;
+        const End& head = chain.isReversed ? raw.from : raw.to;
+        Edge edge;
+        edge.tail = tail.vertex;
+        edge.tailPort = tail.port;
+        const Index last = m_graph.layer[head.vertex];
+        if (isFar) {
+            edge.kind = Edge::Kind::toLane;
+            m_graph.edges.push_back(std::exchange(edge, {}));
+            edge.kind = Edge::Kind::fromLane;
+        }
+        for (Index next = m_graph.layer[tail.vertex] + 1; !isFar && next < last; ++next) {
+            edge.head = m_graph.vertexCount();
+            m_graph.layer.push_back(next);
+            m_graph.edges.push_back(edge);
+            edge = {};
+            edge.tail = m_graph.edges.back().head;
+        }
+        edge.head = head.vertex;
+        edge.headPort = head.port;
+        if (m_graph.layer[tail.vertex] == last) edge.kind = Edge::Kind::loop;
+        m_graph.edges.push_back(edge);
+        chain.edgeCount = static_cast<Index>(m_graph.edges.size()) - chain.firstEdge;
+        m_graph.chains.push_back(chain);
+    }
+
+    void findGrids() {
+        std::vector<char> isTouched(m_boxes.size(), 0);
+        for (const Edge& edge : m_graph.edges)
+            for (const Index end : {edge.tail, edge.head})
+                if (end < m_graph.boxCount) isTouched[end] = 1;
+        m_graph.grids =
+            isolatedGridsOf(m_boxes, m_nesting, isTouched, m_graph.layer, m_graph.firstLayer.back());
+    }
+
+    // IsolatedGrids stand behind what has lines.
+    void fillLayers() {
+        std::vector<Index> vertices;
+        std::vector<Index> leaders;
+        vertices.reserve(m_graph.layer.size());
+        for (Index vertex = 0; vertex < m_graph.vertexCount(); ++vertex) {
+            if (vertex >= m_graph.boxCount || m_graph.grids.ofBox[vertex] == nothing)
+                vertices.push_back(vertex);
+            else if (m_graph.grids.isInLayer(vertex))
+                leaders.push_back(vertex);
+        }
+        vertices.insert(vertices.end(), leaders.begin(), leaders.end());
+        m_graph.layerBegin.assign(m_graph.firstLayer.back() + 1, 0);
+        for (const Index vertex : vertices)
+            ++m_graph.layerBegin[m_graph.layer[vertex] + 1];
+        std::partial_sum(m_graph.layerBegin.begin(), m_graph.layerBegin.end(), m_graph.layerBegin.begin());
+        std::vector<Index> next(m_graph.layerBegin.begin(), m_graph.layerBegin.end() - 1);
+        m_graph.order.resize(vertices.size());
+        m_graph.place.resize(m_graph.layer.size(), 0);
+        for (const Index vertex : vertices) {
+            const Index layer = m_graph.layer[vertex];
+            m_graph.place[vertex] = next[layer] - m_graph.layerBegin[layer];
+            m_graph.order[next[layer]++] = vertex;
+        }
+    }
+
+    void linkEdges() {
+        m_graph.inBegin.assign(m_graph.layer.size() + 1, 0);
+        m_graph.outBegin.assign(m_graph.layer.size() + 1, 0);
+        std::size_t count = 0;
+        for (const Edge& edge : m_graph.edges) {
+            if (edge.kind != Edge::Kind::plain) continue;
+            ++m_graph.outBegin[edge.tail + 1];
+            ++m_graph.inBegin[edge.head + 1];
+            ++count;
+        }
+        std::partial_sum(m_graph.inBegin.begin(), m_graph.inBegin.end(), m_graph.inBegin.begin());
+        std::partial_sum(m_graph.outBegin.begin(), m_graph.outBegin.end(), m_graph.outBegin.begin());
+        m_graph.inEdges.resize(count);
+        m_graph.outEdges.resize(count);
+        std::vector<Index> nextIn(m_graph.inBegin.begin(), m_graph.inBegin.end() - 1);
+        std::vector<Index> nextOut(m_graph.outBegin.begin(), m_graph.outBegin.end() - 1);
+        for (Index i = 0; i < m_graph.edges.size(); ++i) {
+            const Edge& edge = m_graph.edges[i];
+            if (edge.kind != Edge::Kind::plain) continue;
+            m_graph.outEdges[nextOut[edge.tail]++] = i;
+            m_graph.inEdges[nextIn[edge.head]++] = i;
+        }
+    }
+
+    void markLines() {
+        m_graph.isOnLine.assign(m_graph.layer.size(), 1);
+        for (Index box = 0; box < m_graph.boxCount; ++box) {
+            const bool isPassed = m_graph.inBegin[box + 1] - m_graph.inBegin[box] <= 1 &&
+                                  m_graph.outBegin[box + 1] - m_graph.outBegin[box] <= 1;
+            m_graph.isOnLine[box] = m_boxes[box].isLabel && isPassed ? 1 : 0;
+        }
+        m_graph.height.assign(m_graph.layer.size(), 0);
+        m_graph.top.assign(m_graph.layer.size(), 0);
+    }
+
+    const std::vector<BoxToPlace>& m_boxes;
+    const Nesting& m_nesting;
+    const std::vector<RouteSegment>& m_routeSegments;
+    const Layers& m_layers;
+    std::vector<RawChain> m_raw;
+    std::vector<char> m_isFar;
+    LayeredGraph m_graph;
+};
+
+}  // namespace
+
+LayeredGraph layeredGraphOf(const std::vector<BoxToPlace>& boxes, const Nesting& nesting,
+                            const std::vector<RouteSegment>& routeSegments, const Layers& layers) {
+    return LayeredGraphBuilder(boxes, nesting, routeSegments, layers).build();
+}
+
+}  // namespace tessera_draw::placing

@@ -1,0 +1,180 @@
+#include "draw/scene/box_sizes.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <utility>
+
+#include "draw/text_width.h"
+#include "draw/theme.h"
+
+namespace tessera_draw {
+namespace {
+
+constexpr double minCard = 84;  // inside
+constexpr double maxCard = 244;
+constexpr double maxNameColumn = 140;
+constexpr double minLabel = 52;
+constexpr double maxLabel = 168;
+constexpr double maxGroupTitle = 320;
+constexpr std::uint32_t maxCardRows = 12;
+constexpr std::uint32_t maxLabelRows = 6;
+constexpr double groupMargin = 20;
+constexpr double groupTop = 40;
+constexpr double groupTopWithRows = 48;
+constexpr double belowHeader = 8;  // from a group's texts to where lines may bend
+
+// What is usual, in em: where nobody says what a box will show.
+constexpr RowSpace usualNode = {2, 0, 5.6, 6.6};
+constexpr RowSpace usualLabel = {1, 6, 0, 5.8};
+constexpr RowSpace usualGroup = {1, 0, 6, 6.6};
+
+double even(double length) {
+    return 2 * std::ceil(length / 2);
+}
+
+double captionWidth(const Node& node, double maxWidth) {
+    const TextStyle& style = styleOf(TextRole::name);
+    return fitText(captionOf(node), maxWidth, style.size, style.weight).width;
+}
+
+bool hasLook(const Node& node) {
+    return !node.displayType.empty() && node.displayType != "none";
+}
+
+void setColumns(BoxSize& box, const RowSpace& space, double nameSize, double valueSize, double maxWidth) {
+    box.valueColumn = std::min(space.valueWidth * valueSize + 1, maxWidth * 0.6);
+    box.nameColumn =
+        std::min({space.nameWidth * nameSize + 1, maxNameColumn, maxWidth - columnGap - box.valueColumn});
+}
+
+BoxSize cardSize(const Node& node, const RowSpace& space) {
+    BoxSize box;
+    box.rows = std::min(space.rows, maxCardRows);
+    double inner = captionWidth(node, maxCard - symbolSpace) + (hasLook(node) ? symbolSpace : 0);
+    if (box.rows > 0) {
+        setColumns(box, space, styleOf(TextRole::rowName).size, styleOf(TextRole::rowValue).size, maxCard);
+        inner = std::max(inner, box.nameColumn + columnGap + box.valueColumn);
+    }
+    box.size.width = even(std::clamp(inner, minCard, maxCard)) + cardLeft + cardRight;
+    box.size.height = box.rows == 0 ? 38 : cardFirstRow - 8 + rowStep * box.rows;
+    return box;
+}
+
+BoxSize labelSize(const RowSpace& space) {
+    BoxSize box;
+    const double nameSize = styleOf(TextRole::labelName).size;
+    const double valueSize = styleOf(TextRole::labelValue).size;
+    box.rows = std::clamp<std::uint32_t>(space.rows, 1, maxLabelRows);
+    setColumns(box, space, nameSize, valueSize, maxLabel);
+    double inner = space.titleWidth * nameSize;
+    if (box.rows == 1) {
+        inner = std::max({inner, space.nameWidth * nameSize, space.valueWidth * valueSize});
+        box.size.height = 34;
+    } else {
+        inner = std::max(inner, box.nameColumn + columnGap + box.valueColumn);
+        box.size.height = labelFirstRow - 6 + labelRowStep * box.rows;
+    }
+    box.size.width = even(std::clamp(inner, minLabel, maxLabel)) + 2 * labelSide;
+    return box;
+}
+
+BoxSize containerSize(const Node& node, const RowSpace& space) {
+    BoxSize box;
+    box.rows = std::min(space.rows, maxCardRows);
+    double inner = captionWidth(node, maxGroupTitle) + (hasLook(node) ? symbolSpace : 0);
+    double top = groupTop;
+    if (box.rows > 0) {
+        setColumns(box, space, styleOf(TextRole::rowName).size, styleOf(TextRole::rowValue).size,
+                   maxGroupTitle);
+        inner = std::max(inner, box.nameColumn + columnGap + box.valueColumn);
+        top = groupTopWithRows + rowStep * box.rows;
+    }
+    box.padding = {groupMargin, top, groupMargin, groupMargin};
+    box.size = {even(inner) + 2 * groupSide, top + groupMargin};
+    box.header = {groupSide + inner, top - belowHeader};
+    return box;
+}
+
+Reservation::Place placeOf(std::string_view location) {
+    if (location == "from") return Reservation::Place::from;
+    return location == "to" ? Reservation::Place::to : Reservation::Place::center;
+}
+
+// By node, the link path that a label stands on.
+std::vector<Index> pathsOfLabels(const Diagram& diagram, const LinkPaths& linkPaths) {
+    std::vector<Index> answer(diagram.nodes.size(), nothing);
+    for (std::size_t at = 0; at < linkPaths.paths.size(); ++at) {
+        const LinkPath& path = linkPaths.paths[at];
+        for (std::uint32_t i = 0; i < path.stopCount; ++i)
+            answer[linkPaths.stops[path.firstStop + i].node] = static_cast<Index>(at);
+    }
+    return answer;
+}
+
+RowSpace orNothing(const RowSpace* space) {
+    return space == nullptr ? RowSpace{} : *space;
+}
+
+// Cards of one layer as wide as the widest of them: their texts then stand in columns.
+void evenOut(const Diagram& diagram, const BoxKinds& kinds, std::vector<BoxSize>& sizes) {
+    std::map<std::pair<Index, std::int32_t>, double> widest;
+    const auto layerOf = [&](std::size_t at) {
+        return std::pair(diagram.nodes[at].group, diagram.nodes[at].level);
+    };
+    for (std::size_t i = 0; i < sizes.size(); ++i)
+        if (kinds.kinds[i] == BoxKind::card && diagram.nodes[i].level >= 0)
+            widest[layerOf(i)] = std::max(widest[layerOf(i)], sizes[i].size.width);
+    for (std::size_t i = 0; i < sizes.size(); ++i)
+        if (kinds.kinds[i] == BoxKind::card && diagram.nodes[i].level >= 0)
+            sizes[i].size.width = widest[layerOf(i)];
+}
+
+}  // namespace
+
+BoxKinds findKinds(const Diagram& diagram) {
+    const std::size_t count = diagram.nodes.size();
+    BoxKinds answer{std::vector<BoxKind>(count, BoxKind::card), std::vector<Index>(count, nothing)};
+    for (std::size_t i = 0; i < count; ++i) {
+        const Node& node = diagram.nodes[i];
+        if (node.type == "dummy") answer.kinds[i] = BoxKind::none;
+        if (node.type == "label") answer.kinds[i] = BoxKind::label;
+        if (node.type != "groupInfo" || node.isGroup || node.group == nothing) continue;
+        answer.kinds[i] = BoxKind::none;
+        answer.groupInfos[node.group] = static_cast<Index>(i);
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        if (diagram.nodes[i].isGroup) answer.kinds[i] = BoxKind::container;
+        if (diagram.nodes[i].group != nothing) answer.kinds[diagram.nodes[i].group] = BoxKind::container;
+    }
+    return answer;
+}
+
+std::vector<BoxSize> boxSizesOf(const Diagram& diagram, const LinkPaths& linkPaths, const BoxKinds& kinds,
+                                const Reservation* reservation) {
+    const std::vector<Index> pathOf = pathsOfLabels(diagram, linkPaths);
+    std::vector<BoxSize> sizes(diagram.nodes.size());
+    for (std::size_t i = 0; i < sizes.size(); ++i) {
+        const Node& node = diagram.nodes[i];
+        const RowSpace* kept = reservation == nullptr ? nullptr : reservation->findNode(node.id);
+        if (kinds.kinds[i] == BoxKind::card) {
+            sizes[i] = cardSize(node, reservation == nullptr ? usualNode : orNothing(kept));
+        } else if (kinds.kinds[i] == BoxKind::container) {
+            const bool hasRows = kinds.groupInfos[i] != nothing;
+            sizes[i] = containerSize(node, reservation != nullptr ? orNothing(kept)
+                                           : hasRows              ? usualGroup
+                                                                  : RowSpace{});
+        } else if (kinds.kinds[i] == BoxKind::label) {
+            const Index path = pathOf[i];
+            const RowSpace* link =
+                reservation == nullptr || path == nothing
+                    ? nullptr
+                    : reservation->findLink(linkPaths.paths[path].id, placeOf(node.location));
+            sizes[i] = labelSize(link == nullptr ? usualLabel : *link);
+        }
+    }
+    evenOut(diagram, kinds, sizes);
+    return sizes;
+}
+
+}  // namespace tessera_draw

@@ -1,0 +1,175 @@
+#include "draw/scene/scene_input.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace tessera_draw {
+namespace {
+
+using Along = BoxToPlace::Along;
+using Border = BoxToPlace::Border;
+
+Along alongOf(std::string_view aligning) {
+    if (aligning == "from") return Along::start;
+    return aligning == "to" ? Along::end : Along::middle;
+}
+
+Along opposite(Along along) {
+    if (along == Along::middle) return along;
+    return along == Along::start ? Along::end : Along::start;
+}
+
+// The placement knows layers along x only; for the other direction everything is turned over its diagonal.
+void turn(BoxToPlace& box) {
+    std::swap(box.size.width, box.size.height);
+    std::swap(box.padding.left, box.padding.top);
+    std::swap(box.padding.right, box.padding.bottom);
+    std::swap(box.header.width, box.header.height);
+}
+
+void turn(Point& point) {
+    std::swap(point.x, point.y);
+}
+
+void turn(Placement& placement) {
+    std::swap(placement.size.width, placement.size.height);
+    for (Rect& rect : placement.boxes) {
+        std::swap(rect.x, rect.y);
+        std::swap(rect.width, rect.height);
+    }
+    for (PlacedLine& line : placement.lines) {
+        for (auto& stretch : line.stretches) {
+            turn(stretch.start);
+            for (Segment& segment : stretch.segments) {
+                turn(segment.control1);
+                turn(segment.control2);
+                turn(segment.end);
+            }
+        }
+    }
+}
+
+// First and last layer that the members of each group have, by the group; the last entry is the top level.
+struct Layers {
+    std::int32_t first = -1;
+    std::int32_t last = -1;
+};
+
+std::vector<Layers> layersOf(const Diagram& diagram, const BoxKinds& kinds) {
+    std::vector<Layers> layers(diagram.nodes.size() + 1);
+    for (std::size_t i = 0; i < diagram.nodes.size(); ++i) {
+        const Node& node = diagram.nodes[i];
+        if (node.level < 0 || kinds.kinds[i] == BoxKind::none) continue;
+        Layers& group = layers[node.group == nothing ? diagram.nodes.size() : node.group];
+        group.first = group.first < 0 ? node.level : std::min(group.first, node.level);
+        group.last = std::max(group.last, node.level);
+    }
+    return layers;
+}
+
+Border borderOf(const Node& node, const std::vector<Layers>& layers) {
+    if (node.displayType != "interface" || node.group == nothing || node.level < 0) return Border::none;
+    if (node.level == layers[node.group].last) return Border::end;
+    return node.level == layers[node.group].first ? Border::start : Border::none;
+}
+
+// Whether a link path runs against the layers of the group that both its ends are in.
+bool runsBack(const Diagram& diagram, const LinkPath& path) {
+    const Node& from = diagram.nodes[path.from];
+    const Node& to = diagram.nodes[path.to];
+    return from.group == to.group && from.level > to.level;
+}
+
+// The box that a line to `node` ends at. A group's values stand in its header: lines to them go to the group.
+Index boxFor(const Diagram& diagram, const std::vector<Index>& boxOfNode, Index node) {
+    if (node == nothing) return nothing;
+    if (boxOfNode[node] != nothing || diagram.nodes[node].type != "groupInfo") return boxOfNode[node];
+    return diagram.nodes[node].group == nothing ? nothing : boxOfNode[diagram.nodes[node].group];
+}
+
+void addLine(const Diagram& diagram, const LinkPaths& linkPaths, const BoxKinds& kinds, Index at,
+             SceneInput& answer) {
+    const LinkPath& path = linkPaths.paths[at];
+    LineToPlace line{
+        boxFor(diagram, answer.boxOfNode, path.from), boxFor(diagram, answer.boxOfNode, path.to), {}};
+    if (line.from == nothing || line.to == nothing) return;
+    for (std::uint32_t i = 0; i < path.stopCount; ++i) {
+        const PathStop& stop = linkPaths.stops[path.firstStop + i];
+        if (stop.node == nothing || kinds.kinds[stop.node] != BoxKind::label) continue;
+        BoxToPlace& box = answer.input.boxes[answer.boxOfNode[stop.node]];
+        if (box.isLabel) continue;
+        box.isLabel = true;
+        box.group = stop.group == nothing ? nothing : answer.boxOfNode[stop.group];
+        box.level = stop.level;
+        if (runsBack(diagram, path)) box.along = opposite(box.along);
+        line.through.push_back(answer.boxOfNode[stop.node]);
+    }
+    answer.input.lines.push_back(std::move(line));
+    answer.pathOfLine.push_back(at);
+}
+
+// RowSpace for the ends of lines on both sides of a card, so that each can be told from the next one.
+void growForLineEnds(const Diagram& diagram, const LinkPaths& linkPaths, const BoxKinds& kinds,
+                     SceneInput& answer) {
+    constexpr double between = 7.5;
+    constexpr double aroundEnds = 16;
+    constexpr std::uint32_t maxEnds = 400;
+    struct Ends {
+        std::uint32_t in = 0;
+        std::uint32_t out = 0;
+    };
+    std::vector<Ends> ends(answer.input.boxes.size());
+    for (std::size_t i = 0; i < answer.pathOfLine.size(); ++i) {
+        const LineToPlace& line = answer.input.lines[i];
+        const bool isBack = runsBack(diagram, linkPaths.paths[answer.pathOfLine[i]]);
+        ++(isBack || line.from == line.to ? ends[line.to].out : ends[line.to].in);
+        ++(isBack ? ends[line.from].in : ends[line.from].out);
+    }
+    for (std::size_t i = 0; i < diagram.nodes.size(); ++i) {
+        if (kinds.kinds[i] != BoxKind::card) continue;
+        const auto& [in, out] = ends[answer.boxOfNode[i]];
+        const std::uint32_t endCount = std::min(std::max(in, out), maxEnds);
+        double& across = answer.input.boxes[answer.boxOfNode[i]].size.height;
+        if (endCount > 1) across = std::max(across, std::ceil(aroundEnds + between * (endCount - 1)));
+    }
+}
+
+}  // namespace
+
+SceneInput makeInput(const Diagram& diagram, const LinkPaths& linkPaths, const BoxKinds& kinds,
+                     const std::vector<BoxSize>& sizes, Direction direction) {
+    SceneInput answer;
+    answer.boxOfNode.assign(diagram.nodes.size(), nothing);
+    Index next = 0;
+    for (std::size_t i = 0; i < diagram.nodes.size(); ++i)
+        if (kinds.kinds[i] != BoxKind::none) answer.boxOfNode[i] = next++;
+    answer.input.boxes.reserve(next);
+    const std::vector<Layers> layers = layersOf(diagram, kinds);
+    for (std::size_t i = 0; i < diagram.nodes.size(); ++i) {
+        if (kinds.kinds[i] == BoxKind::none) continue;
+        const Node& node = diagram.nodes[i];
+        BoxToPlace& box = answer.input.boxes.emplace_back();
+        box.group = node.group == nothing ? nothing : answer.boxOfNode[node.group];
+        box.level = node.level;
+        box.size = sizes[i].size;
+        box.isContainer = kinds.kinds[i] == BoxKind::container;
+        box.padding = sizes[i].padding;
+        box.header = sizes[i].header;
+        box.along = alongOf(node.aligning);
+        if (kinds.kinds[i] == BoxKind::card) box.border = borderOf(node, layers);
+        if (direction == Direction::topToBottom) turn(box);
+    }
+    for (std::size_t i = 0; i < linkPaths.paths.size(); ++i)
+        addLine(diagram, linkPaths, kinds, static_cast<Index>(i), answer);
+    growForLineEnds(diagram, linkPaths, kinds, answer);
+    return answer;
+}
+
+Placement placeInput(const SceneInput& input, Direction direction, const CancelToken& cancel) {
+    Placement placement = place(input.input, Spacing{}, cancel);
+    if (direction == Direction::topToBottom) turn(placement);
+    return placement;
+}
+
+}  // namespace tessera_draw

@@ -1,0 +1,55 @@
+// Texts as drawings show them. Any bytes: what is not UTF-8 reads as U+FFFD.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+#include "support/utf8.h"
+
+namespace tessera_draw {
+
+// The character as drawings show it: white space as a space, and what XML cannot carry as U+FFFD.
+[[nodiscard]] inline char32_t shownAs(char32_t code) noexcept {
+    if (code >= 0x20 && code < 0x7F) return code;
+    if (code == '\t' || code == '\n' || code == '\r' || code == 0x85 || code == 0x2028 || code == 0x2029)
+        return ' ';
+    if (code < 0x20 || (code >= 0x7F && code < 0xA0) || (code & 0xFFFE) == 0xFFFE)
+        return tessera_support::replacementCode;
+    return code;
+}
+
+// Whether the character is Hebrew, Arabic or of another script that is written from right to left.
+[[nodiscard]] inline bool isRightToLeft(char32_t code) noexcept {
+    return (code >= 0x590 && code <= 0x8FF) || (code >= 0xFB1D && code <= 0xFDFF) ||
+           (code >= 0xFE70 && code <= 0xFEFC) || (code >= 0x10800 && code <= 0x10FFF) ||
+           (code >= 0x1E800 && code <= 0x1EFFF);
+}
+
+// Whether the text has a letter that is written from right to left.
+[[nodiscard]] inline bool hasRightToLeft(std::string_view text) noexcept {
+    for (std::size_t i = 0; i < text.size();) {
+        if (static_cast<unsigned char>(text[i]) < 0x80) {
+            ++i;
+            continue;
+        }
+        const auto character = tessera_support::decodeUtf8(text.substr(i));
+        if (isRightToLeft(character.code)) return true;
+        i += character.length;
+    }
+    return false;
+}
+
+// Whether nothing of the text can be seen.
+[[nodiscard]] inline bool isBlank(std::string_view text) noexcept {
+    for (std::size_t i = 0; i < text.size();) {
+        const auto character = tessera_support::decodeUtf8(text.substr(i));
+        const char32_t code = character.code;
+        const bool isSeen = shownAs(code) != ' ' && code != 0xA0 && code != 0x3000 && code != 0xFEFF &&
+                            !(code >= 0x2000 && code <= 0x200F) && !(code >= 0x2060 && code <= 0x2064);
+        if (isSeen) return false;
+        i += character.length;
+    }
+    return true;
+}
+
+}  // namespace tessera_draw
