@@ -63,17 +63,26 @@ void alert(const Place& place, const std::string& message);
     }                                                                                                  \
     static_assert(true)
 
-#define TESSERA_HERE \
-    (::tessera_1::check::Place{sourceUnit, static_cast<const char*>(__PRETTY_FUNCTION__), __LINE__})
+// The signature of the function that this stands in.
+#define TESSERA_SIGNATURE static_cast<const char*>(__PRETTY_FUNCTION__)
+
+// This place, as one of the operation with that signature.
+#define TESSERA_HERE_IN(signature) (::tessera_1::check::Place{sourceUnit, signature, __LINE__})
+
+#define TESSERA_HERE TESSERA_HERE_IN(TESSERA_SIGNATURE)
 
 // Returns from the function, with the value that follows the condition if there is one. A condition that
 // fails is evaluated once more for its report.
-#define TESSERA_CHECK(condition, ...)                                                           \
-    do {                                                                                        \
-        if (!(condition)) [[unlikely]] {                                                        \
-            ::tessera_1::check::failed(TESSERA_HERE, #condition, static_cast<bool>(condition)); \
-            return __VA_ARGS__;                                                                 \
-        }                                                                                       \
+#define TESSERA_CHECK(condition, ...) TESSERA_CHECK_IN(TESSERA_SIGNATURE, condition, __VA_ARGS__)
+
+// The same in a helper, whose checks are reported as those of the operation that it serves.
+#define TESSERA_CHECK_IN(signature, condition, ...)                            \
+    do {                                                                       \
+        if (!(condition)) [[unlikely]] {                                       \
+            ::tessera_1::check::failed(TESSERA_HERE_IN(signature), #condition, \
+                                       static_cast<bool>(condition));          \
+            return __VA_ARGS__;                                                \
+        }                                                                      \
     } while (false)
 
 // Returns the error, raised at this place.
@@ -84,9 +93,10 @@ void alert(const Place& place, const std::string& message);
                                                   #error, error);                                         \
     } while (false)
 
-#define TESSERA_ALERT(message) ::tessera_1::check::alert(TESSERA_HERE, message)
+#define TESSERA_ALERT(message) TESSERA_ALERT_IN(TESSERA_SIGNATURE, message)
+#define TESSERA_ALERT_IN(signature, message) ::tessera_1::check::alert(TESSERA_HERE_IN(signature), message)
 
 // An error code raised at this place; nothing is logged.
-#define TESSERA_RAISE(error)                                                                                 \
-    ::basekit2::error_code_t::raise(error, static_cast<const char*>(__PRETTY_FUNCTION__), sourceUnit.path(), \
-                                    __LINE__)
+#define TESSERA_RAISE(error) TESSERA_RAISE_IN(TESSERA_SIGNATURE, error)
+#define TESSERA_RAISE_IN(signature, error) \
+    ::basekit2::error_code_t::raise(error, signature, sourceUnit.path(), __LINE__)

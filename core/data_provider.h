@@ -3,7 +3,6 @@
 
 #include <memory>
 
-#include "core/layout_options.h"
 #include "core/viewpointparser.h"
 #include "platform/basekit2/error_code.h"
 #include "platform/relay2/progress.h"
@@ -14,19 +13,13 @@ namespace tessera_1 {
 // It is the parser that filled its graph. Locks nothing: its owner lets one thread in at a time.
 class TESSERA_EXPORT DataProvider : public DViewpointParser {
   public:
-    // The pipeline from the pane's configuration to the laid-out graph. Null when a step fails; what failed
-    // has been reported. A graph that says so was cancelled on the way, and is of no use. `out` is left
-    // alone.
+    // The pipeline from the pane's configuration to the laid-out graph. Null when a step fails, which has been
+    // reported, or when a pass is cancelled. `messenger` and `progress` are used during the call only and may
+    // be null. `out` is not used.
     [[nodiscard]] static std::unique_ptr<DataProvider> create(
         basekit2::variant_bag_t& config, basekit2::variant_bag_t& out,
         basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary, relay2::IMessenger* messenger,
         basekit2::sptr_t<qlib_1::IInputData> inputData, relay2::IProgress* progress);
-
-    // The same for a handler with options.
-    [[nodiscard]] TESSERA_HIDDEN static std::unique_ptr<DataProvider> createWithOptions(
-        basekit2::variant_bag_t& config, basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary,
-        relay2::IMessenger* messenger, basekit2::sptr_t<qlib_1::IInputData> inputData,
-        relay2::IProgress* progress, const LayoutOptions& options);
 
     // Runs the queries of every display info. The cancellation error when cancelled before the first; the
     // false code when a display info could not be filled, which stops none of the others.
@@ -34,13 +27,13 @@ class TESSERA_EXPORT DataProvider : public DViewpointParser {
 
     // Adds the diagram to `out`: "diagram", "nodes", "links". The cancellation error before anything is
     // written, or after everything is.
-    basekit2::error_code_t getMetadata(basekit2::variant_bag_t& out, relay2::IProgress* progress);
+    virtual basekit2::error_code_t getMetadata(basekit2::variant_bag_t& out, relay2::IProgress* progress);
 
     // New values, same diagram.
     basekit2::error_code_t refresh(basekit2::variant_bag_t& out, relay2::IProgress* progress);
 
     // Shows the data transfers of the mode that `in` names: the own value of its child "mode". Without that
-    // child, or when its value is no text, the not-valid-data error; nothing changes and nothing is written
+    // child, or when its value is not a string, the not-valid-data error; nothing changes and nothing is written
     // then.
     basekit2::error_code_t changeDisplayMode(const basekit2::variant_bag_t& in, basekit2::variant_bag_t& out,
                                              relay2::IProgress* progress);

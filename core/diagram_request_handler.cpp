@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "core/check.h"
+#include "core/pane_provider.h"
 
 namespace tessera_1 {
 
@@ -71,29 +72,38 @@ error_code_t DiagramViewRequestHandler::handleRequest(const std::string& name, c
 
 const variant_bag_t& DiagramViewRequestHandler::getConfig(const variant_bag_t& in,
                                                           relay2::IProgress* progress) {
-    // Whatever the base handler answers: an empty bag is what its caller has to deal with.
-    if (m_configBag.is_empty() && m_baseHandler)
-        (void)m_baseHandler->handleRequest("config", in, m_configBag, progress);
+    if (hasConfig() || !m_baseHandler) return m_configBag;
+    variant_bag_t fetched;
+    (void)m_baseHandler->handleRequest("config", in, fetched, progress);  // create() tests what came
+    const std::scoped_lock lock(m_mutex);
+    if (m_configBag.is_empty()) m_configBag = std::move(fetched);
     return m_configBag;
+}
+
+bool DiagramViewRequestHandler::hasConfig() {
+    const std::scoped_lock lock(m_mutex);
+    return !m_configBag.is_empty();
 }
 
 error_code_t DiagramViewRequestHandler::create(const variant_bag_t& in, variant_bag_t& out,
                                                relay2::IProgress* progress) {
-    {
-        const std::scoped_lock configLock(m_configMutex);
-        getConfig(in, progress);
-        TESSERA_CHECK_OR_RAISE(!m_configBag.is_empty(),
-                               bk2::error::IsNot.Valid.Data(_U("Pane config is empty")));
-    }
+    getConfig(in, progress);
+    // Reported under no lock: an assertion handler may send requests. Another thread may set the bag meanwhile,
+    // so it is not looked at a second time.
+    if (!hasConfig())
+        return check::failedWith(TESSERA_HERE, "!m_configBag.is_empty()", false,
+                                 R"(bk2::error::IsNot.Valid.Data(_U("Pane config is empty")))",
+                                 bk2::error::IsNot.Valid.Data(_U("Pane config is empty")));
     const std::scoped_lock lock(m_mutex);
-    if (!m_provider)
-        m_provider = DataProvider::createWithOptions(m_configBag, m_queryLibrary, m_messenger, m_inputData,
-                                                     progress, layoutOptions());
-    if (!m_provider) return error_code_t::false_code();
-    if (m_provider->m_graph->m_isCancelled) {  // half a layout is nothing to keep
-        m_provider.reset();
-        return TESSERA_RAISE(bk2::error::Cancelled(_U("Cancelled while the diagram was laid out")));
+    if (!m_provider) {
+        auto provider = PaneProvider::create(layoutOptions(), {&m_configBag, m_messenger, progress},
+                                             m_queryLibrary, m_inputData);
+        const bool isCancelled = provider && !provider->isComplete();
+        m_provider = std::move(provider);
+        if (isCancelled)
+            return TESSERA_RAISE(bk2::error::Cancelled(_U("Cancelled while the diagram was laid out")));
     }
+    if (!m_provider) return error_code_t::false_code();
     return m_provider->getMetadata(out, progress);
 }
 

@@ -28,8 +28,9 @@ class DiagramViewRequestHandler : public panelcore_1::IRequestHandler {
     basekit2::error_code_t handleRequest(const std::string& name, const basekit2::variant_bag_t& in,
                                          basekit2::variant_bag_t& out, relay2::IProgress* progress) override;
 
-    // The pane's configuration, fetched from the base handler until it is not empty and then kept.
-    // REQUIRES: the caller holds m_configMutex.
+    // The pane's configuration, which is m_configBag. While that is empty, each call asks the base handler
+    // for "config", holding no lock: the base handler may send requests to this handler. Of several answers
+    // the first that is not empty is kept, and never changes again.
     const basekit2::variant_bag_t& getConfig(const basekit2::variant_bag_t& in, relay2::IProgress* progress);
 
     // Builds the diagram the first time, and writes it into `out` every time. An empty configuration is the
@@ -44,6 +45,7 @@ class DiagramViewRequestHandler : public panelcore_1::IRequestHandler {
                                              relay2::IProgress* progress);
 
   private:
+    [[nodiscard]] bool hasConfig();
     // For the diagrams of this handler. A handler without options has the defaults.
     [[nodiscard]] virtual LayoutOptions layoutOptions() const { return {}; }
 
@@ -54,10 +56,7 @@ class DiagramViewRequestHandler : public panelcore_1::IRequestHandler {
     std::shared_ptr<panelcore_1::IRequestHandler> m_baseHandler;
     std::shared_ptr<panelcore_1::IFilterMgr> m_filterMgr;
     basekit2::variant_bag_t m_configBag;
-    std::mutex m_mutex;
-    // Guards m_configBag while it is being fetched; never held together with m_mutex. Once the bag is not
-    // empty it does not change again and is read without a lock.
-    std::mutex m_configMutex;
+    std::mutex m_mutex;  // held while m_provider is used, and for a moment to look at m_configBag or set it
 };
 
 }  // namespace tessera_1

@@ -14,12 +14,17 @@
 
 namespace tessera_1 {
 
-// Makes the handler of one diagram pane. The handler answers "create", "refresh" and "changeDisplayMode" on
-// any thread, one at a time, and keeps for its life: a reference on the query library and on the opened
-// result, the pane's base handler (asked once for "config", which must put the viewpoint into its output
-// bag), the filter manager, and the messenger, which is not owned, must outlive the handler and may be null.
-// A "create" that is cancelled while values are fetched keeps the diagram that it has; the next "refresh"
-// fetches them again; one that is cancelled while a large diagram is laid out keeps nothing. Never null.
+// Makes the handler of one diagram pane. Never null. Requests "create", "refresh" and "changeDisplayMode" may
+// be sent on any thread; the handler works on one at a time.
+//
+// The handler keeps for its life: a reference on the query library and on the opened result, the pane's base
+// handler, and the filter manager. The messenger is not owned: it must outlive the handler, and may be null.
+// "create" sends "config" to the base handler until that has put the viewpoint into its output bag, once. No
+// lock is held then, so the base handler may send requests to this handler; two threads may ask it at once.
+//
+// Cancellation: a "create" that is cancelled while values are fetched keeps the diagram, and the next
+// "refresh" fetches the values. One that is cancelled inside a pass of the layout answers the cancellation
+// error; the next request finishes the layout first.
 [[nodiscard]] TESSERA_EXPORT std::shared_ptr<panelcore_1::IRequestHandler> createDiagramViewRequestHandler(
     basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary, basekit2::sptr_t<qlib_1::IInputData> inputData,
     std::shared_ptr<panelcore_1::IRequestHandler> baseHandler,

@@ -21,8 +21,8 @@ std::string getAttrAndLocalize(const basekit2::variant_bag_t& bag, std::string n
 
 std::string getMessageFromCatalog(const std::string& key) {
     static const std::array<std::string, 3> catalogNames{"slicer2", "viewpoint", "storeiface1"};
-    const auto source = optstore2::getMessageCatalogSource();
     for (const std::string& catalogName : catalogNames) {
+        const auto source = optstore2::getMessageCatalogSource();
         const auto catalog = source->getCatalog(catalogName);
         if (!catalog || !catalog->has_message(key)) continue;
         const auto text = catalog->message(key).as_ustring(RTBASE_2_18::generic::varg_list{});
@@ -34,6 +34,10 @@ std::string getMessageFromCatalog(const std::string& key) {
 bool hasAttr(const basekit2::variant_bag_t& bag, std::string name) {
     return bag.get(name) != nullptr;
 }
+
+DViewpointParser::DViewpointParser() = default;
+
+DViewpointParser::~DViewpointParser() = default;
 
 void DViewpointParser::parseViewpoint(variant_bag_t viewpoint,
                                       basekit2::sptr_t<qlib_1::IQueryLibrary> library,

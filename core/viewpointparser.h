@@ -32,10 +32,10 @@ class TESSERA_EXPORT DViewpointParser {
   public:
     using variant_bag_t = basekit2::variant_bag_t;
 
-    DViewpointParser() = default;
+    DViewpointParser();
     DViewpointParser(const DViewpointParser&) = delete;
     DViewpointParser& operator=(const DViewpointParser&) = delete;
-    virtual ~DViewpointParser() = default;
+    virtual ~DViewpointParser();
 
     // Reads every "diagram" of `viewpoint` into a new graph, which it stores in `graph`. A graph that is set
     // already is left alone and nothing is read. Without query library or input data the precondition

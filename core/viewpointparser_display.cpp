@@ -35,14 +35,15 @@ void parseDisplayNode(DViewpointParser& parser, Node& node, std::string displayN
         node.m_aligning = std::move(aligning);
 }
 
+// Alerts are reported as those of `signature`.
 void parseDisplayLink(DViewpointParser& parser, Link& link, std::string displayName,
-                      const basekit2::variant_bag_t& element) {
+                      const basekit2::variant_bag_t& element, const char* signature) {
     link.m_displayName = std::move(displayName);
     for (auto child = element.begin(); !child.at_end(); child.next()) {
         const std::string location = getAttrAndLocalize(child.get_value(), "location", false);
         if (child.get_name() != "label") {
-            TESSERA_ALERT("Unknown element <" + std::string(child.get_name()) +
-                          "> found under <link >. Expected <label>.");
+            TESSERA_ALERT_IN(signature, "Unknown element <" + std::string(child.get_name()) +
+                                            "> found under <link >. Expected <label>.");
             continue;
         }
         DataTransferTable table;
@@ -66,7 +67,7 @@ void DViewpointParser::parseDisplaySection(const variant_bag_t& display) {
                 parseDisplayNode(*this, *node, std::move(displayName), element);
         } else if (name == "link") {
             if (const auto link = m_targetGraph->findLink(id))
-                parseDisplayLink(*this, *link, std::move(displayName), element);
+                parseDisplayLink(*this, *link, std::move(displayName), element, TESSERA_SIGNATURE);
         } else {
             TESSERA_ALERT("Unknown element <" + std::string(name) +
                           "> found under <displayName>. Expected <graph>, <node>, <link>.");

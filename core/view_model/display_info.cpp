@@ -41,44 +41,49 @@ class RowFinder {
     std::unordered_map<std::string_view, std::size_t> m_index;
 };
 
-// Writes the value columns of `tree` into the rows that refer to their queries.
-error_code_t bindColumns(RowSet& rowSet, sptr_t<qlib_1::ITableTree> tree) {
+// Writes the value columns of `tree` into the rows that refer to their queries. Checks are reported as those
+// of `signature`.
+error_code_t bindColumns(RowSet& rowSet, sptr_t<qlib_1::ITableTree> tree, const char* signature) {
     const RowFinder rows(rowSet.rows);
     auto helper = qlibhelpers_1_x::createTableTreeHelper(std::move(tree));
     for (helper.reset_columns(); !helper.columns_at_end(); helper.next_column()) {
         const sptr_t<qlib_1::IColumnInfo> column = helper.column();
-        TESSERA_CHECK(column, error_code_t::false_code());
+        TESSERA_CHECK_IN(signature, column, error_code_t::false_code());
         if ((column->getFlags() & qlib_1::columnIsValue) == 0) continue;
         const sptr_t<qlib_1::IQuery> columnQuery = getColumnQuery(column);
         const auto it = rows.find("/" + (columnQuery ? columnQuery->getIdentifier() : std::string()));
-        TESSERA_CHECK(it != rowSet.rows.end(), error_code_t::false_code());
+        TESSERA_CHECK_IN(signature, it != rowSet.rows.end(), error_code_t::false_code());
         for (helper.reset_rows(); !helper.rows_at_end(); helper.next_row())
             it->m_value = helper.cell_text();
     }
     return {};
 }
 
-// A query for the total of `columns` over all rows that the pane's filters leave.
+// Prepares `query` for the total of `columns`. Checks are reported as those of `signature`.
 error_code_t prepareTotal(slicekit_1_0::ITableTreeQuery& query,
                           const sptr_t<qlib_1::IQueryLibrary>& queryLibrary,
-                          const sptr_t<qlib_1::IVectorQuery>& columns) {
+                          const sptr_t<qlib_1::IVectorQuery>& columns, const char* signature) {
     const sptr_t<qlib_1::IQuery> rowBy = queryLibrary->getQuery("RootGrouping");
-    TESSERA_CHECK(!rowBy.is_null(), error_code_t::false_code());
+    TESSERA_CHECK_IN(signature, !rowBy.is_null(), error_code_t::false_code());
     const sptr_t<qlib_1::IVectorQuery> groupingQuery = qlib_1::IVectorQuery::pushBack(nullptr, rowBy);
-    TESSERA_CHECK(groupingQuery, error_code_t::false_code());
+    TESSERA_CHECK_IN(signature, groupingQuery, error_code_t::false_code());
     error_code_t err = query.setRowGrouping(groupingQuery);
-    TESSERA_CHECK(err.succeeded(), error_code_t::false_code());
+    TESSERA_CHECK_IN(signature, err.succeeded(), error_code_t::false_code());
     err = query.setColumns(columns);
-    TESSERA_CHECK(err.succeeded(), error_code_t::false_code());
+    TESSERA_CHECK_IN(signature, err.succeeded(), error_code_t::false_code());
     query.endColumns();
     return {};
 }
 
 }  // namespace
 
+RowSet::RowSet() = default;
+
 bool RowSet::empty() const {
     return std::all_of(rows.begin(), rows.end(), [](const Row& row) { return row.m_value.empty(); });
 }
+
+DisplayInfo::DisplayInfo() = default;
 
 error_code_t DisplayInfo::setDataFromResult(sptr_t<qlib_1::IQueryLibrary> queryLibrary,
                                             sptr_t<qlib_1::IInputData> inputData,
@@ -86,7 +91,8 @@ error_code_t DisplayInfo::setDataFromResult(sptr_t<qlib_1::IQueryLibrary> queryL
     if (m_rowSet.ds.is_null()) return {};
     const auto query = slicekit_1_0::ITableTreeQuery::create();
     query->setInputData(inputData);
-    if (!prepareTotal(*query, queryLibrary, m_rowSet.ds).is_success()) return error_code_t::false_code();
+    if (!prepareTotal(*query, queryLibrary, m_rowSet.ds, TESSERA_SIGNATURE).is_success())
+        return error_code_t::false_code();
     for (const char* filter : {"selection", "global"}) {
         const error_code_t err = addFilter(inputData, query, filter);
         TESSERA_CHECK(err.succeeded(), error_code_t::false_code());
@@ -95,18 +101,23 @@ error_code_t DisplayInfo::setDataFromResult(sptr_t<qlib_1::IQueryLibrary> queryL
     const error_code_t err = query->run(progress, true, tree);
     if (progress && progress->isCancelled()) return error_code_t::false_code();
     TESSERA_CHECK(err.succeeded() && tree, error_code_t::false_code());
-    return bindColumns(m_rowSet, std::move(tree));
+    return bindColumns(m_rowSet, std::move(tree), TESSERA_SIGNATURE);
 }
 
-bool LinkDisplayInfo::emptyDataTransfer(const DataTransferTable& table, const std::string& key) {
-    const auto info = table.find(key);
-    return !info || info->m_rowSet.empty();
+bool showsValues(const DataTransferTable& table, const std::string& key) {
+    const auto entry = table.find(key);
+    return entry != table.end() && entry->second && !entry->second->m_rowSet.empty();
 }
 
-bool LinkDisplayInfo::empty(const std::string& key) const {
-    return emptyDataTransfer(m_fromInfo, key) && emptyDataTransfer(m_toInfo, key) &&
-           emptyDataTransfer(m_totalInfo, key);
+// NOLINTBEGIN(performance-unnecessary-value-param): the interface passes copies
+bool LinkDisplayInfo::emptyDataTransfer(DataTransferTable table, std::string key) {
+    return !showsValues(table, key);
 }
+
+bool LinkDisplayInfo::empty(std::string key) const {
+    return !showsValues(m_fromInfo, key) && !showsValues(m_toInfo, key) && !showsValues(m_totalInfo, key);
+}
+// NOLINTEND(performance-unnecessary-value-param)
 
 error_code_t addFilter(sptr_t<qlib_1::IInputData> inputData, sptr_t<slicekit_1_0::ITableTreeQuery> query,
                        std::string name) {

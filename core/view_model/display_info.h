@@ -3,10 +3,10 @@
 
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "core/export.h"
-#include "core/view_model/data_transfer_table.h"
 #include "platform/basekit2/error_code.h"
 #include "platform/basekit2/sptr.h"
 #include "platform/basekit2/variant_bag.h"
@@ -33,6 +33,8 @@ struct TESSERA_EXPORT Row {
 
 // The rows of one display info and the query that fetches them all.
 struct TESSERA_EXPORT RowSet {
+    RowSet();
+
     // True when no row has a value, however many rows there are.
     [[nodiscard]] bool empty() const;
 
@@ -49,6 +51,8 @@ struct TESSERA_EXPORT RowSet {
 // A named set of rows: the unit of data that is shown. Used by one thread at a time.
 class TESSERA_EXPORT DisplayInfo {
   public:
+    DisplayInfo();
+
     // Fetches the values of all rows from `inputData`, under its filters "selection" and "global" where it
     // has them. A failure has been reported when it is answered (always as the false code) and leaves the
     // rows that were not reached as they were. `progress` may be null.
@@ -63,13 +67,21 @@ class TESSERA_EXPORT DisplayInfo {
     RowSet m_rowSet;
 };
 
+// Display infos by the name of the display mode that shows them ("bandwidth", "ratio" or "size"). An entry may
+// be null: there is nothing to show in that mode.
+using DataTransferTable = std::unordered_map<std::string, std::shared_ptr<DisplayInfo>>;
+
+// Whether `table` has a value to show under `key`. LinkDisplayInfo::emptyDataTransfer, negated and without
+// its copies.
+[[nodiscard]] bool showsValues(const DataTransferTable& table, const std::string& key);
+
 // The data of one link.
 struct TESSERA_EXPORT LinkDisplayInfo {
-    // True when `table` has nothing to show under `key`.
-    [[nodiscard]] static bool emptyDataTransfer(const DataTransferTable& table, const std::string& key);
+    // True when `table` has nothing to show under `key`: no entry, a null one, or one without values.
+    [[nodiscard]] static bool emptyDataTransfer(DataTransferTable table, std::string key);
 
     // True when none of the three tables has anything to show under `key`.
-    [[nodiscard]] bool empty(const std::string& key) const;
+    [[nodiscard]] bool empty(std::string key) const;
 
     std::string m_extraText;
     DataTransferTable m_fromInfo;

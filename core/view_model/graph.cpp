@@ -46,31 +46,41 @@ class Neighbours {
 
 }  // namespace
 
+Graph::Graph() = default;
+
 Graph::~Graph() {
     for (const auto& node : m_nodeList)
         takeApart(*node);
-    for (const auto& node : m_nodes.objects())
+    for (const auto& [id, node] : m_nodes.unordered())
         if (node) takeApart(*node);
     for (const auto& link : m_linkList)
         takeApart(*link);
-    for (const auto& link : m_links.objects())
+    for (const auto& [id, link] : m_links.unordered())
         if (link) takeApart(*link);
 }
 
 void Graph::addNode(std::shared_ptr<Node> node) {
-    m_idBytes += node->m_id.size();
-    m_nodes.file(node);
+    m_nodes[node->m_id] = node;
     m_nodeList.push_back(std::move(node));
 }
 
 void Graph::addLink(std::shared_ptr<Link> link) {
-    m_idBytes += link->m_id.size();
-    m_links.file(link);
+    m_links[link->m_id] = link;
     m_linkList.push_back(std::move(link));
 }
 
+std::shared_ptr<Node> Graph::findNode(const std::string& id) const {
+    const auto entry = m_nodes.find(id);
+    return entry == m_nodes.end() ? nullptr : entry->second;
+}
+
+std::shared_ptr<Link> Graph::findLink(const std::string& id) const {
+    const auto entry = m_links.find(id);
+    return entry == m_links.end() ? nullptr : entry->second;
+}
+
 void Graph::setChildrenAndParents() {
-    for (const auto& node : m_nodes.objects()) {
+    for (const auto& [id, node] : m_nodes.unordered()) {
         if (!node) continue;
         node->m_parents.clear();
         node->m_children.clear();

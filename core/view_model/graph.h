@@ -3,26 +3,22 @@
 
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "core/export.h"
-#include "core/layout_options.h"
 #include "core/view_model/hierarchical_level_manager.h"
-#include "core/view_model/id_index.h"
+#include "core/view_model/id_map.h"
 #include "core/view_model/link.h"
 #include "core/view_model/node.h"
-#include "platform/relay2/progress.h"
 
 namespace tessera_1::view_model {
 
 // Owns nodes and links. Used by one thread at a time.
 class TESSERA_EXPORT Graph {
   public:
-    Graph() = default;
+    Graph();
     Graph(const Graph&) = delete;
     Graph& operator=(const Graph&) = delete;
     // Takes the references between nodes and links apart, so that all of them end with the graph, at any
@@ -35,8 +31,8 @@ class TESSERA_EXPORT Graph {
     void addLink(std::shared_ptr<Link> link);
 
     // The object filed under `id`, or null. Constant time.
-    [[nodiscard]] std::shared_ptr<Node> findNode(const std::string& id) const { return m_nodes.find(id); }
-    [[nodiscard]] std::shared_ptr<Link> findLink(const std::string& id) const { return m_links.find(id); }
+    [[nodiscard]] std::shared_ptr<Node> findNode(const std::string& id) const;
+    [[nodiscard]] std::shared_ptr<Link> findLink(const std::string& id) const;
 
     // Rebuilds the children and parents of the nodes in m_nodes from m_linkList. Links with a missing end
     // take no part.
@@ -61,7 +57,6 @@ class TESSERA_EXPORT Graph {
     using NodeAndLink = std::pair<std::shared_ptr<Node>, std::shared_ptr<Link>>;
     NodeAndLink insertNode(const std::shared_ptr<Link>& link, DataTransferTable transfers,
                            const std::string& type);
-    // Empty as well when the diagram would grow beyond a limit.
     NodeAndLink insertDummyNode(const std::shared_ptr<Link>& link);
     std::shared_ptr<Node> createInfoNode(const std::shared_ptr<Node>& group);
     void createDummyLink(const std::shared_ptr<Node>& from, const std::shared_ptr<Node>& to,
@@ -81,28 +76,14 @@ class TESSERA_EXPORT Graph {
     std::string m_id;
     std::string m_name;
     std::string m_displayMode = "bandwidth";
-    IdTable<Node> m_nodes;
-    IdTable<Link> m_links;
+    IdMap<Node> m_nodes;
+    IdMap<Link> m_links;
     std::vector<std::shared_ptr<Node>> m_nodeList;  // in order of addNode
     std::vector<std::shared_ptr<Link>> m_linkList;  // in order of addLink
     std::vector<std::shared_ptr<Node>>
         m_groups;  // distinct groups of all nodes; null stands for the top level
     GroupLevelManager m_groupLevelManager;
     std::map<std::shared_ptr<Node>, HierarchicalLevelManager> m_levelManagers;
-    LayoutLimits m_limits;
-    bool m_isCutShort = false;                      // a limit has kept a pass from ending its work
-    const relay2::IProgress* m_progress = nullptr;  // asked by passes that take long; borrowed for "create"
-    bool m_isCancelled = false;                     // a pass was cancelled, and the graph is of no use
-
-  private:
-    using Members = std::vector<std::shared_ptr<Node>>;  // of one group, by ascending id
-
-    TESSERA_HIDDEN Members membersOf(const std::shared_ptr<Node>& group);
-
-    // Of the groups that are yet to be layered, while all are.
-    std::optional<std::unordered_map<const Node*, Members>> m_members;
-    std::unordered_map<std::string, std::size_t> m_dummyLinkCounts;  // by their ids without number
-    std::size_t m_idBytes = 0;                                       // of all nodes and links
 };
 
 }  // namespace tessera_1::view_model

@@ -56,8 +56,8 @@ void write(std::ostream& out, const Graph& graph, const Link& link) {
     if (link.m_dummyLink) out << " with " << idOf(link.m_dummyLink);
     const auto transfers = [&](const char* name, const view_model::DataTransferTable& table) {
         const auto shown = table.find(graph.m_displayMode);
-        if (!shown) return;
-        for (const auto& row : shown->m_rowSet.rows)
+        if (shown == table.end() || !shown->second) return;
+        for (const auto& row : shown->second->m_rowSet.rows)
             out << ' ' << name << ' ' << quoted(row.m_value);
     };
     transfers("from", link.m_displayInfo.m_fromInfo);

@@ -10,18 +10,6 @@ TESSERA_SOURCE_UNIT("core/view_model/hierarchical_level_manager");
 
 using basekit2::error_code_t;
 
-namespace {
-
-// The node's first entry in the layer, or the layer's end.
-HierarchicalLevelManager::Level::iterator findIn(HierarchicalLevelManager::Level& layer, const Node& node) {
-    const std::size_t hint = node.m_hints.inLayer;
-    if (!node.m_hints.mayBeInLayersTwice && hint < layer.size() && layer[hint].get() == &node)
-        return layer.begin() + static_cast<std::ptrdiff_t>(hint);
-    return std::find_if(layer.begin(), layer.end(), [&](const auto& entry) { return entry.get() == &node; });
-}
-
-}  // namespace
-
 void HierarchicalLevelManager::addLevel() {
     m_levels.push_back(std::make_shared<Level>());
 }
@@ -41,7 +29,7 @@ error_code_t HierarchicalLevelManager::setLevel(const std::shared_ptr<Node>& nod
             TESSERA_RAISE(bk2::error::IsNot.Valid.Range(_U("There is no layer of the node's level"))));
 #pragma GCC diagnostic pop
         Level& layer = *m_levels[static_cast<std::size_t>(oldLevel)];
-        const auto entry = findIn(layer, *node);
+        const auto entry = std::find(layer.begin(), layer.end(), node);
         if (entry == layer.end()) TESSERA_CHECK(oldLevel == -1, error_code_t::false_code());
         if (keepPlaceholder)
             *entry = nullptr;
@@ -50,12 +38,7 @@ error_code_t HierarchicalLevelManager::setLevel(const std::shared_ptr<Node>& nod
     }
     while (m_levels.size() <= static_cast<std::size_t>(level))
         addLevel();
-    Level& layer = *m_levels[static_cast<std::size_t>(level)];
-    Node::Hints& hints = node->m_hints;
-    if (oldLevel < 0 && hints.isInSomeLayer) hints.mayBeInLayersTwice = true;
-    hints.isInSomeLayer = true;
-    hints.inLayer = layer.size();
-    layer.push_back(node);
+    m_levels[static_cast<std::size_t>(level)]->push_back(node);
     node->setHierarchicalLevel(level);
     return {};
 }

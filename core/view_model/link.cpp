@@ -15,12 +15,15 @@ std::size_t depthOf(const Node& node) {
 
 }  // namespace
 
+Link::Link() = default;
+
 Link::Link(std::string id) : m_id(std::move(id)) {}
 
 Link::Link(std::string id, std::string type) : m_id(std::move(id)), m_type(std::move(type)) {}
 
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static): a member in the interface
 void Link::getDataTransferDisplayInfos(const DataTransferTable& table,
-                                       std::vector<std::shared_ptr<DisplayInfo>>& out) {
+                                       std::vector<std::shared_ptr<DisplayInfo>>& out) const {
     for (const auto& [mode, info] : table)
         out.push_back(info);
 }

@@ -15,13 +15,13 @@ namespace tessera_1::view_model {
 // Used by one thread at a time.
 class TESSERA_EXPORT Link {
   public:
-    Link() = default;
+    Link();
     explicit Link(std::string id);
     Link(std::string id, std::string type);
 
     // Appends every display info of `table`, empty entries included, in the table's order.
-    static void getDataTransferDisplayInfos(const DataTransferTable& table,
-                                            std::vector<std::shared_ptr<DisplayInfo>>& out);
+    void getDataTransferDisplayInfos(const DataTransferTable& table,
+                                     std::vector<std::shared_ptr<DisplayInfo>>& out) const;
     // Appends those of the from end, the to end and the total.
     void getDisplayInfos(std::vector<std::shared_ptr<DisplayInfo>>& out) const;
 

@@ -20,6 +20,25 @@ void appendOnce(std::vector<std::shared_ptr<Node>>& nodes, const std::shared_ptr
 
 }  // namespace
 
+// Defined here and not in the header, so that the library exports them.
+Node::Node() = default;
+
+const std::vector<std::shared_ptr<Node>>& Node::getParents() const noexcept {
+    return m_parents;
+}
+
+const std::vector<std::shared_ptr<Node>>& Node::getChildren() const noexcept {
+    return m_children;
+}
+
+std::int32_t Node::getHierarchicalLevel() const noexcept {
+    return m_hierarchicalLevel;
+}
+
+bool Node::isGroup() const noexcept {
+    return !m_groupChildren.empty();
+}
+
 Node::Node(std::string type) : m_type(std::move(type)) {}
 
 Node::Node(std::string id, DataTransferTable dataTransfers, std::string type)

@@ -1,7 +1,6 @@
 // A box of the diagram, or a group box that contains others.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -18,7 +17,7 @@ class GroupLevelManager;
 // Held by shared pointers, in cycles that the graph breaks when it ends. Used by one thread at a time.
 class TESSERA_EXPORT Node : public std::enable_shared_from_this<Node> {
   public:
-    Node() = default;
+    Node();
     explicit Node(std::string type);
     Node(std::string id, DataTransferTable dataTransfers, std::string type);
     Node(std::string id, std::shared_ptr<DisplayInfo> info, std::string type);
@@ -26,13 +25,11 @@ class TESSERA_EXPORT Node : public std::enable_shared_from_this<Node> {
     // Notes a link between the two, once however many links there are.
     static void addChildParent(const std::shared_ptr<Node>& child, const std::shared_ptr<Node>& parent);
 
-    [[nodiscard]] const std::vector<std::shared_ptr<Node>>& getParents() const noexcept { return m_parents; }
-    [[nodiscard]] const std::vector<std::shared_ptr<Node>>& getChildren() const noexcept {
-        return m_children;
-    }
-    [[nodiscard]] std::int32_t getHierarchicalLevel() const noexcept { return m_hierarchicalLevel; }
+    [[nodiscard]] const std::vector<std::shared_ptr<Node>>& getParents() const noexcept;
+    [[nodiscard]] const std::vector<std::shared_ptr<Node>>& getChildren() const noexcept;
+    [[nodiscard]] std::int32_t getHierarchicalLevel() const noexcept;
     // A node is a group through its members alone.
-    [[nodiscard]] bool isGroup() const noexcept { return !m_groupChildren.empty(); }
+    [[nodiscard]] bool isGroup() const noexcept;
 
     // Joins `group` behind its members; a null group changes nothing. The false code, reported, when `group`
     // has no member yet. An earlier group keeps listing this node: remove it there first. REQUIRES: this node
@@ -69,15 +66,6 @@ class TESSERA_EXPORT Node : public std::enable_shared_from_this<Node> {
     std::string m_location;
     std::string m_aligning = "none";
     std::string m_displayType = "none";
-
-    // Where something last was in a list; looked at before the list is searched.
-    struct Hints {
-        std::size_t inLayer = 0;
-        bool isInSomeLayer = false;
-        bool mayBeInLayersTwice = false;  // put into layers anew while it may still be in old ones
-        std::size_t inMembers = 0;
-    };
-    Hints m_hints;
 };
 
 }  // namespace tessera_1::view_model

@@ -7,7 +7,7 @@
 
 #include "core/layout_watch.h"
 #include "core/view_model/graph.h"
-#include "core/view_model/shown_id.h"
+#include "core/view_model/truncated_id.h"
 
 namespace tessera_1 {
 namespace {
@@ -17,7 +17,7 @@ using view_model::Link;
 using view_model::Node;
 using NodePtr = std::shared_ptr<Node>;
 
-constexpr std::size_t mostFindings = 100;
+constexpr std::size_t maxFindings = 100;
 
 class Verification {
   public:
@@ -32,7 +32,7 @@ class Verification {
         tables("node", m_graph.m_nodes, m_graph.m_nodeList);
         tables("link", m_graph.m_links, m_graph.m_linkList);
         standIns();
-        if (isBehind("info_nodes")) valuesOnNodes();
+        if (stage == "info_nodes") valuesOnNodes();
         if (stage == "group_links") linksBetweenGroups();
         if (stage == "hierarchical_levels") linksGoDown();
         if (isBehind("hierarchical_levels")) layers();
@@ -42,20 +42,20 @@ class Verification {
 
   private:
     void find(const std::string& subject, const std::string& id, const std::string& problem) {
-        if (m_findings.size() < mostFindings)
-            m_findings.push_back(subject + " <" + view_model::shownId(id) + "> " + problem);
+        if (m_findings.size() < maxFindings)
+            m_findings.push_back(subject + " <" + view_model::truncatedId(id) + "> " + problem);
     }
 
     // Every object by id is one that is listed.
     template <class Object>
-    void tables(const char* kind, const view_model::IdTable<Object>& byId,
+    void tables(const char* kind, const view_model::IdMap<Object>& byId,
                 const std::vector<std::shared_ptr<Object>>& list) {
         std::unordered_set<const Object*> listed;
         for (const auto& object : list)
             listed.insert(object.get());
-        for (const auto& object : byId.objects()) {
+        for (const auto& [id, object] : byId) {
             if (!object) continue;
-            if (byId.find(object->m_id) != object) find(kind, object->m_id, "is filed under another id");
+            if (id != object->m_id) find(kind, object->m_id, "has an entry under another id");
             if (!listed.contains(object.get())) find(kind, object->m_id, "is not listed");
         }
     }

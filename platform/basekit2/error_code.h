@@ -20,12 +20,23 @@ namespace error {
 
 // A row of the error table: the number is unique, the name is what people see ("IsNot.Valid.Data").
 struct entry_t {
+    static constexpr std::uint32_t maxNumber = 254;  // a code has eight bits for it
+
+    // A number above maxNumber does not compile.
+    consteval entry_t(std::uint32_t entryNumber, const char* entryName)
+        : number(entryNumber), name(entryName) {
+        if (entryNumber > maxNumber) refuse();
+    }
+
     std::uint32_t number;
     const char* name;
 
     [[nodiscard]] error_t operator()(RTBASE_2_18::strings::ustring8 message) const {
         return {number, std::move(message)};
     }
+
+  private:
+    static void refuse() {}  // not a constant expression
 };
 
 struct is_not_t {

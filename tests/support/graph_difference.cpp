@@ -105,7 +105,8 @@ class Comparison {
     static std::vector<std::string> named(const DataTransferTable& table) {
         std::vector<std::string> out;
         for (const char* mode : {"bandwidth", "ratio", "size"}) {
-            if (table.contains(mode)) out.push_back(std::string(mode) + ": " + named(table.find(mode)));
+            if (const auto entry = table.find(mode); entry != table.end())
+                out.push_back(std::string(mode) + ": " + named(entry->second));
         }
         out.push_back(std::to_string(table.size()) + " entries");
         return out;

@@ -7,7 +7,7 @@ namespace tessera_test::literal {
 namespace {
 
 bool isMember(const Graph& graph, const NodePtr& node, const NodePtr& group) {
-    return graph.m_nodes.find(node->m_id) == node && node->m_group == group;
+    return graph.findNode(node->m_id) == node && node->m_group == group;
 }
 
 void createDummyLink(Graph& graph, const NodePtr& from, const NodePtr& to, const LinkPtr& link) {

@@ -15,8 +15,8 @@ void addChildParent(const NodePtr& child, const NodePtr& parent) {
 
 bool showsNothing(const DataTransferTable& table, const std::string& mode) {
     const auto entry = table.find(mode);
-    if (entry == nullptr) return true;
-    for (const auto& row : entry->m_rowSet.rows)
+    if (entry == table.end() || entry->second == nullptr) return true;
+    for (const auto& row : entry->second->m_rowSet.rows)
         if (!row.m_value.empty()) return false;
     return true;
 }

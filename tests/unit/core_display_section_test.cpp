@@ -53,8 +53,8 @@ struct DisplaySection : testing::Test {
             display + "</display></diagram></v>");
     }
     void parseLabels(const std::string& labels) { parse(R"(<link id="l">)" + labels + "</link>"); }
-    const Node& node(const std::string& id = "a") const { return *graph->m_nodes.find(id); }
-    const Link& link() const { return *graph->m_links.find("l"); }
+    const Node& node(const std::string& id = "a") const { return *graph->findNode(id); }
+    const Link& link() const { return *graph->findLink("l"); }
 
     LogCapture log;
     std::unique_ptr<MemoryHost> host;
@@ -302,7 +302,7 @@ TEST_F(DisplaySection, SecondLabelOfALocationReplacesTheTableWhole) {
         R"(<label location="to"><dataTransfer displayName="1"><bandwidth/><ratio/></dataTransfer></label>
                    <label location="to"><dataTransfer displayName="2"><size/></dataTransfer></label>)");
     EXPECT_EQ(keysOf(link().m_displayInfo.m_toInfo), (Reports{"size"}));
-    EXPECT_EQ(link().m_displayInfo.m_toInfo.find("size")->m_name, "2");
+    EXPECT_EQ(link().m_displayInfo.m_toInfo.at("size")->m_name, "2");
 }
 
 TEST_F(DisplaySection, EmptySecondLabelTakesTheTableAway) {
@@ -317,10 +317,10 @@ TEST_F(DisplaySection, DataTransferHasAnEntryForEachOfItsModesNamedAfterTheTrans
       <size><rowSet><queryRef>/s</queryRef></rowSet></size></dataTransfer></label>)");
     const DataTransferTable& table = link().m_displayInfo.m_totalInfo;
     EXPECT_EQ(keysOf(table), (Reports{"bandwidth", "size"}));
-    EXPECT_EQ(table.find("bandwidth")->m_name, "Transfer");
-    EXPECT_EQ(table.find("size")->m_name, "Transfer");
-    EXPECT_EQ(queriesOf(*table.find("bandwidth")), (Reports{"/b"}));
-    EXPECT_EQ(queriesOf(*table.find("size")), (Reports{"/s"}));
+    EXPECT_EQ(table.at("bandwidth")->m_name, "Transfer");
+    EXPECT_EQ(table.at("size")->m_name, "Transfer");
+    EXPECT_EQ(queriesOf(*table.at("bandwidth")), (Reports{"/b"}));
+    EXPECT_EQ(queriesOf(*table.at("size")), (Reports{"/s"}));
 }
 
 TEST_F(DisplaySection, SeveralDataTransfersFillOneTableAndLaterEntriesReplaceEarlierOnes) {
@@ -328,9 +328,9 @@ TEST_F(DisplaySection, SeveralDataTransfersFillOneTableAndLaterEntriesReplaceEar
                    <dataTransfer displayName="2"><ratio/><size/></dataTransfer></label>)");
     const DataTransferTable& table = link().m_displayInfo.m_totalInfo;
     EXPECT_EQ(keysOf(table), (Reports{"bandwidth", "ratio", "size"}));
-    EXPECT_EQ(table.find("bandwidth")->m_name, "1");
-    EXPECT_EQ(table.find("ratio")->m_name, "2");
-    EXPECT_EQ(table.find("size")->m_name, "2");
+    EXPECT_EQ(table.at("bandwidth")->m_name, "1");
+    EXPECT_EQ(table.at("ratio")->m_name, "2");
+    EXPECT_EQ(table.at("size")->m_name, "2");
 }
 
 TEST_F(DisplaySection, UnknownChildOfALabelIsReportedWithoutAParent) {
@@ -351,7 +351,7 @@ TEST_F(DisplaySection, UnknownChildOfAModeIsSkipped) {
     parseLabels("<label><dataTransfer><size><row/><rowSet displayName='Set'/></size></dataTransfer></label>");
     EXPECT_EQ(log.reports(),
               alert("Unknown element <row> found under <bandwidth>, <ratio>, <size>, expected <rowSet>"));
-    EXPECT_EQ(link().m_displayInfo.m_totalInfo.find("size")->m_rowSet.m_name, "Set");
+    EXPECT_EQ(link().m_displayInfo.m_totalInfo.at("size")->m_rowSet.m_name, "Set");
 }
 
 // Sets a value that is no string on the element at the end of `path` below "diagram".

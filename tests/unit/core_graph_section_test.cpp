@@ -38,7 +38,7 @@ TEST_F(GraphSection, OnlyLinksReportBothEndsUnknownAndAreAddedWithEmptyEnds) {
     EXPECT_EQ(g.m_linkList[0]->m_from, nullptr);
     EXPECT_EQ(g.m_linkList[0]->m_to, nullptr);
     EXPECT_EQ(g.m_linkList[0]->m_direction, "both");
-    EXPECT_EQ(g.m_links.find("l"), g.m_linkList[0]);
+    EXPECT_EQ(g.findLink("l"), g.m_linkList[0]);
     EXPECT_EQ(log.reports(), (Reports{"ERROR alert Diagram: Unknown node id in link found <a>",
                                       "INFO Diagram: Unknown node id in link found <a>",
                                       "ERROR alert Diagram: Unknown node id in link found <b>",
@@ -47,7 +47,7 @@ TEST_F(GraphSection, OnlyLinksReportBothEndsUnknownAndAreAddedWithEmptyEnds) {
 
 TEST_F(GraphSection, LinkBeforeItsNodesReportsEachEndThatComesLater) {
     const Graph& g = parse(R"(<graph><node id="a"/><link id="l" from="a" to="b"/><node id="b"/></graph>)");
-    EXPECT_EQ(g.m_linkList[0]->m_from, g.m_nodes.find("a"));
+    EXPECT_EQ(g.m_linkList[0]->m_from, g.findNode("a"));
     EXPECT_EQ(g.m_linkList[0]->m_to, nullptr);
     EXPECT_EQ(log.reports(), (Reports{"ERROR alert Diagram: Unknown node id in link found <b>",
                                       "INFO Diagram: Unknown node id in link found <b>"}));
@@ -63,11 +63,11 @@ TEST_F(GraphSection, ThreeLevelsOfNestingAddTheInnermostFirst) {
     const Graph& g = parse(
         R"(<graph><node id="g1"><node id="x"/><node id="g2"><node id="y"/></node><node id="z"/></node></graph>)");
     EXPECT_EQ(ids(g.m_nodeList), (Reports{"x", "y", "g2", "z", "g1"}));
-    EXPECT_EQ(ids(g.m_nodes.find("g1")->m_groupChildren), (Reports{"x", "g2", "z"}));
-    EXPECT_EQ(ids(g.m_nodes.find("g2")->m_groupChildren), (Reports{"y"}));
-    EXPECT_EQ(g.m_nodes.find("y")->m_group, g.m_nodes.find("g2"));
-    EXPECT_EQ(g.m_nodes.find("g2")->m_group, g.m_nodes.find("g1"));
-    EXPECT_EQ(g.m_nodes.find("g1")->m_group, nullptr);
+    EXPECT_EQ(ids(g.findNode("g1")->m_groupChildren), (Reports{"x", "g2", "z"}));
+    EXPECT_EQ(ids(g.findNode("g2")->m_groupChildren), (Reports{"y"}));
+    EXPECT_EQ(g.findNode("y")->m_group, g.findNode("g2"));
+    EXPECT_EQ(g.findNode("g2")->m_group, g.findNode("g1"));
+    EXPECT_EQ(g.findNode("g1")->m_group, nullptr);
 }
 
 TEST_F(GraphSection, LinkInsideANodeIsUnknownThere) {

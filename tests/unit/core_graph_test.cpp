@@ -37,7 +37,7 @@ TEST(GraphModel, LaterNodeOfAnIdTakesTheMapAndBothStayListed) {
     graph.addNode(makeNode("y"));
     graph.addNode(second);
     EXPECT_EQ(graph.m_nodes.size(), 2U);
-    EXPECT_EQ(graph.m_nodes.find("x"), second);
+    EXPECT_EQ(graph.findNode("x"), second);
     EXPECT_EQ(graph.m_nodeList.front(), first);
     EXPECT_EQ(graph.m_nodeList.back(), second);
 }
@@ -47,7 +47,7 @@ TEST(GraphModel, LaterNodeOfTheLargestIdTakesTheMapAsWell) {
     graph.addNode(makeNode("x"));
     const auto second = makeNode("x");
     graph.addNode(second);
-    EXPECT_EQ(graph.m_nodes.find("x"), second);
+    EXPECT_EQ(graph.findNode("x"), second);
     EXPECT_EQ(graph.m_nodeList.size(), 2U);
 }
 
@@ -60,7 +60,7 @@ TEST(GraphModel, LinksAreFiledLikeNodesAndTheirEndsAreNotLookedAt) {
     graph.addLink(makeLink(nullptr, nullptr, "k"));
     EXPECT_EQ(graph.m_links.size(), 2U);
     EXPECT_EQ((*graph.m_links.begin()).first, "k");
-    EXPECT_EQ(graph.m_links.find("l"), second);
+    EXPECT_EQ(graph.findLink("l"), second);
     EXPECT_EQ(graph.m_linkList.size(), 3U);
     EXPECT_EQ(graph.m_linkList[0], first);
     EXPECT_TRUE(graph.m_nodes.empty());
@@ -107,17 +107,35 @@ TEST(GraphModel, EntryOfNoObjectStandsAtItsIdUntilThereIsOne) {
     Graph graph;
     graph.addNode(makeNode("a"));
     graph.addNode(makeNode("c"));
-    graph.m_nodes.keep("b");
-    graph.m_nodes.keep("a");
+    (void)graph.m_nodes["b"];
+    (void)graph.m_nodes["a"];
     Names ids;
     for (const auto& [id, node] : graph.m_nodes)
-        ids.push_back(std::string(id) + (node ? "" : " of nobody"));
-    EXPECT_EQ(ids, (Names{"a", "b of nobody", "c"}));
+        ids.push_back(id + (node ? "" : ", null"));
+    EXPECT_EQ(ids, (Names{"a", "b, null", "c"}));
     EXPECT_EQ(graph.findNode("b"), nullptr);
     const auto later = makeNode("b");
     graph.addNode(later);
     EXPECT_EQ(graph.findNode("b"), later);
     EXPECT_EQ(graph.m_nodes.size(), 3U);
+}
+
+TEST(GraphModel, AnIdThatChangesLaterLeavesTheNodeUnderTheOldOne) {
+    Graph graph;
+    const auto node = makeNode("a");
+    graph.addNode(node);
+    graph.addNode(makeNode("b"));
+    node->m_id = "c";
+    EXPECT_EQ(graph.findNode("a"), node);
+    EXPECT_EQ(graph.findNode("c"), nullptr);
+    EXPECT_EQ(graph.m_nodes.begin()->first, "a");
+    graph.addNode(makeNode("d"));
+    Names ids;
+    for (const auto& [id, each] : graph.m_nodes)
+        ids.push_back(id + " " + each->m_id);
+    EXPECT_EQ(ids, (Names{"a c", "b b", "d d"}));
+    EXPECT_TRUE(graph.calculateHierarchicalLevels().is_success());
+    EXPECT_EQ(node->m_hierarchicalLevel, 0) << "it still is a member of the top level";
 }
 
 struct ThreeNodes : testing::Test {

@@ -47,7 +47,7 @@ TEST_F(InfoNodes, TotalAloneBecomesOneLabelInTheCentre) {
     EXPECT_EQ(label->m_type, "label");
     EXPECT_EQ(label->m_location, "center");
     EXPECT_EQ(label->m_aligning, "none");
-    EXPECT_EQ(label->m_dataTransfers.find("bandwidth")->m_rowSet.rows[0].m_value, "7");
+    EXPECT_EQ(label->m_dataTransfers.at("bandwidth")->m_rowSet.rows[0].m_value, "7");
     EXPECT_TRUE(l->m_displayInfo.m_totalInfo.empty());
 }
 

@@ -48,6 +48,22 @@ TEST_F(LabelDummies, LinkOverThreeLayersGetsTwoFromItsToEndUp) {
     EXPECT_EQ(found("d_a_dummy")->m_group, nullptr) << "at top level, as the link";
 }
 
+// The dummy link puts two dummies on its real link, which so becomes a link at top level before it is visited.
+TEST_F(LabelDummies, RealLinkAfterItsDummyLinkIsSeenAsItIsThen) {
+    const NodePtr a = node("a"), p = node("p"), q = node("q"), g = node("G"), x = node("x", g);
+    chain({a, p, q, g});
+    const LinkPtr real = makeLink(a, x, "real");
+    graph.createDummyLink(a, g, real);
+    graph.addLink(real);
+    ASSERT_TRUE(graph.calculateHierarchicalLevels().is_success());
+    ASSERT_EQ(levelOf("G"), 3);
+    EXPECT_TRUE(graph.addDummyNodesForLabels().is_success());
+    EXPECT_EQ(graph.m_nodeList.size(), 5U + 3U);
+    EXPECT_EQ(
+        layers(),
+        (Layers{{"a"}, {"p", "x_a_dummy_a_dummy_a_dummy"}, {"q", "x_a_dummy", "x_a_dummy_a_dummy"}, {"G"}}));
+}
+
 TEST_F(LabelDummies, DummiesOfALinkInAGroupJoinThatGroup) {
     const NodePtr g = node("g"), a = node("a", g), b = node("b", g), c = node("c", g);
     chain({a, b, c});

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "core/layout_watch.h"
+#include "core/view_model/passes/layout_run.h"
 #include "tests/support/layout_building.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/memory_host.h"
@@ -25,7 +26,7 @@ struct LayoutLimitsOfAGraph : testing::Test, Diagram {
     std::size_t elements() const { return graph.m_nodeList.size() + graph.m_linkList.size(); }
     // That the pass has stopped with one report, which names the link and the limit.
     void expectStop(const std::string& limit) {
-        EXPECT_TRUE(graph.addDummyNodesForLabels().is_false());
+        EXPECT_TRUE(tessera_1::view_model::addDummyNodesForLabels(graph, run).is_false());
         const auto reports = log.reports();
         ASSERT_EQ(reports.size(), 2U) << "an alert, and its message once more";
         ASSERT_TRUE(reports[0].starts_with("ERROR alert "));
@@ -37,17 +38,18 @@ struct LayoutLimitsOfAGraph : testing::Test, Diagram {
 
     LogCapture log;
     LinkPtr longLink;
+    tessera_1::view_model::LayoutRun run;
 };
 
 TEST_F(LayoutLimitsOfAGraph, WithinTheLimitsTheLinkGetsAllItsDummies) {
-    graph.m_limits.maxElements = elements() + 16;  // a node and a link each
-    EXPECT_TRUE(graph.addDummyNodesForLabels().is_success());
+    run.limits.maxElements = elements() + 16;  // a node and a link each
+    EXPECT_TRUE(tessera_1::view_model::addDummyNodesForLabels(graph, run).is_success());
     EXPECT_EQ(graph.m_nodeList.size(), 18U);
     EXPECT_EQ(log.reports(), Names{});
 }
 
 TEST_F(LayoutLimitsOfAGraph, OneElementTooManyStopsThePassAndWhatIsThereStays) {
-    graph.m_limits.maxElements = elements() + 15;
+    run.limits.maxElements = elements() + 15;
     expectStop(std::to_string(elements() + 15));
     EXPECT_EQ(graph.m_nodeList.size(), 17U) << "the last of eight has no room";
     EXPECT_EQ(longLink->m_from->m_hierarchicalLevel, 0);
@@ -55,7 +57,7 @@ TEST_F(LayoutLimitsOfAGraph, OneElementTooManyStopsThePassAndWhatIsThereStays) {
 }
 
 TEST_F(LayoutLimitsOfAGraph, WithoutRoomForOneDummyNothingChanges) {
-    graph.m_limits.maxElements = elements();
+    run.limits.maxElements = elements();
     expectStop(std::to_string(elements()));
     EXPECT_EQ(elements(), 20U);
     EXPECT_EQ(endsOf(*longLink), "0>9");
@@ -63,7 +65,7 @@ TEST_F(LayoutLimitsOfAGraph, WithoutRoomForOneDummyNothingChanges) {
 
 TEST_F(LayoutLimitsOfAGraph, IdsMayNotGrowWithoutEndEither) {
     // The ids of the chain take 76 bytes, each dummy and its link 20, 36, 52 and so on.
-    graph.m_limits.maxIdBytes = 150;
+    run.limits.maxIdBytes = 150;
     expectStop("150 bytes");
     std::size_t bytes = 0;
     for (const auto& each : graph.m_nodeList)
@@ -83,7 +85,7 @@ TEST_F(LayoutLimitsOfAGraph, LinkBetweenGroupsStopsAsWell) {
     graph.createDummyLinksForGroups();
     EXPECT_TRUE(graph.calculateHierarchicalLevels().is_success());
     // Room for the eight dummies inside the top level and one of the two that the way out of g takes.
-    graph.m_limits.maxElements = elements() + 18;
+    run.limits.maxElements = elements() + 18;
     expectStop(std::to_string(elements() + 18));
     EXPECT_EQ(endsOf(*longLink), "x>0_x_dummy");
     EXPECT_EQ(graph.m_levelManagers[g].m_levels[1]->back()->m_id, "0_x_dummy");

@@ -67,6 +67,16 @@ TEST_F(LevelManagers, NodeThatMovesOnLeavesAShorterLayerOtherwise) {
     EXPECT_EQ(layers(), (Layers{{}, {"a", "(null)"}, {"b", "c"}}));
 }
 
+TEST_F(LevelManagers, FirstEntryOfANodeMovesAlsoInALayerEditedByHand) {
+    EXPECT_TRUE(put(a, 1) && put(b, 1) && put(c, 1));
+    manager.m_levels[1]->insert(manager.m_levels[1]->begin(), b);
+    EXPECT_TRUE(put(b, 2, true));
+    EXPECT_EQ(layers(), (Layers{{}, {"(null)", "a", "b", "c"}, {"b"}}));
+    manager.m_levels[1]->front() = c;
+    EXPECT_TRUE(put(c, 2, false));
+    EXPECT_EQ(layers(), (Layers{{}, {"a", "b", "c"}, {"b", "c"}}));
+}
+
 TEST_F(LevelManagers, NodeThatMovesOnGoesBehindThoseThatAreThere) {
     EXPECT_TRUE(put(a, 0) && put(b, 2) && put(a, 2));
     EXPECT_EQ(layers(), (Layers{{}, {}, {"b", "a"}}));

@@ -134,7 +134,7 @@ TEST_F(LinkModel, DisplayInfosOfATableAreAppendedWithItsEmptyEntries) {
     std::vector<InfoPtr> out{makeInfo("there")}, expected = out;
     for (const auto& [mode, info] : table)
         expected.push_back(info);
-    Link::getDataTransferDisplayInfos(table, out);
+    Link().getDataTransferDisplayInfos(table, out);
     EXPECT_EQ(out, expected);
 }
 

@@ -273,7 +273,7 @@ TEST_F(Output, GroupLevelOfAnUnknownNodeLeavesAnEmptyEntryAndIsNotWritten) {
     graph.m_groupLevelManager.setGroupLevel("gone", 4);
     EXPECT_EQ(idsIn("nodes"), (Names{"n"}));
     EXPECT_TRUE(graph.m_nodes.contains("gone"));
-    EXPECT_EQ(graph.m_nodes.find("gone"), nullptr);
+    EXPECT_EQ(graph.findNode("gone"), nullptr);
     EXPECT_EQ(graph.m_nodes.size(), 2U);
     EXPECT_EQ(idsIn("nodes"), (Names{"n"}));
 }
@@ -284,9 +284,16 @@ TEST_F(Output, LookUpLeavesAnEmptyEntryForAModeThatATableLacks) {
     dump();
     for (const DataTransferTable* table : {&link->m_displayInfo.m_fromInfo, &link->m_displayInfo.m_toInfo,
                                            &link->m_displayInfo.m_totalInfo, &label->m_dataTransfers}) {
-        EXPECT_TRUE(table->contains("bandwidth"));
-        EXPECT_EQ(table->find("bandwidth"), nullptr);
+        ASSERT_TRUE(table->contains("bandwidth"));
+        EXPECT_EQ(table->at("bandwidth"), nullptr);
     }
+}
+
+TEST_F(Output, TypeIsWrittenWholeWhateverItsBytes) {
+    const std::string type("a\0b", 3);
+    addNode("n", type);
+    const variant_bag_t out = dump();
+    EXPECT_EQ(out.get_variant_bag("nodes")->get_variant_bag("node")->get_text("type"), type);
 }
 
 TEST_F(Output, SecondDumpWritesTheSame) {

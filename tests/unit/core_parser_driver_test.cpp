@@ -97,7 +97,7 @@ TEST_F(ParserDriver, SeveralDiagramsAreReadIntoOneGraph) {
     </v>)");
     EXPECT_EQ(graph->m_id, "2");
     EXPECT_EQ(graph->m_nodeList.size(), 2U);
-    EXPECT_EQ(graph->m_linkList[0]->m_from, graph->m_nodes.find("a"));
+    EXPECT_EQ(graph->m_linkList[0]->m_from, graph->findNode("a"));
     EXPECT_EQ(log.reports(), Reports{});
 }
 
@@ -170,9 +170,9 @@ TEST_F(ParserDriver, DisplaySectionBeforeTheGraphSectionReachesNothing) {
       <graph id="g"><node id="a"/><node id="b"/><link id="l" from="a" to="b"/></graph>
     </diagram></v>)");
     EXPECT_EQ(graph->m_name, "Name");
-    EXPECT_EQ(graph->m_nodes.find("a")->m_displayName, "");
-    EXPECT_EQ(graph->m_nodes.find("a")->m_info, nullptr);
-    EXPECT_EQ(graph->m_links.find("l")->m_displayName, "");
+    EXPECT_EQ(graph->findNode("a")->m_displayName, "");
+    EXPECT_EQ(graph->findNode("a")->m_info, nullptr);
+    EXPECT_EQ(graph->findLink("l")->m_displayName, "");
     EXPECT_EQ(log.reports(), Reports{});
 }
 
@@ -289,6 +289,23 @@ TEST_F(Localisation, CataloguesAreAskedInOrderAndOnlyAsFarAsNeeded) {
     EXPECT_EQ(recording->asked, (Reports{"slicer2", "viewpoint", "slicer2", "viewpoint", "storeiface1"}));
 }
 
+// A source that hands over to another one while it is asked for the first name.
+TEST_F(Localisation, SourceIsTakenAnewForEachCatalogueName) {
+    struct Leaving final : optstore2::IMessageCatalogSource {
+        std::shared_ptr<const RTBASE_2_18::i18n::catalog_t> getCatalog(
+            const std::string& name) const override {
+            if (name == "slicer2") optstore2::setMessageCatalogSource(next);
+            return nullptr;
+        }
+        std::shared_ptr<MemoryCatalogSource> next;
+    };
+    catalog("viewpoint", {{"X", "from the next source"}});
+    const auto leaving = std::make_shared<Leaving>();
+    leaving->next = source;
+    optstore2::setMessageCatalogSource(leaving);
+    EXPECT_EQ(getMessageFromCatalog("X"), "from the next source");
+}
+
 TEST_F(Localisation, AttributeIsLocalisedOnlyWhenAskedFor) {
     catalog("viewpoint", {{"X", "text"}});
     const variant_bag_t bag = bagOf("<e displayName='X'/>");
@@ -304,8 +321,8 @@ TEST_F(Localisation, DisplayNamesOfADocumentAreKeysOrShownAsWritten) {
     DViewpointParser parser;
     std::shared_ptr<Graph> graph;
     parser.parseViewpoint(host.base->config, host.library, nullptr, host.inputData, graph);
-    EXPECT_EQ(graph->m_nodes.find("a")->m_displayName, "Text");
-    EXPECT_EQ(graph->m_nodes.find("b")->m_displayName, "Plain words");
+    EXPECT_EQ(graph->findNode("a")->m_displayName, "Text");
+    EXPECT_EQ(graph->findNode("b")->m_displayName, "Plain words");
 }
 
 TEST_F(Localisation, OnlyDisplayNamesAreLocalised) {
@@ -328,11 +345,11 @@ TEST_F(Localisation, OnlyDisplayNamesAreLocalised) {
     std::shared_ptr<Graph> graph;
     parser.parseViewpoint(host.base->config, host.library, nullptr, host.inputData, graph);
     EXPECT_EQ(graph->m_id, "g");
-    const auto& node = *graph->m_nodes.find("a");
+    const auto& node = *graph->findNode("a");
     EXPECT_EQ(node.m_displayType, "label");
     EXPECT_EQ(node.m_aligning, "to");
     EXPECT_EQ(node.m_info->m_rowSet.rows.at(0).m_query, "/q");
-    const auto& link = *graph->m_links.find("l");
+    const auto& link = *graph->findLink("l");
     EXPECT_EQ(link.m_from->m_id, "a");
     EXPECT_EQ(link.m_direction, "both");
     EXPECT_TRUE(link.m_displayInfo.m_toInfo.contains("size"));

@@ -65,6 +65,20 @@ TEST(ErrorCode, RaisedErrorIsRejectedBySucceeded) {
     }
 }
 
+template <std::uint32_t number>
+concept IsNumberOfAnEntry = requires {
+    typename std::integral_constant<std::uint32_t, error::entry_t(number, "name").number>;
+};
+static_assert(IsNumberOfAnEntry<0> && IsNumberOfAnEntry<254>);
+static_assert(!IsNumberOfAnEntry<255> && !IsNumberOfAnEntry<256>, "a code has no bits for them");
+
+TEST(ErrorCode, LargestNumberOfAnEntryIsKept) {
+    constexpr error::entry_t largest(254, "largest");
+    const error_code_t code = error_code_t::raise(largest(_U("why")), "function", "file", 1);
+    EXPECT_TRUE(code.is(largest));
+    EXPECT_FALSE(code.succeeded());
+}
+
 TEST(ErrorCode, RaisedErrorHasTheNameOfItsEntry) {
     const auto nameOf = [](const error::entry_t& entry) {
         return std::string(error_code_t::raise(entry(_U("")), "", "", 0).name());

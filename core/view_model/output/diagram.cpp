@@ -12,7 +12,7 @@ namespace {
 
 // Looks the mode up, leaving an empty entry where the table has none, and writes what is found.
 void dumpTransfer(DataTransferTable& table, variant_bag_t& info, const std::string& displayMode) {
-    if (const auto shown = table.lookUp(displayMode)) shown->dump(info);
+    if (const auto& shown = table[displayMode]) shown->dump(info);
 }
 
 const std::string& idOf(const std::shared_ptr<Node>& node) {
@@ -35,10 +35,7 @@ void Graph::dumpNodes(variant_bag_t& out) {
     const GroupLevels& levels = m_groupLevelManager.m_groupLevels;
     for (std::size_t i = 0; i < levels.size(); ++i) {
         const auto [id, level] = levels.entry(i);
-        if (const auto node = m_nodes.find(id))
-            node->m_groupLevel = level;
-        else
-            m_nodes.keep(std::string(id));
+        if (const auto& node = m_nodes[id]) node->m_groupLevel = level;
     }
     for (const auto& node : m_nodeList)
         if (node->m_type != "groupInfo") node->dump(nodes, m_displayMode);
@@ -60,7 +57,7 @@ void Node::dump(variant_bag_t& nodes, std::string displayMode) {
     bag.put("displayName", m_displayName);
     bag.put("group", idOf(m_group));
     bag.put("isGroup", isGroup());
-    bag.put("type", isGroup() ? "group" : m_type.c_str());
+    bag.put("type", isGroup() ? std::string_view("group") : std::string_view(m_type));
     bag.put("hierarchicalLevel", m_hierarchicalLevel);
     bag.put("groupLevel", m_groupLevel);
     bag.put("aligning", m_aligning);

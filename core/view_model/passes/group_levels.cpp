@@ -16,13 +16,13 @@ using basekit2::error_code_t;
 error_code_t Graph::setGroupLevels() {
     m_groupLevelManager.m_groupLevels.clear();
     std::size_t idBytes = 0;
-    for (const auto& node : m_nodes.objects())
-        idBytes += node->m_id.size();
+    for (const auto& [id, node] : m_nodes.unordered())
+        idBytes += id.size();
     m_groupLevelManager.m_groupLevels.reserve(m_nodes.size(), idBytes);
-    for (const auto& node : m_nodes.objects())
-        m_groupLevelManager.setGroupLevel(node->m_id, 0);
+    for (const auto& [id, node] : m_nodes)
+        if (node) m_groupLevelManager.setGroupLevel(node->m_id, 0);
     for (const auto& [id, node] : m_nodes) {
-        if (!node->isGroup() || node->m_group) continue;
+        if (!node || !node->isGroup() || node->m_group) continue;
         const error_code_t err = node->setGroupChildLevelGroup(m_groupLevelManager);
         TESSERA_CHECK(err.succeeded(), error_code_t::false_code());
     }

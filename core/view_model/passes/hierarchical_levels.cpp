@@ -2,19 +2,22 @@
 //
 // Needs:  the dummy links between groups.
 // Leaves: along every link between two members of a group the target is in a deeper layer, unless they are
-//         on a cycle or behind one; each layer lists its nodes in the order in which they came to it.
+//         on a cycle or after one; each layer lists its nodes in the order in which they came to it.
 //         Members that no root leads to are in no layer.
-// Order:  behind the dummy links, before the label dummies.
+// Order:  after the dummy links, before the label dummies.
 // Fails:  with the false code at the first group with a cycle that a root leads to: its nodes keep the deep
-//         layers that they were driven to, the groups behind it have no layers.
+//         layers that they were driven to, and the groups after it get no layers.
 #include <algorithm>
-#include <optional>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
 #include "core/check.h"
 #include "core/view_model/graph.h"
 #include "core/view_model/passes/layer_walk.h"
+#include "core/view_model/passes/layout_run.h"
+#include "core/view_model/passes/plain_walk.h"
 
 namespace tessera_1::view_model {
 
@@ -27,151 +30,209 @@ namespace {
 using NodePtr = std::shared_ptr<Node>;
 using NodePtrs = std::vector<NodePtr>;
 
-// How often the plain walk may look at each member and link; then there is a cycle, or many ways of different
-// lengths, and it would take too long.
-constexpr std::size_t looksEach = 16;
+constexpr const char* signatureOfAll =
+    "basekit2::error_code_t tessera_1::view_model::Graph::calculateHierarchicalLevels()";
+constexpr const char* signatureOfOne =
+    "basekit2::error_code_t tessera_1::view_model::Graph::calculateHierarchicalLevelsForGroup("
+    "const std::shared_ptr<Node>&)";
 
-// Tells members of a group from other nodes. REQUIRES: made before anybody asks, and the last one made
-// counts.
-class Membership {
-  public:
-    explicit Membership(const NodePtrs& members) : m_members(members) {
-        for (std::size_t i = 0; i < members.size(); ++i)
-            members[i]->m_hints.inMembers = i;
-    }
-
-    [[nodiscard]] bool has(const NodePtr& node) const {
-        const std::size_t hint = node->m_hints.inMembers;
-        return hint < m_members.size() && m_members[hint] == node;
-    }
-    [[nodiscard]] bool hasAny(const NodePtrs& nodes) const {
-        return std::any_of(nodes.begin(), nodes.end(), [this](const NodePtr& node) { return has(node); });
-    }
-
-  private:
-    const NodePtrs& m_members;
-};
-
-LayerGraph layerGraph(const NodePtrs& members) {
-    const Membership membership(members);
-    LayerGraph graph;
-    graph.childrenStart.push_back(0);
-    for (const NodePtr& member : members) {
-        if (!membership.hasAny(member->getParents()))
-            graph.roots.push_back(static_cast<std::uint32_t>(member->m_hints.inMembers));
-        for (const NodePtr& child : member->getChildren())
-            if (membership.has(child))
-                graph.children.push_back(static_cast<std::uint32_t>(child->m_hints.inMembers));
-        graph.childrenStart.push_back(static_cast<std::uint32_t>(graph.children.size()));
-    }
-    return graph;
-}
-
-void takeLayers(HierarchicalLevelManager& manager, const Layers& layers, const NodePtrs& members) {
-    for (const NodePtr& member : members)
-        member->setHierarchicalLevel(-1);
-    manager.m_levels.clear();
-    for (const auto& layer : layers.nodes) {
-        manager.addLevel();
-        const auto level = static_cast<std::int32_t>(manager.m_levels.size()) - 1;
-        manager.m_levels.back()->reserve(layer.size());
-        for (const std::uint32_t number : layer)
-            (void)manager.setLevel(members[number], level, false);
-    }
-}
-
-void removeFirstPlaceholders(HierarchicalLevelManager& manager) {
-    for (const auto& layer : manager.m_levels) {
-        const auto placeholder = std::find(layer->begin(), layer->end(), nullptr);
-        if (placeholder != layer->end()) layer->erase(placeholder);
-    }
-}
-
-// The layers of members that the plain walk would take too long for. No placeholders are left, which nobody
-// reads. Answers the deepest layer, one beyond `lastLevel` when the walk would go on there; nothing when it
-// was cancelled, and then members stay as they are.
-std::optional<std::size_t> layerQuickly(HierarchicalLevelManager& manager, const NodePtrs& members,
-                                        std::size_t lastLevel, const relay2::IProgress* progress) {
-    const Layers layers = walkLayers(layerGraph(members), static_cast<std::uint32_t>(lastLevel), progress);
-    if (layers.isCancelled) return std::nullopt;
-    takeLayers(manager, layers, members);
-    return layers.isBroken ? lastLevel + 1 : manager.m_levels.size() - 1;
-}
+// How many steps the plain walk may take: so many for each member and each link of a group, and some more that
+// all groups share. It needs more where there is a cycle, or where many paths of different lengths lead to the
+// same nodes; then the layers are computed without walking, and without placeholders.
+constexpr std::size_t stepsPerElement = 16;
+constexpr std::size_t maxSharedSteps = 8'000'000;
 
 basekit2::error_t cycleError() {
     return bk2::error::IsNot.Valid.Range(_U("The layers have no end: there is a cycle of links"));
 }
 
+// The links between the members, as numbers. While it is made, the level of a member is its number.
+LayerGraph layerGraph(const NodePtrs& members) {
+    const auto numberOf = [&members](const NodePtr& node) {
+        const auto number = static_cast<std::uint32_t>(node->m_hierarchicalLevel);
+        return number < members.size() && members[number] == node ? number : WalkedLayers::none;
+    };
+    for (std::size_t i = 0; i < members.size(); ++i)
+        members[i]->m_hierarchicalLevel = static_cast<std::int32_t>(i);
+    LayerGraph graph;
+    graph.childrenStart.reserve(members.size() + 1);
+    graph.childrenStart.push_back(0);
+    for (std::uint32_t i = 0; i < members.size(); ++i) {
+        const auto isMember = [&](const NodePtr& node) { return numberOf(node) != WalkedLayers::none; };
+        const NodePtrs& parents = members[i]->getParents();
+        if (std::none_of(parents.begin(), parents.end(), isMember)) graph.roots.push_back(i);
+        for (const NodePtr& child : members[i]->getChildren())
+            if (const std::uint32_t number = numberOf(child); number != WalkedLayers::none)
+                graph.children.push_back(number);
+        graph.childrenStart.push_back(static_cast<std::uint32_t>(graph.children.size()));
+    }
+    for (const NodePtr& member : members)
+        member->m_hierarchicalLevel = -1;
+    return graph;
+}
+
+void removeFirstPlaceholder(HierarchicalLevelManager::Level& layer) {
+    const auto placeholder = std::find(layer.begin(), layer.end(), nullptr);
+    if (placeholder != layer.end()) layer.erase(placeholder);
+}
+
+void takeLayers(HierarchicalLevelManager& manager, const WalkedLayers& walked, const NodePtrs& members) {
+    for (std::size_t level = 0; level < walked.starts.size(); ++level) {
+        manager.addLevel();
+        HierarchicalLevelManager::Level& layer = *manager.m_levels.back();
+        const bool isLast = level + 1 == walked.starts.size();
+        const std::size_t end = isLast ? walked.arrivals.size() : walked.starts[level + 1];
+        layer.reserve(end - walked.starts[level]);
+        for (std::size_t i = walked.starts[level]; i < end; ++i) {
+            const std::uint32_t number = walked.arrivals[i];
+            layer.push_back(walked.layerOf[number] == level ? members[number] : nullptr);
+            if (layer.back()) layer.back()->setHierarchicalLevel(static_cast<std::int32_t>(level));
+        }
+        if (!walked.isBroken) removeFirstPlaceholder(layer);
+    }
+}
+
+void takeLayers(HierarchicalLevelManager& manager, const Layers& layers, const NodePtrs& members) {
+    for (std::size_t level = 0; level < layers.nodes.size(); ++level) {
+        manager.addLevel();
+        HierarchicalLevelManager::Level& layer = *manager.m_levels.back();
+        layer.reserve(layers.nodes[level].size());
+        for (const std::uint32_t number : layers.nodes[level]) {
+            layer.push_back(members[number]);
+            layer.back()->setHierarchicalLevel(static_cast<std::int32_t>(level));
+        }
+    }
+}
+
+// Layers groups one after the other.
+class GroupLayering {
+  public:
+    GroupLayering(Graph& graph, LayoutRun& run) : m_graph(graph), m_nodes(graph.m_nodes), m_run(run) {}
+
+    // `members` are those of the group by ascending id.
+    error_code_t layer(const NodePtr& group, const NodePtrs& members) {
+        HierarchicalLevelManager& manager = m_graph.m_levelManagers[group];
+        for (const NodePtr& member : members)
+            member->setHierarchicalLevel(-1);
+        if (!manager.m_levels.empty()) return layerOnTop(manager, members);
+        const bool isBroken = layerByIndex(manager, members);
+        if (m_run.isCancelled) return error_code_t::false_code();
+        if (!isBroken) return {};
+        const std::size_t nextLevel = m_nodes.size() + 1;
+        TESSERA_CHECK_IN(signatureOfOne, nextLevel <= m_nodes.size(),
+                         TESSERA_RAISE_IN(signatureOfOne, cycleError()));
+        return {};
+    }
+
+  private:
+    // Returns whether the layers have no end.
+    bool layerByIndex(HierarchicalLevelManager& manager, const NodePtrs& members) {
+        const LayerGraph graph = layerGraph(members);
+        const auto lastLayer = static_cast<std::uint32_t>(m_nodes.size());
+        std::size_t steps = m_sharedSteps + stepsPerElement * (members.size() + graph.children.size());
+        const auto walked = walkPlainly(graph, lastLayer, steps);
+        m_sharedSteps = std::min(m_sharedSteps, steps);
+        if (walked) {
+            takeLayers(manager, *walked, members);
+            return walked->isBroken;
+        }
+        const Layers layers = walkLayers(graph, lastLayer, m_run.progress);
+        m_run.isCancelled = layers.isCancelled;
+        if (!layers.isCancelled) takeLayers(manager, layers, members);
+        return layers.isBroken;
+    }
+
+    // Over the layers of an earlier layering, which stay where they are.
+    error_code_t layerOnTop(HierarchicalLevelManager& manager, const NodePtrs& members) {
+        const std::unordered_set<NodePtr> isMember(members.begin(), members.end());
+        const auto hasMember = [&](const NodePtrs& nodes) {
+            return std::any_of(nodes.begin(), nodes.end(),
+                               [&](const NodePtr& node) { return isMember.contains(node); });
+        };
+        for (const NodePtr& node : members)
+            if (!hasMember(node->getParents())) (void)manager.setLevel(node, 0, false);
+        std::size_t level = 0;
+        for (std::size_t nextLevel = 0; level < manager.m_levels.size(); level = nextLevel) {
+            const auto layer = manager.m_levels[level];
+            const std::size_t size = layer->size();
+            for (std::size_t i = 0; i < size; ++i) {
+                const NodePtr node = (*layer)[i];
+                if (!node) continue;
+                for (const NodePtr& child : node->getChildren()) {
+                    if (!isMember.contains(child)) continue;
+                    nextLevel = level + 1;
+                    TESSERA_CHECK_IN(signatureOfOne, nextLevel <= m_nodes.size(),
+                                     TESSERA_RAISE_IN(signatureOfOne, cycleError()));
+                    const error_code_t err =
+                        manager.setLevel(child, static_cast<std::int32_t>(nextLevel), true);
+                    TESSERA_CHECK_IN(signatureOfOne, err.succeeded(), error_code_t::false_code());
+                }
+            }
+            if (nextLevel == level) break;
+        }
+        for (const auto& layer : manager.m_levels)
+            removeFirstPlaceholder(*layer);
+        return {};
+    }
+
+    Graph& m_graph;
+    const IdMap<Node>& m_nodes;
+    LayoutRun& m_run;
+    std::size_t m_sharedSteps = maxSharedSteps;  // those that are left
+};
+
+std::unordered_map<const Node*, NodePtrs> membersOfAllGroups(const Graph& graph) {
+    std::unordered_map<const Node*, NodePtrs> members;
+    const Node* group = nullptr;
+    NodePtrs* ofGroup = &members[group];  // neighbours by id are often in one group
+    for (const auto& [id, node] : graph.m_nodes) {
+        if (!node) continue;
+        if (node->m_group.get() != group) {
+            group = node->m_group.get();
+            ofGroup = &members[group];
+        }
+        ofGroup->push_back(node);
+    }
+    return members;
+}
+
 }  // namespace
 
-error_code_t Graph::calculateHierarchicalLevels() {
-    setChildrenAndParents();
-    collectGroups();
-    m_members.emplace();  // one walk over all nodes instead of one a group
-    for (const auto& [id, node] : m_nodes)
-        (*m_members)[node->m_group.get()].push_back(node);
+error_code_t calculateHierarchicalLevels(Graph& graph, LayoutRun& run) {
+    graph.setChildrenAndParents();
+    graph.collectGroups();
+    const auto members = membersOfAllGroups(graph);
+    GroupLayering layering(graph, run);
     error_code_t err;
-    for (std::size_t i = 0; i < m_groups.size() && err.succeeded() && !m_isCancelled; ++i)
-        err = calculateHierarchicalLevelsForGroup(m_groups[i]);
-    m_members.reset();
-    TESSERA_CHECK(err.succeeded(), error_code_t::false_code());
+    for (const NodePtr& group : graph.m_groups) {
+        const auto ofGroup = members.find(group.get());
+        err = layering.layer(group, ofGroup == members.end() ? NodePtrs() : ofGroup->second);
+        if (!err.succeeded() || run.isCancelled) break;
+    }
+    if (run.isCancelled) {
+        graph.clearHierarchicalLevelManagers();
+        return error_code_t::false_code();
+    }
+    TESSERA_CHECK_IN(signatureOfAll, err.succeeded(), error_code_t::false_code());
     return {};
+}
+
+error_code_t Graph::calculateHierarchicalLevels() {
+    LayoutRun run;
+    return view_model::calculateHierarchicalLevels(*this, run);
+}
+
+error_code_t Graph::calculateHierarchicalLevelsForGroup(const NodePtr& group) {
+    NodePtrs members;
+    for (const auto& [id, node] : m_nodes)
+        if (node && node->m_group == group) members.push_back(node);
+    LayoutRun run;
+    return GroupLayering(*this, run).layer(group, members);
 }
 
 void Graph::clearHierarchicalLevelManagers() {
     for (const auto& group : m_groups)
         m_levelManagers[group].m_levels.clear();
-}
-
-Graph::Members Graph::membersOf(const NodePtr& group) {
-    if (m_members) return std::move((*m_members)[group.get()]);
-    Members members;
-    for (const auto& [id, node] : m_nodes)
-        if (node->m_group == group) members.push_back(node);
-    return members;
-}
-
-error_code_t Graph::calculateHierarchicalLevelsForGroup(const NodePtr& group) {
-    const Members members = membersOf(group);
-    HierarchicalLevelManager& manager = m_levelManagers[group];
-    const Membership membership(members);
-    const bool isFirstTime = manager.m_levels.empty();
-    std::size_t looks = 0;
-    std::size_t looksAllowed = looksEach * members.size();
-    for (const NodePtr& node : members) {
-        node->setHierarchicalLevel(-1);
-        looksAllowed += looksEach * node->getChildren().size();
-    }
-    for (const NodePtr& node : members)
-        if (!membership.hasAny(node->getParents())) (void)manager.setLevel(node, 0, false);
-
-    std::size_t level = 0;
-    for (std::size_t nextLevel = 0; level < manager.m_levels.size(); level = nextLevel) {
-        const auto layer = manager.m_levels[level];
-        const std::size_t size = layer->size();
-        for (std::size_t i = 0; i < size; ++i) {
-            const NodePtr node = (*layer)[i];
-            if (!node) continue;
-            looks += 1 + node->getChildren().size();
-            if (isFirstTime && looks > looksAllowed) {
-                const auto deepest = layerQuickly(manager, members, m_nodes.size(), m_progress);
-                m_isCancelled = !deepest;
-                nextLevel = deepest.value_or(0);
-                TESSERA_CHECK(nextLevel <= m_nodes.size(), TESSERA_RAISE(cycleError()));
-                return m_isCancelled ? error_code_t::false_code() : error_code_t();
-            }
-            for (const NodePtr& child : node->getChildren()) {
-                if (!membership.has(child)) continue;
-                nextLevel = level + 1;
-                TESSERA_CHECK(nextLevel <= m_nodes.size(), TESSERA_RAISE(cycleError()));
-                const error_code_t err = manager.setLevel(child, static_cast<std::int32_t>(nextLevel), true);
-                TESSERA_CHECK(err.succeeded(), error_code_t::false_code());
-            }
-        }
-        if (nextLevel == level) break;
-    }
-    removeFirstPlaceholders(manager);
-    return {};
 }
 
 }  // namespace tessera_1::view_model

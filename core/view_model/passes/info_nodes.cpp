@@ -34,9 +34,8 @@ void splitDirection(Link& oldHalf, Link& newHalf) {
 std::shared_ptr<Node> insertLabel(Graph& graph, const std::shared_ptr<Link>& link,
                                   DataTransferTable& transfers, const std::shared_ptr<Node>& group,
                                   const char* location) {
-    std::shared_ptr<Node> label = graph.insertNode(link, transfers, "label").first;
-    if (!label) return nullptr;
-    transfers.clear();
+    if (!showsValues(transfers, graph.m_displayMode)) return nullptr;
+    std::shared_ptr<Node> label = graph.insertNode(link, std::exchange(transfers, {}), "label").first;
     (void)label->addToGroup(group);
     label->setLocation(location);
     return label;
@@ -52,7 +51,7 @@ Graph::NodeAndLink Graph::insertNode(const std::shared_ptr<Link>& link, DataTran
                                      const std::string& type) {
     const bool isDummy = type == "dummy";
     if (!link->m_from || !link->m_to) return {};
-    if (!isDummy && LinkDisplayInfo::emptyDataTransfer(transfers, m_displayMode)) return {};
+    if (!isDummy && !showsValues(transfers, m_displayMode)) return {};
 
     std::string id = link->m_to->m_id + "_" + link->m_from->m_id + "_" + type;
     const auto half = std::make_shared<Link>(id + "_" + link->m_from->m_id);
@@ -74,22 +73,18 @@ Graph::NodeAndLink Graph::insertNode(const std::shared_ptr<Link>& link, DataTran
 }
 
 Graph::NodeAndLink Graph::insertDummyNode(const std::shared_ptr<Link>& link) {
-    if (!link->m_from || !link->m_to) return {};
-    const std::size_t idBytes =
-        2 * (link->m_from->m_id.size() + link->m_to->m_id.size()) + link->m_from->m_id.size();
-    if (m_nodeList.size() + m_linkList.size() + 2 > m_limits.maxElements) return {};
-    if (m_idBytes + idBytes > m_limits.maxIdBytes) return {};
     return insertNode(link, {}, "dummy");
 }
 
 error_code_t Graph::setLinkInfoAsNodes() {
     Nesting nesting;
-    const auto links = m_linkList;
-    for (const auto& link : links) {
+    const std::size_t count = m_linkList.size();  // those added here are not visited
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::shared_ptr<Link> link = m_linkList[i];
         if (!link->m_from || !link->m_to || link->m_displayInfo.empty(m_displayMode)) continue;
         LinkDisplayInfo& info = link->m_displayInfo;
-        const auto group = nesting.sideBySide(*link).first->m_group;
-        const bool fromShows = !LinkDisplayInfo::emptyDataTransfer(info.m_fromInfo, m_displayMode);
+        const auto group = nesting.liftedToCommonGroup(*link).first->m_group;
+        const bool fromShows = showsValues(info.m_fromInfo, m_displayMode);
         // From the to end backwards: each split leaves the link itself at its from end.
         const bool toShows = insertLabel(*this, link, info.m_toInfo, group, "to") != nullptr;
         if (!toShows && fromShows) insertFiller(*this, link, group);
@@ -101,9 +96,11 @@ error_code_t Graph::setLinkInfoAsNodes() {
 }
 
 error_code_t Graph::setGroupInfoAsNodes() {
-    const auto nodes = m_nodeList;
-    for (const auto& node : nodes)
+    const std::size_t count = m_nodeList.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::shared_ptr<Node> node = m_nodeList[i];
         if (node->isGroup()) (void)createInfoNode(node);
+    }
     return {};
 }
 

@@ -8,8 +8,11 @@ namespace tessera_1::view_model {
 MarkedGroups::MarkedGroups(const Graph& graph) {
     std::unordered_map<const Node*, std::vector<const Node*>> inside;
     m_numbers.emplace(nullptr, 0);
+    const Node* last = nullptr;  // neighbours in a list are often in one group
     const auto add = [&](const std::shared_ptr<Node>& node) {
         const Node* group = node ? node->m_group.get() : nullptr;
+        if (group == last) return;
+        last = group;
         for (; m_numbers.emplace(group, 0).second; group = group->m_group.get())
             inside[group->m_group.get()].push_back(group);
     };

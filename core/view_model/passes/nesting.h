@@ -1,40 +1,36 @@
-// How groups are nested, for questions about two nodes at any depth.
+// How groups are nested.
 #pragma once
 
-#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "core/view_model/link.h"
 #include "core/view_model/node.h"
+#include "support/ancestor_index.h"
 
 namespace tessera_1::view_model {
 
-// Answers in logarithmic time what Link answers in time proportional to the depth. Remembers the groups that
-// it comes across: nodes may be added to them meanwhile, groups may not move.
+// Does in logarithmic time what Link does in time proportional to the nesting depth. Keeps the groups that it
+// has seen: meanwhile nodes may join them, but no group may move to another one.
 class Nesting {
   public:
-    Nesting();
-
-    // Link::getFromToBelongToTheSameGroup. REQUIRES: both ends are there.
-    [[nodiscard]] std::pair<std::shared_ptr<Node>, std::shared_ptr<Node>> sideBySide(const Link& link);
+    // Link::getFromToBelongToTheSameGroup. REQUIRES: the link has both ends.
+    [[nodiscard]] std::pair<std::shared_ptr<Node>, std::shared_ptr<Node>> liftedToCommonGroup(
+        const Link& link);
 
   private:
-    struct Entry {
-        std::size_t depth;  // 0 is the top level, which is the null group
-        const Node* jump;   // a group further out; jumps and single steps reach any in few moves
-    };
+    using Number = std::uint32_t;
 
-    const Entry& entryOf(const Node* group);
-    void add(const Node* group);
-    [[nodiscard]] const Node* lift(const Node* group, std::size_t depth) const;
-    [[nodiscard]] const Node* innermostCommon(const Node* a, const Node* b);
-    // The node that contains `node`, or is it, and stands in `group`. REQUIRES: there is one.
-    [[nodiscard]] std::shared_ptr<Node> childTowards(const Node* group,
-                                                     const std::shared_ptr<Node>& node) const;
+    Number numberOf(const Node* group);
+    // The ancestor of `node` that is a member of the group `common`, or `node` itself.
+    [[nodiscard]] std::shared_ptr<Node> memberTowards(Number common, const std::shared_ptr<Node>& node);
 
-    std::unordered_map<const Node*, Entry> m_entries;
+    tessera_support::AncestorIndex<Number> m_groups;  // the root is the top level
+    std::vector<const Node*> m_nodes{nullptr};        // by number
+    std::unordered_map<const Node*, Number> m_numbers{{nullptr, 0}};
 };
 
 }  // namespace tessera_1::view_model

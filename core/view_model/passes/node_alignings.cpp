@@ -17,7 +17,7 @@ TESSERA_SOURCE_UNIT("core/view_model/graph");
 void Graph::setNodeAlignings() {
     setChildrenAndParents();
     for (const auto& node : m_nodes) {
-        if (node.second->m_type != "label") continue;
+        if (!node.second || node.second->m_type != "label") continue;
         const std::string& location = node.second->m_location;
         if (location == "to" || location == "from") node.second->m_aligning = location;
         if (location != "center") continue;
