@@ -2,8 +2,11 @@
 
 #include <fmt/format.h>
 
+#include <optional>
+
 #include "cli/interrupt.h"
 #include "cli/message.h"
+#include "cli/output_format.h"
 #include "draw/picture_writer.h"
 #include "draw/scene.h"
 #include "draw/svg_writer.h"
@@ -27,23 +30,26 @@ tessera_draw::Theme themeOf(const std::string& name) {
     return name == "light" ? tessera_draw::Theme::light : tessera_draw::Theme::automatic;
 }
 
-// PNG and PDF.
-bool writePixels(const Options& options, const tessera_draw::Scene& scene, tessera_draw::Output& output) {
+using WritePicture = tessera_draw::PictureResult (tessera_draw::PictureWriter::*)(
+    const tessera_draw::Scene&, const tessera_draw::PictureOptions&, tessera_draw::Output&);
+
+// PNG and PDF, by a library that is loaded for them.
+bool writePicture(const Options& options, const tessera_draw::Scene& scene, WritePicture write,
+                  tessera_draw::Output& output) {
+    const std::string_view format = options.format->name;
     std::string reason;
     tessera_draw::PictureWriter* writer = tessera_draw::loadPictureWriter(reason);
     if (writer == nullptr) {
-        printMessage(fmt::format("{} cannot be written here: {}", options.format, reason));
+        printMessage(fmt::format("{} cannot be written here: {}", format, reason));
         return false;
     }
     const tessera_draw::PictureOptions asked{themeOf(options.theme), options.scale, interruptToken()};
-    const tessera_draw::PictureResult result = options.format == "png"
-                                                   ? writer->writePng(scene, asked, output)
-                                                   : writer->writePdf(scene, asked, output);
-    if (!result.error.empty()) printMessage(fmt::format("{}: {}", options.format, result.error));
+    const tessera_draw::PictureResult result = (writer->*write)(scene, asked, output);
+    if (!result.error.empty()) printMessage(fmt::format("{}: {}", format, result.error));
     if (result.isWritten && result.scale < asked.scale)
         printMessage(fmt::format(
             "the drawing is {:.0f} by {:.0f}: it was scaled by {:.3g} to fit into a {}; svg has no limit",
-            scene.size.width, scene.size.height, result.scale, options.format));
+            scene.size.width, scene.size.height, result.scale, format));
     if (result.isWritten && result.missingCharacters > 0)
         printMessage(
             fmt::format("{} characters are drawn as boxes, because no font that is installed here has them; "
@@ -52,28 +58,47 @@ bool writePixels(const Options& options, const tessera_draw::Scene& scene, tesse
     return result.isWritten;
 }
 
-}  // namespace
-
-bool isPicture(const std::string& format) {
-    return format == "svg" || format == "png" || format == "pdf";
-}
-
-bool writeDrawing(const Options& options, const basekit2::variant_bag_t& diagram,
-                  const tessera_draw::Reservation& reservation, OutputFile& file) {
+// None when the program was interrupted.
+std::optional<tessera_draw::Scene> sceneOf(const Options& options, const basekit2::variant_bag_t& diagram,
+                                           const tessera_draw::Reservation& reservation) {
     tessera_draw::SceneOptions sceneOptions;
     sceneOptions.reservation = &reservation;
     if (options.direction == "tb") sceneOptions.direction = tessera_draw::Direction::topToBottom;
     sceneOptions.cancel = interruptToken();
-    if (isInterrupted()) return false;
-    const tessera_draw::Scene scene = tessera_draw::makeScene(diagram, sceneOptions);
-    if (isInterrupted()) return false;
+    if (isInterrupted()) return std::nullopt;
+    std::optional<tessera_draw::Scene> scene = tessera_draw::makeScene(diagram, sceneOptions);
+    if (isInterrupted()) return std::nullopt;
+    return scene;
+}
+
+bool writeDrawing(const Options& options, const basekit2::variant_bag_t& diagram,
+                  const tessera_draw::Reservation& reservation, WritePicture write, OutputFile& file) {
+    const auto scene = sceneOf(options, diagram, reservation);
+    if (!scene) return false;
     FileOutput output(file.sink());
-    if (options.format == "svg") {
-        tessera_draw::SvgOptions svgOptions;
-        svgOptions.theme = themeOf(options.theme);
-        return tessera_draw::writeSvg(scene, svgOptions, output);
-    }
-    return writePixels(options, scene, output);
+    return writePicture(options, *scene, write, output);
+}
+
+}  // namespace
+
+bool writeSvgDrawing(const Options& options, const basekit2::variant_bag_t& diagram,
+                     const tessera_draw::Reservation& reservation, OutputFile& file) {
+    const auto scene = sceneOf(options, diagram, reservation);
+    if (!scene) return false;
+    tessera_draw::SvgOptions svgOptions;
+    svgOptions.theme = themeOf(options.theme);
+    FileOutput output(file.sink());
+    return tessera_draw::writeSvg(*scene, svgOptions, output);
+}
+
+bool writePngDrawing(const Options& options, const basekit2::variant_bag_t& diagram,
+                     const tessera_draw::Reservation& reservation, OutputFile& file) {
+    return writeDrawing(options, diagram, reservation, &tessera_draw::PictureWriter::writePng, file);
+}
+
+bool writePdfDrawing(const Options& options, const basekit2::variant_bag_t& diagram,
+                     const tessera_draw::Reservation& reservation, OutputFile& file) {
+    return writeDrawing(options, diagram, reservation, &tessera_draw::PictureWriter::writePdf, file);
 }
 
 }  // namespace tessera_cli

@@ -1,10 +1,11 @@
 #include <new>
 #include <stdexcept>
 
-#include "cli/commands.h"
+#include "cli/command_table.h"
 #include "cli/interrupt.h"
 #include "cli/log.h"
 #include "cli/message.h"
+#include "cli/options.h"
 #include "cli/standard_descriptors.h"
 
 namespace {
@@ -16,15 +17,7 @@ int run(const Options& options) {
         if (!isInterrupted()) printMessage(problem);
         return unlessInterrupted(exitUnopened);
     }
-    switch (options.command) {
-        case Command::render:
-            return render(options);
-        case Command::session:
-            return session(options);
-        case Command::check:
-            return check(options);
-    }
-    return exitUsage;
+    return options.command->run(options);
 }
 
 }  // namespace

@@ -9,14 +9,15 @@
 
 namespace tessera_cli {
 
-enum class Command { render, session, check };
+struct Command;
+struct OutputFormat;
 
 struct Options {
-    Command command = Command::render;
+    const Command* command = nullptr;  // never null once parsed
     std::string document;
-    std::string database;  // "" when none was given
-    std::string output;    // "" is standard output
-    std::string format;    // "json", "xml", "svg", "png" or "pdf"
+    std::string database;                  // "" when none was given
+    std::string output;                    // "" is standard output
+    const OutputFormat* format = nullptr;  // never null for a command that writes a diagram
     std::optional<std::string> mode;
     std::map<std::string, std::string> filters;
     std::string catalogs;
@@ -28,7 +29,7 @@ struct Options {
     bool fix = false;
     tessera_1::LayoutLimits limits{5'000'000, std::size_t{1} << 30U};
     std::string stopAfter;   // a stage of "create"; "" is none
-    std::string dumpFolder;  // where the graph is written after each stage; "" is nowhere
+    std::string dumpFolder;  // where the graph is written after each stage; "" is none
     std::string theme;       // of a picture: "light", "dark" or "auto"
     std::string direction;   // of a picture: "lr" or "tb"
     double scale = 1;        // pixels of a PNG for one of the drawing
@@ -45,8 +46,8 @@ enum ExitStatus : int {
     exitInterrupted = 130
 };
 
-// Reads the command line. When there is nothing to run (help was asked for, or the usage is wrong) the text
-// for that has been printed and `exitStatus` is what the program ends with.
+// Reads the command line. None when there is nothing to run: help or the version has been printed, or the
+// usage is wrong and a message says why. `exitStatus` is what the program ends with then.
 [[nodiscard]] std::optional<Options> parseCommandLine(int argc, const char* const* argv, int& exitStatus);
 
 }  // namespace tessera_cli

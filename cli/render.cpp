@@ -3,15 +3,13 @@
 #include <filesystem>
 
 #include "cli/commands.h"
-#include "cli/drawing.h"
 #include "cli/interrupt.h"
 #include "cli/layout_inspector.h"
 #include "cli/message.h"
 #include "cli/output_file.h"
+#include "cli/output_format.h"
 #include "cli/program_end.h"
 #include "cli/reserved_space.h"
-#include "host/text/json_writer.h"
-#include "host/text/xml_writer.h"
 
 namespace tessera_cli {
 namespace {
@@ -43,15 +41,7 @@ bool makeDiagram(const Options& options, tessera_host::Pane& pane, relay2::IMess
 
 bool writeDiagram(const Options& options, const variant_bag_t& diagram,
                   const tessera_draw::Reservation& reservation, OutputFile& file) {
-    if (isPicture(options.format)) {
-        if (!writeDrawing(options, diagram, reservation, file) && file.sink().good()) return false;
-    } else if (options.format == "json") {
-        tessera_host::writeJson(diagram, file.sink(), tessera_host::JsonForm::indented);
-        file.sink().put('\n');
-    } else if (const auto problem = tessera_host::writeXml(diagram, file.sink())) {
-        printMessage(*problem);
-        return false;
-    }
+    if (!options.format->write(options, diagram, reservation, file) && file.sink().good()) return false;
     if (isInterrupted()) return false;
     if (file.commit()) return true;
     if (!isInterrupted()) printMessage(file.error());
@@ -75,7 +65,7 @@ int render(const Options& options) {
     auto input = openInput(options, messenger);
     if (!input) return reportError(input.error());
     tessera_draw::Reservation reservation;
-    if (isPicture(options.format)) reservation = measureReservedSpace(input->viewpoint);
+    if (options.format->isPicture()) reservation = measureReservedSpace(input->viewpoint);
     LayoutInspector inspector(options);
     auto pane = makePane(*input, options, &inspector);
     OutputFile file;  // opened before the work: a place that cannot be written is known at once

@@ -1,0 +1,36 @@
+#include "cli/command_table.h"
+
+#include <array>
+
+#include "cli/commands.h"
+
+namespace tessera_cli {
+namespace {
+
+using enum OptionGroup;
+
+constexpr std::array renderGroups{common, requiredResult, acyclic, limits, inspection, output, picture, mode};
+constexpr std::array sessionGroups{common, requiredResult, acyclic, limits};
+constexpr std::array checkGroups{common, result, fix};
+
+// A new subcommand is a row here and a file of its own.
+constexpr std::array<Command, 3> all{{
+    {"render", "Makes one diagram and writes it", renderGroups, render},
+    {"session", "Answers requests, one JSON line each, until end of input", sessionGroups, session},
+    {"check", "Reports everything wrong with a document", checkGroups, check},
+}};
+
+}  // namespace
+
+std::span<const Command> commands() {
+    return all;
+}
+
+std::string commandNames() {
+    std::string text;
+    for (std::size_t i = 0; i < all.size(); ++i)
+        text.append(i == 0 ? "" : i + 1 == all.size() ? " and " : ", ").append(all[i].name);
+    return text;
+}
+
+}  // namespace tessera_cli

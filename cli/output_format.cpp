@@ -1,0 +1,75 @@
+#include "cli/output_format.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <vector>
+
+#include "cli/drawing.h"
+#include "cli/message.h"
+#include "host/text/json_writer.h"
+#include "host/text/xml_writer.h"
+
+namespace tessera_cli {
+namespace {
+
+using basekit2::variant_bag_t;
+using tessera_draw::Reservation;
+
+bool writeJson(const Options& /*options*/, const variant_bag_t& diagram, const Reservation& /*reservation*/,
+               OutputFile& file) {
+    tessera_host::writeJson(diagram, file.sink(), tessera_host::JsonForm::indented);
+    file.sink().put('\n');
+    return file.sink().good();
+}
+
+bool writeXml(const Options& /*options*/, const variant_bag_t& diagram, const Reservation& /*reservation*/,
+              OutputFile& file) {
+    if (const auto problem = tessera_host::writeXml(diagram, file.sink())) {
+        printMessage(*problem);
+        return false;
+    }
+    return file.sink().good();
+}
+
+// A new format is a row here.
+constexpr std::array formats{
+    OutputFormat{"json", OutputFormat::Kind::data, writeJson},
+    OutputFormat{"xml", OutputFormat::Kind::data, writeXml},
+    OutputFormat{"svg", OutputFormat::Kind::vectors, writeSvgDrawing},
+    OutputFormat{"png", OutputFormat::Kind::pixels, writePngDrawing},
+    OutputFormat{"pdf", OutputFormat::Kind::vectors, writePdfDrawing},
+};
+
+}  // namespace
+
+std::span<const OutputFormat> outputFormats() {
+    return formats;
+}
+
+const OutputFormat* findOutputFormat(std::string_view name) {
+    const auto* found = std::find_if(formats.begin(), formats.end(),
+                                     [&](const OutputFormat& format) { return format.name == name; });
+    return found == formats.end() ? nullptr : found;
+}
+
+const OutputFormat* formatOfFile(const std::string& path) {
+    if (path.empty() || path == "-") return &formats.front();
+    const std::size_t dot = path.rfind('.');
+    std::string ending = dot == std::string::npos ? "" : path.substr(dot + 1);
+    std::transform(ending.begin(), ending.end(), ending.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return findOutputFormat(ending);
+}
+
+std::string formatNames(bool picturesOnly) {
+    std::vector<std::string_view> names;
+    for (const OutputFormat& format : formats)
+        if (format.isPicture() || !picturesOnly) names.push_back(format.name);
+    std::string text;
+    for (std::size_t i = 0; i < names.size(); ++i)
+        text.append(i == 0 ? "" : i + 1 == names.size() ? " or " : ", ").append(names[i]);
+    return text;
+}
+
+}  // namespace tessera_cli

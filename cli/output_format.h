@@ -1,0 +1,48 @@
+// The formats that a diagram can be written in: one table for options, help and writing.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "cli/output_file.h"
+#include "draw/reservation.h"
+#include "platform/basekit2/variant_bag.h"
+
+namespace tessera_cli {
+
+struct Options;
+
+struct OutputFormat {
+    enum class Kind : std::uint8_t {
+        data,     // the library's answer as it is
+        vectors,  // a picture; takes the options of drawings
+        pixels,   // the same, with a size
+    };
+
+    std::string_view name;  // of --format, and the ending of its files
+    Kind kind;
+    // Writes the diagram. `reservation` is what a picture keeps space for; data ignores it. False, with the
+    // message printed, when that cannot be done; false without one when the program was interrupted or the
+    // file took no more.
+    bool (*write)(const Options& options, const basekit2::variant_bag_t& diagram,
+                  const tessera_draw::Reservation& reservation, OutputFile& file);
+
+    [[nodiscard]] bool isPicture() const noexcept { return kind != Kind::data; }
+};
+
+// The first one is the format of standard output.
+[[nodiscard]] std::span<const OutputFormat> outputFormats();
+
+// Null when no format has this name.
+[[nodiscard]] const OutputFormat* findOutputFormat(std::string_view name);
+
+// The format of a file by its ending, in upper or lower case; null when the ending names none. "" and "-" are
+// standard output.
+[[nodiscard]] const OutputFormat* formatOfFile(const std::string& path);
+
+// "json, xml, svg, png or pdf", or those of them that are pictures.
+[[nodiscard]] std::string formatNames(bool picturesOnly = false);
+
+}  // namespace tessera_cli
