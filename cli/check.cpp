@@ -68,15 +68,12 @@ struct Document {
 };
 
 tessera_host::Expected<Document> readDocument(const std::string& path) {
-    Document document;
-    InterruptProgress progress;
-    if (const auto error = tessera_host::readFileText(path, document.text, &progress))
-        return Error{error->cancelled ? ErrorKind::cancelled : ErrorKind::cannotOpen, error->text, {}};
-    if (document.text.empty()) return Error{ErrorKind::failed, "the file is empty", {1, 1}};
-    auto viewpoint = Viewpoint::readText(document.text, path, interruptToken());
+    auto text = tessera_host::readFileText(path, interruptToken());
+    if (!text) return std::move(text).error();
+    if (text->empty()) return Error{ErrorKind::failed, "the file is empty", {1, 1}};
+    auto viewpoint = Viewpoint::readText(*text, path, interruptToken());
     if (!viewpoint) return std::move(viewpoint).error();
-    document.viewpoint = *std::move(viewpoint);
-    return document;
+    return Document{*std::move(text), *std::move(viewpoint)};
 }
 
 // Writes the document without cycles, which becomes the one to check. exitDone, or what the program is to end

@@ -29,8 +29,9 @@ struct Request {
 std::string readRequest(const LineReader& reader, variant_bag_t& bag, Request& request) {
     static const variant_bag_t noInput;
     if (reader.isTooLong()) return fmt::format("is longer than {} bytes", maxLine);
-    if (const auto error = tessera_host::readJson(reader.line(), bag))
-        return fmt::format("column {}: {}", error->position.column, error->text);
+    auto read = tessera_host::readJson(reader.line());
+    if (!read) return fmt::format("column {}: {}", read.error().position.column, read.error().text);
+    bag = *std::move(read);
     const basekit2::variant_t* name = bag.get("request");
     if (name == nullptr || !name->can_get<std::string_view>()) return "has no text \"request\"";
     request.name = name->get<std::string_view>();

@@ -35,8 +35,8 @@ Figures measure(const std::string& document, const std::string& database) {
     figures.alone = parseAlone(text);
     double before = allocated();
     {
-        basekit2::variant_bag_t bag;
-        figures.reading = secondsOf([&] { (void)tessera_host::readXmlText(text, bag); });
+        tessera_host::Expected<basekit2::variant_bag_t> bag{basekit2::variant_bag_t()};
+        figures.reading = secondsOf([&] { bag = tessera_host::readXmlText(text); });
         figures.parsedBytes = allocated() - before;
     }
     Complaints complaints;

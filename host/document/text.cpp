@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "host/text/utf8.h"
+#include "support/utf8.h"
 
 namespace tessera_host {
 namespace {
@@ -21,8 +21,8 @@ std::string oneLine(std::string_view bytes) {
     std::string line;
     for (std::size_t at = 0; at < bytes.size();) {
         if (line.size() >= maxLineBytes) return line + "...";
-        const Utf8Character piece = decodeUtf8(bytes.substr(at));
-        if (!piece.valid)
+        const tessera_support::Utf8Character piece = tessera_support::decodeUtf8(bytes.substr(at));
+        if (!piece.isValid)
             line.append("\xEF\xBF\xBD");
         else if (isControl(piece.code))
             line.push_back(' ');

@@ -12,6 +12,8 @@
 namespace tessera_host {
 namespace {
 
+using tessera_support::CancelToken;
+
 constexpr std::size_t smallestPiece = std::size_t{64} * 1024;
 constexpr int pollMilliseconds = 50;
 
@@ -29,40 +31,28 @@ class Descriptor {
     int m_number;
 };
 
-ReadError unreadable(int error) {
-    ReadError answer;
-    answer.unopened = true;
+Error unreadable(int error) {
     switch (error) {
         case ENOENT:
-            answer.text = "there is no such file";
-            break;
+            return {ErrorKind::cannotOpen, "there is no such file", {}};
         case EISDIR:
-            answer.text = "this is a directory, not a file";
-            break;
+            return {ErrorKind::cannotOpen, "this is a directory, not a file", {}};
         case EACCES:
-            answer.text = "there is no permission to read the file";
-            break;
+            return {ErrorKind::cannotOpen, "there is no permission to read the file", {}};
         default:
-            answer.text = "the file cannot be read: " + std::generic_category().message(error);
+            return {ErrorKind::cannotOpen,
+                    "the file cannot be read: " + std::generic_category().message(error),
+                    {}};
     }
-    return answer;
 }
 
-ReadError cancelled() {
-    return ReadError{.text = "cancelled", .position = {}, .cancelled = true};
+Error tooLong() {
+    return {ErrorKind::cannotOpen, "the file has more than 1 GiB, the most that is read", {}};
 }
 
-ReadError tooLong() {
-    ReadError answer;
-    answer.unopened = true;
-    answer.text = "the file has more than 1 GiB, the most that is read";
-    return answer;
-}
-
-// Waits until something can be read; false when the work has been cancelled.
-bool waitForInput(int descriptor, relay2::IProgress* progress) {
-    if (!progress) return true;
-    while (!progress->isCancelled()) {
+// Waits until something can be read; false when the work was cancelled.
+bool waitForInput(int descriptor, const CancelToken& token) {
+    while (!token.isCancelled()) {
         pollfd input{descriptor, POLLIN, 0};
         if (::poll(&input, 1, pollMilliseconds) > 0) return true;
     }
@@ -78,17 +68,16 @@ std::size_t expectedSize(int descriptor) {
 
 }  // namespace
 
-std::optional<ReadError> readFileText(const std::string& path, std::string& text,
-                                      relay2::IProgress* progress) {
+Expected<std::string> readFileText(const std::string& path, const CancelToken& token) {
     const Descriptor file(path);
-    if (file.get() < 0 && errno == EINTR && progress && progress->isCancelled()) return cancelled();
+    if (file.get() < 0 && errno == EINTR && token.isCancelled()) return cancelledError();
     if (file.get() < 0) return unreadable(errno);
 
     const std::size_t expected = expectedSize(file.get());
     if (expected > maxFileText) return tooLong();
     std::size_t used = 0;
-    text.resize(std::max(expected + 1, smallestPiece));  // one more, to meet the end
-    while (waitForInput(file.get(), progress)) {
+    std::string text(std::max(expected + 1, smallestPiece), '\0');  // one byte more, to meet the end
+    while (waitForInput(file.get(), token)) {
         if (used > maxFileText) return tooLong();
         if (used == text.size()) text.resize(2 * text.size());
         const ssize_t count = ::read(file.get(), text.data() + used, text.size() - used);
@@ -96,12 +85,12 @@ std::optional<ReadError> readFileText(const std::string& path, std::string& text
             used += static_cast<std::size_t>(count);
         } else if (count == 0) {
             text.resize(used);
-            return std::nullopt;
+            return text;
         } else if (errno != EINTR) {
             return unreadable(errno);
         }
     }
-    return cancelled();
+    return cancelledError();
 }
 
 }  // namespace tessera_host

@@ -2,21 +2,19 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string>
 
-#include "host/text/read_error.h"
-#include "platform/relay2/progress.h"
+#include "host/error.h"
+#include "support/cancel_token.h"
 
 namespace tessera_host {
 
-// The most bytes that a file may have. Nobody writes such a document; a device may never end.
+// The most bytes that a file may have. No document is that long, but a device may never end.
 inline constexpr std::size_t maxFileText = std::size_t{1} << 30U;
 
-// Reads `path` to its end into `text`; any file will do that can be read, also a pipe or /dev/stdin. Watches
-// `progress`, which may be null, while nothing arrives. Answers nothing, or why it could not be read
-// (`unopened`, also when it is longer than `maxFileText`, or `cancelled`).
-std::optional<ReadError> readFileText(const std::string& path, std::string& text,
-                                      relay2::IProgress* progress);
+// Reads `path` to its end. Any file will do that can be read, also a pipe or /dev/stdin; while nothing arrives
+// it looks at `token`. The error has the kind cannotOpen, also when the file is longer than `maxFileText`.
+[[nodiscard]] Expected<std::string> readFileText(const std::string& path,
+                                                 const tessera_support::CancelToken& token = {});
 
 }  // namespace tessera_host

@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-#include "host/text/utf8.h"
+#include "support/utf8.h"
 
 namespace tessera_host {
 
@@ -64,7 +64,7 @@ bool JsonEvents::EndArray(rapidjson::SizeType) {
 // The text as a whole is valid UTF-8, but the parser lets an escape pass that is the second half of a
 // surrogate pair.
 bool JsonEvents::acceptsString(std::string_view text) {
-    return isValidUtf8(text) || fail("half of a surrogate pair stands alone");
+    return tessera_support::isValidUtf8(text) || fail("half of a surrogate pair stands alone");
 }
 
 bool JsonEvents::Key(const char* text, rapidjson::SizeType size, bool) {

@@ -2,11 +2,9 @@
 
 #include <rapidjson/reader.h>
 
-#include <utility>
-
 #include "host/text/json_events.h"
 #include "host/text/text_position.h"
-#include "host/text/utf8.h"
+#include "support/utf8.h"
 
 namespace tessera_host {
 namespace {
@@ -49,14 +47,14 @@ std::string_view syntaxText(rapidjson::ParseErrorCode code) {
     }
 }
 
-ReadError errorAt(std::string_view text, std::size_t offset, std::string_view what) {
-    return {std::string(what), TextPosition(text).at(offset)};
+Error errorAt(std::string_view text, std::size_t offset, std::string_view what) {
+    return {ErrorKind::failed, std::string(what), TextPosition(text).at(offset)};
 }
 
 }  // namespace
 
-std::optional<ReadError> readJson(std::string_view text, variant_bag_t& bag) {
-    if (const std::size_t valid = validUtf8Prefix(text); valid < text.size())
+Expected<variant_bag_t> readJson(std::string_view text) {
+    if (const std::size_t valid = tessera_support::validUtf8Prefix(text); valid < text.size())
         return errorAt(text, valid, "this is not valid UTF-8");
     // To the parser, a NUL is the end of the text.
     if (const std::size_t nul = text.find('\0'); nul != std::string_view::npos)
@@ -77,8 +75,7 @@ std::optional<ReadError> readJson(std::string_view text, variant_bag_t& bag) {
         what += syntaxText(result.Code());
         return errorAt(text, start + result.Offset(), what);
     }
-    bag = std::move(root);
-    return std::nullopt;
+    return root;
 }
 
 }  // namespace tessera_host

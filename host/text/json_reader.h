@@ -1,16 +1,15 @@
 // JSON into property bags.
 #pragma once
 
-#include <optional>
 #include <string_view>
 
-#include "host/text/read_error.h"
+#include "host/error.h"
 #include "platform/basekit2/variant_bag.h"
 
 namespace tessera_host {
 
-// Reads one JSON object into `bag`, the inverse of writeJson(). Answers what is wrong, or nothing when all is
-// well; in case of an error `bag` stays as it was. A byte order mark at the beginning is skipped.
+// Reads one JSON object, the inverse of writeJson(). The error has the position where the text is wrong. A
+// byte order mark at the beginning is skipped.
 //
 // An object is a bag. Its strings, integers and booleans are values, put in their order; a member that is an
 // object is a child bag, an array of objects several of that name. An empty array is no child. When a key
@@ -20,6 +19,6 @@ namespace tessera_host {
 // arrays of anything but objects. Bags made from JSON have no source positions.
 //
 // Takes time in proportion to the text, at any depth.
-std::optional<ReadError> readJson(std::string_view text, basekit2::variant_bag_t& bag);
+[[nodiscard]] Expected<basekit2::variant_bag_t> readJson(std::string_view text);
 
 }  // namespace tessera_host

@@ -4,12 +4,17 @@
 #include <charconv>
 #include <string>
 
-#include "host/text/byte_words.h"
 #include "host/text/indentation.h"
-#include "host/text/utf8.h"
+#include "support/swar.h"
+#include "support/utf8.h"
 
 namespace tessera_host {
 namespace {
+
+using tessera_support::bytesBelow;
+using tessera_support::bytesEqual;
+using tessera_support::loadWord;
+using tessera_support::word_t;
 
 constexpr bool isPlain(unsigned char c) {
     return c >= 0x20 && c != '"' && c != '\\';
@@ -55,8 +60,8 @@ void JsonText::key(std::string_view name) {
 }
 
 void JsonText::string(std::string_view text) {
-    std::string mended;
-    if (!isValidUtf8(text)) text = mended = mendUtf8(text);
+    std::string repaired;
+    if (!tessera_support::isValidUtf8(text)) text = repaired = tessera_support::repairUtf8(text);
 
     m_sink.put('"');
     for (;;) {

@@ -3,9 +3,14 @@
 #include <algorithm>
 #include <bit>
 
-#include "host/text/byte_words.h"
+#include "support/swar.h"
 
 namespace tessera_host {
+
+using tessera_support::bytesEqual;
+using tessera_support::highBytes;
+using tessera_support::loadWord;
+using tessera_support::word_t;
 
 TextPosition::TextPosition(std::string_view text) noexcept : m_text(text) {
     rewind();

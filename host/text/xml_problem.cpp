@@ -3,14 +3,14 @@
 #include <array>
 #include <cstdio>
 
-#include "host/text/utf8.h"
 #include "host/text/xml_references.h"
+#include "support/utf8.h"
 
 namespace tessera_host {
 namespace {
 
 std::string quoted(std::string_view text) {
-    return '\'' + mendUtf8(text) + '\'';
+    return '\'' + tessera_support::repairUtf8(text) + '\'';
 }
 
 // The name at the problem's place, or nothing when the document cannot be quoted.
@@ -37,8 +37,8 @@ std::string mismatchedTag(const XmlProblem& problem) {
 std::string unexpectedCharacter(const XmlProblem& problem) {
     const std::string_view rest = problem.document.substr(problem.offset);
     if (!problem.isUtf8 || rest.empty()) return "this is not well-formed XML";
-    const Utf8Character character = decodeUtf8(rest);
-    if (!character.valid) return "this is not valid UTF-8";
+    const tessera_support::Utf8Character character = tessera_support::decodeUtf8(rest);
+    if (!character.isValid) return "this is not valid UTF-8";
     if (problem.offset > 0 && problem.document[problem.offset - 1] == '&')
         return "'&' must be written as '&amp;'";
     const bool isControl = character.code < ' ' && rest.find_first_of("\t\r\n") != 0;

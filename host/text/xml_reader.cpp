@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -18,11 +19,11 @@ namespace {
 
 using basekit2::source_position_t;
 using basekit2::variant_bag_t;
+using tessera_support::CancelToken;
 
 // The parser looks again at a token that a piece cuts, and counts lines at the end of each piece; so pieces
 // are as large as it can take them.
 constexpr std::size_t maxPiece = 512U << 20;
-constexpr int eventsBetweenChecks = 2048;
 
 constexpr bool isWhite(char c) {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
@@ -41,9 +42,9 @@ void trimEnd(std::string_view& text) {
 
 class BagParser {
   public:
-    BagParser(std::string_view document, variant_bag_t& root, relay2::IProgress* progress);
+    BagParser(std::string_view document, variant_bag_t& root, const CancelToken& token);
 
-    std::optional<ReadError> parse();
+    std::optional<Error> parse();
 
   private:
     // An element whose end tag has not come yet.
@@ -61,11 +62,11 @@ class BagParser {
     void addDoctypeToken(std::string_view token);
     void declareEncoding(const char* encoding);
 
-    void countEvent();
-    ReadError& fail(std::string text);
+    void checkToken();
+    Error& fail(std::string text);
     [[nodiscard]] std::size_t currentOffset() const;
     source_position_t currentPosition();
-    ReadError parserError();
+    Error parserError();
     [[nodiscard]] std::string openElementName() const;
 
     std::unique_ptr<XML_ParserStruct, void (*)(XML_Parser)> m_parser;
@@ -73,24 +74,23 @@ class BagParser {
     TextPosition m_position;
     XmlUnits m_units;
     variant_bag_t& m_root;
-    relay2::IProgress* m_progress;
+    const CancelToken& m_token;
     std::vector<Element> m_open;
     std::string m_text;  // own text of all open elements so far, the outermost first
     std::string m_rootName;
     std::string m_encoding;
-    std::optional<ReadError> m_error;
-    int m_eventsToCheck = 1;
+    std::optional<Error> m_error;
     bool m_isUtf8;
     bool m_hasExternalDoctype = false;
 };
 
-BagParser::BagParser(std::string_view document, variant_bag_t& root, relay2::IProgress* progress)
+BagParser::BagParser(std::string_view document, variant_bag_t& root, const CancelToken& token)
     : m_parser(XML_ParserCreate(nullptr), XML_ParserFree),
       m_document(document),
       m_position(document),
       m_units(unitsOf(document)),
       m_root(root),
-      m_progress(progress),
+      m_token(token),
       m_isUtf8(m_units == XmlUnits::bytes) {
     XML_SetUserData(m_parser.get(), this);
     XML_SetParamEntityParsing(m_parser.get(), XML_PARAM_ENTITY_PARSING_NEVER);
@@ -124,8 +124,8 @@ void BagParser::watchEvents() {
     });
 }
 
-std::optional<ReadError> BagParser::parse() {
-    countEvent();
+std::optional<Error> BagParser::parse() {
+    checkToken();
     std::size_t done = 0;
     while (done < m_document.size() && !m_error) {
         const std::string_view piece = m_document.substr(done, maxPiece);
@@ -142,14 +142,14 @@ void BagParser::startElement(const char* name, const char** attributes) {
     if (m_open.empty()) m_rootName = name;
     variant_bag_t& bag = m_open.empty() ? m_root : m_open.back().bag->add_variant_bag(name);
     bag.set_position(currentPosition());
-    // Those that a DTD adds come behind the ones that stand in the tag.
+    // Attributes that a DTD adds come after those of the tag.
     const int count = XML_GetSpecifiedAttributeCount(m_parser.get());
     for (int i = 0; i < count; i += 2)
         bag.put(attributes[i], attributes[i + 1]);
     m_open.push_back({&bag, m_text.size()});
 
     if (m_hasExternalDoctype) checkReferences();
-    countEvent();
+    checkToken();
 }
 
 // Where an external DTD might declare an entity, the parser silently leaves an unknown one out of an
@@ -159,7 +159,7 @@ void BagParser::checkReferences() {
     const auto size = static_cast<std::size_t>(XML_GetCurrentByteCount(m_parser.get()));
     const auto unknown = unknownReference(m_document.substr(start, size), m_units);
     if (!unknown) return;
-    ReadError& error = fail("the entity '" + unknown->name + "' is not known");
+    Error& error = fail("the entity '" + unknown->name + "' is not known");
     if (m_isUtf8) error.position = m_position.at(start + unknown->offset);
 }
 
@@ -176,7 +176,7 @@ void BagParser::endElement() {
 
 void BagParser::addText(std::string_view piece) {
     if (m_error) return;
-    countEvent();
+    checkToken();
     // White space before the text, above all indentation, is never stored: so no text is white space only.
     if (m_text.size() == m_open.back().textStart) trimStart(piece);
     m_text += piece;
@@ -203,18 +203,14 @@ void BagParser::declareEncoding(const char* encoding) {
     m_isUtf8 = m_isUtf8 && isUtf8;
 }
 
-void BagParser::countEvent() {
-    if (--m_eventsToCheck > 0) return;
-    m_eventsToCheck = eventsBetweenChecks;
-    if (!m_progress || !m_progress->isCancelled()) return;
-    ReadError& error = fail("cancelled");
-    error.cancelled = true;
-    error.position = {};
+// An error stops the parser, which may still report some events.
+void BagParser::checkToken() {
+    if (m_token.isCancelled()) fail("cancelled") = cancelledError();
 }
 
-ReadError& BagParser::fail(std::string text) {
+Error& BagParser::fail(std::string text) {
     XML_StopParser(m_parser.get(), XML_FALSE);
-    return m_error.emplace(ReadError{.text = std::move(text), .position = currentPosition()});
+    return m_error.emplace(Error{ErrorKind::failed, std::move(text), currentPosition()});
 }
 
 std::size_t BagParser::currentOffset() const {
@@ -231,7 +227,7 @@ source_position_t BagParser::currentPosition() {
     return {line, column + (line == 1 && hasMark ? 0 : 1)};
 }
 
-ReadError BagParser::parserError() {
+Error BagParser::parserError() {
     XmlProblem problem{.code = XML_GetErrorCode(m_parser.get()),
                        .document = m_document,
                        .offset = currentOffset(),
@@ -244,8 +240,8 @@ ReadError BagParser::parserError() {
         problem.openPosition = m_open.back().bag->position();
     }
     locate(problem);
-    return {.text = describe(problem),
-            .position = m_isUtf8 ? m_position.at(problem.offset) : currentPosition()};
+    return {ErrorKind::failed, describe(problem),
+            m_isUtf8 ? m_position.at(problem.offset) : currentPosition()};
 }
 
 // REQUIRES: an element is open.
@@ -259,20 +255,18 @@ std::string BagParser::openElementName() const {
 
 }  // namespace
 
-std::optional<ReadError> readXmlText(std::string_view text, variant_bag_t& bag, relay2::IProgress* progress) {
-    if (text.empty()) return ReadError{.text = "the document is empty", .position = {1, 1}};
+Expected<variant_bag_t> readXmlText(std::string_view text, const CancelToken& token) {
+    if (text.empty()) return Error{ErrorKind::failed, "the document is empty", {1, 1}};
     variant_bag_t root;
-    std::optional<ReadError> error = BagParser(text, root, progress).parse();
-    if (!error) bag = std::move(root);
-    return error;
+    if (auto error = BagParser(text, root, token).parse()) return *std::move(error);
+    return root;
 }
 
-std::optional<ReadError> readXmlFile(const std::string& path, variant_bag_t& bag,
-                                     relay2::IProgress* progress) {
-    std::string text;
-    if (auto error = readFileText(path, text, progress)) return error;
-    if (text.empty()) return ReadError{.text = "the file is empty", .position = {1, 1}};
-    return readXmlText(text, bag, progress);
+Expected<variant_bag_t> readXmlFile(const std::string& path, const CancelToken& token) {
+    auto text = readFileText(path, token);
+    if (!text) return std::move(text).error();
+    if (text->empty()) return Error{ErrorKind::failed, "the file is empty", {1, 1}};
+    return readXmlText(*text, token);
 }
 
 }  // namespace tessera_host

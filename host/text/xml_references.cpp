@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "host/text/utf8.h"
+#include "support/utf8.h"
 
 namespace tessera_host {
 namespace {
@@ -39,7 +39,7 @@ std::optional<EntityReference> unknownReference(std::string_view markup, XmlUnit
         const std::string_view name = markup.substr(at + 1, markup.find(';', at) - at - 1);
         const bool isCharacter = name.starts_with('#');
         if (!isCharacter && std::find(ownEntities.begin(), ownEntities.end(), name) == ownEntities.end())
-            return EntityReference{mendUtf8(name), at * unitSize};
+            return EntityReference{tessera_support::repairUtf8(name), at * unitSize};
     }
     return std::nullopt;
 }

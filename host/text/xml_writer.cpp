@@ -5,15 +5,16 @@
 #include <vector>
 
 #include "host/text/indentation.h"
-#include "host/text/utf8.h"
-#include "host/text/xml_escape.h"
 #include "host/text/xml_names.h"
+#include "support/utf8.h"
+#include "support/xml_escape.h"
 
 namespace tessera_host {
 namespace {
 
 using basekit2::variant_bag_t;
 using basekit2::variant_t;
+using tessera_support::XmlPlace;
 
 class ElementWriter {
   public:
@@ -112,7 +113,8 @@ bool ElementWriter::writeAttributes(const variant_bag_t& bag) {
 void ElementWriter::writeValue(const variant_t& value, XmlPlace place) {
     switch (value.type()) {
         case variant_t::type_t::string:
-            writeXmlEscaped(value.get<std::string_view>(), place, m_sink);
+            tessera_support::writeXmlEscaped(value.get<std::string_view>(), place,
+                                             [this](std::string_view piece) { m_sink.write(piece); });
             break;
         case variant_t::type_t::integer: {
             std::array<char, 20> digits{};  // the longest is -9223372036854775808
@@ -131,7 +133,7 @@ void ElementWriter::writeValue(const variant_t& value, XmlPlace place) {
 
 bool ElementWriter::checkName(std::string_view name, const char* what) {
     if (m_names.isName(name)) return true;
-    m_error = '\'' + mendUtf8(name) + "' cannot be the name of an XML " + what;
+    m_error = '\'' + tessera_support::repairUtf8(name) + "' cannot be the name of an XML " + what;
     return false;
 }
 

@@ -5,9 +5,9 @@
 #include <cmath>
 #include <cstddef>
 
-#include "host/text/utf8.h"
 #include "host/values/decimal.h"
 #include "host/values/duration.h"
+#include "support/utf8.h"
 
 namespace tessera_host {
 namespace {
@@ -160,9 +160,11 @@ std::optional<CellFormat> CellFormat::parse(std::string_view text) {
 
 std::string formatCell(const CellValue& value, const CellFormat& format, std::string_view unit) {
     if (const auto* integer = std::get_if<std::int64_t>(&value))
-        return mendUtf8(formatNumber(*integer, format, unit));
-    if (const auto* real = std::get_if<double>(&value)) return mendUtf8(formatNumber(*real, format, unit));
-    if (const auto* text = std::get_if<std::string>(&value)) return mendUtf8(formatText(*text, format, unit));
+        return tessera_support::repairUtf8(formatNumber(*integer, format, unit));
+    if (const auto* real = std::get_if<double>(&value))
+        return tessera_support::repairUtf8(formatNumber(*real, format, unit));
+    if (const auto* text = std::get_if<std::string>(&value))
+        return tessera_support::repairUtf8(formatText(*text, format, unit));
     return {};
 }
 

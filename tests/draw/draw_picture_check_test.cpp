@@ -293,9 +293,10 @@ std::size_t checkAnswersOfCases(const std::filesystem::path& cases) {
     for (const auto& folder : std::filesystem::directory_iterator(cases)) {
         std::ifstream answers(folder.path() / "expected.jsonl");
         for (std::string line; std::getline(answers, line);) {
-            variant_bag_t answer;
-            EXPECT_FALSE(tessera_host::readJson(line, answer)) << folder.path();
-            const variant_bag_t* out = answer.get_variant_bag("out");
+            const auto answer = tessera_host::readJson(line);
+            EXPECT_TRUE(answer) << folder.path();
+            if (!answer) continue;
+            const variant_bag_t* out = answer->get_variant_bag("out");
             if (out == nullptr || out->get_variant_bag("nodes") == nullptr) continue;
             ++drawn;
             for (const Direction direction : directions)

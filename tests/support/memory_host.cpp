@@ -167,10 +167,10 @@ std::shared_ptr<panelcore_1::IRequestHandler> MemoryHost::makeHandler(
 }
 
 variant_bag_t bagOf(const std::string& xml) {
-    variant_bag_t bag;
-    const auto error = tessera_host::readXmlText(xml, bag, nullptr);
-    if (error) ADD_FAILURE() << tessera_host::describe(*error, "document");
-    return bag;
+    auto bag = tessera_host::readXmlText(xml);
+    if (bag) return *std::move(bag);
+    ADD_FAILURE() << describe(bag.error(), "document");
+    return {};
 }
 
 std::string jsonOf(const variant_bag_t& bag) {

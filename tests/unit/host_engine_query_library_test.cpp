@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "host/document/text.h"
-#include "host/text/utf8.h"
 #include "host/values/number_text.h"
 #include "platform/basekit2/object_registry.h"
+#include "support/utf8.h"
 
 namespace tessera_host {
 namespace {
@@ -186,7 +186,8 @@ TEST(QueryText, OneLineIsShortAndValid) {
     std::string accents;
     for (int i = 0; i < 1000; ++i)
         accents += "\u20AC";
-    EXPECT_EQ(oneLine(accents), mendUtf8(oneLine(accents)));  // not cut inside of a character
+    EXPECT_EQ(oneLine(accents),
+              tessera_support::repairUtf8(oneLine(accents)));  // not cut inside of a character
     EXPECT_TRUE(isBlank(" \t\r\n"));
     EXPECT_FALSE(isBlank(" x"));
 }

@@ -65,8 +65,7 @@ TEST(TextScale, AnUnclosedDeepDocumentIsOneError) {
     std::string xml;
     for (int i = 0; i < depth; ++i)
         xml += "<a>";
-    variant_bag_t bag;
-    EXPECT_EQ(problem(readXmlText(xml, bag)),
+    EXPECT_EQ(problem(readXmlText(xml)),
               "1:300001: element 'a', opened at line 1, column 299998, is not closed");
 }
 

@@ -28,22 +28,20 @@ inline std::string toXml(const basekit2::variant_bag_t& bag) {
 }
 
 inline basekit2::variant_bag_t fromXml(std::string_view text) {
-    basekit2::variant_bag_t bag;
-    const auto error = readXmlText(text, bag);
-    EXPECT_FALSE(error) << describe(*error, "text");
-    return bag;
+    auto bag = readXmlText(text);
+    EXPECT_TRUE(bag) << (bag ? "" : describe(bag.error(), "text"));
+    return bag ? *std::move(bag) : basekit2::variant_bag_t();
 }
 
 inline basekit2::variant_bag_t fromJson(std::string_view text) {
-    basekit2::variant_bag_t bag;
-    const auto error = readJson(text, bag);
-    EXPECT_FALSE(error) << describe(*error, "text");
-    return bag;
+    auto bag = readJson(text);
+    EXPECT_TRUE(bag) << (bag ? "" : describe(bag.error(), "text"));
+    return bag ? *std::move(bag) : basekit2::variant_bag_t();
 }
 
 // What a reader says about a wrong document: "line:column: text".
-inline std::string problem(const std::optional<ReadError>& error) {
-    return error ? describe(*error, "").substr(1) : "no error";
+inline std::string problem(const Expected<basekit2::variant_bag_t>& read) {
+    return read ? "no error" : describe(read.error(), "").substr(1);
 }
 
 }  // namespace tessera_host::text_support

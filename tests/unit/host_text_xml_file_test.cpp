@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -20,7 +19,6 @@ namespace tessera_host {
 namespace {
 
 using namespace text_support;
-using basekit2::variant_bag_t;
 
 class XmlFile : public testing::Test {
   protected:
@@ -43,77 +41,73 @@ class XmlFile : public testing::Test {
 };
 
 TEST_F(XmlFile, ReadsAFile) {
-    variant_bag_t bag;
-    EXPECT_FALSE(readXmlFile(fileWith("<r a='1'>text</r>"), bag));
-    EXPECT_EQ(toJson(bag), R"({"a":"1","":"text"})");
+    const auto read = readXmlFile(fileWith("<r a='1'>text</r>"));
+    ASSERT_TRUE(read);
+    EXPECT_EQ(toJson(*read), R"({"a":"1","":"text"})");
 }
 
 TEST_F(XmlFile, ReadsAFileLargerThanOnePieceOfReading) {
     std::string xml = "<r>";
     for (int i = 0; i < 50000; ++i)
         xml += "<x i='" + std::to_string(i) + "'/>";
-    variant_bag_t bag;
-    EXPECT_FALSE(readXmlFile(fileWith(xml + "</r>"), bag));
-    EXPECT_EQ(bag, fromXml(xml + "</r>"));
+    const auto read = readXmlFile(fileWith(xml + "</r>"));
+    ASSERT_TRUE(read);
+    EXPECT_EQ(*read, fromXml(xml + "</r>"));
 }
 
-TEST_F(XmlFile, TellsWhyAFileCannotBeRead) {
-    variant_bag_t bag;
-    const auto missing = readXmlFile(path("none.xml"), bag);
-    ASSERT_TRUE(missing);
-    EXPECT_TRUE(missing->unopened);
-    EXPECT_EQ(describe(*missing, "none.xml"), "none.xml: there is no such file");
+TEST_F(XmlFile, SaysWhyAFileCannotBeRead) {
+    const auto missing = readXmlFile(path("none.xml"));
+    ASSERT_FALSE(missing);
+    EXPECT_EQ(missing.error().kind, ErrorKind::cannotOpen);
+    EXPECT_EQ(describe(missing.error(), "none.xml"), "none.xml: there is no such file");
 
-    const auto folder = readXmlFile(path("."), bag);
-    ASSERT_TRUE(folder);
-    EXPECT_TRUE(folder->unopened);
-    EXPECT_EQ(folder->text, "this is a directory, not a file");
+    const auto folder = readXmlFile(path("."));
+    ASSERT_FALSE(folder);
+    EXPECT_EQ(folder.error().kind, ErrorKind::cannotOpen);
+    EXPECT_EQ(folder.error().text, "this is a directory, not a file");
 
-    const auto below = readXmlFile(fileWith("<r/>") + "/x", bag);
-    ASSERT_TRUE(below);
-    EXPECT_TRUE(below->unopened);
-    EXPECT_EQ(below->text, "the file cannot be read: Not a directory");
+    const auto below = readXmlFile(fileWith("<r/>") + "/x");
+    ASSERT_FALSE(below);
+    EXPECT_EQ(below.error().kind, ErrorKind::cannotOpen);
+    EXPECT_EQ(below.error().text, "the file cannot be read: Not a directory");
 }
 
-TEST_F(XmlFile, TellsThatPermissionIsMissing) {
+TEST_F(XmlFile, SaysThatPermissionIsMissing) {
     const std::string file = fileWith("<r/>");
     ASSERT_EQ(chmod(file.c_str(), 0), 0);
-    variant_bag_t bag;
     const bool isRoot = geteuid() == 0;  // who may read everything
     if (isRoot) {
         ASSERT_EQ(seteuid(65534), 0);
     }
-    const auto error = readXmlFile(file, bag);
+    const auto read = readXmlFile(file);
     if (isRoot) {
         ASSERT_EQ(seteuid(0), 0);
     }
-    ASSERT_TRUE(error);
-    EXPECT_TRUE(error->unopened);
-    EXPECT_EQ(error->text, "there is no permission to read the file");
+    ASSERT_FALSE(read);
+    EXPECT_EQ(read.error().kind, ErrorKind::cannotOpen);
+    EXPECT_EQ(read.error().text, "there is no permission to read the file");
 }
 
 TEST_F(XmlFile, OneWithoutEndIsRefused) {
-    variant_bag_t bag;
-    const auto error = readXmlFile("/dev/zero", bag);
-    ASSERT_TRUE(error);
-    EXPECT_TRUE(error->unopened);
-    EXPECT_EQ(error->text, "the file has more than 1 GiB, the most that is read");
+    const auto read = readXmlFile("/dev/zero");
+    ASSERT_FALSE(read);
+    EXPECT_EQ(read.error().kind, ErrorKind::cannotOpen);
+    EXPECT_EQ(read.error().text, "the file has more than 1 GiB, the most that is read");
 
     const std::string large = fileWith("<r/>");
     std::filesystem::resize_file(large, (std::uintmax_t{1} << 30U) + 1);
-    EXPECT_EQ(readXmlFile(large, bag)->text, error->text);
+    EXPECT_EQ(readXmlFile(large).error().text, read.error().text);
 }
 
 TEST_F(XmlFile, ErrorsOfTheContentHaveAPosition) {
-    variant_bag_t bag;
-    const auto empty = readXmlFile(fileWith(""), bag);
-    ASSERT_TRUE(empty);
-    EXPECT_FALSE(empty->unopened);
-    EXPECT_EQ(describe(*empty, "file.xml"), "file.xml:1:1: the file is empty");
+    const auto empty = readXmlFile(fileWith(""));
+    ASSERT_FALSE(empty);
+    EXPECT_EQ(empty.error().kind, ErrorKind::failed);
+    EXPECT_EQ(describe(empty.error(), "file.xml"), "file.xml:1:1: the file is empty");
 
-    const auto wrong = readXmlFile(fileWith("<r>\n</s>"), bag);
-    ASSERT_TRUE(wrong);
-    EXPECT_EQ(describe(*wrong, "file.xml"),
+    const auto wrong = readXmlFile(fileWith("<r>\n</s>"));
+    ASSERT_FALSE(wrong);
+    EXPECT_EQ(describe(wrong.error(), "file.xml"),
               "file.xml:2:1: the end tag 's' does not match element 'r', opened at line 1, column 1");
 }
 
@@ -132,51 +126,41 @@ TEST_F(XmlFile, ReadsAPipeThatFillsSlowly) {
         }
         close(ends[1]);
     });
-    variant_bag_t bag;
-    const auto error = readXmlFile("/dev/fd/" + std::to_string(ends[0]), bag);
+    const auto read = readXmlFile("/dev/fd/" + std::to_string(ends[0]));
     const auto before = std::signal(SIGPIPE, SIG_IGN);
     close(ends[0]);  // should the reading have ended too early, so does the writing
     writer.join();
     std::signal(SIGPIPE, before);
-    EXPECT_EQ(problem(error), "no error");
-    EXPECT_EQ(bag, fromXml(xml));
+    ASSERT_TRUE(read) << problem(read);
+    EXPECT_EQ(*read, fromXml(xml));
 }
 
 TEST_F(XmlFile, SignalsDoNotDisturbTheReading) {
     std::array<int, 2> ends{};
     ASSERT_EQ(pipe(ends.data()), 0);
     const InterruptingSignal signal;
-    variant_bag_t bag;
-    std::optional<ReadError> error;
-    std::thread reader([&] { error = readXmlFile("/dev/fd/" + std::to_string(ends[0]), bag); });
+    std::string outcome;
+    std::thread reader([&] { outcome = problem(readXmlFile("/dev/fd/" + std::to_string(ends[0]))); });
     signal.sendTo(reader);
     EXPECT_EQ(write(ends[1], "<r/>", 4), 4);
     close(ends[1]);
     reader.join();
     close(ends[0]);
-    EXPECT_EQ(problem(error), "no error");
+    EXPECT_EQ(outcome, "no error");
 }
-
-class SwitchedProgress final : public relay2::IProgress {
-  public:
-    [[nodiscard]] bool isCancelled() const override { return cancelled; }
-    std::atomic<bool> cancelled = false;
-};
 
 TEST_F(XmlFile, CancellationEndsTheWaitForAPipe) {
     std::array<int, 2> ends{};
     ASSERT_EQ(pipe(ends.data()), 0);
-    SwitchedProgress progress;
+    tessera_support::CancelSource source;
     std::thread user([&] {
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        progress.cancelled = true;
+        source.cancel();
     });
-    variant_bag_t bag;
-    const auto error = readXmlFile("/dev/fd/" + std::to_string(ends[0]), bag, &progress);
+    const auto read = readXmlFile("/dev/fd/" + std::to_string(ends[0]), source.token());
     user.join();
-    ASSERT_TRUE(error);
-    EXPECT_TRUE(error->cancelled);
-    EXPECT_FALSE(error->unopened);
+    ASSERT_FALSE(read);
+    EXPECT_TRUE(read.error().isCancelled());
     close(ends[0]);
     close(ends[1]);
 }

@@ -2,13 +2,18 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <string>
+#include <thread>
 #include <vector>
 
+#include "tests/support/cpu_time.h"
 #include "tests/unit/host_text_support.h"
 
 namespace tessera_host {
 namespace {
+
+using tessera_support::CancelSource;
 
 using namespace text_support;
 using basekit2::source_position_t;
@@ -135,33 +140,6 @@ TEST(XmlReader, DoctypeAddsNothing) {
     EXPECT_EQ(read("<!DOCTYPE r PUBLIC '-//x//y' 'http://localhost:9/x.dtd' []><r/>"), "{}");
 }
 
-TEST(XmlReader, AnErrorLeavesTheBagAlone) {
-    variant_bag_t bag;
-    bag.put("kept", "yes");
-    EXPECT_TRUE(readXmlText("<r lost='1'><x/>", bag));
-    EXPECT_EQ(toJson(bag), R"({"kept":"yes"})");
-    EXPECT_FALSE(readXmlText("<r new='1'/>", bag));
-    EXPECT_EQ(toJson(bag), R"({"new":"1"})");
-}
-
-TEST(XmlReader, ReadsIntoAChildBag) {
-    variant_bag_t bag;
-    EXPECT_FALSE(readXmlText("<r a='1'><x/></r>", bag.add_variant_bag("in")));
-    EXPECT_EQ(toJson(bag), R"({"in":{"a":"1","x":{}}})");
-}
-
-// Cancels when it has been asked so many times.
-class CountingProgress final : public relay2::IProgress {
-  public:
-    explicit CountingProgress(int limit) : m_limit(limit) {}
-    [[nodiscard]] bool isCancelled() const override { return ++m_asked > m_limit; }
-    [[nodiscard]] int asked() const { return m_asked; }
-
-  private:
-    int m_limit;
-    mutable int m_asked = 0;
-};
-
 std::string manyElements(int count) {
     std::string xml = "<r>";
     for (int i = 0; i < count; ++i)
@@ -170,26 +148,34 @@ std::string manyElements(int count) {
 }
 
 TEST(XmlReader, CancellationStopsTheReading) {
-    variant_bag_t bag;
-    CountingProgress before(0);
-    const auto atOnce = readXmlText("<r/>", bag, &before);
-    ASSERT_TRUE(atOnce);
-    EXPECT_TRUE(atOnce->cancelled);
-
-    CountingProgress later(3);
-    const auto amid = readXmlText(manyElements(100000), bag, &later);
-    ASSERT_TRUE(amid);
-    EXPECT_TRUE(amid->cancelled);
-    EXPECT_EQ(later.asked(), 4) << "not asked again";
-    EXPECT_TRUE(bag.is_empty());
+    CancelSource source;
+    const std::string large = manyElements(100000);
+    const auto begin = tessera_test::threadCpuTime();
+    EXPECT_TRUE(readXmlText(large, source.token()));
+    const auto whole = tessera_test::threadCpuTime() - begin;
+    source.cancel();
+    for (const std::string& text : {std::string("<r/>"), large}) {
+        const auto start = tessera_test::threadCpuTime();
+        const auto read = readXmlText(text, source.token());
+        ASSERT_FALSE(read);
+        EXPECT_TRUE(read.error().isCancelled());
+        EXPECT_EQ(read.error().position.line, 0U);
+        EXPECT_LT(tessera_test::threadCpuTime() - start, whole / 5);
+    }
 }
 
-TEST(XmlReader, ProgressIsAskedEveryFewThousandEvents) {
-    variant_bag_t bag;
-    CountingProgress progress(1000000);
-    EXPECT_FALSE(readXmlText(manyElements(100000), bag, &progress));
-    EXPECT_GT(progress.asked(), 200000 / 5000);
-    EXPECT_LT(progress.asked(), 300000 / 1000);
+// Wherever in the document it comes.
+TEST(XmlReader, CancellationStopsARunningReading) {
+    const std::string large = manyElements(1000000);
+    CancelSource source;
+    std::thread canceller([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        source.cancel();
+    });
+    const auto read = readXmlText(large, source.token());
+    canceller.join();
+    ASSERT_FALSE(read) << "it takes many times as long";
+    EXPECT_TRUE(read.error().isCancelled());
 }
 
 }  // namespace
