@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Writes draw/scene/text_advances.h: how far each character of DejaVu Sans moves the pen, regular and bold.
+"""Writes draw/scene/text_advances.h: the advance width of each character of DejaVu Sans, regular and bold.
 
 Usage: make_text_advances.py [--check] [FONT_FOLDER]
 
-Drawings are laid out with this table, so that they come out alike on every machine, with or without the font.
---check compares instead of writing; it ends with 77 where the font is missing."""
+Drawings are laid out with this table, so that they are the same on every machine, with or without the font. --check compares the
+table with the font and writes nothing; without the font it ends with status 77."""
 
 import pathlib
 import struct
@@ -42,7 +42,7 @@ def tables(data):
 
 
 def characters(cmap):
-    """Glyph of each character, from the subtable of format 12."""
+    """Returns the glyph of each character, from the subtable of format 12."""
     for index in range(struct.unpack_from('>H', cmap, 2)[0]):
         offset = struct.unpack_from('>I', cmap, 4 + 8 * index + 4)[0]
         if struct.unpack_from('>H', cmap, offset)[0] != 12:
@@ -66,12 +66,12 @@ def advances(path):
 
 
 def is_zero(code):
-    """Marks that stand on what comes before, and characters that only steer."""
+    """Whether the character has no width: combining marks and format characters."""
     return unicodedata.category(chr(code)) in ('Mn', 'Me', 'Cf') and code != 0xAD
 
 
 def ranges(belongs):
-    """The runs of characters outside the blocks for which `belongs` is true; unassigned ones do not end a run."""
+    """Returns the runs of characters outside the blocks for which `belongs` is true. Unassigned characters do not end a run."""
     found, inside = [], False
     for code in range(0x300, 0xE0200):
         if any(first <= code < end for first, end in BLOCKS):
@@ -103,14 +103,14 @@ def text(folder):
     fonts = [advances(folder / 'DejaVuSans.ttf'), advances(folder / 'DejaVuSans-Bold.ttf')]
     parts = [HEADER]
     starts = ', '.join(f'{{0x{first:X}, 0x{end - 1:X}}}' for first, end in BLOCKS)
-    parts.append('// The characters that the two tables hold, one block behind the other.\n'
+    parts.append('// The characters of the two tables, block after block.\n'
                  f'inline constexpr std::array<CharacterRange, {len(BLOCKS)}> advanceBlocks{{{{{starts}}}}};\n')
     for name, font in zip(('regularAdvances', 'boldAdvances'), fonts):
         values = [0 if is_zero(code) else font.get(code, UNKNOWN)
                   for first, end in BLOCKS for code in range(first, end)]
         parts.append(array('std::uint16_t', name, [str(value) for value in values]))
     wide = ranges(lambda code: unicodedata.east_asian_width(chr(code)) in 'WF' and not is_zero(code))
-    for comment, name, found in (('Characters that take no room.', 'zeroRanges', ranges(is_zero)),
+    for comment, name, found in (('Characters without width.', 'zeroRanges', ranges(is_zero)),
                                  ('East Asian characters of one em.', 'wideRanges', wide)):
         parts.append(f'// {comment}\n' + array('CharacterRange', name,
                                                [f'{{0x{first:X}, 0x{last:X}}}' for first, last in found]))
@@ -128,9 +128,9 @@ def main():
     if '--check' not in sys.argv:
         target.write_text(made, encoding='utf-8')
         return 0
-    # The two lists of ranges depend on how new Python's Unicode is; the advances on the font alone.
-    same = made.split('// Characters that')[0] == target.read_text(encoding='utf-8').split('// Characters that')[0]
-    print('the table is the font\'s' if same else f'{target} is not what the font says')
+    # The two lists of ranges depend on the Unicode version of Python, the advances only on the font.
+    same = made.split('// Characters without')[0] == target.read_text(encoding='utf-8').split('// Characters without')[0]
+    print('the table agrees with the font' if same else f'{target} does not agree with the font')
     return 0 if same else 1
 
 

@@ -23,7 +23,7 @@
 namespace tessera_bench {
 namespace {
 
-constexpr std::size_t stageCount = 10;
+constexpr std::size_t maxStages = 32;  // fixed, because a child process sends its figures as bytes
 constexpr std::size_t dataStage = 1;
 
 struct Figures {
@@ -32,7 +32,7 @@ struct Figures {
     double create;     // all of it
     double peakBytes;  // of the process, with the document's bag and the output's
     double nodesOut, linksOut;
-    std::array<double, stageCount> stages;
+    std::array<double, maxStages> stages;  // the first layoutStages().size() of them
 };
 
 class StageClock final : public tessera_1::ILayoutWatcher {
@@ -85,7 +85,7 @@ void print(const Figures& best, const InputCounts& counts, double xmlBytes) {
     fmt::print(" \"xmlAlone\": {:.6f}, \"reading\": {:.6f}, \"create\": {:.6f}, \"peakBytes\": {:.0f},\n",
                best.alone, best.reading, best.create - best.stages.at(dataStage), best.peakBytes);
     fmt::print(" \"stages\": {{");
-    for (std::size_t i = 0; i < stageCount; ++i)
+    for (std::size_t i = 0; i < tessera_1::layoutStages().size(); ++i)
         fmt::print("\"{}\": {:.6f}, ", tessera_1::layoutStages().at(i), best.stages.at(i));
     fmt::print("\"output\": {:.6f}}}}}\n", best.create - inside);
 }

@@ -14,7 +14,7 @@ struct CharacterRange {
 
 inline constexpr std::uint16_t unknownAdvance = 0xFFFF;  // the font lacks the character
 
-// The characters that the two tables hold, one block behind the other.
+// The characters of the two tables, block after block.
 inline constexpr std::array<CharacterRange, 3> advanceBlocks{{{0x20, 0x6FF}, {0x1E00, 0x23FF}, {0x2500, 0x26FF}}};
 
 inline constexpr std::array<std::uint16_t, 3808> regularAdvances{{
@@ -456,7 +456,7 @@ inline constexpr std::array<std::uint16_t, 3808> boldAdvances{{
     65535, 65535, 65535, 65535, 65535, 65535, 65535,
 }};
 
-// Characters that take no room.
+// Characters without width.
 inline constexpr std::array<CharacterRange, 292> zeroRanges{{
     {0x70F, 0x70F}, {0x711, 0x711}, {0x730, 0x74A}, {0x7A6, 0x7B0}, {0x7EB, 0x7F3}, {0x7FD, 0x7FD},
     {0x816, 0x819}, {0x81B, 0x823}, {0x825, 0x827}, {0x829, 0x82D}, {0x859, 0x85B}, {0x890, 0x89F},
