@@ -42,8 +42,7 @@ namespace detail {
 // A copy in which every piece that is not valid is one U+FFFD; the pieces are those of decodeUtf8().
 [[nodiscard]] std::string repairUtf8(std::string_view text);
 
-// The length of the longest beginning of `text` that has at most `maxBytes` and does not end inside a
-// character.
+// The length of the longest prefix of `text` that has at most `maxBytes` and ends between characters.
 [[nodiscard]] inline std::size_t truncatedUtf8Length(std::string_view text, std::size_t maxBytes) noexcept {
     if (text.size() <= maxBytes) return text.size();
     constexpr std::size_t maxTrailBytes = 3;

@@ -35,8 +35,7 @@ bool isName(std::string_view key) {
     return key == "name" || key == "displayName";
 }
 
-// Copies with another text under each key that `isReplaced` accepts. As deep as a diagram's bag, which is
-// five.
+// Copies with another text under each key that `isReplaced` accepts. Recurses; a diagram's bag is five deep.
 template <typename Predicate>
 void copyWith(const variant_bag_t& from, variant_bag_t& to, Predicate isReplaced, std::string_view text) {
     for (auto it = from.begin_values(); !it.at_end(); it.next())

@@ -211,8 +211,7 @@ class FaultyBaseHandler final : public ForwardingRequestHandler {
     FaultPlan& m_plan;
 };
 
-// Catalogues that vanish: the source has none from the given call on, and none of their texts can be
-// rendered.
+// Catalogues that vanish: from the given call on the source has none, and no text of theirs can be rendered.
 class FaultyCatalogSource final : public ForwardingCatalogSource {
   public:
     FaultyCatalogSource(std::shared_ptr<const IMessageCatalogSource> target, int failFrom)

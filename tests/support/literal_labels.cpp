@@ -74,8 +74,8 @@ bool adjust(Graph& graph, const NodePtr& label, const Side& side, Record& record
     return true;
 }
 
-// How many nodes of other types stand between the label and the first of type "node". False when a condition
-// has failed.
+// Counts the nodes of other types between the label and the first one of type "node". Returns false when a
+// condition has failed.
 bool countSteps(const NodePtr& label, const Side& side, int& count, Record& record) {
     count = 0;
     std::vector<NodePtr> visited{label};

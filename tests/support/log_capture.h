@@ -29,8 +29,8 @@ class LogCapture {
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;
 
-    // The reports without their places: "ERROR check CONDITION", "ERROR alert MESSAGE", "INFO MESSAGE", in
-    // order.
+    // The reports in order, without their places: "ERROR check CONDITION", "ERROR alert MESSAGE",
+    // "INFO MESSAGE".
     std::vector<std::string> reports() const {
         std::vector<std::string> out;
         for (const LogLine& line : lines())

@@ -1,4 +1,4 @@
-// A host that fails: after each fault the answer is the one that is laid down, nothing is lost, and the next
+// A host that fails: after each fault the request returns the defined code, nothing is lost, and the next
 // request works.
 #include <gtest/gtest.h>
 
@@ -289,8 +289,8 @@ TEST_F(Faults, AnySequenceOfFaultsLeavesAHandlerThatWorks) {
 
 // Cancellation
 
-// Cancels one request at its first question, its second, and so on until one passes; answers what each of
-// them did.
+// Cancels a request at its first look at the token, at its second, and so on, until a request is not
+// cancelled. Returns what each of them did.
 struct Cancelled {
     error_code_t code;
     bool wroteNothing;

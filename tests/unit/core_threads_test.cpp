@@ -21,7 +21,7 @@ constexpr int threadCount = 8;
 constexpr int requestsPerThread = 60;
 const std::vector<std::string> modes{"bandwidth", "ratio", "size", "other"};
 
-// Nodes whose values change with every fetch, a group, and a link that shows something in each mode but
+// Nodes whose values change with every fetch, a group, and a link that shows values in each mode except
 // "other".
 const char* const document = R"(<v><diagram>
   <graph id="g">
@@ -88,8 +88,7 @@ class CountingInputData final : public ForwardingInputData {
     };
 };
 
-// A diagram with the number of its fetch left out, and "mixed" in front when it shows values of several
-// fetches.
+// The diagram without the number of its fetch. Begins with "mixed" when the values are from several fetches.
 std::string normalised(const std::string& json) {
     const std::string word = "fetch";
     std::set<std::string> numbers;

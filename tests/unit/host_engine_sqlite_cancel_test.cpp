@@ -1,5 +1,4 @@
-// Stopping queries that take long. The bound that is promised is 100 ms; the tests leave room for a busy
-// machine.
+// Stopping long queries. The promised limit is 100 ms; the tests allow more, for a busy machine.
 #include <gtest/gtest.h>
 
 #include "tests/unit/host_engine_sqlite_fixture.h"

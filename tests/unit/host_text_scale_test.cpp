@@ -1,5 +1,4 @@
-// Deep, wide and long documents: nothing recurses, and what takes more than linear time does not come to an
-// end.
+// Deep, wide and long documents: nothing recurses, and work of more than linear time would not finish.
 #include <gtest/gtest.h>
 
 #include <string>

@@ -27,8 +27,8 @@ class PlainHandler : public IRequestHandler {
     }
 };
 
-// Builds names out of the request and the value "who" of its bag, or declines; either way it writes something
-// first.
+// Builds names from the request and the value "who" of its bag, or declines. Writes something in both cases,
+// before it does so.
 class NamingStrategy final : public ITaskDisplacementStrategy {
   public:
     explicit NamingStrategy(bool builds) : m_builds(builds) {}
