@@ -2,15 +2,16 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
-#include <string>
+#include <span>
 #include <string_view>
 #include <vector>
 
 #include "draw/geometry.h"
+#include "draw/layout.h"
 #include "draw/placement/placement.h"
-#include "draw/reservation.h"
+#include "draw/read/values.h"
 #include "draw/scene/display_types.h"
+#include "draw/text_arena.h"
 #include "draw/theme.h"
 #include "platform/basekit2/variant_bag.h"
 
@@ -84,9 +85,22 @@ struct Element {
     Span symbols;
     Span lines;
     Span texts;
-    Span tooltips;  // what a pointer at it, or a screen reader, is told
+    Span tooltips;  // for pointers and screen readers
+    Span rows;
 };
 
+// One labelled value of an element, and the texts that show it: with the element's id, link and place it says
+// what a value belongs to.
+struct RowShape {
+    std::string_view place;    // of a line, the end: "from", "total", "to"; else ""
+    std::uint32_t number = 0;  // among the rows of its place, from 0
+    std::string_view name;
+    std::string_view value;
+    Index nameText = nothing;  // in Scene::texts; `nothing` where it is not shown, but in tooltips only
+    Index valueText = nothing;
+};
+
+// Owns its texts, together with the layout that it was made from. Can be moved, not copied.
 struct Scene {
     Size size;
     std::string_view name;
@@ -97,24 +111,28 @@ struct Scene {
     std::vector<Element> elements;
     std::vector<BoxShape> boxes;
     std::vector<SymbolShape> symbols;
-    std::vector<LineShape> lines;
+    std::span<const LineShape> lines;  // the layout's
     std::vector<TextShape> texts;
     std::vector<TooltipLine> tooltips;
-    std::deque<std::string> ownedTexts;  // those that are not the bag's
+    std::vector<RowShape> rows;
+    TextArena ownedTexts;  // values, and texts made for this scene
+    LayoutPointer layout;  // keeps ids, names and lines
 };
 
-enum class Direction : std::uint8_t { leftToRight, topToBottom };
+// The second step: the layout with the values of `bag`, which may be any bag, and is not needed any more after
+// the call. Nodes and links are matched by id. What only the layout has is drawn without values, and what only
+// the bag has is not drawn; `differences`, unless null, is told which those are. Nothing moves: all scenes of
+// one layout have the same boxes and lines. Any thread.
+//
+// REQUIRES: layout != nullptr.
+[[nodiscard]] Scene fill(const LayoutPointer& layout, const basekit2::variant_bag_t& bag,
+                         Differences* differences = nullptr);
 
-struct SceneOptions {
-    Direction direction = Direction::leftToRight;
-    // Null: every box keeps room for what is usual. Null or not, sizes never depend on values.
-    const Reservation* reservation = nullptr;
-    tessera_support::CancelToken cancel = {};
-};
+using SceneOptions = LayoutOptions;
 
-// Draws the diagram in `bag`, which must outlive the scene. Where things stand and how large they are depends
-// on names, types, levels, links and reserved room; values only fill that room. Any bag will do. The scene is
-// empty once `cancel` is cancelled.
+// Both steps: draws the diagram in `bag`, which may be any bag. Positions and sizes depend on names, types,
+// levels, links and reserved space; values only fill that space. The scene is empty once `options.cancel` is
+// cancelled.
 [[nodiscard]] Scene makeScene(const basekit2::variant_bag_t& bag, const SceneOptions& options);
 
 }  // namespace tessera_draw

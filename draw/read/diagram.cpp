@@ -13,11 +13,6 @@ using basekit2::variant_t;
 
 namespace {
 
-std::string_view textOf(const variant_bag_t& bag, std::string_view name) {
-    const variant_t* value = bag.get(name);
-    return value && value->can_get<std::string_view>() ? value->get<std::string_view>() : std::string_view();
-}
-
 bool flagOf(const variant_bag_t& bag, std::string_view name) {
     const variant_t* value = bag.get(name);
     return value && value->can_get<bool>() && value->get<bool>();
@@ -30,47 +25,28 @@ std::int32_t levelOf(const variant_bag_t& bag) {
     return static_cast<std::int32_t>(std::clamp<std::int64_t>(value->get<std::int64_t>(), -1, last));
 }
 
-// Calls `take` with each child of that name in the child bag `list`.
-template <class Take>
-void forEach(const variant_bag_t& bag, std::string_view list, std::string_view name, Take take) {
-    const variant_bag_t* children = bag.get_variant_bag(list);
-    if (!children) return;
-    for (auto it = children->begin(); !it.at_end(); it.next())
-        if (it.get_name() == name) take(it.get_value());
-}
-
-Info readInfo(const variant_bag_t& bag, std::string_view name) {
-    Info info;
-    const variant_bag_t* found = bag.get_variant_bag(name);
-    if (!found) return info;
-    info.name = textOf(*found, "name");
-    forEach(*found, "rows", "row", [&](const variant_bag_t& row) {
-        info.rows.push_back({textOf(row, "name"), textOf(row, "value")});
-    });
-    return info;
-}
-
-Node readNode(const variant_bag_t& bag) {
+Node readNode(const variant_bag_t& bag, bool hasValues) {
     Node node;
-    node.id = textOf(bag, "id");
-    node.name = textOf(bag, "displayName");
-    node.type = textOf(bag, "type");
-    node.displayType = textOf(bag, "displayType");
-    node.aligning = textOf(bag, "aligning");
-    node.location = textOf(bag, "location");
+    node.id = bag.get_text("id");
+    node.name = bag.get_text("displayName");
+    node.type = bag.get_text("type");
+    node.displayType = bag.get_text("displayType");
+    node.aligning = bag.get_text("aligning");
+    node.location = bag.get_text("location");
     node.isGroup = flagOf(bag, "isGroup");
     node.level = levelOf(bag);
-    node.info = readInfo(bag, "info");
+    if (hasValues) node.info = readInfo(bag, "info");
     return node;
 }
 
-Link readLink(const variant_bag_t& bag, const NodeIds& ids) {
+Link readLink(const variant_bag_t& bag, const NodeIds& ids, bool hasValues) {
     Link link;
-    link.id = textOf(bag, "id");
-    link.name = textOf(bag, "displayName");
-    link.direction = textOf(bag, "direction");
-    link.from = ids.find(textOf(bag, "from"));
-    link.to = ids.find(textOf(bag, "to"));
+    link.id = bag.get_text("id");
+    link.name = bag.get_text("displayName");
+    link.direction = bag.get_text("direction");
+    link.from = ids.find(bag.get_text("from"));
+    link.to = ids.find(bag.get_text("to"));
+    if (!hasValues) return link;
     link.fromInfo = readInfo(bag, "fromInfo");
     link.toInfo = readInfo(bag, "toInfo");
     link.totalInfo = readInfo(bag, "totalInfo");
@@ -91,19 +67,17 @@ void cutCycles(std::vector<Node>& nodes) {
     }
 }
 
-}  // namespace
-
-Diagram readDiagram(const variant_bag_t& bag) {
+Diagram read(const variant_bag_t& bag, bool hasValues) {
     Diagram diagram;
     if (const variant_bag_t* head = bag.get_variant_bag("diagram")) {
-        diagram.id = textOf(*head, "id");
-        diagram.name = textOf(*head, "name");
-        diagram.displayMode = textOf(*head, "displayMode");
+        diagram.id = head->get_text("id");
+        diagram.name = head->get_text("name");
+        diagram.displayMode = head->get_text("displayMode");
     }
     std::vector<std::string_view> groups;
-    forEach(bag, "nodes", "node", [&](const variant_bag_t& node) {
-        diagram.nodes.push_back(readNode(node));
-        groups.push_back(textOf(node, "group"));
+    forEachChild(bag, "nodes", "node", [&](const variant_bag_t& node) {
+        diagram.nodes.push_back(readNode(node, hasValues));
+        groups.push_back(node.get_text("group"));
     });
     const NodeIds ids(diagram.nodes);
     const NodeIds groupIds(diagram.nodes, [&](Index i) { return diagram.nodes[i].isGroup; });
@@ -114,9 +88,30 @@ Diagram readDiagram(const variant_bag_t& bag) {
     cutCycles(diagram.nodes);
     for (const Node& node : diagram.nodes)
         if (node.group != nothing) diagram.nodes[node.group].isGroup = true;
-    forEach(bag, "links", "link",
-            [&](const variant_bag_t& link) { diagram.links.push_back(readLink(link, ids)); });
+    forEachChild(bag, "links", "link",
+                 [&](const variant_bag_t& link) { diagram.links.push_back(readLink(link, ids, hasValues)); });
     return diagram;
+}
+
+}  // namespace
+
+Info readInfo(const variant_bag_t& bag, std::string_view name) {
+    Info info;
+    const variant_bag_t* found = bag.get_variant_bag(name);
+    if (!found) return info;
+    info.name = found->get_text("name");
+    forEachChild(*found, "rows", "row", [&](const variant_bag_t& row) {
+        info.rows.push_back({row.get_text("name"), row.get_text("value")});
+    });
+    return info;
+}
+
+Diagram readDiagram(const variant_bag_t& bag) {
+    return read(bag, true);
+}
+
+Diagram readStructure(const variant_bag_t& bag) {
+    return read(bag, false);
 }
 
 }  // namespace tessera_draw

@@ -55,10 +55,26 @@ struct Diagram {
     std::vector<Link> links;
 };
 
-// Reads what "create" and its like have written. All texts are views into `bag`, which must outlive the
-// answer. Reads any bag: what is missing or of another type is empty, an id that nobody has (or that is
-// empty) is `nothing`, of several nodes with one id the last is meant, and a group that would contain itself
-// stands at top level. Time grows with the bag's size.
+// Reads what "create" and the requests after it have written. All texts are views into `bag`, which must
+// outlive the result. Accepts any bag: what is missing or of another type is empty, an id that no node has (or
+// that is empty) is `nothing`, of several nodes with one id the last is meant, and a group that would contain
+// itself stands at top level. Time grows with the bag's size.
 [[nodiscard]] Diagram readDiagram(const basekit2::variant_bag_t& bag);
+
+// The same without values: every `Info` is empty.
+[[nodiscard]] Diagram readStructure(const basekit2::variant_bag_t& bag);
+
+// The info in the child bag of that name, as views into `bag`.
+[[nodiscard]] Info readInfo(const basekit2::variant_bag_t& bag, std::string_view name);
+
+// Calls `take` with each child called `name` of the child bag `list`.
+template <class Take>
+void forEachChild(const basekit2::variant_bag_t& bag, std::string_view list, std::string_view name,
+                  Take take) {
+    const basekit2::variant_bag_t* children = bag.get_variant_bag(list);
+    if (!children) return;
+    for (auto it = children->begin(); !it.at_end(); it.next())
+        if (it.get_name() == name) take(it.get_value());
+}
 
 }  // namespace tessera_draw

@@ -28,6 +28,8 @@ class DisplayTypes {
         TypeLook look;
     };
 
+    DisplayTypes() = default;
+    // The diagram's texts must outlive this.
     explicit DisplayTypes(const Diagram& diagram);
 
     [[nodiscard]] TypeLook lookOf(std::string_view type) const;

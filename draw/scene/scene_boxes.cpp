@@ -13,21 +13,29 @@ struct Columns {
     double right = 0;
     double firstLine = 0;
     double step = 0;
-    double valueRoom = 0;  // kept for values
+    double valueSpace = 0;  // kept for values
     TextRole nameRole = TextRole::rowName;
     TextRole valueRole = TextRole::rowValue;
 };
 
-void drawRow(SceneBuilder& builder, const Row& row, const Columns& columns, double line) {
+// Returns the number of the text, or `nothing` where there is nothing to see.
+Index drawText(SceneBuilder& builder, Point at, TextRole role, const FittedText& fitted, double maxWidth) {
+    return builder.text(at, role, fitted, maxWidth) > 0 ? builder.lastText() : nothing;
+}
+
+void drawRow(SceneBuilder& builder, const Row& row, RowShape& shape, const Columns& columns, double line) {
     const TextStyle& nameStyle = styleOf(columns.nameRole);
     const TextStyle& valueStyle = styleOf(columns.valueRole);
     const double both = columns.right - columns.left - columnGap;
     // A value may use what a short name leaves; a name may use what a short value leaves.
-    const double name = fitText(row.name, both, nameStyle.size, nameStyle.weight).width;
-    const double valueRoom = std::max(std::min(columns.valueRoom, both), both - name);
-    const double value = fitText(row.value, valueRoom, valueStyle.size, valueStyle.weight).width;
-    builder.text({columns.left, line}, columns.nameRole, row.name, both - value);
-    builder.text({columns.right, line}, columns.valueRole, row.value, valueRoom);
+    FittedText name = fitText(row.name, both, nameStyle.size, nameStyle.weight);
+    const double valueSpace = std::max(std::min(columns.valueSpace, both), both - name.width);
+    const FittedText value = fitText(row.value, valueSpace, valueStyle.size, valueStyle.weight);
+    const double nameSpace = both - value.width;
+    if (name.isShortened || name.width > nameSpace)
+        name = fitText(row.name, nameSpace, nameStyle.size, nameStyle.weight);
+    shape.nameText = drawText(builder, {columns.left, line}, columns.nameRole, name, nameSpace);
+    shape.valueText = drawText(builder, {columns.right, line}, columns.valueRole, value, valueSpace);
 }
 
 void drawRows(SceneBuilder& builder, const std::vector<Row>& rows, std::uint32_t maxRows,
@@ -39,7 +47,7 @@ void drawRows(SceneBuilder& builder, const std::vector<Row>& rows, std::uint32_t
         return columns.firstLine + columns.step * static_cast<double>(row);
     };
     for (std::size_t i = 0; i < shown; ++i)
-        drawRow(builder, rows[i], columns, lineOf(i));
+        drawRow(builder, rows[i], builder.row(i), columns, lineOf(i));
     if (!allFit)
         builder.text({columns.left, lineOf(shown)}, TextRole::more,
                      builder.own(fmt::format("+{} more", rows.size() - shown)), columns.right - columns.left);
@@ -55,16 +63,20 @@ void drawSingleValue(SceneBuilder& builder, const Info& info, const Rect& rect) 
         title = builder.own(fmt::format("{} +{}", fitText(title, maxWidth - 24, 9.5, Weight::regular).kept,
                                         info.rows.size() - 1));
     if (title.empty()) {
-        builder.text({middle, rect.y + 21}, TextRole::labelValue, row.value, maxWidth);
+        if (builder.text({middle, rect.y + 21}, TextRole::labelValue, row.value, maxWidth) > 0)
+            builder.row(0).valueText = builder.lastText();
         return;
     }
     builder.text({middle, rect.y + labelTitleLine}, TextRole::labelName, title, maxWidth);
-    builder.text({middle, rect.y + labelValueLine}, TextRole::labelValue, row.value, maxWidth);
+    if (builder.text({middle, rect.y + labelValueLine}, TextRole::labelValue, row.value, maxWidth) > 0)
+        builder.row(0).valueText = builder.lastText();
 }
 
 }  // namespace
 
-void drawCard(SceneBuilder& builder, const Node& node, const BoxSize& size, const Rect& rect, TypeLook look) {
+void drawCard(SceneBuilder& builder, const Node& node, const Info& info, const BoxSize& size,
+              const Rect& rect, TypeLook look) {
+    builder.rows(info);
     const bool isInterface = node.displayType == "interface";
     builder.box(rect, isInterface ? BoxRole::interfaceCard : BoxRole::card,
                 look.accent == ColorRole::none ? ColorRole::labelBorder : look.accent);
@@ -74,17 +86,17 @@ void drawCard(SceneBuilder& builder, const Node& node, const BoxSize& size, cons
     if (look.symbol != Symbol::none) builder.symbol({right - symbolSize / 2, nameLine - 4.5}, look);
     builder.text({left, nameLine}, TextRole::name, captionOf(node),
                  right - left - (look.symbol == Symbol::none ? 0 : symbolSpace));
-    drawRows(builder, node.info.rows, size.rows,
+    drawRows(builder, info.rows, size.rows,
              {left, right, rect.y + cardFirstRow, rowStep, size.valueColumn, TextRole::rowName,
               TextRole::rowValue});
     builder.tooltip(captionOf(node));
     if (look.symbol != Symbol::none) builder.tooltip(node.displayType);
-    builder.tooltips(node.info);
+    builder.tooltips(info);
 }
 
-void drawLabel(SceneBuilder& builder, const Node& node, const BoxSize& size, const Rect& rect) {
+void drawLabel(SceneBuilder& builder, const Info& info, const BoxSize& size, const Rect& rect) {
+    builder.rows(info);
     builder.box(rect, BoxRole::labelCard);
-    const Info& info = node.info;
     const double middle = rect.x + rect.width / 2;
     builder.tooltips(info);
     if (info.rows.empty()) {
@@ -111,6 +123,7 @@ void drawContainer(SceneBuilder& builder, const Node& node, const Info& info, co
 
 void drawHeader(SceneBuilder& builder, const Node& node, const Info& info, const BoxSize& size,
                 const Rect& rect, TypeLook look, bool isInner) {
+    builder.rows(info);
     builder.setTextHalo(styleOf(isInner ? BoxRole::innerContainer : BoxRole::container).fill);
     double left = rect.x + groupSide;
     const double line = rect.y + groupTitleLine;

@@ -7,11 +7,12 @@
 
 namespace tessera_draw {
 
-// Name, accent and rows, as many as there is room for.
-void drawCard(SceneBuilder& builder, const Node& node, const BoxSize& size, const Rect& rect, TypeLook look);
+// Name, accent and rows, as many as there is space for.
+void drawCard(SceneBuilder& builder, const Node& node, const Info& info, const BoxSize& size,
+              const Rect& rect, TypeLook look);
 
 // What one place of a link shows; a dash when that is nothing at the moment.
-void drawLabel(SceneBuilder& builder, const Node& node, const BoxSize& size, const Rect& rect);
+void drawLabel(SceneBuilder& builder, const Info& info, const BoxSize& size, const Rect& rect);
 
 void drawContainer(SceneBuilder& builder, const Node& node, const Info& info, const Rect& rect, TypeLook look,
                    bool isInner);

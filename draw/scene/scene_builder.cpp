@@ -27,9 +27,9 @@ Element& SceneBuilder::begin(Element::Kind kind, std::string_view id, Index inde
     element.index = index;
     element.boxes = spanAtEnd(m_scene.boxes);
     element.symbols = spanAtEnd(m_scene.symbols);
-    element.lines = spanAtEnd(m_scene.lines);
     element.texts = spanAtEnd(m_scene.texts);
     element.tooltips = spanAtEnd(m_scene.tooltips);
+    element.rows = spanAtEnd(m_scene.rows);
     m_isOpen = true;
     return m_scene.elements.emplace_back(element);
 }
@@ -41,9 +41,9 @@ void SceneBuilder::end() {
     Element& element = m_scene.elements.back();
     close(element.boxes, m_scene.boxes);
     close(element.symbols, m_scene.symbols);
-    close(element.lines, m_scene.lines);
     close(element.texts, m_scene.texts);
     close(element.tooltips, m_scene.tooltips);
+    close(element.rows, m_scene.rows);
 }
 
 void SceneBuilder::box(const Rect& rect, BoxRole role, ColorRole bar) {
@@ -54,8 +54,17 @@ void SceneBuilder::symbol(Point center, const TypeLook& look) {
     if (look.symbol != Symbol::none) m_scene.symbols.push_back({center, symbolSize, look});
 }
 
-void SceneBuilder::line(LineShape line) {
-    m_scene.lines.push_back(std::move(line));
+void SceneBuilder::line(std::uint32_t number) {
+    m_scene.elements.back().lines = {number, 1};
+}
+
+void SceneBuilder::rows(const Info& info, std::string_view place) {
+    for (std::uint32_t i = 0; i < info.rows.size(); ++i)
+        m_scene.rows.push_back({place, i, info.rows[i].name, info.rows[i].value, nothing, nothing});
+}
+
+RowShape& SceneBuilder::row(std::size_t number) {
+    return m_scene.rows[m_scene.elements.back().rows.first + number];
 }
 
 void SceneBuilder::tooltip(std::string_view first, std::string_view between, std::string_view second) {
@@ -70,15 +79,14 @@ void SceneBuilder::tooltips(const Info& info) {
 
 double SceneBuilder::text(Point at, TextRole role, std::string_view text, double maxWidth) {
     const TextStyle& style = styleOf(role);
-    const FittedText fitted = fitText(text, maxWidth, style.size, style.weight);
+    return this->text(at, role, fitText(text, maxWidth, style.size, style.weight), maxWidth);
+}
+
+double SceneBuilder::text(Point at, TextRole role, const FittedText& fitted, double maxWidth) {
     if (fitted.kept.empty() && !fitted.isShortened) return 0;
     m_scene.texts.push_back(
         {at, role, fitted.kept, fitted.isShortened, fitted.width, maxWidth, fitted.isExact, m_textHalo});
     return fitted.width;
-}
-
-std::string_view SceneBuilder::own(std::string text) {
-    return m_scene.ownedTexts.emplace_back(std::move(text));
 }
 
 }  // namespace tessera_draw

@@ -56,6 +56,20 @@ SvgText& SvgText::point(Point point) {
     return number(point.x).raw(" ").number(point.y);
 }
 
+SvgText& SvgText::path(const LineShape& line) {
+    for (const auto& stretch : line.stretches) {
+        raw("M").point(stretch.start);
+        for (const Segment& segment : stretch.segments) {
+            if (segment.isCurve)
+                raw("C").point(segment.control1).raw(" ").point(segment.control2).raw(" ");
+            else
+                raw("L");
+            point(segment.end);
+        }
+    }
+    return *this;
+}
+
 SvgText& SvgText::escaped(std::string_view text) {
     using tessera_support::XmlPlace;
     tessera_support::writeXmlEscaped<XmlPlace::drawing>(text, [this](std::string_view piece) { raw(piece); });

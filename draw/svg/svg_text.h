@@ -7,6 +7,7 @@
 
 #include "draw/geometry.h"
 #include "draw/output.h"
+#include "draw/scene.h"
 
 namespace tessera_draw {
 
@@ -25,6 +26,8 @@ class SvgText {
     // million, is drawn at the nearest that is.
     SvgText& number(double value);
     SvgText& point(Point point);
+    // The data of an SVG path.
+    SvgText& path(const LineShape& line);
     // Text of others, as content or in an attribute in double quotes: nothing in it can end either, and what
     // XML cannot carry is U+FFFD.
     SvgText& escaped(std::string_view text);

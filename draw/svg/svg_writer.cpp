@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "draw/scene/role_names.h"
 #include "draw/scene/scene_lines.h"
 #include "draw/scene/shapes.h"
 #include "draw/scene/shown_text.h"
@@ -17,35 +18,13 @@ namespace {
 
 constexpr std::size_t maxTooltipBytes = 1000;  // bytes of a name or value
 
-std::string_view nameOf(Element::Kind kind) {
-    switch (kind) {
-        case Element::Kind::group:
-            return "group";
-        case Element::Kind::line:
-            return "line";
-        case Element::Kind::header:
-            return "header";
-        case Element::Kind::node:
-            return "node";
-        case Element::Kind::label:
-            return "label";
-        case Element::Kind::heading:
-            return "heading";
-        case Element::Kind::legend:
-            return "legend";
-        case Element::Kind::note:
-            return "note";
-    }
-    return "";
-}
-
 // What the element is to screen readers. A header repeats what its group says.
 std::string_view roleOf(Element::Kind kind) {
     if (kind == Element::Kind::header) return " aria-hidden=\"true\"";
     return kind == Element::Kind::group ? " role=\"group\"" : " role=\"img\"";
 }
 
-// Other drawings have another one, as good as always. FNV-1a.
+// Content hash (FNV-1a) as id prefix; collisions are unlikely.
 std::string idOf(const Scene& scene, Theme theme) {
     std::uint32_t hash = 2166136261;
     const auto add = [&](std::string_view text) {
@@ -196,18 +175,7 @@ class SvgWriter {
 
     void line(const LineShape& line) {
         if (line.stretches.empty()) return;
-        m_text.raw("<path class=\"l\" d=\"");
-        for (const auto& stretch : line.stretches) {
-            m_text.raw("M").point(stretch.start);
-            for (const Segment& segment : stretch.segments) {
-                if (segment.isCurve)
-                    m_text.raw("C").point(segment.control1).raw(" ").point(segment.control2).raw(" ");
-                else
-                    m_text.raw("L");
-                m_text.point(segment.end);
-            }
-        }
-        m_text.raw("\"/>");
+        m_text.raw("<path class=\"l\" d=\"").path(line).raw("\"/>");
         if (line.hasFromHead) head(line.fromHead);
         if (line.hasToHead) head(line.toHead);
     }

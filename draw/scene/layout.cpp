@@ -1,0 +1,174 @@
+#include "draw/layout.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "draw/read/end_labels.h"
+#include "draw/scene/heading.h"
+#include "draw/scene/layout_data.h"
+#include "draw/scene/scene_input.h"
+#include "draw/scene/scene_lines.h"
+
+namespace tessera_draw {
+namespace {
+
+constexpr Size emptySize = {440, 132};
+
+void own(TextArena& texts, std::string_view& text) {
+    text = texts.add(text);
+}
+
+// Types and their like are few: their names are copied once.
+class FewTexts {
+  public:
+    explicit FewTexts(TextArena& texts) : m_texts(texts) {}
+
+    void own(std::string_view& text) {
+        if (text.empty()) return;
+        for (const std::string_view known : m_known)
+            if (known == text) return void(text = known);
+        tessera_draw::own(m_texts, text);
+        constexpr std::size_t maxKnown = 16;
+        if (m_known.size() < maxKnown) m_known.push_back(text);
+    }
+
+  private:
+    TextArena& m_texts;
+    std::vector<std::string_view> m_known;
+};
+
+void ownTexts(Diagram& diagram, TextArena& texts) {
+    FewTexts few(texts);
+    for (std::string_view* text : {&diagram.id, &diagram.name, &diagram.displayMode})
+        own(texts, *text);
+    for (Node& node : diagram.nodes) {
+        own(texts, node.id);
+        own(texts, node.name);
+        for (std::string_view* text : {&node.type, &node.displayType, &node.aligning, &node.location})
+            few.own(*text);
+    }
+    for (Link& link : diagram.links) {
+        own(texts, link.id);
+        own(texts, link.name);
+        few.own(link.direction);
+    }
+}
+
+// The depth of every node, the outermost being 0; without recursion, at any depth.
+std::vector<std::uint32_t> depthsOf(const Diagram& diagram) {
+    constexpr std::uint32_t unknown = nothing;
+    std::vector<std::uint32_t> depths(diagram.nodes.size(), unknown);
+    std::vector<Index> path;
+    for (std::size_t i = 0; i < depths.size(); ++i) {
+        auto at = static_cast<Index>(i);
+        for (; at != nothing && depths[at] == unknown; at = diagram.nodes[at].group)
+            path.push_back(at);
+        std::uint32_t depth = at == nothing ? 0 : depths[at] + 1;
+        for (; !path.empty(); path.pop_back())
+            depths[path.back()] = depth++;
+    }
+    return depths;
+}
+
+// Containers, the outer ones before what they contain.
+std::vector<LayoutData::Container> containersOf(const LayoutData& data) {
+    const std::vector<std::uint32_t> depths = depthsOf(data.structure);
+    std::vector<LayoutData::Container> containers;
+    for (std::size_t i = 0; i < depths.size(); ++i)
+        if (data.kinds.kinds[i] == BoxKind::container)
+            containers.push_back({static_cast<Index>(i), depths[i]});
+    std::stable_sort(
+        containers.begin(), containers.end(),
+        [](const LayoutData::Container& a, const LayoutData::Container& b) { return a.depth < b.depth; });
+    return containers;
+}
+
+std::vector<Index> pathsOfLabels(const LayoutData& data) {
+    std::vector<Index> pathOf(data.structure.nodes.size(), nothing);
+    const auto& paths = data.linkPaths.paths;
+    for (std::size_t at = 0; at < paths.size(); ++at)
+        for (std::uint32_t i = 0; i < paths[at].stopCount; ++i)
+            pathOf[data.linkPaths.stops[paths[at].firstStop + i].node] = static_cast<Index>(at);
+    return pathOf;
+}
+
+void shift(Placement& placement, double dx, double dy) {
+    const auto move = [&](Point& point) { point = {point.x + dx, point.y + dy}; };
+    for (Rect& rect : placement.boxes) {
+        rect.x += dx;
+        rect.y += dy;
+    }
+    for (PlacedLine& line : placement.lines) {
+        for (auto& stretch : line.stretches) {
+            move(stretch.start);
+            for (Segment& segment : stretch.segments) {
+                move(segment.control1);
+                move(segment.control2);
+                move(segment.end);
+            }
+        }
+    }
+}
+
+// Takes the places over, in the numbers of nodes and link paths.
+void adopt(LayoutData& data, Placement placement, SceneInput& input) {
+    shift(placement, sceneMargin, contentTop);
+    data.boxes.resize(data.structure.nodes.size());
+    for (std::size_t i = 0; i < data.boxes.size(); ++i)
+        if (input.boxOfNode[i] != nothing) data.boxes[i] = placement.boxes[input.boxOfNode[i]];
+    data.pathOfLine = std::move(input.pathOfLine);
+    data.lines.reserve(placement.lines.size());
+    for (std::size_t i = 0; i < placement.lines.size(); ++i)
+        data.lines.push_back(
+            makeLine(std::move(placement.lines[i]), data.linkPaths.paths[data.pathOfLine[i]].direction));
+    data.isEmpty = placement.boxes.empty();
+    data.content = data.isEmpty ? emptySize : placement.size;
+    data.width = std::max(data.content.width, headingWidth(data.structure)) + 2 * sceneMargin;
+}
+
+}  // namespace
+
+LayoutPointer layOut(const basekit2::variant_bag_t& bag, const LayoutOptions& options) {
+    auto data = std::make_unique<LayoutData>();
+    data->structure = readStructure(bag);
+    ownTexts(data->structure, data->texts);
+    const Diagram& diagram = data->structure;
+    data->linkPaths = findLinkPaths(diagram);
+    moveEndLabels(diagram, data->linkPaths);
+    data->pathOfLabel = pathsOfLabels(*data);
+    data->types = DisplayTypes(diagram);
+    data->kinds = findKinds(diagram);
+    data->sizes = boxSizesOf(diagram, data->linkPaths, data->kinds, options.reservation);
+    SceneInput input = makeInput(diagram, data->linkPaths, data->kinds, data->sizes, options.direction);
+    Placement placement = placeInput(input, options.direction, options.cancel);
+    if (placement.boxes.size() != input.input.boxes.size()) return nullptr;  // cancelled
+    adopt(*data, std::move(placement), input);
+    data->containers = containersOf(*data);
+    return std::make_shared<Layout>(std::move(data));
+}
+
+Layout::Layout(std::unique_ptr<const LayoutData> data) : m_data(std::move(data)) {}
+
+Layout::~Layout() = default;
+
+Size Layout::size() const noexcept {
+    return {m_data->width, contentTop + m_data->content.height + sceneMargin};
+}
+
+std::optional<Rect> Layout::boxOf(std::string_view nodeId) const {
+    for (std::size_t i = m_data->boxes.size(); i-- > 0;)
+        if (m_data->structure.nodes[i].id == nodeId && m_data->kinds.kinds[i] != BoxKind::none)
+            return m_data->boxes[i];
+    return std::nullopt;
+}
+
+std::size_t Layout::boxCount() const noexcept {
+    return static_cast<std::size_t>(std::count_if(m_data->kinds.kinds.begin(), m_data->kinds.kinds.end(),
+                                                  [](BoxKind kind) { return kind != BoxKind::none; }));
+}
+
+std::size_t Layout::lineCount() const noexcept {
+    return m_data->lines.size();
+}
+
+}  // namespace tessera_draw

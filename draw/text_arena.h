@@ -1,0 +1,40 @@
+// Texts that live as long as what shows them.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace tessera_draw {
+
+// Copies texts into large blocks. The views stay valid as long as the arena, also when it is moved. Not for
+// two threads at once.
+class TextArena {
+  public:
+    // The copy of `text`. Takes time in proportion to its length; no allocation for most texts.
+    std::string_view add(std::string_view text) {
+        if (text.empty()) return {};
+        if (text.size() > m_free) grow(text.size());
+        char* const copy = m_next;
+        std::copy(text.begin(), text.end(), copy);
+        m_next += text.size();
+        m_free -= text.size();
+        return {copy, text.size()};
+    }
+
+  private:
+    void grow(std::size_t size) {
+        constexpr std::size_t blockSize = 65536;
+        m_free = std::max(size, blockSize);
+        // Not initialised: every byte is written before it is read.
+        m_next = m_blocks.emplace_back(new char[m_free]).get();
+    }
+
+    std::vector<std::unique_ptr<char[]>> m_blocks;
+    char* m_next = nullptr;
+    std::size_t m_free = 0;
+};
+
+}  // namespace tessera_draw
