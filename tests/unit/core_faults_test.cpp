@@ -289,8 +289,8 @@ TEST_F(Faults, AnySequenceOfFaultsLeavesAHandlerThatWorks) {
 
 // Cancellation
 
-// Cancels a request at its first look at the token, at its second, and so on, until a request is not
-// cancelled. Returns what each of them did.
+// Cancels a request when it first checks for cancellation, then a request at its second check, and so on, until
+// one is not cancelled. Returns what each of them did.
 struct Cancelled {
     error_code_t code;
     bool wroteNothing;
