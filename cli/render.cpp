@@ -48,6 +48,14 @@ bool writeDiagram(const Options& options, const variant_bag_t& diagram,
     return false;
 }
 
+// The diagram's bag has all that is drawn. To take the pane apart costs a tenth of the whole run, so it is done
+// only where drawing needs the memory.
+bool isLarge(const tessera_host::Viewpoint& viewpoint) {
+    constexpr std::size_t largeFrom = 100'000;
+    const auto& structure = viewpoint.structure();
+    return structure.nodes().size() + structure.links().size() >= largeFrom;
+}
+
 // Whether both paths lead to one existing file.
 bool isSameFile(const std::string& a, const std::string& b) {
     std::error_code ignored;
@@ -76,7 +84,7 @@ int render(const Options& options) {
     if (const int problem = inspector.prepare(); problem != exitDone) return unlessInterrupted(problem);
     variant_bag_t diagram;
     if (!makeDiagram(options, *pane, messenger, diagram)) return unlessInterrupted(exitFailed);
-    pane.reset();  // what is drawn stands in the diagram's bag; a large drawing needs the room
+    if (options.format->isPicture() && isLarge(*input->viewpoint)) pane.reset();
     if (!writeDiagram(options, diagram, reservation, file)) return unlessInterrupted(exitUnopened);
     const int inspected = inspector.report();
     if (messenger.errorCount() == 0) return endProgram(inspected);

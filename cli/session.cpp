@@ -7,6 +7,7 @@
 #include "cli/interrupt.h"
 #include "cli/line_reader.h"
 #include "cli/message.h"
+#include "cli/program_end.h"
 #include "host/text/json_reader.h"
 #include "host/text/json_writer.h"
 
@@ -95,7 +96,8 @@ int session(const Options& options) {
     LineReader reader(STDIN_FILENO, interruptDescriptor(), maxLine);
     while (reader.next())
         if (!session.answer(reader)) return unlessInterrupted(exitUnopened);
-    if (reader.error() == 0 || isInterrupted()) return unlessInterrupted(exitDone);
+    if (isInterrupted()) return exitInterrupted;
+    if (reader.error() == 0) return endProgram(exitDone);
     printMessage(
         fmt::format("standard input: cannot read: {}", std::generic_category().message(reader.error())));
     return exitUnopened;
