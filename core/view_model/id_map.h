@@ -84,9 +84,9 @@ class IdMap {
         return const_cast<mapped_type&>(std::as_const(*this).at(id));
     }
     [[nodiscard]] const mapped_type& at(std::string_view id) const {
+        static const Standard none;
         const std::uint32_t found = position(id);
-        if (found == IdIndex::nowhere) return Standard().at(std::string(id));  // which throws
-        return m_entries[found].second;
+        return found == IdIndex::nowhere ? none.at(std::string(id)) : m_entries[found].second;
     }
     mapped_type& operator[](std::string_view id) { return try_emplace(id).first->second; }
 
