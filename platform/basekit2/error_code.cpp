@@ -21,7 +21,7 @@ class raise_log_t {
         return log;
     }
 
-    // Answers the running number of the raise, starting at 1.
+    // Returns the running number of the raise, starting at 1.
     std::uint64_t add(raise_t raise) {
         const std::scoped_lock lock(m_mutex);
         m_bytes += raise.size();

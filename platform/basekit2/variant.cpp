@@ -22,7 +22,7 @@ std::uint32_t checkedSize(std::string_view text) {
     return static_cast<std::uint32_t>(text.size());
 }
 
-// Answers whether a value may be read; reports the reading of a wrong type.
+// Returns whether a value may be read; raises the assertion for a wrong type.
 bool expect(bool can_get, const char* condition, int line) {
     if (!can_get)
         RTBASE_2_18::assertion_failed(condition, "basekit2::variant_t::get", "platform/basekit2/variant",
@@ -79,7 +79,7 @@ const char* variant_t::get<const char*>() const {
 
 template <>
 std::string_view variant_t::get<std::string_view>() const {
-    // Every string is read by this check's name, whichever form the reader asked for.
+    // The assertion names one condition for both forms in which a string is read.
     if (!expect(can_get<const char*>(), "can_get<const char*>()", __LINE__)) return {};
     return {m_data.text, m_size};
 }

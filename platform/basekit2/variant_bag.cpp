@@ -136,7 +136,7 @@ const variant_bag_t* variant_bag_t::get_variant_bag(std::string_view name) const
     return nullptr;
 }
 
-// The place for a value called `name`: the present one, or a new one at the end.
+// The node of the value called `name`: the present one, or a new one at the end.
 variant_bag_t::value_node_t& variant_bag_t::value_for(std::string_view name) {
     if (value_node_t* present = find_value(name)) return *present;
     auto* node = arena().make<value_node_t>();

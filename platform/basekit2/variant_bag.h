@@ -1,4 +1,8 @@
 // The host's property bag: an ordered tree of named values and named child bags.
+//
+// Documents, requests and results are bags. An element of a document is a child bag, an attribute is a string
+// value, an element's own text is the value under the name "". In results, a bag with the string value
+// "arrayOf" = N is an array: its children called N are the members.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +15,8 @@
 
 namespace basekit2 {
 
-// Where an element of a document stands. Line 0 means that it comes from no document.
+// Where an element of a document begins: line and column counted from 1, columns in characters. Line 0 means
+// that it comes from no document.
 struct source_position_t {
     std::uint32_t line = 0;
     std::uint32_t column = 0;
@@ -22,8 +27,9 @@ struct source_position_t {
 // Values keep the order in which they were put and have distinct names; child bags keep their order and may
 // share names. All bags of one tree live in one arena that belongs to the root: building costs time and
 // memory in proportion to what is put in, copying and destroying likewise, at any depth and without
-// recursion. References and iterators stay valid while further values and children are added. What
-// overwritten or replaced content occupied is given back with the root.
+// recursion. References and iterators stay valid while further values and children are added, and as long as
+// the root lives; assigning to a bag invalidates those into it. Nothing can be removed. What overwritten or
+// replaced content occupied is given back with the root.
 //
 // Several threads may read one tree at once; whoever changes it must be alone.
 class TESSERA_PLATFORM_EXPORT variant_bag_t {
@@ -33,7 +39,8 @@ class TESSERA_PLATFORM_EXPORT variant_bag_t {
     class arena_t;
 
   public:
-    // Walks the values in the order in which they were put.
+    // Walks the values in the order in which they were put. A small value, copied freely; refers to the bag.
+    // Every member but at_end() REQUIRES: !at_end(). Names are valid as long as the root, and NUL-terminated.
     class TESSERA_PLATFORM_EXPORT value_iterator_t {
       public:
         [[nodiscard]] bool at_end() const noexcept { return m_node == nullptr; }
@@ -47,7 +54,7 @@ class TESSERA_PLATFORM_EXPORT variant_bag_t {
         const value_node_t* m_node;
     };
 
-    // Walks the child bags in their order.
+    // Walks the child bags in their order, in the same way.
     class TESSERA_PLATFORM_EXPORT iterator_t {
       public:
         [[nodiscard]] bool at_end() const noexcept { return m_node == nullptr; }
@@ -61,42 +68,52 @@ class TESSERA_PLATFORM_EXPORT variant_bag_t {
         const child_node_t* m_node;
     };
 
+    // An empty root; allocates nothing.
     variant_bag_t() noexcept = default;
-    // A deep copy, a tree of its own; positions are copied too.
+    // A deep copy: a root with a tree of its own, also of a child bag; positions are copied too.
     variant_bag_t(const variant_bag_t& other);
-    // Takes over the content of a root; the content of a child bag is copied, because its tree keeps it.
+    // Takes over the content of a root, which is empty afterwards; the content of a child bag is copied,
+    // because its tree keeps it.
     variant_bag_t(variant_bag_t&& other);  // NOLINT(performance-noexcept-move-constructor): may copy
     // Replaces this bag's content and position. `other` may be a part of this tree or contain it.
     variant_bag_t& operator=(const variant_bag_t& other);
     variant_bag_t& operator=(variant_bag_t&& other);  // NOLINT(performance-noexcept-move-constructor)
+    // Of a root: ends the whole tree, at any depth without recursion.
     ~variant_bag_t();
 
-    // True when there is neither a value nor a child.
+    // True when there is neither a value nor a child; an empty child counts as one.
     [[nodiscard]] bool is_empty() const noexcept {
         return m_firstValue == nullptr && m_firstChild == nullptr;
     }
 
-    // The value under `name`, or null. Constant time on average.
+    // The value under `name` (compared byte by byte), or null. The bag owns it. Constant time on average.
     [[nodiscard]] const variant_t* get(std::string_view name) const noexcept;
     // The string under `name`, or "" when there is no value of that name or it is not a string. Valid until
     // the value is overwritten or the tree ends; a NUL byte follows it. Constant time on average.
     [[nodiscard]] std::string_view get_text(std::string_view name) const noexcept;
-    // The first child called `name`, or null. Time grows with the number of children.
+    // The first child called `name`, or null; the tree owns it. Time grows with the number of children: to
+    // visit them all, iterate.
     [[nodiscard]] const variant_bag_t* get_variant_bag(std::string_view name) const noexcept;
 
+    // Both at the first entry, or at the end when there is none:
+    //     for (auto it = bag.begin(); !it.at_end(); it.next()) ...
     [[nodiscard]] iterator_t begin() const noexcept { return iterator_t(m_firstChild); }
     [[nodiscard]] value_iterator_t begin_values() const noexcept { return value_iterator_t(m_firstValue); }
     [[nodiscard]] std::size_t value_count() const noexcept { return m_valueCount; }
 
-    // Stores a value under `name`; a name that is there already keeps its place and takes the new value.
+    // Stores a copy of a value under `name` ("" is a name, too); a name that is there already keeps its place
+    // and takes the new value. `name` and `text` may be parts of this tree. They throw std::length_error
+    // from 4 GiB on.
     void put(std::string_view name, const variant_t& value);
     void put(std::string_view name, std::string_view text) { put_text(name, text); }
     void put(std::string_view name, const std::string& text) { put_text(name, text); }
     void put(std::string_view name, const char* text) { put_text(name, text); }
 
-    // Adds an empty child called `name` behind the others and answers it; it belongs to this tree.
+    // Adds an empty child called `name` after the others, whether or not there is one of that name, and
+    // returns it; it belongs to this tree. Throws std::length_error for a name of 4 GiB and more.
     variant_bag_t& add_variant_bag(std::string_view name);
 
+    // The place in the document that this element was read from, for messages; set by the reader.
     [[nodiscard]] source_position_t position() const noexcept { return m_position; }
     void set_position(source_position_t position) noexcept { m_position = position; }
 

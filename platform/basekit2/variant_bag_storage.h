@@ -18,7 +18,7 @@
 
 namespace basekit2 {
 
-// A name as the arena keeps it: its length, the bytes, a NUL.
+// A name as the arena keeps it: its length, then in the following memory the bytes and a NUL.
 struct variant_bag_t::name_t {
     std::uint32_t size;
 
@@ -48,7 +48,7 @@ class variant_bag_t::arena_t {
     using index_t = std::unordered_map<std::string_view, value_node_t*>;
     using indexes_t = std::unordered_map<const variant_bag_t*, index_t>;
 
-    // `size` is how much the first block should hold; 0 when nobody knows.
+    // `size` is how many bytes the first block should hold; 0 when the caller does not know.
     static arena_t* create(std::size_t size) {
         constexpr std::size_t smallest = 448;
         const std::size_t whole = sizeof(arena_t) + (size == 0 ? smallest : size);
@@ -73,7 +73,8 @@ class variant_bag_t::arena_t {
         return {copy, text.size()};
     }
 
-    // A name; the few that a large tree uses again and again are mostly stored once.
+    // A name; the few that a large tree uses often are mostly stored once. While all fits into the first
+    // block there is no cache.
     const name_t* copy_name(std::string_view name) {
         if (!m_names) {
             if (m_blocks == nullptr) return make_name(name);
@@ -139,7 +140,7 @@ class variant_bag_t::arena_t {
         return start;
     }
 
-    // Adds a block that can hold `size` and answers its first byte, aligned for anything.
+    // Adds a block that can hold `size` bytes and returns its first one, aligned for anything.
     std::byte* newBlock(std::size_t size) {
         constexpr std::size_t largest = std::size_t{64} * 1024;
         constexpr std::size_t head = alignof(std::max_align_t);

@@ -10,13 +10,16 @@
 
 namespace RTBASE_2_18::i18n {
 
-// A message as the catalogue holds it, with places %1 to %9 for arguments.
+// A message as the catalogue holds it, with placeholders %1 to %9 for arguments. A value: it owns its text
+// and outlives the catalogue that it came from. Unchanging, so any thread may read one object.
 class TESSERA_PLATFORM_EXPORT message_t {
   public:
+    // `pattern` is UTF-8. A "%" that no digit from 1 to 9 follows is an ordinary character; there is no
+    // escape for one that a digit follows.
     explicit message_t(std::string pattern) : m_pattern(std::move(pattern)) {}
 
-    // The text with its places filled in; a place without an argument stays as it stands, so an empty list
-    // renders the message unchanged.
+    // The text with its placeholders replaced. A placeholder without an argument stays as it stands, so an
+    // empty list renders the message unchanged; arguments without a placeholder are ignored.
     [[nodiscard]] strings::ustring8 as_ustring(const generic::varg_list& arguments) const;
 
   private:
