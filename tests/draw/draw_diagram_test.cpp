@@ -123,7 +123,7 @@ TEST(DrawDiagram, ValuesOfOtherTypesAreNone) {
     EXPECT_EQ(diagram.links[0].to, nothing);
 }
 
-TEST(DrawDiagram, IdsThatNobodyHasAreNothing) {
+TEST(DrawDiagram, UnknownIdsAreNothing) {
     Bag bag;
     bag.node("");
     bag.node("a", "gone");
@@ -132,7 +132,7 @@ TEST(DrawDiagram, IdsThatNobodyHasAreNothing) {
     const Diagram diagram = bag.read();
     EXPECT_EQ(diagram.nodes[1].group, nothing);
     EXPECT_EQ(diagram.links[0].from, nothing);
-    EXPECT_EQ(diagram.links[1].to, nothing) << "an empty id is no id";
+    EXPECT_EQ(diagram.links[1].to, nothing) << "an empty id does not count";
 }
 
 TEST(DrawDiagram, OfSeveralNodesWithOneIdTheLastIsMeant) {
@@ -175,7 +175,7 @@ TEST(DrawDiagram, GroupsInsideThemselvesStandAtTopLevel) {
     EXPECT_FALSE(diagram.nodes[0].isGroup) << "nothing is in it any more";
 }
 
-// With members before their groups and behind them.
+// With members before their groups and after them.
 TEST(DrawDiagram, DeepNestingAndLongCyclesAreRead) {
     constexpr int count = 100000;
     for (const bool isCycle : {false, true}) {

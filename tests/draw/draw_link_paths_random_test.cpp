@@ -235,7 +235,7 @@ TEST(DrawLinkPathsRandom, NothingIsLostWhenIdsAreNotClear) {
     EXPECT_GT(diagrams, tessera_test::effort(500U));
 }
 
-// A finished diagram that somebody has cut pieces out of, put in another order or given other ends.
+// A finished diagram with pieces removed, reordered or given other ends.
 Diagram spoiled(Diagram diagram, std::mt19937_64& random) {
     const auto below = [&](std::size_t n) { return static_cast<std::size_t>(random() % n); };
     for (std::size_t i = below(4); i > 0 && !diagram.links.empty(); --i)

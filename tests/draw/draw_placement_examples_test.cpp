@@ -1,4 +1,4 @@
-// Small drawings whose every place can be told beforehand, and large ones of shapes that break slow methods.
+// Small drawings in which every position is known, and large ones of shapes that slow methods cannot handle.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -119,7 +119,7 @@ TEST(DrawPlacement, BoxesWithoutLevelsFollowTheirLines) {
     drawing.line(1, 0);
     drawing.line(0, 3);  // back
     const Placement placed = drawing.placed();
-    // The circle is cut at one line; the others go forwards.
+    // The cycle is broken at one line; the others point forward.
     int backwards = 0;
     for (const auto& line : drawing.input.lines)
         if (placed.boxes[line.from].x > placed.boxes[line.to].x) ++backwards;
@@ -294,7 +294,7 @@ TEST(DrawPlacement, LinesOfMissingBoxesAreNotDrawn) {
         EXPECT_TRUE(line.stretches.empty());
 }
 
-TEST(DrawPlacement, ACircleOfGroupsEnds) {
+TEST(DrawPlacement, ACycleOfGroupsEnds) {
     Drawing drawing;
     drawing.container(0, 1);
     drawing.container(0, 2);

@@ -38,7 +38,7 @@ TEST_F(ThreeRows, WithoutASelectionTheValuesAreStillFilteredByGlobal) {
 
 TEST_F(ThreeRows, WithoutARegistryEachFilterIsReportedAndTheQueryRunsWithoutIt) {
     result->hasRegistry = false;
-    // The false code says that the failure has been reported; who asked goes on.
+    // The false code says that the failure has been reported; the caller continues.
     EXPECT_TRUE(fetch().is_success());
     EXPECT_EQ(log.reports(), (Reports{"ERROR check res", "ERROR check res"}));
     EXPECT_EQ(values(), (Reports{"1", "2", "3"}));

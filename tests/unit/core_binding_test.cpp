@@ -168,7 +168,7 @@ TEST_F(ThreeRows, OtherColumnsNeedNoRow) {
     EXPECT_EQ(log.reports(), Reports{});
 }
 
-TEST_F(ThreeRows, ValueColumnThatNobodyAskedForStopsAtOnce) {
+TEST_F(ThreeRows, ValueColumnThatWasNotRequestedStopsAtOnce) {
     result->extraColumns = {"nobody"};
     expectFailure("it != rowSet.rows.end()");
 }

@@ -34,9 +34,9 @@ void failInNode() {
     (void)node->addToGroup(std::make_shared<Node>());
 }
 
-// One alert of the unit "core/viewpointparser"; answers the id of the graph that is read behind it.
+// Raises one alert of the unit "core/viewpointparser"; returns the id of the graph that is read after it.
 std::string alertInParser() {
-    MemoryHost host("<v><diagram><what/><graph id='behind'/></diagram></v>");
+    MemoryHost host("<v><diagram><what/><graph id='after'/></diagram></v>");
     DViewpointParser parser;
     std::shared_ptr<Graph> graph;
     parser.parseViewpoint(host.base->config, host.library, nullptr, host.inputData, graph);
@@ -106,7 +106,7 @@ TEST(CheckFacility, LevelsAreErrorAndInfoOfTheLoggingLibrary) {
 
 TEST(CheckFacility, AlertIsTheMessageWithItsPlaceAndThenTheBareMessage) {
     const LogCapture log;
-    EXPECT_EQ(alertInParser(), "behind") << "reading goes on behind what is unknown";
+    EXPECT_EQ(alertInParser(), "after") << "reading continues after what is unknown";
     ASSERT_EQ(log.lines().size(), 2U);
     const LogLine first = log.lines()[0], second = log.lines()[1];
     EXPECT_EQ(first.level, "ERROR");

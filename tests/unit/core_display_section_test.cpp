@@ -42,7 +42,7 @@ Reports queriesOf(const DisplayInfo& info) {
 }
 
 struct DisplaySection : testing::Test {
-    // Parses this content of "display" behind a graph of the nodes a, b and the link l from a to b.
+    // Parses this content of "display" after a graph of the nodes a, b and the link l from a to b.
     void parse(const std::string& display) {
         makeHost(display);
         parser.parseViewpoint(host->base->config, host->library, &host->messenger, host->inputData, graph);
@@ -354,7 +354,7 @@ TEST_F(DisplaySection, UnknownChildOfAModeIsSkipped) {
     EXPECT_EQ(link().m_displayInfo.m_totalInfo.at("size")->m_rowSet.m_name, "Set");
 }
 
-// Sets a value that is no string on the element at the end of `path` below "diagram".
+// Sets a value that is not a string on the element at the end of `path` below "diagram".
 void putNumber(variant_bag_t& config, const std::vector<const char*>& path, const char* name) {
     const variant_bag_t* bag = config.get_variant_bag("diagram");
     for (const char* step : path)

@@ -289,8 +289,8 @@ TEST_F(Faults, AnySequenceOfFaultsLeavesAHandlerThatWorks) {
 
 // Cancellation
 
-// Cancels a request when it first checks for cancellation, then a request at its second check, and so on, until
-// one is not cancelled. Returns what each of them did.
+// Cancels a request when it first checks for cancellation, then a request at its second check, and so on,
+// until one is not cancelled. Returns what each of them did.
 struct Cancelled {
     error_code_t code;
     bool wroteNothing;
@@ -376,7 +376,7 @@ TEST_F(Cancellation, BeforeTheFetchOfARefreshLeavesTheOldValues) {
 TEST_F(Cancellation, InTheMiddleOfARefreshKeepsTheValuesThatArrived) {
     EXPECT_TRUE(send("create").is_success());
     host.memory.result->values = newValues;
-    // One question before the fetch and two a query, in the engine and behind it: the second query is struck.
+    // One check before the fetch and two for each query, in the engine and after it: cancels the second query.
     CountingProgress progress(4);
     EXPECT_TRUE(send("refresh", &progress).is(bk2::error::Cancelled));
     EXPECT_TRUE(out.is_empty());

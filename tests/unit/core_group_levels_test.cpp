@@ -64,7 +64,7 @@ TEST_F(GroupLevels, GroupWithoutMembersIsSkipped) {
 TEST_F(GroupLevels, NodeThatTwoGroupsListHasTheLevelWrittenLast) {
     const NodePtr g = node("G"), h = node("H", g), shallow = node("Z"), a = node("A", h);
     shallow->m_groupChildren.push_back(a);
-    EXPECT_EQ(levels().at("A"), 1) << "Z comes behind G";
+    EXPECT_EQ(levels().at("A"), 1) << "Z comes after G";
 }
 
 TEST_F(GroupLevels, NodesOfOneIdShareALevel) {

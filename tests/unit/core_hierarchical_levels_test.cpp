@@ -56,7 +56,7 @@ TEST_F(HierarchicalLevels, RootsStandInTheOrderOfTheirIds) {
 
 TEST_F(HierarchicalLevels, NodeStandsInALayerInTheOrderOfItsLastArrival) {
     const NodePtr r = node("R"), a = node("A"), b = node("B"), c = node("C"), d = node("D");
-    // D comes to layer 1 first and then, by way of B, to layer 2 behind C, which A has brought there.
+    // D comes to layer 1 first. Then B brings it to layer 2, after C, which A has brought there.
     link(r, d);
     link(r, a);
     link(r, b);

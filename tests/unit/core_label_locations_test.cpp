@@ -239,7 +239,7 @@ TEST(LabelLocationsContract, ExchangesLeaveTheSizesOfGroupsAndAllLayers) {
     EXPECT_GT(exchanged, 20);
 }
 
-// One label at a time: behind the pass a "from" label follows the node that the run of dummies began at.
+// One label at a time: after the pass a "from" label follows the node at which the run of dummies began.
 TEST(LabelLocationsContract, FromLabelStandsBehindTheNodeItDescribes) {
     for (int dummies = 0; dummies < 6; ++dummies) {
         Diagram diagram;

@@ -85,7 +85,7 @@ Children randomChildren(std::mt19937_64& random, bool isAcyclic) {
     const auto below = [&](std::size_t n) { return static_cast<std::size_t>(random() % n); };
     Children children(1 + below(14));
     const std::size_t links = below(3 * children.size());
-    // The ids are no order of the nodes: a shuffled order keeps links from going round in circles.
+    // The ids do not order the nodes; a shuffled order keeps the links from forming cycles.
     std::vector<Number> order(children.size());
     for (Number i = 0; i < order.size(); ++i)
         order[i] = i;

@@ -1,4 +1,4 @@
-// Shapes that a slow walk or a deep call would not come to the end of. There is no clock here: a pass that
+// Shapes that a slow walk or a deep call would not finish. There is no clock here: a pass that
 // takes quadratic time or more runs into the test's time limit.
 #include <gtest/gtest.h>
 

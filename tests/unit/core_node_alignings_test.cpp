@@ -95,7 +95,7 @@ TEST_F(NodeAlignings, CentreLabelWithTwoChildrenStopsThePass) {
     const NodePtr before = label("k", "to"), behind = label("m", "to");
     expectFailure("node.second->getChildren().size() == 1");
     EXPECT_EQ(before->m_aligning, "to");
-    EXPECT_EQ(behind->m_aligning, "none") << "its id comes behind that of the label";
+    EXPECT_EQ(behind->m_aligning, "none") << "its id comes after that of the label";
     EXPECT_EQ(l->m_aligning, "none");
 }
 
@@ -107,7 +107,7 @@ TEST_F(NodeAlignings, CentreLabelWithTwoParentsStopsThePass) {
 
 TEST_F(NodeAlignings, DummyOnTheWayWithTwoChildrenStopsThePass) {
     centreLabel(0, 2);
-    link(found("l behind 0"), a);  // its first child, another dummy, makes the walk go on
+    link(found("l behind 0"), a);  // its first child, another dummy, makes the walk continue
     expectFailure("n->getChildren().size() == 1");
 }
 

@@ -1,4 +1,4 @@
-// The driver of the document's reading, attributes, and the message catalogues behind display names.
+// The driver that reads documents, attributes, and the message catalogues for display names.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -289,7 +289,7 @@ TEST_F(Localisation, CataloguesAreAskedInOrderAndOnlyAsFarAsNeeded) {
     EXPECT_EQ(recording->asked, (Reports{"slicer2", "viewpoint", "slicer2", "viewpoint", "storeiface1"}));
 }
 
-// A source that hands over to another one while it is asked for the first name.
+// A source that is replaced by another one while it looks up the first name.
 TEST_F(Localisation, SourceIsTakenAnewForEachCatalogueName) {
     struct Leaving final : optstore2::IMessageCatalogSource {
         std::shared_ptr<const RTBASE_2_18::i18n::catalog_t> getCatalog(

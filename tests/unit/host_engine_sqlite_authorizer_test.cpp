@@ -1,4 +1,4 @@
-// The last word on what SQL does, held against SQL that the guard would never let pass.
+// Tests the authorizer with SQL that the guard would reject before it.
 #include "host/engine/sqlite/authorizer.h"
 
 #include <gtest/gtest.h>

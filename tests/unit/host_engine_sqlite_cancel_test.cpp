@@ -13,7 +13,7 @@ class SqliteCancel : public testing::Test {
   protected:
     SqliteCancel() { makeDatabase(path, numbersTable("n", 5000)); }
 
-    // How long a query goes on after it was cancelled.
+    // How long a query continues after it was cancelled.
     milliseconds overtime(const std::string& expression, const std::string& from = "n") {
         constexpr milliseconds delay{100};
         Pane pane(path);
@@ -106,7 +106,7 @@ TEST_F(SqliteCancel, StopsAtTheTimeLimit) {
     EXPECT_EQ(pane.value("/Short"), "5000");
 }
 
-// SQLite counts the rows of a whole table with one instruction that asks nobody; it must not be used.
+// SQLite can count the rows of a table with one instruction that cannot be cancelled. It must not be used.
 TEST_F(SqliteCancel, CountingRowsCanBeStopped) {
     const std::string sql = "EXPLAIN SELECT (SELECT COUNT(*) FROM n)";
     sqlite3* plain = nullptr;

@@ -177,7 +177,7 @@ TEST_F(SqliteDatabase, SaysThatAWriterHasToTidyUpFirst) {
     const std::string path = folder.file("a.db");
     makeDatabase(path, numbersTable("t", 10000));
     {
-        // Copied in the middle of a change: the copy is what a crash leaves behind.
+        // Copied in the middle of a change, so that the copy looks as after a crash.
         const Writer writer(path);
         writer.run("PRAGMA cache_size = 5; BEGIN; UPDATE t SET x = -x;");
         fs::copy_file(path, folder.file("crashed.db"));

@@ -112,7 +112,7 @@ struct OwnSource {
     CancelSource source;
 };
 
-// Cancelled when told so, or after some time.
+// Cancelled on request, or after some time.
 class Progress : private OwnSource, public TokenProgress {
   public:
     Progress() : TokenProgress(source.token()) {}

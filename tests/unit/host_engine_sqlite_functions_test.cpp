@@ -1,4 +1,4 @@
-// The SQL functions that replace SQLite's own, held against those.
+// Compares the SQL functions that replace SQLite's own with the originals.
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 

@@ -157,7 +157,7 @@ TEST_F(SqliteSecurity, LargeValuesAreRefused) {
     EXPECT_NE(failureOf("COUNT(" + std::string(2000, '(') + "1" + std::string(2000, ')') + ")"), "");
 }
 
-// The guard's promise, held against SQLite itself: what it lets pass is one value, whatever it is made of.
+// Checks the guard's promise with SQLite itself: what it accepts is one value, whatever its parts are.
 TEST_F(SqliteSecurity, WhatTheGuardLetsPassStaysInItsPlace) {
     const std::vector<std::string> tokens{"(",        ")",  "'",    "\"",   "`", "[",  "]",       "--",
                                           "\n",       "/*", "*/",   "*",    "/", ";",  "1",       "a",

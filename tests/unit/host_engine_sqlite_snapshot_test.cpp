@@ -131,7 +131,7 @@ TEST_F(SqliteSnapshot, ALockedDatabaseFailsTheRequestOnly) {
         const auto start = std::chrono::steady_clock::now();
         EXPECT_EQ(pane.failure("/Count"), "the database is locked by another program");
         EXPECT_EQ(pane.value("/Sum/a"),
-                  "[FailedTo]");  // the whole request fails, told once and without more waiting
+                  "[FailedTo]");  // the whole request fails, is reported once, and does not wait again
         EXPECT_TRUE(pane.messenger.texts.empty());
         EXPECT_LT(elapsedSince(start), settings.busy);
         writer.run("ROLLBACK");

@@ -90,7 +90,7 @@ Index fewestOfAllOrders(const ArcGraph& graph) {
     return fewest;
 }
 
-// The same for more nodes: each set of nodes may stand first, and each of the others behind it.
+// The same for more nodes: any set of nodes may come first, and any of the others after it.
 Index fewestBackwards(const ArcGraph& graph) {
     const Index count = graph.nodeCount();
     std::vector<Order> between(count, Order(count));

@@ -137,7 +137,7 @@ TEST(XmlErrors, UnknownEntities) {
 
 TEST(XmlErrors, UnknownEntityInUtf16AttributeUnderExternalDoctype) {
     std::string xml = "\xFF\xFE";
-    // U+2600 has the byte of '&' in it, but is no reference.
+    // U+2600 contains the byte of '&', but is not a reference.
     for (const char16_t unit : u"<!DOCTYPE a SYSTEM 'd'><a b='&gt;\u2600;' c='&x;'/>"s) {
         xml += static_cast<char>(unit & 0xFF);
         xml += static_cast<char>(unit >> 8);

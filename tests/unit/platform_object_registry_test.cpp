@@ -1,4 +1,4 @@
-// Finding interfaces of host objects: local ones, remote ones behind a proxy, remote ones without.
+// Finding interfaces of host objects: local ones, remote ones with a proxy, and remote ones without.
 #include <gtest/gtest.h>
 
 #include <string>

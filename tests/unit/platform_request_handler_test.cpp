@@ -159,7 +159,7 @@ TEST(RequestHandler, MembersStandInTheOrderOfTheInterface) {
     EXPECT_EQ(slotOf(&IRequestHandler::handleRequest), 2);
     EXPECT_EQ(slotOf(&IRequestHandler::getTaskDisplacementStrategy), 3);
     EXPECT_EQ(slotOf(&IRequestHandler::close), 4);
-    // Two slots (complete and deleting) are left for the destructor behind them, and nothing else.
+    // Only two slots remain after them: the destructors, complete and deleting.
     EXPECT_EQ(slotOf(&Extended::next), 7);
 }
 

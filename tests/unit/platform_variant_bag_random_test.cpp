@@ -1,4 +1,4 @@
-// Random changes to property bags, held against a plain tree that is changed in the same way.
+// Random changes to property bags, compared with a simple tree that is changed in the same way.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -58,7 +58,7 @@ std::string difference(const variant_bag_t& bag, const Plain& plain) {
             return name + ": " + inside;
         child.next();
     }
-    return value.at_end() && child.at_end() ? "" : "something behind the end";
+    return value.at_end() && child.at_end() ? "" : "something after the end";
 }
 
 class RandomTree {
@@ -101,7 +101,7 @@ class RandomTree {
                 *plain = std::move(copy);
                 return;
             }
-            case 9: {  // a copy that goes on where the tree was
+            case 9: {  // a copy that replaces the tree
                 variant_bag_t copy(*bag);
                 Plain plainCopy(*plain);
                 m_bag = std::move(copy);
