@@ -34,6 +34,7 @@ DisplayTypes::DisplayTypes(const Diagram& diagram) {
 }
 
 TypeLook DisplayTypes::lookOf(std::string_view type) const {
+    if (isPlain(type)) return {};  // most nodes
     const auto found = m_places.find(type);
     return found == m_places.end() ? TypeLook{} : m_entries[found->second].look;
 }

@@ -1,4 +1,4 @@
-// The looks that tell display types apart.
+// The looks of display types. Drawing, tooltips and the legend read them here.
 #pragma once
 
 #include <cstdint>
