@@ -7,8 +7,8 @@
 namespace tessera_draw {
 namespace {
 
-// One link path through what the letters say: dummies, and labels "from", "center", "to". Every stop has a level
-// and a group of its own.
+// One link path through the stops that the letters name: dummies, and labels "from", "center", "to". Each
+// stop has a level and a group of its own.
 class Chain {
   public:
     explicit Chain(const std::string& letters) {

@@ -1,4 +1,4 @@
-// LinkPaths of random diagrams against what the layout really did to each link.
+// Link paths of random diagrams, compared with what the layout did to each link.
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -32,7 +32,7 @@ bool isInserted(const ModelNode* node) {
     return node && (node->m_type == "label" || node->m_type == "dummy");
 }
 
-// A diagram that the layout has gone through, and what it did.
+// A diagram after the layout, and what the layout did.
 class LaidOut {
   public:
     explicit LaidOut(std::uint64_t seed) {
@@ -111,7 +111,7 @@ class LaidOut {
         std::vector<Place> places = {};
     };
 
-    // The way of each link through what was put onto it, before labels are exchanged.
+    // The path of each link through what was put onto it, before labels are exchanged.
     void noteChains() {
         std::unordered_map<const ModelNode*, const ModelLink*> halves;
         for (const LinkPtr& link : m_graph.m_linkList) {
@@ -146,7 +146,7 @@ class LaidOut {
     [[nodiscard]] const ModelNode* at(Index index) const {
         return index == nothing ? nullptr : m_byNumber.at(index);
     }
-    // Its place in the diagram and its id.
+    // Its index in the diagram and its id.
     [[nodiscard]] std::string nameOf(const ModelNode* node) const {
         return node ? std::to_string(m_numbers.at(node)) + " " + node->m_id : "nothing";
     }
@@ -185,7 +185,7 @@ std::size_t misplaced(const Diagram& diagram, const LinkPaths& linkPaths) {
     return wrong;
 }
 
-// How often something was met, so that the test can tell that it has seen all there is.
+// How often something occurred, so that the test can show that it has covered all kinds.
 struct Met {
     std::size_t diagrams = 0;
     std::size_t stops = 0;
@@ -218,7 +218,7 @@ TEST(DrawLinkPathsRandom, EveryLinkIsOneLinkPathAsTheLayoutMadeIt) {
     EXPECT_GT(met.exchanges, tessera_test::effort(100U));
 }
 
-// Where one id can mean several nodes nobody can tell which of two links leads to the one and which to the
+// Where one id can mean several nodes it is undecidable which of two links leads to the one and which to the
 // other; but nothing is lost or drawn twice.
 TEST(DrawLinkPathsRandom, NothingIsLostWhenIdsAreNotClear) {
     std::size_t diagrams = 0;

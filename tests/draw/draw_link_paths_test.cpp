@@ -196,7 +196,7 @@ TEST_F(DrawLinkPaths, BothEndsOfALinkPathCanBeExchanged) {
                                  "b_a_label_a_label@3 b_b_a_label_dummy@4 b_a_label@5 b forward"});
 }
 
-// A check failed before it was this label's turn.
+// A check failed before this label was visited.
 TEST_F(DrawLinkPaths, ALabelThatWasNotExchangedKeepsItsStop) {
     const Index a = node("a", "node", 0);
     const Index b = node("b", "node", 4);
@@ -287,7 +287,7 @@ TEST_F(DrawLinkPaths, LinksThatNoLibraryHasWrittenAreLinkPathsOfTheirOwn) {
     EXPECT_EQ(orphanCount(), 1U) << "no thread passes \"lonely\" or ends there";
 }
 
-// The halves say that they are, but what they were split from is not there.
+// By their ids two links are halves, but the link that they were split from is absent.
 TEST_F(DrawLinkPaths, HalvesWithoutTheirLinkAreLinkPathsOfTheirOwn) {
     const Index a = node("a");
     const Index b = node("b");
@@ -299,7 +299,7 @@ TEST_F(DrawLinkPaths, HalvesWithoutTheirLinkAreLinkPathsOfTheirOwn) {
     EXPECT_EQ(orphanCount(), 0U);
 }
 
-// Ends that lead round, in a diagram whose ids look right.
+// Ends that form a cycle, in a diagram whose ids look right.
 TEST_F(DrawLinkPaths, ContradictionsEnd) {
     const Index a = node("b_a_dummy", "dummy");
     const Index b = node("b");

@@ -1,4 +1,4 @@
-// The checker of drawings: that it finds each fault, and that it finds none in what is drawn.
+// The checker of drawings: it finds each fault, and none in real drawings.
 #include "tests/support/picture_check.h"
 
 #include <gtest/gtest.h>
@@ -84,7 +84,7 @@ TEST(DrawPictureCheck, BoxesThatOverlapAreFound) {
 
 TEST(DrawPictureCheck, BoxesOutsideTheirContainerAreFound) {
     Picture picture = soundPicture();
-    picture.boxes[1].rect = {40, 45, 80, 40};  // in the room of the group's title
+    picture.boxes[1].rect = {40, 45, 80, 40};  // in the space of the group's title
     picture.texts.clear();
     EXPECT_EQ(faultsOf(picture), "boxes1");
     picture = soundPicture();
@@ -287,12 +287,12 @@ TEST(DrawPictureCheck, RandomBoxesArePlacedSoundly) {
     }
 }
 
-// Returns how many there are.
-std::size_t checkAnswersOfCases(const std::filesystem::path& cases) {
+// Returns the number of drawings.
+std::size_t checkResultsOfCases(const std::filesystem::path& cases) {
     std::size_t drawn = 0;
     for (const auto& folder : std::filesystem::directory_iterator(cases)) {
-        std::ifstream answers(folder.path() / "expected.jsonl");
-        for (std::string line; std::getline(answers, line);) {
+        std::ifstream results(folder.path() / "expected.jsonl");
+        for (std::string line; std::getline(results, line);) {
             const auto answer = tessera_host::readJson(line);
             EXPECT_TRUE(answer) << folder.path();
             if (!answer) continue;
@@ -306,11 +306,11 @@ std::size_t checkAnswersOfCases(const std::filesystem::path& cases) {
     return drawn;
 }
 
-// The returns of the cases, which are the library's. TESSERA_MORE_CASES may name a folder of more.
-TEST(DrawPictureCheck, AnswersOfTheCasesAreDrawnSoundly) {
-    EXPECT_GT(checkAnswersOfCases(TESSERA_CASES), 15U);
+// The library's results for the cases. TESSERA_MORE_CASES may name a folder with further ones.
+TEST(DrawPictureCheck, ResultsOfTheCasesAreDrawnSoundly) {
+    EXPECT_GT(checkResultsOfCases(TESSERA_CASES), 15U);
     if (const char* more = std::getenv("TESSERA_MORE_CASES"); more != nullptr) {
-        EXPECT_GT(checkAnswersOfCases(more), 0U);
+        EXPECT_GT(checkResultsOfCases(more), 0U);
     }
 }
 

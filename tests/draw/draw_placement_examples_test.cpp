@@ -61,7 +61,7 @@ bool isStraight(const tessera_draw::PlacedLine& line) {
 
 }  // namespace
 
-TEST(DrawPlacement, NothingTakesNoRoom) {
+TEST(DrawPlacement, NothingTakesNoSpace) {
     const Placement placed = Drawing().placed();
     EXPECT_EQ(placed.size, tessera_draw::Size{});
     EXPECT_TRUE(placed.boxes.empty());
@@ -82,7 +82,7 @@ TEST(DrawPlacement, AnEmptyContainerHasItsLeastSizeOrItsPadding) {
 TEST(DrawPlacement, AChainIsAStraightLineWithEqualGaps) {
     Drawing drawing;
     for (std::int32_t i = 0; i < 5; ++i)
-        drawing.box(i * 1000);  // levels without boxes take no room
+        drawing.box(i * 1000);  // levels without boxes take no space
     for (Index i = 0; i + 1 < 5; ++i)
         drawing.line(i, i + 1);
     const Placement placed = drawing.placed();
@@ -238,7 +238,7 @@ TEST(DrawPlacement, FewBoxesWithoutLinesStandInOneColumn) {
     EXPECT_EQ(drawing.placed().size.width, 100);
 }
 
-// The group makes room for its title at the side where lines come in, and only there.
+// The group reserves space for its title at the side where lines come in, and only there.
 TEST(DrawPlacement, LinesPassBesideATitle) {
     Drawing drawing;
     const Index from = drawing.box(0);
@@ -259,8 +259,8 @@ TEST(DrawPlacement, LinesPassBesideATitle) {
     EXPECT_LT(drawing.placed().boxes[group].height, 200) << "the line leaves at the other side";
 }
 
-// Lines that come together at a box inside of the group do so behind the title.
-TEST(DrawPlacement, LinesTurnBehindATitle) {
+// Lines that come together at a box inside of the group do so beyond the title.
+TEST(DrawPlacement, LinesBendBeyondATitle) {
     Drawing drawing;
     const Index from = drawing.box(0);
     const Index group = drawing.container(1);
@@ -366,7 +366,7 @@ TEST(DrawPlacementLarge, ALongChainWithLinesOverAllOfIt) {
         drawing.line(i, length - 1 - i);
     const Placement placed = drawing.placed();
     EXPECT_EQ(placed.boxes.back().right(), placed.size.width);
-    // Those that have no room in the layers go around all of them.
+    // Those for which the layers have no space go around all of them.
     const auto& farthest = placed.lines.back().stretches[0];
     for (const auto& segment : farthest.segments)
         EXPECT_LE(segment.end.y, placed.size.height);

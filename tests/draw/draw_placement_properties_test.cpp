@@ -20,7 +20,7 @@ TEST(DrawPlacementProperties, HoldOnRandomDrawings) {
     }
 }
 
-TEST(DrawPlacementProperties, TheSameInputGivesTheSameAnswer) {
+TEST(DrawPlacementProperties, TheSameInputGivesTheSameResult) {
     for (unsigned seed = 0; seed < effort(200U); ++seed) {
         const PlacementInput input = randomDrawing(seed);
         const auto first = place(input, {});
@@ -36,7 +36,7 @@ TEST(DrawPlacementProperties, TheSameInputGivesTheSameAnswer) {
     }
 }
 
-// At whatever moment it is cancelled, the drawing is whole or there is none.
+// At whatever moment it is cancelled, the drawing is complete or absent.
 TEST(DrawPlacementProperties, StopsWhenItIsCancelled) {
     std::size_t stopped = 0;
     for (unsigned seed = 0; seed < effort(100U); ++seed) {

@@ -56,7 +56,7 @@ bool isInside(const Rect& inner, const Rect& outer) {
            inner.right() <= outer.right() + slack && inner.bottom() <= outer.bottom() + slack;
 }
 
-// The area that a text covers: at most its room, from its ascent to its descent.
+// The area that a text covers: at most its maximum width, from its ascent to its descent.
 Rect areaOf(const TextShape& text) {
     const double size = styleOf(text.role).size;
     const double shown = std::min(text.width, text.maxWidth);
@@ -195,7 +195,7 @@ TEST(DrawScene, ANodeWithoutANameIsCalledByItsId) {
     EXPECT_EQ(textsOf(scene, *nodes.front()), std::vector<std::string>{"the id"});
 }
 
-TEST(DrawScene, RowsBeyondTheRoomAreCountedAndTold) {
+TEST(DrawScene, RowsBeyondTheSpaceAreCountedAndReported) {
     DrawnBag drawn;
     variant_bag_t& node = drawn.node("n", "Node");
     for (int i = 1; i <= 5; ++i)

@@ -38,7 +38,7 @@ TEST(DrawSvgText, NumbersAreShort) {
     EXPECT_EQ(numberText(1.05), "1.05");
 }
 
-TEST(DrawSvgText, WhatIsNoNumberIsDrawnAllTheSame) {
+TEST(DrawSvgText, ValuesThatAreNotNumbersAreDrawnToo) {
     EXPECT_EQ(numberText(std::nan("")), "0");
     EXPECT_EQ(numberText(std::numeric_limits<double>::infinity()), "1000000000");
     EXPECT_EQ(numberText(-1e300), "-1000000000");

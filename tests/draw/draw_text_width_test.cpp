@@ -29,13 +29,13 @@ TEST(DrawTextWidth, OtherScriptsAreMeasured) {
     EXPECT_FALSE(measureText("हिन्दी", 10, Weight::regular).isExact);
 }
 
-TEST(DrawTextWidth, MarksTakeNoRoom) {
+TEST(DrawTextWidth, MarksTakeNoSpace) {
     const double plain = measureText("e", 10, Weight::regular).width;
     EXPECT_EQ(measureText("e\u0301", 10, Weight::regular).width, plain);
     EXPECT_EQ(measureText("e\u200B", 10, Weight::regular).width, plain);
 }
 
-TEST(DrawTextWidth, WhatIsNoTextIsMeasuredAsWhatStandsForIt) {
+TEST(DrawTextWidth, InvalidUtf8IsMeasuredAsItsReplacement) {
     const double sign = measureText("\uFFFD", 10, Weight::regular).width;
     EXPECT_GT(sign, 0);
     for (const char* bytes : {"\xFF", "\xC0", "\xED", "\x01", "\x7F"})
@@ -52,11 +52,11 @@ TEST(DrawTextWidth, ATextThatFitsStaysWhole) {
 }
 
 TEST(DrawTextWidth, AShortenedTextFitsWithItsDots) {
-    const std::string text = "A rather long name that has no room";
-    for (double room = 10; room < 260; room += 7) {
-        const FittedText fitted = fitText(text, room, 13, Weight::bold);
+    const std::string text = "A rather long name that does not fit";
+    for (double width = 10; width < 260; width += 7) {
+        const FittedText fitted = fitText(text, width, 13, Weight::bold);
         ASSERT_TRUE(fitted.isShortened);
-        EXPECT_LE(measureText(std::string(fitted.kept) + "…", 13, Weight::bold).width, std::max(room, 13.0));
+        EXPECT_LE(measureText(std::string(fitted.kept) + "…", 13, Weight::bold).width, std::max(width, 13.0));
         EXPECT_TRUE(text.starts_with(fitted.kept));
         EXPECT_FALSE(fitted.kept.ends_with(' '));
     }
@@ -71,9 +71,9 @@ TEST(DrawTextWidth, WhatPeopleSeeAsOneCharacterIsNotCut) {
         std::string text;
         for (int i = 0; i < 12; ++i)
             text += one;
-        for (double room = 12; room < 300; room += 3) {
-            const FittedText fitted = fitText(text, room, 10, Weight::regular);
-            EXPECT_EQ(fitted.kept.size() % one.size(), 0U) << one << " in " << room;
+        for (double width = 12; width < 300; width += 3) {
+            const FittedText fitted = fitText(text, width, 10, Weight::regular);
+            EXPECT_EQ(fitted.kept.size() % one.size(), 0U) << one << " in " << width;
         }
     }
 }

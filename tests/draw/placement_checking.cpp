@@ -216,7 +216,7 @@ class Maker {
         return static_cast<Index>(m_input.boxes.size()) - 1;
     }
 
-    // More of them in one layer than anybody wants to see below one another.
+    // More of them in one layer than are readable below one another.
     void addLooseBoxes() {
         const std::int32_t common = static_cast<std::int32_t>(below(4)) - 1;
         const Index first = addBox(false);

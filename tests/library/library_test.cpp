@@ -8,7 +8,7 @@ namespace {
 
 using Factory = decltype(&tessera_1::createDiagramViewRequestHandler);
 
-TEST(Library, IsLoadedAtRunTimeAndAnswers) {
+TEST(Library, IsLoadedAtRunTimeAndServesRequests) {
     void* library = dlopen(TESSERA_LIBRARY, RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(library, nullptr) << dlerror();
     const char* name =

@@ -9,7 +9,7 @@ namespace tessera_test {
 using basekit2::variant_bag_t;
 
 variant_bag_t randomDrawing(std::uint64_t seed) {
-    const LogCapture quiet;  // what random diagrams make the passes report
+    const LogCapture quiet;  // reports that random diagrams cause
     tessera_1::view_model::Graph graph;
     fillRandomDiagram(graph, seed);
     graph.m_name = "Random diagram";

@@ -1,5 +1,5 @@
-// The layout a second time: every pass as plain walks over everything, slow and easy to read, to hold the
-// library's passes against. Nothing of core/view_model/passes is used.
+// The layout a second time: every pass as plain walks over everything, slow and easy to read, to compare the
+// library's passes with. Nothing of core/view_model/passes is used.
 #pragma once
 
 #include <cstddef>
@@ -28,7 +28,7 @@ struct TooLarge : std::length_error {
     TooLarge() : std::length_error("the diagram has become too large to be compared") {}
 };
 
-// What the passes say on their way.
+// What the passes report while they run.
 struct Record {
     std::vector<std::string> failed;  // the texts of the conditions that did not hold, in order
     int exchanges = 0;                // of two nodes

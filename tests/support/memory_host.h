@@ -41,7 +41,7 @@ class MemoryQueryLibrary final : public basekit2::ref_counted_t<qlib_1::IQueryLi
 struct MemoryResult {
     std::map<std::string, std::string> values;  // by query identifier
     std::map<std::string, std::string>
-        filteredValues;             // instead, when the run has that filter: key "FILTER:identifier"
+        filteredValues;             // take precedence when the run has that filter: key "FILTER:identifier"
     std::set<std::string> filters;  // that the registry has
     std::set<std::string> failing;  // identifiers whose column makes the run fail
     std::vector<slicekit_1_0::table_tree_request_t> runs;

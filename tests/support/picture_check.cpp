@@ -17,10 +17,10 @@ using tessera_draw::PlacedLine;
 using tessera_draw::Point;
 using tessera_draw::Rect;
 
-constexpr double slack = 0.05;     // less than anybody can see
+constexpr double slack = 0.05;     // less than is visible
 constexpr double lineSlack = 0.5;  // half a pixel of a line's own width does not count
 constexpr int curvePieces = 16;
-constexpr double longEnough = 8;  // for two lines to look like one
+constexpr double longEnough = 8;  // above this, two lines look like one
 
 Rect shrunk(const Rect& rect, double by) {
     return {rect.x + by, rect.y + by, rect.width - 2 * by, rect.height - 2 * by};
@@ -105,7 +105,7 @@ class Checker {
     }
     [[nodiscard]] const Picture::Box& box(Index i) const { return m_picture.boxes[i]; }
 
-    // Ancestors are asked for by walking up; the depths say when to stop.
+    // Ancestors are found by walking up; the depths say when to stop.
     void findDepths() {
         m_depths.assign(m_picture.boxes.size(), 0);
         std::vector<Index> way;
@@ -128,14 +128,14 @@ class Checker {
         const Rect all{0, 0, m_picture.size.width, m_picture.size.height};
         for (const Picture::Box& each : m_picture.boxes) {
             const bool isTop = each.container == nothing;
-            Rect room = isTop ? all : box(each.container).rect;
+            Rect inner = isTop ? all : box(each.container).rect;
             if (!isTop) {
                 const tessera_draw::Insets& padding = box(each.container).padding;
-                room = {room.x + padding.left, room.y + padding.top,
-                        room.width - padding.left - padding.right,
-                        room.height - padding.top - padding.bottom};
+                inner = {inner.x + padding.left, inner.y + padding.top,
+                         inner.width - padding.left - padding.right,
+                         inner.height - padding.top - padding.bottom};
             }
-            if (!isInside(each.rect, room)) found(&Faults::boxes, each.name + " leaves its container");
+            if (!isInside(each.rect, inner)) found(&Faults::boxes, each.name + " leaves its container");
         }
     }
 
@@ -327,8 +327,8 @@ class Checker {
         const RectIndex index(std::move(entries));
         const Rect all{0, 0, m_picture.size.width, m_picture.size.height};
         for (const Picture::Text& text : m_picture.texts) {
-            const Rect& room = text.box == nothing ? all : box(text.box).rect;
-            bool isBad = !isInside(text.area, room);
+            const Rect& inner = text.box == nothing ? all : box(text.box).rect;
+            bool isBad = !isInside(text.area, inner);
             index.search(shrunk(text.area, slack), [&](std::size_t other) {
                 const auto i = static_cast<Index>(other);
                 isBad = isBad || (text.box == nothing || !contains(i, text.box));

@@ -53,7 +53,7 @@ class Maker {
         return chance(70) ? 13 + below(13) : 26 + below(15);
     }
 
-    // Out of few pieces: what is put together from such ids is soon there already.
+    // Of few parts, so that ids made from them often exist already.
     std::string shortId() {
         static const std::vector<std::string> pieces{"a", "b", "a_b", "b_a", "c"};
         static const std::vector<std::string> ends{"", "", "", "_dummy", "_label", "_info", "_dummy1"};

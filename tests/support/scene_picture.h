@@ -37,7 +37,7 @@ inline Picture pictureOf(const tessera_draw::PlacementInput& input,
     return picture;
 }
 
-// What a text covers, from its ascent to its descent; it is held in its room.
+// What a text covers, from its ascent to its descent, at most its maximum width.
 inline tessera_draw::Rect areaOf(const tessera_draw::TextShape& text) {
     using tessera_draw::Anchor;
     const double size = styleOf(text.role).size;

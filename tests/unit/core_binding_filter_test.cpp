@@ -63,7 +63,7 @@ class RegistryProxy final : public basekit2::ref_counted_t<qlib_1::IFilterRegist
     bool hasFilter(const std::string& name) const override { return name == "global"; }
 };
 
-TEST_F(ThreeRows, RemoteRegistryIsAskedThroughItsProxy) {
+TEST_F(ThreeRows, RemoteRegistryIsCalledThroughItsProxy) {
     auto& registry = basekit2::object_registry_t::process();
     registry.register_proxy(qlib_1::IFilterRegistry::typeId, [](sptr_t<basekit2::IObject>) {
         return sptr_t<basekit2::IObject>(basekit2::make_counted<RegistryProxy>());

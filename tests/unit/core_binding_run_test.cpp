@@ -1,4 +1,4 @@
-// What the run of a query may answer while values are fetched.
+// What the run of a query may return while values are fetched.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -81,7 +81,7 @@ TEST_F(Run, WithoutATreeIsReported) {
     expectFailure("err.succeeded() && tree");
 }
 
-TEST_F(Run, ThatAnswersFalseWithATreeIsAccepted) {
+TEST_F(Run, ThatReturnsFalseWithATreeIsAccepted) {
     engine([](auto& real, const auto& request, auto* progress, bool wait, auto& tree) {
         (void)real.run(request, progress, wait, tree);
         return error_code_t::false_code();
@@ -96,7 +96,7 @@ TEST_F(ThreeRows, InputDataWithoutAnEngineIsReported) {
 }
 
 TEST_F(Run, CancelledMeanwhileIsTheFalseCodeWithoutAReportEvenWithATree) {
-    CountingProgress progress(2);  // the engine asks once and delivers
+    CountingProgress progress(2);  // the engine tests once and delivers
     EXPECT_TRUE(fetch(&progress).is_false());
     EXPECT_EQ(result->runs.size(), 1U);
     EXPECT_EQ(values(), (Reports{"old", "old", "old"}));

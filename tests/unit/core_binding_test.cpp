@@ -1,4 +1,4 @@
-// Fetching the values of a display info: what is asked, and the rows that receive the answer.
+// Fetching the values of a display info: which query runs, and which rows receive its values.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -36,7 +36,7 @@ TEST_F(ThreeRows, QuestionIsTheTotalOfTheRowSetsOwnQuery) {
     EXPECT_TRUE(run.filters.empty());
 }
 
-TEST_F(ThreeRows, ColumnMayAnswerTheMemberItselfOrTheVectorAndItsIndex) {
+TEST_F(ThreeRows, ColumnMayReturnTheMemberItselfOrTheVectorAndItsIndex) {
     for (const bool vector : {false, true}) {
         result->columnsAnswerVector = vector;
         EXPECT_TRUE(fetch().is_success());
@@ -54,7 +54,7 @@ TEST_F(ThreeRows, OrderOfTheRowsNeedNotBeThatOfTheColumns) {
     EXPECT_EQ(values(), (Reports{"3", "2", "1"}));
 }
 
-TEST_F(ThreeRows, EmptyAnswerOverwritesAnOldValue) {
+TEST_F(ThreeRows, EmptyResultOverwritesAnOldValue) {
     result->values["q2"] = "";
     EXPECT_TRUE(fetch().is_success());
     EXPECT_EQ(values(), (Reports{"1", "", "3"}));
@@ -198,14 +198,14 @@ class OneColumn final : public basekit2::ref_counted_t<qlib_1::IColumnInfo> {
     std::size_t m_member;
 };
 
-TEST(ColumnQuery, OfAVectorIsTheMemberThatTheColumnStandsFor) {
+TEST(ColumnQuery, OfAVectorIsTheMemberThatTheColumnRepresents) {
     const auto vector = vectorOf({"a", "b"});
     for (std::size_t i = 0; i < 2; ++i)
         EXPECT_EQ(tessera_1::view_model::getColumnQuery(basekit2::make_counted<OneColumn>(vector, i)),
                   vector->at(i));
 }
 
-TEST(ColumnQuery, OfASingleQueryIsWhatTheColumnAnswersWhenAskedAgain) {
+TEST(ColumnQuery, OfASingleQueryIsWhatTheColumnReturnsOnTheSecondCall) {
     const auto single = query("a");
     const auto column = basekit2::make_counted<OneColumn>(single, 0);
     EXPECT_EQ(tessera_1::view_model::getColumnQuery(column), single);

@@ -48,7 +48,7 @@ std::shared_ptr<panelcore_1::IRequestHandler> handlerWithoutConfig() {
     return MemoryHost("<v/>").makeHandler();
 }
 
-// The parts of a report: condition or message, signature, unit, line. Fewer when it has not that form.
+// The parts of a report: condition or message, signature, unit, line. Fewer when it has another form.
 std::vector<std::string> partsOf(const LogLine& line) {
     const std::string file = ", at file: ";
     const std::size_t in = line.text.find(" in "), at = line.text.rfind(file), colon = line.text.rfind(':');
@@ -149,7 +149,7 @@ TEST(CheckFacility, LoggerIsKnownFromTheBeginning) {
     EXPECT_TRUE(log4cplus::Logger::exists("tessera"));
 }
 
-// Cancelled the first time it is asked, and not any more.
+// Cancelled at the first test, and not any more.
 class OnceCancelled final : public relay2::IProgress {
   public:
     bool isCancelled() const override { return ++calls == 1; }
@@ -166,7 +166,7 @@ TEST(CheckFacility, FailedConditionIsEvaluatedOnceMoreForItsReportAndStaysFailed
     EXPECT_EQ(DataProvider::create(host.base->config, out, host.library, nullptr, host.inputData, &progress),
               nullptr);
     EXPECT_EQ(host.result->runs.size(), 1U) << "the second run of the step is a real one";
-    // It takes place while the message is made: what it reports itself comes first.
+    // The second evaluation runs while the message is made: what it reports itself comes first.
     EXPECT_EQ(log.reports(), (Reports{"ERROR check err.succeeded() && tree",
                                       "ERROR check dp->getData(progress).succeeded()"}));
 }
@@ -188,7 +188,7 @@ struct AssertionSwitchDeathTest : testing::Test {
 
     static void set(const char* value) { setenv("tessera_ERROR_HANDLING", value, 1); }
     static void unset() { unsetenv("tessera_ERROR_HANDLING"); }
-    // Ends the process; what is said then must be true.
+    // Ends the process; the message must be true.
     [[noreturn]] static void endWith(bool passed, const std::string& otherwise = "") {
         if (!passed) std::fprintf(stderr, "not as expected: %s\n", otherwise.c_str());
         std::_Exit(passed ? 0 : 1);
@@ -343,7 +343,7 @@ TEST_F(AssertionSwitchDeathTest, AssertionNamesThePlaceAndTheFunctionReturnsAfte
 const LogCapture* logOfTheProcess = nullptr;
 std::size_t linesAtTheAssertion = 0;
 
-TEST_F(AssertionSwitchDeathTest, AssertionComesBehindTheErrorLineAndBeforeTheBareMessage) {
+TEST_F(AssertionSwitchDeathTest, AssertionComesAfterTheErrorLineAndBeforeTheBareMessage) {
     EXPECT_EXIT(
         {
             set("assert");

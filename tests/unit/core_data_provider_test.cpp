@@ -25,7 +25,7 @@ const char* const twoValues = R"(<v><diagram>
   </display>
 </diagram></v>)";
 
-// A link whose total has a table for each mode; what "bandwidth" asks for has no value.
+// A link whose total has a table for each mode; the one of "bandwidth" has no value.
 const char* const modes = R"(<v><diagram>
   <graph id="g"><node id="a"/><node id="b"/><link id="l" from="a" to="b" direction="forward"/></graph>
   <display><link id="l"><label location="center"><dataTransfer displayName="transfer">
@@ -257,7 +257,7 @@ TEST_F(Provider, ChangeDisplayModeWithoutAModeBagIsNotValidDataAndChangesNothing
 }
 
 // A request comes from outside: unlike a document's attribute, what it holds must not end the host.
-TEST_F(Provider, DisplayModeThatIsNoTextIsNotValidDataAndChangesNothing) {
+TEST_F(Provider, DisplayModeThatIsNotAStringIsNotValidDataAndChangesNothing) {
     useHost(modes);
     create();
     const AssertionCapture assertions;
@@ -292,7 +292,7 @@ TEST_F(Provider, CancelledBeforeTheFetchIsTheCancellationErrorAndNoQueryRuns) {
 TEST_F(Provider, CancelledInAQueryIsTheFalseCode) {
     useHost(twoValues);
     create();
-    CountingProgress progress(2);  // after the question at the start
+    CountingProgress progress(2);  // after the test at the start
     EXPECT_TRUE(provider->getData(&progress).is_false());
     EXPECT_EQ(log.reports(), Reports{}) << "cancellation is nothing to report";
 }
@@ -333,7 +333,7 @@ TEST_F(Provider, CreateCancelledBeforeTheFetchIsReportedRunTwiceAndGivesNoProvid
     EXPECT_TRUE(host->result->runs.empty());
 }
 
-TEST_F(Provider, CreateGoesOnAfterAFetchThatWasCancelledInAQuery) {
+TEST_F(Provider, CreateContinuesAfterAFetchThatWasCancelledInAQuery) {
     useHost(twoValues);
     CountingProgress progress(2);
     ASSERT_NE(create(&progress), nullptr) << "the false code passes the test of the step";
@@ -359,7 +359,7 @@ TEST_F(Provider, KeepsLibraryAndInputDataAndReleasesEverythingWithItself) {
     const std::weak_ptr<tessera_1::view_model::Node> node = provider->m_graph->m_nodeList[0];
     EXPECT_EQ(provider->m_queryLibrary, host->library);
     EXPECT_EQ(provider->m_inputData, host->inputData);
-    host.reset();  // the provider lives on its own references
+    host.reset();  // the provider keeps references of its own
     EXPECT_TRUE(provider->getData(nullptr).is_success());
     EXPECT_EQ(nodeValues(written()), (Reports{"11", "22"}));
     provider.reset();

@@ -65,7 +65,7 @@ TEST(DisplayInfos, OneValueMakesARowSetNonEmptyWhereverItStands) {
     }
 }
 
-TEST(DisplayInfos, BlankIsAValue) {
+TEST(DisplayInfos, ASpaceIsAValue) {
     RowSet rowSet;
     rowSet.rows = {{"a", " ", "/a"}};
     EXPECT_FALSE(rowSet.empty());

@@ -188,7 +188,7 @@ TEST_F(DisplaySection, RejectedRowSetKeepsNameAndDefinitionAndItsRowsAreNeverRea
     EXPECT_EQ(node("b").m_displayName, "B");
 }
 
-TEST_F(DisplaySection, QueryThatIsNoVectorQueryIsRejected) {
+TEST_F(DisplaySection, QueryThatIsNotAVectorQueryIsRejected) {
     struct SingleQueries final : ForwardingQueryLibrary {
         using ForwardingQueryLibrary::ForwardingQueryLibrary;
         sptr_t<qlib_1::IQuery> buildQuery(const variant_bag_t&, relay2::IMessenger*) override {
@@ -271,7 +271,7 @@ TEST_F(DisplaySection, LinkGetsItsName) {
     EXPECT_TRUE(link().m_displayInfo.m_totalInfo.empty());
 }
 
-TEST_F(DisplaySection, UnknownChildOfALinkIsReportedWithTheBlank) {
+TEST_F(DisplaySection, UnknownChildOfALinkIsReportedWithTheSpace) {
     parseLabels(R"(<lable location="to"/><label location="to"><dataTransfer><size/></dataTransfer></label>)");
     EXPECT_EQ(log.reports(), alert("Unknown element <lable> found under <link >. Expected <label>."));
     EXPECT_EQ(keysOf(link().m_displayInfo.m_toInfo), (Reports{"size"}));

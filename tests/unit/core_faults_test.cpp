@@ -1,5 +1,5 @@
-// A host that fails: after each fault the request returns the defined code, nothing is lost, and the next
-// request works.
+// Host services that fail: after each fault the request returns the defined code, no data is lost, and the
+// next request works.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -103,7 +103,7 @@ void PrintTo(const FetchFault& fault, std::ostream* stream) {
 
 struct FaultInOneFetch : Faults, testing::WithParamInterface<std::tuple<FetchFault, int>> {
     FetchFault fault = std::get<0>(GetParam());
-    int number = std::get<1>(GetParam());  // of the display info that is struck
+    int number = std::get<1>(GetParam());  // of the display info that fails
 };
 
 TEST_P(FaultInOneFetch, DuringCreateIsReportedAndOnlyItsValueIsMissing) {
@@ -160,7 +160,7 @@ TEST_F(Faults, DefinitionThatIsRefusedHasNoValueEverAndTheOthersDo) {
 }
 
 TEST_F(Faults, MissingRegistryIsReportedAndThatFilterLeftOut) {
-    // Each display info asks twice, for "selection" and for "global".
+    // Each display info calls it twice, for "selection" and for "global".
     for (int call = 1; call <= 2 * infoCount; ++call) {
         const LogCapture mine;
         handler = host.makeHandler();
@@ -194,7 +194,7 @@ TEST_F(Faults, CellWithoutTextIsAnEmptyValue) {
     expectNextRefreshWorks();
 }
 
-TEST_F(Faults, BaseHandlerThatFillsInNothingIsTheEmptyConfigurationAndIsAskedAgain) {
+TEST_F(Faults, BaseHandlerThatFillsInNothingIsTheEmptyConfigurationAndIsCalledAgain) {
     host.plan.set(Fault::configStaysEmpty, 1);
     EXPECT_TRUE(send("create").is(bk2::error::IsNot.Valid.Data));
     EXPECT_TRUE(out.is_empty());
@@ -228,7 +228,7 @@ TEST_F(Faults, WithoutAMessengerRefusedDefinitionsAreReportedTheSame) {
     EXPECT_EQ(shown(), diagramOf(without(oldValues, 3)));
 }
 
-TEST_F(Faults, FilterManagerIsKeptAndNeverAsked) {
+TEST_F(Faults, FilterManagerIsKeptAndNeverCalled) {
     const auto manager = std::make_shared<CountingFilterMgr>(host.memory.filterMgr);
     handler = tessera_1::createDiagramViewRequestHandler(host.memory.library, host.memory.inputData,
                                                          host.memory.base, manager, nullptr);
@@ -238,7 +238,7 @@ TEST_F(Faults, FilterManagerIsKeptAndNeverAsked) {
     EXPECT_EQ(manager->asked, 0);
 }
 
-TEST_F(Faults, CataloguesThatVanishOrStayBlankLeaveTheKeys) {
+TEST_F(Faults, CataloguesThatVanishOrHaveEmptyTextsLeaveTheKeys) {
     const auto good = std::make_shared<MemoryCatalogSource>();
     good->catalogs["slicer2"] =
         std::make_shared<MemoryCatalog>(Values{{"A", "text of A"}, {"B", "text of B"}});
@@ -320,7 +320,7 @@ struct Cancellation : Faults {
     std::vector<Cancelled> seen;
 };
 
-TEST_F(Cancellation, OfCreateAtAnyPointIsAnsweredAndTheNextRequestsWork) {
+TEST_F(Cancellation, OfCreateAtAnyPointIsReturnedAndTheNextRequestsWork) {
     cancelEverywhere("create", {});
     ASSERT_GE(seen.size(), 5U);
     // Before the fetch: no provider, the false code.
@@ -335,14 +335,14 @@ TEST_F(Cancellation, OfCreateAtAnyPointIsAnsweredAndTheNextRequestsWork) {
     EXPECT_TRUE(seen[seen.size() - 2].code.is(bk2::error::Cancelled));
     EXPECT_TRUE(seen[seen.size() - 2].wroteEverything);
     EXPECT_TRUE(seen.back().wroteEverything);
-    // Only the first is a failed step of the pipeline; a cancelled query is nothing to report.
+    // Only the first is a failed step of the pipeline; a cancelled query is not reported.
     EXPECT_EQ(log.reports(), (Reports{"ERROR check dp->getData(progress).succeeded()"}));
 }
 
-TEST_F(Cancellation, OfRefreshAtAnyPointIsAnsweredAndTheNextRequestsWork) {
+TEST_F(Cancellation, OfRefreshAtAnyPointIsReturnedAndTheNextRequestsWork) {
     cancelEverywhere("refresh", {});
     ASSERT_GE(seen.size(), 5U);
-    // The fetch's own answer is ignored; the writing, which comes next, asks again.
+    // The fetch's own result is ignored; the writing, which comes next, tests again.
     for (std::size_t i = 0; i + 2 < seen.size(); ++i) {
         EXPECT_TRUE(seen[i].code.is(bk2::error::Cancelled)) << i;
         EXPECT_TRUE(seen[i].wroteNothing) << i;

@@ -88,7 +88,7 @@ TEST_F(GraphSection, UnknownChildOfGraphIsSkipped) {
                        "INFO Unknown element <edge> found under <graph>. Expected <node>, <link>."}));
 }
 
-TEST_F(GraphSection, MissingDirectionIsNoText) {
+TEST_F(GraphSection, MissingDirectionIsTheEmptyText) {
     EXPECT_EQ(
         parse(R"(<graph><node id="a"/><link id="l" from="a" to="a"/></graph>)").m_linkList[0]->m_direction,
         "");

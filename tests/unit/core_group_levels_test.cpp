@@ -39,7 +39,7 @@ TEST_F(GroupLevels, MembersAreOneDeeperThanTheirGroup) {
     EXPECT_EQ(b->m_groupLevel, 0) << "the nodes get them when the diagram is written";
 }
 
-TEST_F(GroupLevels, MembersBehindADeepGroupAreAtTheirOwnLevel) {
+TEST_F(GroupLevels, MembersAfterADeepGroupAreAtTheirOwnLevel) {
     const NodePtr g = node("G"), h = node("H", g), i = node("I", h), x = node("x", i);
     node("y", h);
     node("z", g);

@@ -1,4 +1,4 @@
-// The dummy links that stand for links between groups.
+// The dummy links that represent links between groups.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -69,7 +69,7 @@ TEST_F(GroupLinks, LinkFromAGroupToItsOwnMemberGetsOneFromTheGroupToItself) {
     EXPECT_EQ(links(), (Names{"G>X", "G>G"}));
 }
 
-TEST_F(GroupLinks, DeepEndsAreStoodForInTheInnermostGroupOfBoth) {
+TEST_F(GroupLinks, DeepEndsAreRepresentedInTheInnermostGroupOfBoth) {
     const NodePtr inner = node("H", g), deep = node("Y", inner), other = node("I", g), z = node("Z", other);
     link(deep, z);
     graph.createDummyLinksForGroups();
@@ -83,7 +83,7 @@ TEST_F(GroupLinks, LinkWithAMissingEndGetsNone) {
     EXPECT_EQ(graph.m_linkList.size(), 2U);
 }
 
-TEST(GroupLinksContract, EveryLinkBetweenGroupsHasOneDummyBehindAllOtherLinks) {
+TEST(GroupLinksContract, EveryLinkBetweenGroupsHasOneDummyAfterAllOtherLinks) {
     std::size_t between = 0;
     for (std::uint64_t seed = 0; seed < 500; ++seed) {
         Graph graph;

@@ -22,7 +22,7 @@ using panelcore_1::IRequestHandler;
 
 const char* const oneNode = "<v><diagram><graph id='g'><node id='a'/></graph><display/></diagram></v>";
 
-// Calls `onConfig` before it answers "config".
+// Calls `onConfig` before it serves "config".
 class CallingBaseHandler final : public IRequestHandler {
   public:
     explicit CallingBaseHandler(variant_bag_t configuration) : config(std::move(configuration)) {}

@@ -85,7 +85,7 @@ TEST_F(HierarchicalLevels, DummyLinksOrderTheGroupsAndNodesSideBySide) {
     EXPECT_EQ(layers(g), (Layers{{"M"}}));
 }
 
-TEST_F(HierarchicalLevels, CycleUnderARootFailsItsGroupAndThoseBehindItAreNotLayered) {
+TEST_F(HierarchicalLevels, CycleUnderARootFailsItsGroupAndThoseAfterItAreNotLayered) {
     const NodePtr g = node("G"), before = node("before", g);
     const NodePtr r = node("R"), p = node("P"), q = node("Q"), h = node("H"), behind = node("behind", h);
     chain({r, p, q, p});
@@ -120,7 +120,7 @@ TEST_F(HierarchicalLevels, CycleIsARangeErrorOfItsGroup) {
     EXPECT_EQ(log.reports(), (Names{cycleReports[0]}));
 }
 
-TEST_F(HierarchicalLevels, CycleWithoutRootHasNoLayerAndIsNoFailure) {
+TEST_F(HierarchicalLevels, CycleWithoutRootHasNoLayerAndIsNotAFailure) {
     const NodePtr p = node("P"), q = node("Q");
     chain({p, q, p});
     EXPECT_TRUE(graph.calculateHierarchicalLevels().is_success());

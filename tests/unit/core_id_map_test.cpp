@@ -22,7 +22,7 @@ void expectSame(const Map& map, const Standard& standard) {
     ASSERT_TRUE(std::equal(map.rbegin(), map.rend(), standard.rbegin(), standard.rend()));
 }
 
-// That both iterators stand at the same entry, or both at the end.
+// Expects both iterators at the same entry, or both at the end.
 template <class Iterator, class Other>
 void expectSamePlace(const Map& map, Iterator a, const Standard& standard, Other b) {
     ASSERT_EQ(a == map.end(), b == standard.end());

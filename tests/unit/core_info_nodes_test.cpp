@@ -98,7 +98,7 @@ TEST_F(InfoNodes, TotalBesideAnEndLabelDoesNotReplaceTheDummy) {
     EXPECT_EQ(types, (Names{"dummy ", "label center", "label to"}));
 }
 
-TEST_F(InfoNodes, ArrowHeadsStayAtTheEndsThatTheyStoodAt) {
+TEST_F(InfoNodes, ArrowHeadsStayAtTheirEnds) {
     const std::map<std::string, std::pair<std::string, std::string>> halves{{"forward", {"none", "forward"}},
                                                                             {"both", {"back", "forward"}},
                                                                             {"back", {"back", "none"}},
@@ -197,7 +197,7 @@ TEST_F(InfoNodes, NodeWithoutMembersKeepsItsValues) {
     EXPECT_NE(a->m_info, nullptr);
 }
 
-// How many labels the tables of a graph's links ask for, by location.
+// How many labels the tables of a graph's links need, by location.
 std::map<std::string, int> labelsAskedFor(const Graph& graph) {
     std::map<std::string, int> out;
     for (const LinkPtr& link : graph.m_linkList) {

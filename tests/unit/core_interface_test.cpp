@@ -1,6 +1,6 @@
 // The promised interface: every operation with its exact signature, every field with its type, in its order.
 //
-// Most of this is checked when it is compiled: a pointer to a member is given where that very type is wanted.
+// Most of this is checked by the compiler: a pointer to a member initialises a variable of exactly that type.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -57,7 +57,7 @@ std::ptrdiff_t begin(const C& object, T C::*field) {
     return reinterpret_cast<const char*>(&(object.*field)) - reinterpret_cast<const char*>(&object);
 }
 
-// That the fields have the types named and lie one after the other. Returns where the last one ends.
+// Expects fields of the types named, one after the other. Returns the offset at which the last one ends.
 template <class C, class... T>
 std::size_t endOfFields(const C& object, std::type_identity_t<T> C::*... fields) {
     const std::array<std::ptrdiff_t, sizeof...(T)> begins{begin(object, fields)...};
@@ -122,7 +122,7 @@ TEST(Interface, LevelManagersHaveTheirFields) {
               sizeof(HierarchicalLevelManager));
 }
 
-// A map of the model may stand where the standard one is wanted, and the other way round.
+// A map of the model converts to the standard one, and the standard one to it.
 template <class Map, class Standard>
 concept TakesThePlaceOf = std::convertible_to<Map, Standard> && std::convertible_to<Standard, Map> &&
     requires(Map map, const Map constant, const string id, typename Standard::value_type entry) {

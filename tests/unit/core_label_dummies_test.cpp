@@ -1,4 +1,4 @@
-// Links that skip layers, in pieces.
+// Links that skip layers are split into chains.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -48,7 +48,8 @@ TEST_F(LabelDummies, LinkOverThreeLayersGetsTwoFromItsToEndUp) {
     EXPECT_EQ(found("d_a_dummy")->m_group, nullptr) << "at top level, as the link";
 }
 
-// The dummy link puts two dummies on its real link, which so becomes a link at top level before it is visited.
+// The dummy link puts two dummies on its real link, which so becomes a link at top level before it is
+// visited.
 TEST_F(LabelDummies, RealLinkAfterItsDummyLinkIsSeenAsItIsThen) {
     const NodePtr a = node("a"), p = node("p"), q = node("q"), g = node("G"), x = node("x", g);
     chain({a, p, q, g});

@@ -30,7 +30,7 @@ struct LabelLocations : testing::Test, Diagram {
     NodePtr a = node("a"), b = node("b");
 };
 
-TEST_F(LabelLocations, FromLabelBehindItsNodeStays) {
+TEST_F(LabelLocations, FromLabelNextToItsNodeStays) {
     chain({a, label("l", "from"), dummy("d"), b});
     const Names before = links();
     run();
@@ -51,13 +51,13 @@ TEST_F(LabelLocations, FromLabelIsExchangedWithTheDummyBeforeIt) {
     EXPECT_EQ(links(), (Names{"a>l", "d>d", "d>b"}));
 }
 
-TEST_F(LabelLocations, FromLabelBehindARunOfDummiesIsExchangedWithTheFirst) {
+TEST_F(LabelLocations, FromLabelAfterARunOfDummiesIsExchangedWithTheFirst) {
     chain({a, dummy("1"), dummy("2"), dummy("3"), label("l", "from"), b});
     run();
     EXPECT_EQ(links(), (Names{"a>l", "1>2", "2>3", "3>1", "1>b"}));
 }
 
-TEST_F(LabelLocations, ToLabelIsExchangedWithTheDummyBehindIt) {
+TEST_F(LabelLocations, ToLabelIsExchangedWithTheDummyAfterIt) {
     chain({a, label("l", "to"), dummy("d"), b});
     run();
     // Of a link to d both ends are exchanged, of every other only the label: l has a link to itself left.
@@ -109,14 +109,14 @@ TEST_F(LabelLocations, ToLabelWithTwoChildrenFails) {
     expectFailure("node->getChildren().size() == 1");
 }
 
-TEST_F(LabelLocations, DummyOnTheWayWithTwoParentsFails) {
+TEST_F(LabelLocations, DummyInBetweenWithTwoParentsFails) {
     const NodePtr d = dummy("d"), e = dummy("e");
     chain({a, e, d, label("l", "from")});
     link(b, e);
     expectFailure("parent->getParents().size() == 1");
 }
 
-TEST_F(LabelLocations, DummyOnTheWayWithTwoChildrenFails) {
+TEST_F(LabelLocations, DummyInBetweenWithTwoChildrenFails) {
     const NodePtr d = dummy("d");
     chain({label("l", "to"), d, a});
     link(d, b);
@@ -135,7 +135,7 @@ TEST_F(LabelLocations, DummiesInARingFailAsWell) {
     EXPECT_EQ(log.reports().back(), "ERROR check parent->getParents().size() == 1");
 }
 
-TEST_F(LabelLocations, LabelsBeforeTheOneThatFailsStayExchangedAndThoseBehindAreLeft) {
+TEST_F(LabelLocations, LabelsBeforeTheOneThatFailsStayExchangedAndLaterOnesAreLeft) {
     chain({a, dummy("d"), label("first", "from"), b});
     label("second", "from");
     chain({a, dummy("e"), label("third", "from"), b});

@@ -1,4 +1,4 @@
-// The shortened walk through layers against one that sweeps them all.
+// The shortened walk through layers, compared with one that sweeps them all.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -121,7 +121,7 @@ TEST(LayerWalk, NodeBelowTwoWaysStandsBelowTheLongerOne) {
     EXPECT_FALSE(layers.isBroken);
 }
 
-TEST(LayerWalk, RingOfTwoTakesTurnsDownToTheLastLayer) {
+TEST(LayerWalk, CycleOfTwoAlternatesDownToTheLastLayer) {
     for (const Number last : {4U, 5U, 100'000U}) {
         const Layers layers = walkLayers(layerGraph({{1}, {2}, {1}}, {0}), last);
         EXPECT_TRUE(layers.isBroken);
@@ -155,7 +155,7 @@ TEST(LayerWalk, DoesWhatTheFullWalkDoesWithCycles) {
 }
 
 // Rings of 2, 3, 5 and 7 below one root: the layers repeat after 210 sweeps.
-// Several diagrams beside each other, their nodes mixed, some with cycles and some without.
+// Several disconnected diagrams in one, their nodes mixed, some with cycles and some without.
 TEST(LayerWalk, PartsWithoutLinksBetweenThemKeepTheirPlaceInTheLayers) {
     std::mt19937_64 random(11);
     for (int round = 0; round < 3'000; ++round) {
@@ -195,7 +195,7 @@ TEST(LayerWalk, RingsOfDifferentLengthsRepeatLate) {
         expectSame(children, last, "last layer " + std::to_string(last));
 }
 
-TEST(LayerWalk, RingsBehindOneNodeAreTakenApartAsWell) {
+TEST(LayerWalk, CyclesAfterOneNodeAreTakenApartAsWell) {
     // 0 leads to 1 and 2, these to rings of 1 to 6 nodes, some of which both lead to.
     for (Number last = 20; last < 200; last += 7) {
         Children children{{1, 2}, {}, {}};
@@ -212,7 +212,7 @@ TEST(LayerWalk, RingsBehindOneNodeAreTakenApartAsWell) {
 
 // Together they repeat after more sweeps than there are layers; each by itself repeats soon. All sweeps of
 // all rings would be ten thousand million steps.
-TEST(LayerWalk, ManyRingsOfDifferentLengthsAreEachCutShort) {
+TEST(LayerWalk, ManyCyclesOfDifferentLengthsAreEachEndedEarly) {
     Children children;
     std::vector<Number> roots;
     for (Number ring = 0; ring < 1'000; ++ring) {
@@ -227,7 +227,7 @@ TEST(LayerWalk, ManyRingsOfDifferentLengthsAreEachCutShort) {
     const Layers layers = walkLayers(layerGraph(children, roots), last);
     EXPECT_TRUE(layers.isBroken);
     EXPECT_EQ(layers.nodes.front(), roots);
-    // The last layer has the node of each ring that the count comes out at.
+    // In each ring the number of layers decides which node ends in the last layer.
     ASSERT_EQ(layers.nodes.back().size(), roots.size());
     for (Number ring = 0; ring < roots.size(); ++ring)
         EXPECT_EQ(layers.nodes.back()[ring], roots[ring] + 1 + (last - 1) % (2 + ring % 97));

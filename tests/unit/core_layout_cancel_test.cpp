@@ -1,4 +1,4 @@
-// Passes that take long are asked to stop.
+// Long passes are cancelled.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -32,7 +32,7 @@ std::string ringDocument(int size) {
     return "<v><diagram><graph id='g'><node id='r'/>" + nodes + links + "</graph><display/></diagram></v>";
 }
 
-// Sends requests to a handler whose "create" is cancelled at the given look at the progress.
+// Sends requests to a handler whose "create" is cancelled at the given test of the progress sink.
 struct LayoutCancelled : testing::TestWithParam<const char*> {
     static std::string answerOf(panelcore_1::IRequestHandler& handler, const std::string& name) {
         variant_bag_t in, out;
@@ -59,7 +59,7 @@ std::string climbingDocument() {
            links + "</graph><display/></diagram></v>";
 }
 
-TEST_P(LayoutCancelled, TheNextRequestAnswersAsIfThePassesHadFinished) {
+TEST_P(LayoutCancelled, TheNextRequestWorksAsIfThePassesHadFinished) {
     LogCapture log;
     for (const std::string& document : {ringDocument(3'000), climbingDocument()}) {
         MemoryHost host(document);

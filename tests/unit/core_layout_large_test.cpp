@@ -12,7 +12,7 @@ namespace tessera_test {
 namespace {
 
 struct LargeLayouts : testing::Test, Diagram {
-    // All passes; whether none of them failed.
+    // Runs all passes; returns whether none of them failed.
     bool layOut() {
         bool succeeds = graph.setLinkInfoAsNodes().is_success();
         succeeds = graph.setGroupInfoAsNodes().is_success() && succeeds;
@@ -113,7 +113,7 @@ TEST_F(LargeLayouts, TenThousandParallelLinksWithDummiesAndLabels) {
     for (int i = 0; i < 10'000; ++i)
         giveLabels(link(a, d));
     (void)layOut();
-    // Labels of one id push each other out of the map. Those of the last link put d into layer 4, behind
+    // Labels of one id push each other out of the map. Those of the last link put d into layer 4, after
     // three labels; all others are in no layer, so that from each of them to d there are four dummies, of the
     // same four ids. One more is between c and d.
     EXPECT_EQ(graph.m_linkList.size(), 3U + 40'000U + 9'999U * 4 + 1);

@@ -24,7 +24,7 @@ struct LayoutLimitsOfAGraph : testing::Test, Diagram {
         EXPECT_TRUE(graph.calculateHierarchicalLevels().is_success());
     }
     std::size_t elements() const { return graph.m_nodeList.size() + graph.m_linkList.size(); }
-    // That the pass has stopped with one report, which names the link and the limit.
+    // Expects that the pass stopped with one report, which names the link and the limit.
     void expectStop(const std::string& limit) {
         EXPECT_TRUE(tessera_1::view_model::addDummyNodesForLabels(graph, run).is_false());
         const auto reports = log.reports();
@@ -51,12 +51,12 @@ TEST_F(LayoutLimitsOfAGraph, WithinTheLimitsTheLinkGetsAllItsDummies) {
 TEST_F(LayoutLimitsOfAGraph, OneElementTooManyStopsThePassAndWhatIsThereStays) {
     run.limits.maxElements = elements() + 15;
     expectStop(std::to_string(elements() + 15));
-    EXPECT_EQ(graph.m_nodeList.size(), 17U) << "the last of eight has no room";
+    EXPECT_EQ(graph.m_nodeList.size(), 17U) << "the last of eight exceeds the limit";
     EXPECT_EQ(longLink->m_from->m_hierarchicalLevel, 0);
     EXPECT_EQ(longLink->m_to->m_hierarchicalLevel, 2) << "what is left of the link skips one layer";
 }
 
-TEST_F(LayoutLimitsOfAGraph, WithoutRoomForOneDummyNothingChanges) {
+TEST_F(LayoutLimitsOfAGraph, WithoutSpaceForOneDummyNothingChanges) {
     run.limits.maxElements = elements();
     expectStop(std::to_string(elements()));
     EXPECT_EQ(elements(), 20U);
@@ -84,7 +84,7 @@ TEST_F(LayoutLimitsOfAGraph, LinkBetweenGroupsStopsAsWell) {
     graph.clearHierarchicalLevelManagers();
     graph.createDummyLinksForGroups();
     EXPECT_TRUE(graph.calculateHierarchicalLevels().is_success());
-    // Room for the eight dummies inside the top level and one of the two that the way out of g takes.
+    // Space for the eight dummies inside the top level and one of the two that leaving g takes.
     run.limits.maxElements = elements() + 18;
     expectStop(std::to_string(elements() + 18));
     EXPECT_EQ(endsOf(*longLink), "x>0_x_dummy");

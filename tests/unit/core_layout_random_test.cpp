@@ -1,4 +1,4 @@
-// Every pass against a literal second implementation of it, on random diagrams.
+// Every pass, compared with a literal second implementation of it, on random diagrams.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -73,7 +73,7 @@ std::string nameOf(Code code) {
     return code == Code::success ? "success" : code == Code::falseCode ? "false" : "IsNot.Valid.Range";
 }
 
-// In how many diagrams something was met, so that a test can tell that they are of all kinds.
+// In how many diagrams something occurred, so that a test can show that they are of all kinds.
 struct Met {
     int finished = 0;
     int exchanged = 0;
@@ -86,7 +86,7 @@ struct Met {
 std::string saidDifferently(error_code_t code, Code literalCode, const LogCapture& log,
                             const Record& record) {
     if (nameOf(code) != nameOf(literalCode))
-        return "it answers " + nameOf(code) + ", not " + nameOf(literalCode);
+        return "it returns " + nameOf(code) + ", not " + nameOf(literalCode);
     std::vector<std::string> expected;
     for (const std::string& condition : record.failed)
         expected.push_back("ERROR check " + condition);
@@ -111,7 +111,7 @@ variant_bag_t dumped(Graph& graph) {
     return out;
 }
 
-// Empty when all passes do the same.
+// "" when all passes agree.
 std::string compareAllPasses(std::uint64_t seed, Met& met) {
     Graph graph;
     Graph literalGraph;
@@ -157,7 +157,7 @@ TEST(LayoutRandom, EveryPassDoesWhatTheLiteralOneDoes) {
         const std::string difference = compareAllPasses(static_cast<std::uint64_t>(seed), met);
         ASSERT_EQ(difference, "") << "seed " << seed;
     }
-    // All kinds of diagrams have been there, and few were too large.
+    // All kinds of diagrams occurred, and few were too large.
     EXPECT_GT(met.finished, seeds * 99 / 100);
     EXPECT_GT(met.exchanged, seeds / 20);
     EXPECT_GT(met.centresAligned, seeds / 20);
@@ -172,7 +172,7 @@ TEST(LayoutRandom, EveryPassDoesWhatTheLiteralOneDoes) {
     EXPECT_GT(met.growths["addDummyNodesForLabels"], seeds / 4);
 }
 
-// Dummy links that stand before their real links, which no document leads to.
+// Dummy links before their real links in the list, which no document leads to.
 TEST(LayoutRandom, LinksAreSplitAsTheLiteralPassDoesInAnyOrderOfTheList) {
     constexpr std::uint64_t seeds = 1'500;
     int grown = 0;

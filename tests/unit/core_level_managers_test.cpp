@@ -51,7 +51,7 @@ TEST_F(LevelManagers, NodesOfALayerStandInTheOrderOfTheirArrival) {
     EXPECT_EQ(layers(), (Layers{{}, {"c", "a", "b"}}));
 }
 
-TEST_F(LevelManagers, NodeThatMovesOnLeavesAPlaceholderWhenAsked) {
+TEST_F(LevelManagers, NodeThatMovesOnLeavesAPlaceholderWhenRequested) {
     EXPECT_TRUE(put(a, 1) && put(b, 1) && put(c, 1));
     EXPECT_TRUE(put(b, 2, true));
     EXPECT_EQ(layers(), (Layers{{}, {"a", "(null)", "c"}, {"b"}}));
@@ -62,7 +62,7 @@ TEST_F(LevelManagers, NodeThatMovesOnLeavesAShorterLayerOtherwise) {
     EXPECT_TRUE(put(a, 1) && put(b, 1) && put(c, 1));
     EXPECT_TRUE(put(b, 2, false));
     EXPECT_EQ(layers(), (Layers{{}, {"a", "c"}, {"b"}}));
-    // c stands elsewhere than where it came to.
+    // c is recorded in another layer than the one it is in.
     EXPECT_TRUE(put(c, 2, true));
     EXPECT_EQ(layers(), (Layers{{}, {"a", "(null)"}, {"b", "c"}}));
 }
@@ -77,7 +77,7 @@ TEST_F(LevelManagers, FirstEntryOfANodeMovesAlsoInALayerEditedByHand) {
     EXPECT_EQ(layers(), (Layers{{}, {"a", "b", "c"}, {"b", "c"}}));
 }
 
-TEST_F(LevelManagers, NodeThatMovesOnGoesBehindThoseThatAreThere) {
+TEST_F(LevelManagers, NodeThatMovesOnComesAfterThoseThatAreThere) {
     EXPECT_TRUE(put(a, 0) && put(b, 2) && put(a, 2));
     EXPECT_EQ(layers(), (Layers{{}, {}, {"b", "a"}}));
 }

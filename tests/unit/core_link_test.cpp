@@ -1,4 +1,4 @@
-// Links: the pair of nodes that stand side by side in one group, and what a link shows.
+// Links: the pair of nodes that represents both ends in one group, and what a link shows.
 #include <gtest/gtest.h>
 
 #include <memory>

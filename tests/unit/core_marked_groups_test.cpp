@@ -1,4 +1,4 @@
-// Marked groups on the way out of a nesting, against walks.
+// Marked groups around a nested node, compared with plain walks.
 #include "core/view_model/passes/marked_groups.h"
 
 #include <gtest/gtest.h>
@@ -34,7 +34,7 @@ TEST(MarkedGroups, GroupsOfEndsThatTheGraphDoesNotListAreKnown) {
     EXPECT_FALSE(marked.contains(g.get(), nullptr));
 }
 
-TEST(MarkedGroups, AnswersWhatAWalkOutwardsFinds) {
+TEST(MarkedGroups, ReturnsWhatAWalkOutwardsFinds) {
     std::mt19937 random(7);
     for (int round = 0; round < 100; ++round) {
         Graph graph;

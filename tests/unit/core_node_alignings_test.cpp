@@ -74,7 +74,7 @@ TEST_F(NodeAlignings, CentreLabelIsAlignedTowardsTheFartherEnd) {
     EXPECT_EQ(log.reports(), Names{});
 }
 
-TEST_F(NodeAlignings, OtherLabelsOnTheWayCountAsDummiesDo) {
+TEST_F(NodeAlignings, OtherLabelsInBetweenCountAsDummiesDo) {
     const NodePtr l = label("l", "center");
     chain({a, label("f", "from"), l, label("t", "to"), node("d", nullptr, "dummy"), b});
     graph.setNodeAlignings();
@@ -105,13 +105,13 @@ TEST_F(NodeAlignings, CentreLabelWithTwoParentsStopsThePass) {
     expectFailure("node.second->getParents().size() == 1");
 }
 
-TEST_F(NodeAlignings, DummyOnTheWayWithTwoChildrenStopsThePass) {
+TEST_F(NodeAlignings, DummyInBetweenWithTwoChildrenStopsThePass) {
     centreLabel(0, 2);
     link(found("l behind 0"), a);  // its first child, another dummy, makes the walk continue
     expectFailure("n->getChildren().size() == 1");
 }
 
-TEST_F(NodeAlignings, DummyOnTheWayWithTwoParentsStopsThePass) {
+TEST_F(NodeAlignings, DummyInBetweenWithTwoParentsStopsThePass) {
     centreLabel(2, 0);
     link(b, found("l before 1"));
     expectFailure("n->getParents().size() == 1");

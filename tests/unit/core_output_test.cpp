@@ -242,7 +242,7 @@ TEST_F(Output, LabelShowsItsTransferOfTheCurrentModeAndOtherNodesNever) {
     EXPECT_TRUE(node.get_value().get_variant_bag("info")->is_empty());
 }
 
-TEST_F(Output, LabelWithBothWritesItsDisplayInfoFirstAndTheTransferBehindIt) {
+TEST_F(Output, LabelWithBothWritesItsDisplayInfoBeforeTheTransfer) {
     const auto label = addNode("l", "label");
     label->m_info = infoOf("own", {"1"});
     label->m_dataTransfers["bandwidth"] = infoOf("transfer", {"2"});
@@ -306,7 +306,7 @@ TEST_F(Output, SecondDumpWritesTheSame) {
     EXPECT_EQ(dump(), first);
 }
 
-TEST_F(Output, ElementsAreAddedBehindWhatTheBagHolds) {
+TEST_F(Output, ElementsAreAddedAfterWhatTheBagHolds) {
     variant_bag_t out;
     out.put("v", "1");
     out.add_variant_bag("nodes").put("mine", "1");

@@ -257,7 +257,7 @@ TEST_F(Localisation, KeyThatRendersEmptyEverywhereIsItsOwnText) {
     EXPECT_EQ(getMessageFromCatalog("X"), "X");
 }
 
-TEST_F(Localisation, CataloguesOfOtherNamesAreNotAsked) {
+TEST_F(Localisation, CataloguesOfOtherNamesAreNotRead) {
     catalog("other", {{"X", "wrong"}});
     EXPECT_EQ(getMessageFromCatalog("X"), "X");
 }
@@ -272,7 +272,7 @@ TEST_F(Localisation, MessageIsRenderedWithoutArguments) {
     EXPECT_EQ(getMessageFromCatalog("X"), "%1 of %2");
 }
 
-TEST_F(Localisation, CataloguesAreAskedInOrderAndOnlyAsFarAsNeeded) {
+TEST_F(Localisation, CataloguesAreReadInOrderAndOnlyAsFarAsNeeded) {
     struct Recording final : optstore2::IMessageCatalogSource {
         std::shared_ptr<const RTBASE_2_18::i18n::catalog_t> getCatalog(
             const std::string& name) const override {
@@ -306,7 +306,7 @@ TEST_F(Localisation, SourceIsTakenAnewForEachCatalogueName) {
     EXPECT_EQ(getMessageFromCatalog("X"), "from the next source");
 }
 
-TEST_F(Localisation, AttributeIsLocalisedOnlyWhenAskedFor) {
+TEST_F(Localisation, AttributeIsLocalisedOnlyOnRequest) {
     catalog("viewpoint", {{"X", "text"}});
     const variant_bag_t bag = bagOf("<e displayName='X'/>");
     EXPECT_EQ(getAttrAndLocalize(bag, "displayName", true), "text");

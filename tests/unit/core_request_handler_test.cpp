@@ -105,7 +105,7 @@ TEST_F(DiagramRequestHandler, EmptyConfigurationLeavesTheHandlerWithoutDiagram) 
     EXPECT_EQ(log.lines().size(), 1U) << "only the create may have been reported";
 }
 
-TEST_F(DiagramRequestHandler, EmptyConfigurationIsAskedForAgain) {
+TEST_F(DiagramRequestHandler, EmptyConfigurationIsFetchedAgain) {
     useHost("<v/>");
     EXPECT_FALSE(send("create").succeeded());
     host->base->config = bagOf(twoNodes);
@@ -138,7 +138,7 @@ TEST_F(DiagramRequestHandler, SecondCreateRunsNoQueryAndParsesNothing) {
     EXPECT_EQ(jsonOf(out), first);
 }
 
-TEST_F(DiagramRequestHandler, EveryOtherNameIsUnknownAndAnsweredWithAnErrorThatCarriesIt) {
+TEST_F(DiagramRequestHandler, EveryOtherNameIsUnknownAndReturnsAnErrorThatCarriesIt) {
     useHost(twoNodes);
     for (const bool withDiagram : {false, true}) {
         if (withDiagram) {
@@ -157,7 +157,7 @@ TEST_F(DiagramRequestHandler, EveryOtherNameIsUnknownAndAnsweredWithAnErrorThatC
     EXPECT_EQ(host->base->asked, 1) << "only the create may ask for the configuration";
 }
 
-TEST_F(DiagramRequestHandler, NameWithAZeroByteBehindItIsUnknown) {
+TEST_F(DiagramRequestHandler, NameWithAZeroByteAfterItIsUnknown) {
     using namespace std::string_literals;
     useHost(twoNodes);
     EXPECT_TRUE(send("create\0"s).is(bk2::error::FailedTo));
@@ -186,7 +186,7 @@ TEST_F(DiagramRequestHandler, InheritsTaskNameStrategyAndClose) {
     EXPECT_EQ(jsonOf(out), before);
 }
 
-// A base handler whose answer to each request is the test's.
+// A base handler whose result of each request is the test's.
 class ScriptedBase final : public ForwardingRequestHandler {
   public:
     using Script = std::function<error_code_t(const std::string&, const variant_bag_t&, variant_bag_t&,
@@ -201,7 +201,7 @@ class ScriptedBase final : public ForwardingRequestHandler {
     Script m_script;
 };
 
-TEST_F(DiagramRequestHandler, BaseHandlerIsAskedForConfigWithTheRequestsBagAndProgress) {
+TEST_F(DiagramRequestHandler, BaseHandlerIsSentConfigWithTheRequestsBagAndProgress) {
     useHost(twoNodes);
     in.put("who", "pane");
     const CountingProgress progress;
@@ -328,7 +328,7 @@ TEST_F(DiagramRequestHandler, KeepsItsServicesForItsLifeAndReleasesThemInReverse
                                                              std::move(base), std::move(filterMgr), nullptr);
     }
     EXPECT_TRUE(send("create").is_success());
-    host->result->runs.clear();  // it keeps the queries that it was asked
+    host->result->runs.clear();  // it keeps the queries that it ran
     EXPECT_EQ(ended, Reports{});
     handler = nullptr;
     EXPECT_EQ(ended, (Reports{"filter manager", "base handler", "diagram", "input data", "query library"}));

@@ -113,7 +113,7 @@ struct Threads : testing::Test {
         in.add_variant_bag("mode").put("", mode);
         return in;
     }
-    // What one thread alone gets to see, in every mode.
+    // What a single thread sees, in every mode.
     std::set<std::string> allowed() {
         std::set<std::string> diagrams;
         const auto alone = makeHandler();
@@ -129,7 +129,7 @@ struct Threads : testing::Test {
         EXPECT_TRUE(diagrams.contains(normalised(jsonOf(out))));
         return diagrams;
     }
-    // Sends requests on all threads at once and hands each answer to `judge`.
+    // Sends requests on all threads at once and passes each result to `judge`.
     template <class Judge>
     void sendOnAllThreads(panelcore_1::IRequestHandler& handler, const std::vector<std::string>& names,
                           Judge judge) {
@@ -156,7 +156,7 @@ struct Threads : testing::Test {
     std::mutex mutex;
 };
 
-TEST_F(Threads, EveryAnswerIsOneOfTheDiagramsThatASingleThreadSees) {
+TEST_F(Threads, EveryResultIsOneOfTheDiagramsThatASingleThreadSees) {
     const std::set<std::string> diagrams = allowed();
     const auto handler = makeHandler();
     variant_bag_t first;
@@ -177,7 +177,7 @@ TEST_F(Threads, EveryAnswerIsOneOfTheDiagramsThatASingleThreadSees) {
     EXPECT_EQ(log.reports(), std::vector<std::string>{});
 }
 
-TEST_F(Threads, ChangeOfModeAnswersInTheModeThatItSets) {
+TEST_F(Threads, ChangeOfModeWritesInTheModeThatItSets) {
     const auto handler = makeHandler();
     variant_bag_t first;
     EXPECT_TRUE(handler->handleRequest("create", {}, first, nullptr).is_success());
@@ -213,7 +213,7 @@ TEST_F(Threads, FirstCreatesRaceAndOneOfThemBuildsTheDiagram) {
     EXPECT_EQ(host.library->built, 7) << "each row set's query is built once";
 }
 
-TEST_F(Threads, BeforeTheFirstCreateTheOthersAnswerFalseAndWriteNothing) {
+TEST_F(Threads, BeforeTheFirstCreateTheOthersReturnFalseAndWriteNothing) {
     const std::set<std::string> diagrams = allowed();
     const auto handler = makeHandler();
     int strange = 0;
@@ -226,7 +226,7 @@ TEST_F(Threads, BeforeTheFirstCreateTheOthersAnswerFalseAndWriteNothing) {
     EXPECT_EQ(strange, 0);
 }
 
-TEST_F(Threads, UnknownNamesAndTheDomainNameNeedNoTurn) {
+TEST_F(Threads, UnknownNamesAndTheDomainNameDoNotWait) {
     const auto handler = makeHandler();
     std::atomic<int> wrong{0};
     {

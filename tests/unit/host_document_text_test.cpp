@@ -6,15 +6,15 @@
 namespace tessera_host {
 namespace {
 
-TEST(OneLine, KeepsWhatIsNoControlCharacter) {
+TEST(OneLine, KeepsWhatIsNotAControlCharacter) {
     EXPECT_EQ(oneLine("a \xC3\xA4 \xE2\x82\xAC ~\xC2\xA0"), "a \xC3\xA4 \xE2\x82\xAC ~\xC2\xA0");
 }
 
-TEST(OneLine, ControlCharactersAreBlanks) {
+TEST(OneLine, ControlCharactersBecomeSpaces) {
     EXPECT_EQ(oneLine(std::string_view("a\nb\r\tc\0d\x1B[1m\x7F|", 14)), "a b  c d [1m |");
 }
 
-TEST(OneLine, ControlCharactersBeyondAsciiAreBlanks) {
+TEST(OneLine, ControlCharactersBeyondAsciiBecomeSpaces) {
     EXPECT_EQ(oneLine("a\xC2\x80"
                       "b\xC2\x85"
                       "c\xC2\x9F"
@@ -22,7 +22,7 @@ TEST(OneLine, ControlCharactersBeyondAsciiAreBlanks) {
               "a b c d");
 }
 
-TEST(OneLine, LineAndParagraphSeparatorsAreBlanks) {
+TEST(OneLine, LineAndParagraphSeparatorsBecomeSpaces) {
     EXPECT_EQ(oneLine("a\xE2\x80\xA8"
                       "b\xE2\x80\xA9"
                       "c"),
@@ -30,7 +30,7 @@ TEST(OneLine, LineAndParagraphSeparatorsAreBlanks) {
     EXPECT_EQ(oneLine("\xE2\x80\xA7|\xE2\x80\xAA"), "\xE2\x80\xA7|\xE2\x80\xAA") << "their neighbours stay";
 }
 
-TEST(OneLine, BytesThatAreNoTextAreReplaced) {
+TEST(OneLine, InvalidUtf8IsReplaced) {
     EXPECT_EQ(oneLine("a\xFF"
                       "b"),
               "a\xEF\xBF\xBD"

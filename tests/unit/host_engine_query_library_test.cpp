@@ -95,7 +95,7 @@ TEST_F(QueryLibraryTest, NoMemberIsAVectorWithoutColumns) {
     EXPECT_TRUE(messenger.posts.empty());
 }
 
-TEST_F(QueryLibraryTest, OtherChildrenAreNoMembers) {
+TEST_F(QueryLibraryTest, OtherChildrenAreNotMembers) {
     variant_bag_t definition = rowSet({"/Errors"});
     definition.add_variant_bag("note").put("", "/Nowhere");
     const auto query = qlib_1::IVectorQuery::cast(library->buildQuery(definition, &messenger));

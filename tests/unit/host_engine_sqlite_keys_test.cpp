@@ -93,7 +93,7 @@ TEST_F(SqliteKeys, ColumnsOfNumbersCompareAsNumbers) {
     EXPECT_EQ(bits("ids", "1.5"), "");
 }
 
-TEST_F(SqliteKeys, CaseAndBlanksCount) {
+TEST_F(SqliteKeys, CaseAndSpacesCount) {
     EXPECT_EQ(bits("anycase", "a"), "1");
     EXPECT_EQ(bits("anycase", "A"), "2");
     EXPECT_EQ(bits("anycase", "a "), "4");

@@ -54,7 +54,7 @@ std::vector<std::string> textsOf(const std::vector<Problem>& problems) {
     return texts;
 }
 
-// What the document becomes, as another document says it. The viewpoint that was reversed stays as it was.
+// What the document becomes, expressed as another document. The original viewpoint stays unchanged.
 void expectReversed(const std::string& before, const std::string& after) {
     const Viewpoint::Pointer viewpoint = viewpointOf(before);
     const auto made = makeAcyclic(viewpoint, CancelToken());
@@ -119,7 +119,7 @@ TEST(AcyclicDocument, EntriesBelongToTheLinkThatTheyReach) {
     };
     const std::string two = document("from='a' to='b'", "from", "to");
     EXPECT_EQ(jsonOf(acyclic(two)), jsonOf(bagOf(two)));
-    // Three against two: with one more link there are fewer the other way round.
+    // Three against two: with one more link, fewer go the other way.
     const std::string more = "<link id='z' from='a' to='b'/></graph><display>";
     const auto withMore = [&](std::string text) {
         return text.replace(text.find("</graph><display>"), 17, more);

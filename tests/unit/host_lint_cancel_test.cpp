@@ -1,4 +1,4 @@
-// Every walk of a check through a large document ends when the check is cancelled.
+// Every walk of a check through a large document ends soon after the check is cancelled.
 #include <gtest/gtest.h>
 
 #include "host/lint/document_check.h"
@@ -19,7 +19,7 @@ std::string repeated(const std::string& text) {
     return all;
 }
 
-// A document that is large in one respect.
+// A document that is large in one dimension.
 struct Large {
     const char* name;
     std::string text;

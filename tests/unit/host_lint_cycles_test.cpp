@@ -1,4 +1,4 @@
-// Which links form cycles, and what is said about them: one finder and one reporter for all who ask.
+// Which links form cycles, and the messages about them: one finder and one reporter for all callers.
 #include <gtest/gtest.h>
 
 #include "host/document/viewpoint.h"

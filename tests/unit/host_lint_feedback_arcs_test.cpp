@@ -51,7 +51,7 @@ Index backwardsIn(const ArcGraph& graph, const Order& order) {
     return count;
 }
 
-// Takes away what nothing enters until nothing is left.
+// Removes nodes that no arc enters until none is left.
 bool isAcyclic(const ArcGraph& graph, const std::vector<bool>& isReversed) {
     std::vector<Index> entering(graph.nodeCount());
     std::vector<Order> next(graph.nodeCount());
@@ -79,7 +79,7 @@ bool isMinimal(const ArcGraph& graph, std::vector<bool> isReversed) {
     return true;
 }
 
-// Of all orders there are.
+// The minimum over all orders.
 Index fewestOfAllOrders(const ArcGraph& graph) {
     Order order(graph.nodeCount());
     std::iota(order.begin(), order.end(), 0);
@@ -185,7 +185,7 @@ TEST(FeedbackArcs, OrdersHoldWhatTheyPromise) {
     }
 }
 
-// Fewer than half of the arcs run backwards, by a sixth of the nodes: its authors prove that.
+// Fewer than half of the arcs run backwards, by a sixth of the nodes: the algorithm is proven to reach that.
 TEST(FeedbackArcs, GreedyOrderKeepsItsBound) {
     std::mt19937 random(5);
     const CancelToken token;

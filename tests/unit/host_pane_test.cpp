@@ -202,14 +202,14 @@ TEST_F(PaneTest, OneThreadMayChangeFiltersWhileAnotherSendsRequests) {
 }
 
 // Two rows with the same reference: one question.
-TEST_F(PaneTest, EqualReferencesAreAskedOnceARequest) {
+TEST_F(PaneTest, EqualReferencesAreQueriedOnceARequest) {
     Pane pane(read(R"(<node id="c"><rowSet><queryRef>/Bytes/2</queryRef></rowSet></node>)"), store, {});
     (void)valuesAfter(pane, "create");
     EXPECT_EQ(store->single, 3);  // Count, Bytes/1 and Bytes/2
     EXPECT_EQ(store->together, 0);
 }
 
-TEST_F(PaneTest, ManyCostlyReferencesAreAskedTogether) {
+TEST_F(PaneTest, ManyCostlyReferencesAreQueriedTogether) {
     std::string rows;
     for (int i = 10; i < 60; ++i)
         rows += "<queryRef>/Bytes/" + std::to_string(i) + "</queryRef>";

@@ -43,7 +43,7 @@ TEST(JsonReader, ObjectsAndArraysAreChildren) {
     EXPECT_EQ(bag.position().line, 0U);
 }
 
-TEST(JsonReader, EmptyArraysAreNoChildren) {
+TEST(JsonReader, EmptyArraysHaveNoChildren) {
     EXPECT_EQ(toJson(fromJson(R"({"x":[],"y":{"z":[ ]}})")), R"({"y":{}})");
     EXPECT_EQ(toJson(fromJson(R"({"arrayOf":"x","x":[]})")), R"({"arrayOf":"x","x":[]})");
 }
@@ -131,7 +131,7 @@ TEST(JsonReader, WrongStrings) {
     EXPECT_EQ(errorOf("{\"a\0\":1}"s), "1:4: a NUL character must be written as an escape");
 }
 
-// Deep nonsense is refused without exhausting the stack and in no time.
+// Deep nesting without meaning is rejected quickly and without exhausting the stack.
 TEST(JsonReader, DeepNestingOfTheWrongKind) {
     EXPECT_EQ(errorOf(std::string(1000000, '[')), "1:1: the outermost value must be an object");
     EXPECT_EQ(errorOf("{\"a\":" + std::string(1000000, '[')), "1:7: an array may hold objects only");

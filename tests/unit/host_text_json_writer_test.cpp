@@ -139,7 +139,7 @@ TEST(JsonWriter, EscapesAtEveryPlaceOfAText) {
     }
 }
 
-TEST(JsonWriter, BrokenUtf8IsMended) {
+TEST(JsonWriter, InvalidUtf8IsRepaired) {
     EXPECT_EQ(written("a\xFFz\xC3"), "\"a\xEF\xBF\xBDz\xEF\xBF\xBD\"");
     EXPECT_EQ(written("\xED\xA0\x80\n"), "\"\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\\n\"");
     variant_bag_t bag;

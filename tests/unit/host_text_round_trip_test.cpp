@@ -154,7 +154,7 @@ TEST(TextRoundTrip, AnyBytesAreWrittenSoThatTheyCanBeRead) {
     }
 }
 
-// Damaged documents are errors or other documents, never a crash.
+// A damaged document is an error or reads as another document; it never crashes the reader.
 TEST(TextRoundTrip, DamagedTextsAreReadOrRefused) {
     std::mt19937 random(99);
     for (unsigned seed = 1; seed <= 60; ++seed) {

@@ -108,7 +108,7 @@ TEST(TextScale, AMillionChildrenOfOneNameOfTwoAndOfAllDifferentOnes) {
     EXPECT_TRUE(mixed.ends_with(R"({"i":999995},{"i":999998}]})"));
 }
 
-TEST(TextScale, AWideBagDoesNotSlowDownTheSmallOnesBehindIt) {
+TEST(TextScale, AWideBagDoesNotSlowDownTheSmallOnesAfterIt) {
     variant_bag_t bag;
     variant_bag_t& wide = bag.add_variant_bag("wide");
     for (int i = 0; i < 1000000; ++i)

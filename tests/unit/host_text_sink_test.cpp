@@ -140,20 +140,20 @@ TEST(FileSink, SignalsDoNotDisturbTheWriting) {
     EXPECT_EQ(received, sent);
 }
 
-TEST(FileSink, TellsThatTheReaderIsGone) {
+TEST(FileSink, ReportsThatTheReaderIsGone) {
     const auto before = std::signal(SIGPIPE, SIG_IGN);
     std::array<int, 2> ends{};
     ASSERT_EQ(pipe(ends.data()), 0);
     close(ends[0]);
     FileSink sink(ends[1]);
-    EXPECT_TRUE(sink.write("nobody reads this"));
+    EXPECT_TRUE(sink.write("no reader is left"));
     EXPECT_FALSE(sink.flush());
     EXPECT_EQ(sink.error(), EPIPE);
     close(ends[1]);
     std::signal(SIGPIPE, before);
 }
 
-TEST(FileSink, TellsThatTheDiskIsFull) {
+TEST(FileSink, ReportsThatTheDiskIsFull) {
     const int full = open("/dev/full", O_WRONLY | O_CLOEXEC);
     if (full < 0) GTEST_SKIP() << "no /dev/full here";
     FileSink sink(full);

@@ -128,7 +128,7 @@ TEST_F(XmlFile, ReadsAPipeThatFillsSlowly) {
     });
     const auto read = readXmlFile("/dev/fd/" + std::to_string(ends[0]));
     const auto before = std::signal(SIGPIPE, SIG_IGN);
-    close(ends[0]);  // should the reading have ended too early, so does the writing
+    close(ends[0]);  // if reading ended too early, writing would, too
     writer.join();
     std::signal(SIGPIPE, before);
     ASSERT_TRUE(read) << problem(read);

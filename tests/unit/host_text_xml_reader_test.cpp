@@ -58,7 +58,7 @@ TEST(XmlReader, TextIsTrimmedAtItsEndsOnly) {
     EXPECT_EQ(textOf("first\nsecond"), "first\nsecond");
 }
 
-TEST(XmlReader, OtherBlanksAreText) {
+TEST(XmlReader, OtherWhiteSpaceIsText) {
     EXPECT_EQ(textOf("\u00A0x\u2003"), "\u00A0x\u2003");  // no-break space, em space
     EXPECT_EQ(textOf("&#xA0;"), "\u00A0");
     EXPECT_EQ(textOf("&#x85;x"), "\u0085x");
@@ -164,7 +164,7 @@ TEST(XmlReader, CancellationStopsTheReading) {
     }
 }
 
-// Wherever in the document it comes.
+// At any place of the document.
 TEST(XmlReader, CancellationStopsARunningReading) {
     const std::string large = manyElements(1000000);
     CancelSource source;

@@ -145,7 +145,7 @@ TEST(XmlWriter, NamesThatXmlDoesNotAllowAreErrors) {
     EXPECT_NE(errorFor(withNul), "no error");
 }
 
-// Fails at once.
+// A sink whose first write fails.
 class ClosedSink final : public TextSink {
   public:
     int calls = 0;

@@ -241,7 +241,7 @@ TEST(CellFormat, OtherTextStaysAndHasNoUnit) {
         EXPECT_EQ(format(text, "si:3", "B"), text);
 }
 
-TEST(CellFormat, BrokenTextIsMended) {
+TEST(CellFormat, InvalidUtf8IsRepaired) {
     EXPECT_EQ(format("a\xFF"
                      "b",
                      "plain"),

@@ -20,7 +20,7 @@ TEST(HostAssertion, HandlerOfTheHostsOwnGetsMessageAndPlaceAndMayReturn) {
     EXPECT_EQ(raised[0].line, 12);
 }
 
-TEST(HostAssertion, InstallingAnswersTheHandlerInForce) {
+TEST(HostAssertion, InstallingReturnsTheHandlerInForce) {
     const auto first = RTBASE_2_18::set_assertion_handler(ignore);
     EXPECT_NE(first, nullptr);
     EXPECT_EQ(RTBASE_2_18::set_assertion_handler(nullptr), &ignore);

@@ -89,7 +89,7 @@ TEST(ErrorCode, RaisedErrorHasTheNameOfItsEntry) {
     EXPECT_EQ(nameOf(error::Cancelled), "Cancelled");
 }
 
-TEST(ErrorCode, IsAsksForTheEntryWhateverTheMessage) {
+TEST(ErrorCode, IsComparesTheEntryWhateverTheMessage) {
     const error_code_t code = error_code_t::raise(error::IsNot.Valid.Data(_U("one")), "", "", 0);
     EXPECT_TRUE(code.is(error::IsNot.Valid.Data));
     EXPECT_FALSE(code.is(error::IsNot.Valid.Range));

@@ -54,7 +54,7 @@ TEST_F(CatalogSource, WithoutAHostsOwnThereAreNoCatalogues) {
         EXPECT_EQ(source->getCatalog(name), nullptr);
 }
 
-TEST_F(CatalogSource, InstalledSourceIsAnsweredUntilNullTakesItBack) {
+TEST_F(CatalogSource, InstalledSourceIsReturnedUntilNullRemovesIt) {
     const auto mine = std::make_shared<MemoryCatalogSource>();
     optstore2::setMessageCatalogSource(mine);
     EXPECT_EQ(optstore2::getMessageCatalogSource(), mine);

@@ -79,7 +79,7 @@ TEST_F(ObjectRegistry, EmptyObjectGivesEmpty) {
     EXPECT_TRUE(registry.query<INamed>(sptr_t<IObject>()).is_null());
 }
 
-TEST_F(ObjectRegistry, LocalObjectAnswersItsOwnInterface) {
+TEST_F(ObjectRegistry, LocalObjectReturnsItsOwnInterface) {
     const auto object = make_counted<Local>();
     const auto named = registry.query<INamed>(object);
     ASSERT_FALSE(named.is_null());

@@ -1,4 +1,4 @@
-// Vector queries, table-tree queries and the walk over an answer.
+// Vector queries, table-tree queries and the walk over a result.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -62,7 +62,7 @@ struct TableTreeQuery : testing::Test {
     sptr_t<qlib_1::ITableTree> tree;
 };
 
-TEST_F(TableTreeQuery, AsksTheEngineWithGroupingColumnsAndFiltersInOrder) {
+TEST_F(TableTreeQuery, CallsTheEngineWithGroupingColumnsAndFiltersInOrder) {
     tableTree->setInputData(inputData);
     EXPECT_TRUE(tableTree->setRowGrouping(IVectorQuery::create({query("total")})).is_success());
     EXPECT_TRUE(tableTree->setColumns(IVectorQuery::create({query("a"), query("b")})).is_success());

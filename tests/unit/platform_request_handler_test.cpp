@@ -95,17 +95,17 @@ TEST(RequestHandler, StrategyIsTheOneDefaultOfTheProcess) {
 }
 
 TEST(RequestHandler, ThreadsThatAskFirstGetTheSameStrategy) {
-    std::vector<std::shared_ptr<ITaskDisplacementStrategy>> answers(8);
+    std::vector<std::shared_ptr<ITaskDisplacementStrategy>> results(8);
     {
         std::vector<std::jthread> threads;
-        for (auto& mine : answers)
+        for (auto& mine : results)
             threads.emplace_back([&mine] { mine = PlainHandler().getTaskDisplacementStrategy(); });
     }
-    for (const auto& answer : answers)
-        EXPECT_EQ(answer, ITaskDisplacementStrategy::getDefault());
+    for (const auto& result : results)
+        EXPECT_EQ(result, ITaskDisplacementStrategy::getDefault());
 }
 
-TEST(RequestHandler, DefaultStrategyAnswersFalseToEveryQuestion) {
+TEST(RequestHandler, DefaultStrategyReturnsFalseFromEveryMember) {
     const auto strategy = ITaskDisplacementStrategy::getDefault();
     std::string name = "not touched";
     EXPECT_FALSE(strategy->buildTaskName("create", {}, name));

@@ -112,7 +112,7 @@ TEST(VariantBag, LookupFindsTheFirstChildOfAName) {
     EXPECT_EQ(textOf(*bag.get_variant_bag("row"), "v"), "first");
 }
 
-TEST(VariantBag, AnswerOfAddIsTheChildItself) {
+TEST(VariantBag, AddReturnsTheChildItself) {
     variant_bag_t bag;
     variant_bag_t& child = bag.add_variant_bag("c");
     EXPECT_TRUE(child.is_empty());

@@ -44,7 +44,7 @@ TEST(Variant, IntegersOfEveryWidthAreSignExtended) {
     EXPECT_EQ(variant_t(std::int64_t{INT64_MAX}).get<std::int64_t>(), INT64_MAX);
 }
 
-TEST(Variant, BooleanIsNoInteger) {
+TEST(Variant, BooleanIsNotAnInteger) {
     const variant_t flag(true);
     EXPECT_EQ(flag.type(), type_t::boolean);
     EXPECT_TRUE(flag.get<bool>());
@@ -60,7 +60,7 @@ TEST(Variant, OtherTypesCannotBeStored) {
     static_assert(std::is_constructible_v<variant_t, int>);
 }
 
-TEST(Variant, ReadingAnotherTypeRaisesTheAssertionNamedAfterTheTypeAndAnswersNothing) {
+TEST(Variant, ReadingAnotherTypeRaisesTheAssertionNamedAfterTheTypeAndReturnsNothing) {
     const AssertionCapture assertions;
     EXPECT_STREQ(variant_t(5).get<const char*>(), "");
     EXPECT_EQ(variant_t(5).get<std::string_view>(), "");

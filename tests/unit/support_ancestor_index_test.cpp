@@ -11,7 +11,7 @@ namespace {
 
 using Index = std::uint32_t;
 
-// The same questions, answered by walking up step by step.
+// The same functions, implemented by walking up step by step.
 struct PlainTree {
     std::vector<Index> parent{0};
 

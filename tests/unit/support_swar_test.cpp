@@ -7,7 +7,7 @@
 namespace tessera_support {
 namespace {
 
-// The word questions against a look at each byte.
+// The functions on words, compared with a look at each byte.
 TEST(Swar, IsRightForEveryByteAtEveryPlace) {
     for (unsigned value = 0; value < 256; ++value) {
         for (std::size_t place = 0; place < 8; ++place) {
