@@ -11,8 +11,8 @@ constexpr const char* componentName = "tessera";
 constexpr log4cplus::LogLevel errorLevel = 40000;
 constexpr log4cplus::LogLevel infoLevel = 20000;
 
-// Whether anybody learns of an error reported here; otherwise its text need not be made.
-bool isHeard(const Place& place) {
+// Whether a report made here reaches the log or the assertion; otherwise its text need not be formed.
+bool isReceived(const Place& place) {
     return place.unit.logger().isEnabledFor(errorLevel) || place.unit.assertionsOn();
 }
 
@@ -20,7 +20,7 @@ std::string inSignature(const std::string& text, const Place& place) {
     return text + " in " + place.signature;
 }
 
-// Logs `text` with the place behind it, then raises the assertion if that is switched on.
+// Logs `text` and the place, then raises the assertion if that is switched on.
 void report(const Place& place, const std::string& text) {
     const log4cplus::Logger& logger = place.unit.logger();
     if (logger.isEnabledFor(errorLevel))
@@ -45,19 +45,19 @@ bool SourceUnit::assertionsOn() const {
 }
 
 void failed(const Place& place, const char* condition, bool /*again*/) {
-    if (isHeard(place)) report(place, inSignature(std::string("Check failed: ") + condition, place));
+    if (isReceived(place)) report(place, inSignature(std::string("Check failed: ") + condition, place));
 }
 
 basekit2::error_code_t failedWith(const Place& place, const char* condition, bool /*again*/,
                                   const char* expression, const basekit2::error_t& error) {
-    if (isHeard(place))
+    if (isReceived(place))
         report(place, inSignature(std::string("Check failed: ") + condition, place) + " '" + expression +
                           ":" + error.message.str() + "'");
     return basekit2::error_code_t::raise(error, place.signature, place.unit.path(), place.line);
 }
 
 void alert(const Place& place, const std::string& message) {
-    if (isHeard(place)) report(place, inSignature(message, place));
+    if (isReceived(place)) report(place, inSignature(message, place));
     const log4cplus::Logger& logger = place.unit.logger();
     if (logger.isEnabledFor(infoLevel))
         logger.forcedLog(infoLevel, message, place.unit.path(), place.line, place.signature);

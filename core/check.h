@@ -4,7 +4,7 @@
 //     Check failed: CONDITION in SIGNATURE, at file: PATH:LINE
 // goes to the component logger at ERROR level, the host's assertion is raised if the environment variable
 // tessera_ERROR_HANDLING contains "assert", and the function returns. An alert is the same with a message
-// instead of a condition; its bare message is logged once more at INFO level, and the function goes on.
+// instead of a condition; its bare message is logged once more at INFO level, and the function continues.
 //
 // Every source file says once, at namespace scope, which source unit it belongs to:
 // TESSERA_SOURCE_UNIT("core/...").
@@ -48,7 +48,7 @@ struct Place {
 // while it calls.
 void failed(const Place& place, const char* condition, bool again);
 
-// The same for a check whose failure is a raised error; `expression` is that error's source text. Answers the
+// The same for a check whose failure is a raised error; `expression` is that error's source text. Returns the
 // raised code.
 [[nodiscard]] basekit2::error_code_t failedWith(const Place& place, const char* condition, bool again,
                                                 const char* expression, const basekit2::error_t& error);

@@ -30,7 +30,7 @@ struct Step {
 };
 
 bool readViewpoint(PaneProvider& dp, const Request& request) {
-    dp.parseViewpoint(*request.config, dp.m_queryLibrary, request.messenger, dp.m_inputData, dp.m_graph);
+    dp.parseWithoutCopy(*request.config, dp.m_queryLibrary, request.messenger, dp.m_inputData, dp.m_graph);
     return true;
 }
 

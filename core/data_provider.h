@@ -9,8 +9,8 @@
 
 namespace tessera_1 {
 
-// Parses, binds and lays out a diagram once, then fetches its values again and writes it as often as asked.
-// It is the parser that filled its graph. Locks nothing: its owner lets one thread in at a time.
+// Parses, binds and lays out a diagram once, then fetches its values again and writes it, any number of times.
+// It is the parser that filled its graph. Locks nothing: its owner must call it from one thread at a time.
 class TESSERA_EXPORT DataProvider : public DViewpointParser {
   public:
     // The pipeline from the pane's configuration to the laid-out graph. Null when a step fails, which has been

@@ -11,7 +11,7 @@
 namespace tessera_1 {
 
 // Dispatches the pane's requests by name and owns the one provider that serves them. Requests may come on any
-// thread; one lock makes those that touch the provider wait for each other.
+// thread; those that use the provider run one at a time.
 class DiagramViewRequestHandler : public panelcore_1::IRequestHandler {
   public:
     DiagramViewRequestHandler(basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary,
@@ -23,14 +23,14 @@ class DiagramViewRequestHandler : public panelcore_1::IRequestHandler {
     // "diagramView", in every state.
     [[nodiscard]] std::string getDomainName() const override;
 
-    // "create", "refresh" and "changeDisplayMode", compared exactly. Any other name is answered with a raised
-    // FailedTo whose message is that name.
+    // Dispatches "create", "refresh" and "changeDisplayMode", compared exactly. For any other name it returns a
+    // raised FailedTo whose message is that name.
     basekit2::error_code_t handleRequest(const std::string& name, const basekit2::variant_bag_t& in,
                                          basekit2::variant_bag_t& out, relay2::IProgress* progress) override;
 
-    // The pane's configuration, which is m_configBag. While that is empty, each call asks the base handler
-    // for "config", holding no lock: the base handler may send requests to this handler. Of several answers
-    // the first that is not empty is kept, and never changes again.
+    // The pane's configuration, which is m_configBag. While that is empty, each call sends "config" to the
+    // base handler, holding no lock: the base handler may send requests to this handler. The first
+    // configuration that is not empty is kept, and never changes again.
     const basekit2::variant_bag_t& getConfig(const basekit2::variant_bag_t& in, relay2::IProgress* progress);
 
     // Builds the diagram the first time, and writes it into `out` every time. An empty configuration is the
@@ -38,7 +38,7 @@ class DiagramViewRequestHandler : public panelcore_1::IRequestHandler {
     basekit2::error_code_t create(const basekit2::variant_bag_t& in, basekit2::variant_bag_t& out,
                                   relay2::IProgress* progress);
 
-    // Both answer the false code before the first successful "create".
+    // Both return the false code before the first successful "create".
     basekit2::error_code_t refresh(const basekit2::variant_bag_t& in, basekit2::variant_bag_t& out,
                                    relay2::IProgress* progress);
     basekit2::error_code_t changeDisplayMode(const basekit2::variant_bag_t& in, basekit2::variant_bag_t& out,

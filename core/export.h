@@ -2,5 +2,5 @@
 #pragma once
 
 #define TESSERA_EXPORT __attribute__((visibility("default")))
-// A member of an exported class that is nobody else's business.
+// A member of an exported class that is not exported: only the library itself calls it.
 #define TESSERA_HIDDEN __attribute__((visibility("hidden")))

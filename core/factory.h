@@ -20,10 +20,10 @@ namespace tessera_1 {
 // The handler keeps for its life: a reference on the query library and on the opened result, the pane's base
 // handler, and the filter manager. The messenger is not owned: it must outlive the handler, and may be null.
 // "create" sends "config" to the base handler until that has put the viewpoint into its output bag, once. No
-// lock is held then, so the base handler may send requests to this handler; two threads may ask it at once.
+// lock is held then, so the base handler may send requests to this handler; two threads may send it at once.
 //
 // Cancellation: a "create" that is cancelled while values are fetched keeps the diagram, and the next
-// "refresh" fetches the values. One that is cancelled inside a pass of the layout answers the cancellation
+// "refresh" fetches the values. One that is cancelled inside a pass of the layout returns the cancellation
 // error; the next request finishes the layout first.
 [[nodiscard]] TESSERA_EXPORT std::shared_ptr<panelcore_1::IRequestHandler> createDiagramViewRequestHandler(
     basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary, basekit2::sptr_t<qlib_1::IInputData> inputData,

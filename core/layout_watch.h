@@ -1,4 +1,4 @@
-// A look inside "create" while it runs, for tools and for those who hunt an error.
+// Observing "create" while it runs: for tools, and for finding errors of the layout.
 #pragma once
 
 #include <chrono>
@@ -46,7 +46,7 @@ class ILayoutWatcher {
 // document are quoted, with \n and the like for what would break a line.
 TESSERA_EXPORT void writeGraphText(const view_model::Graph& graph, std::ostream& out);
 
-// What is wrong with a graph behind that stage, by the rules that hold for every document; at most a hundred
+// What is wrong with a graph after that stage, by the rules that hold for every document; at most a hundred
 // findings. Linear time.
 [[nodiscard]] TESSERA_EXPORT std::vector<std::string> verifyGraph(const view_model::Graph& graph,
                                                                   const std::string& stage);

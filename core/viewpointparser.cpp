@@ -12,6 +12,15 @@ TESSERA_SOURCE_UNIT("core/viewpointparser");
 
 using basekit2::variant_t;
 
+namespace {
+
+constexpr const char* signatureOfParse =
+    "void tessera_1::DViewpointParser::parseViewpoint(tessera_1::DViewpointParser::variant_bag_t, "
+    "basekit2::sptr_t<qlib_1::IQueryLibrary>, relay2::IMessenger*, basekit2::sptr_t<qlib_1::IInputData>, "
+    "std::shared_ptr<tessera_1::view_model::Graph>&)";
+
+}  // namespace
+
 std::string getAttrAndLocalize(const basekit2::variant_bag_t& bag, std::string name, bool localize) {
     const variant_t* value = bag.get(name);
     if (value == nullptr) return {};
@@ -39,12 +48,21 @@ DViewpointParser::DViewpointParser() = default;
 
 DViewpointParser::~DViewpointParser() = default;
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the interface passes a copy
 void DViewpointParser::parseViewpoint(variant_bag_t viewpoint,
                                       basekit2::sptr_t<qlib_1::IQueryLibrary> library,
                                       relay2::IMessenger* messenger,
                                       basekit2::sptr_t<qlib_1::IInputData> result,
                                       std::shared_ptr<view_model::Graph>& graph) {
-    TESSERA_CHECK(library && result);
+    parseWithoutCopy(viewpoint, std::move(library), messenger, result, graph);
+}
+
+void DViewpointParser::parseWithoutCopy(const variant_bag_t& viewpoint,
+                                        basekit2::sptr_t<qlib_1::IQueryLibrary> library,
+                                        relay2::IMessenger* messenger,
+                                        const basekit2::sptr_t<qlib_1::IInputData>& result,
+                                        std::shared_ptr<view_model::Graph>& graph) {
+    TESSERA_CHECK_IN(signatureOfParse, library && result);
     m_messenger = messenger;
     m_library = std::move(library);
     if (graph) return;
@@ -60,8 +78,9 @@ void DViewpointParser::parseViewpoint(variant_bag_t viewpoint,
             else if (name == "display")
                 parseDisplaySection(section.get_value());
             else
-                TESSERA_ALERT("Unknown element <" + std::string(name) +
-                              "> found under <diagram>. Expected <graph>, <display>.");
+                TESSERA_ALERT_IN(signatureOfParse,
+                                 "Unknown element <" + std::string(name) +
+                                     "> found under <diagram>. Expected <graph>, <display>.");
         }
     }
 }

@@ -15,7 +15,7 @@
 namespace tessera_1 {
 
 // The value `name` of `bag`, or "" when there is none; looked up in the message catalogues when `localize` is
-// set. A value that is no string fails the host's own assertion.
+// set. A value that is not a string fails the host's own assertion.
 [[nodiscard]] TESSERA_EXPORT std::string getAttrAndLocalize(const basekit2::variant_bag_t& bag,
                                                             std::string name, bool localize);
 
@@ -26,8 +26,7 @@ namespace tessera_1 {
 // Whether `bag` holds a value (a child bag does not count) under `name`.
 [[nodiscard]] TESSERA_EXPORT bool hasAttr(const basekit2::variant_bag_t& bag, std::string name);
 
-// Nothing in a document stops the parse: what is wrong is reported, skipped, and reading goes on. Not
-// synchronised.
+// Nothing in a document stops the parse: what is wrong is reported and skipped. Not synchronised.
 class TESSERA_EXPORT DViewpointParser {
   public:
     using variant_bag_t = basekit2::variant_bag_t;
@@ -43,6 +42,13 @@ class TESSERA_EXPORT DViewpointParser {
     void parseViewpoint(variant_bag_t viewpoint, basekit2::sptr_t<qlib_1::IQueryLibrary> library,
                         relay2::IMessenger* messenger, basekit2::sptr_t<qlib_1::IInputData> result,
                         std::shared_ptr<view_model::Graph>& graph);
+
+    // The same without the copy; reports are those of parseViewpoint.
+    TESSERA_HIDDEN void parseWithoutCopy(const variant_bag_t& viewpoint,
+                                         basekit2::sptr_t<qlib_1::IQueryLibrary> library,
+                                         relay2::IMessenger* messenger,
+                                         const basekit2::sptr_t<qlib_1::IInputData>& result,
+                                         std::shared_ptr<view_model::Graph>& graph);
 
     // The "graph" section: ids, groups, links.
     // REQUIRES of all that follow: parseViewpoint has stored a graph.

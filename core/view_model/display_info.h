@@ -54,8 +54,8 @@ class TESSERA_EXPORT DisplayInfo {
     DisplayInfo();
 
     // Fetches the values of all rows from `inputData`, under its filters "selection" and "global" where it
-    // has them. A failure has been reported when it is answered (always as the false code) and leaves the
-    // rows that were not reached as they were. `progress` may be null.
+    // has them. A failure is reported, returned as the false code, and leaves the rows that were not
+    // reached as they were. `progress` may be null.
     basekit2::error_code_t setDataFromResult(sptr_t<qlib_1::IQueryLibrary> queryLibrary,
                                              sptr_t<qlib_1::IInputData> inputData,
                                              relay2::IProgress* progress);
@@ -95,7 +95,7 @@ TESSERA_EXPORT basekit2::error_code_t addFilter(sptr_t<qlib_1::IInputData> input
                                                 sptr_t<slicekit_1_0::ITableTreeQuery> query,
                                                 std::string name);
 
-// The single query that `column` answers.
+// The single query whose values are in `column`.
 [[nodiscard]] TESSERA_EXPORT sptr_t<qlib_1::IQuery> getColumnQuery(sptr_t<qlib_1::IColumnInfo> column);
 
 }  // namespace tessera_1::view_model

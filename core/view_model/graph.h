@@ -21,16 +21,16 @@ class TESSERA_EXPORT Graph {
     Graph();
     Graph(const Graph&) = delete;
     Graph& operator=(const Graph&) = delete;
-    // Takes the references between nodes and links apart, so that all of them end with the graph, at any
+    // Clears the references between nodes and links, so that all of them are destroyed with the graph, at any
     // nesting depth.
     ~Graph();
 
-    // Files the object under its id and appends it to its list. An earlier one of the same id stays in the
-    // list only.
+    // Sets the entry of the object's id to it, and appends it to its list. An earlier object of that id stays
+    // in the list only.
     void addNode(std::shared_ptr<Node> node);
     void addLink(std::shared_ptr<Link> link);
 
-    // The object filed under `id`, or null. Constant time.
+    // The object in the entry of `id`, or null. Constant time.
     [[nodiscard]] std::shared_ptr<Node> findNode(const std::string& id) const;
     [[nodiscard]] std::shared_ptr<Link> findLink(const std::string& id) const;
 
@@ -53,7 +53,7 @@ class TESSERA_EXPORT Graph {
     void setNodeAlignings();
     basekit2::error_code_t setGroupLevels();
 
-    // What they are made of.
+    // What the passes are composed of.
     using NodeAndLink = std::pair<std::shared_ptr<Node>, std::shared_ptr<Link>>;
     NodeAndLink insertNode(const std::shared_ptr<Link>& link, DataTransferTable transfers,
                            const std::string& type);
@@ -80,8 +80,7 @@ class TESSERA_EXPORT Graph {
     IdMap<Link> m_links;
     std::vector<std::shared_ptr<Node>> m_nodeList;  // in order of addNode
     std::vector<std::shared_ptr<Link>> m_linkList;  // in order of addLink
-    std::vector<std::shared_ptr<Node>>
-        m_groups;  // distinct groups of all nodes; null stands for the top level
+    std::vector<std::shared_ptr<Node>> m_groups;    // distinct groups of all nodes; null is the top level
     GroupLevelManager m_groupLevelManager;
     std::map<std::shared_ptr<Node>, HierarchicalLevelManager> m_levelManagers;
 };

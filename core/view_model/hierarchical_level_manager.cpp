@@ -44,32 +44,37 @@ error_code_t HierarchicalLevelManager::setLevel(const std::shared_ptr<Node>& nod
 }
 
 const std::int32_t* GroupLevels::find(std::string_view id) const {
-    const std::uint32_t at = position(id, IdIndex::hashOf(id));
+    const std::uint32_t at = position(id);
     return at == IdIndex::nowhere ? nullptr : &m_places[at].level;
 }
 
 void GroupLevels::set(std::string_view id, std::int32_t level) {
-    const std::uint32_t hash = IdIndex::hashOf(id);
-    const std::uint32_t at = position(id, hash);
-    if (at != IdIndex::nowhere) {
+    const std::uint32_t at = position(id);
+    if (at == IdIndex::nowhere)
+        append(id, level);
+    else
         m_places[at].level = level;
-        return;
-    }
-    m_index.add(hash, static_cast<std::uint32_t>(m_places.size()));
+}
+
+void GroupLevels::append(std::string_view id, std::int32_t level) {
     m_places.push_back({m_ids.size(), static_cast<std::uint32_t>(id.size()), level});
     m_ids.append(id);
 }
 
+std::uint32_t GroupLevels::position(std::string_view id) const {
+    if (m_indexed < m_places.size()) m_index.reserve(m_places.size());
+    for (; m_indexed < m_places.size(); ++m_indexed)
+        m_index.add(IdIndex::hashOf(idAt(m_places[m_indexed])), m_indexed);
+    return m_index.find(id, IdIndex::hashOf(id), [this](std::uint32_t at) { return idAt(m_places[at]); });
+}
+
 void GroupLevels::clear() {
-    m_ids.clear();
-    m_places.clear();
-    m_index.clear();
+    *this = GroupLevels();
 }
 
 void GroupLevels::reserve(std::size_t count, std::size_t idBytes) {
     m_ids.reserve(idBytes);
     m_places.reserve(count);
-    m_index.reserve(count);
 }
 
 void GroupLevelManager::setGroupLevel(const std::string& id, std::int32_t level) {

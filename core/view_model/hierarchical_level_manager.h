@@ -24,7 +24,7 @@ class TESSERA_EXPORT HierarchicalLevelManager {
     void addLevel();
     // Puts the node at the end of layer `level`, making layers as needed, and records the level on it. A node
     // that is in a layer already leaves it, and may only go to a deeper one; with `keepPlaceholder` a null
-    // entry stays behind, so that whoever reads that layer is not disturbed. A range error, reported, when
+    // entry takes its place, so that a loop over that layer is not disturbed. A range error, reported, when
     // the level is negative or not deeper; the false code, reported, when the node is not where its level
     // says.
     basekit2::error_code_t setLevel(const std::shared_ptr<Node>& node, std::int32_t level,
@@ -33,8 +33,8 @@ class TESSERA_EXPORT HierarchicalLevelManager {
     std::vector<std::shared_ptr<Level>> m_levels;
 };
 
-// Levels by id, as a hash map that keeps the ids one behind the other in one text. An id is shorter than
-// 4 GiB.
+// Levels by id: a hash map that keeps all ids in one text. The hashes are computed when an id is first looked
+// up, so that a caller who knows the numbers of the entries needs none. An id is shorter than 4 GiB.
 class TESSERA_EXPORT GroupLevels {
   public:
     struct Entry {
@@ -43,11 +43,15 @@ class TESSERA_EXPORT GroupLevels {
     };
 
     [[nodiscard]] std::size_t size() const noexcept { return m_places.size(); }
-    // In the order in which the ids came.
+    // By number, which is the order in which the ids came.
     [[nodiscard]] Entry entry(std::size_t i) const { return {idAt(m_places[i]), m_places[i].level}; }
     // Null when the id is not known.
     [[nodiscard]] const std::int32_t* find(std::string_view id) const;
     void set(std::string_view id, std::int32_t level);
+    // REQUIRES: the entry is there.
+    void setAt(std::size_t i, std::int32_t level) { m_places[i].level = level; }
+    // REQUIRES: there is no entry of that id.
+    void append(std::string_view id, std::int32_t level);
     void clear();
     void reserve(std::size_t count, std::size_t idBytes);
 
@@ -61,13 +65,12 @@ class TESSERA_EXPORT GroupLevels {
     [[nodiscard]] std::string_view idAt(const Place& place) const {
         return std::string_view(m_ids).substr(place.start, place.size);
     }
-    [[nodiscard]] std::uint32_t position(std::string_view id, std::uint32_t hash) const {
-        return m_index.find(id, hash, [this](std::uint32_t at) { return idAt(m_places[at]); });
-    }
+    [[nodiscard]] std::uint32_t position(std::string_view id) const;
 
     std::string m_ids;
     std::vector<Place> m_places;
-    IdIndex m_index;
+    mutable IdIndex m_index;  // of the first m_indexed places
+    mutable std::uint32_t m_indexed = 0;
 };
 
 // Nesting depths by node id.

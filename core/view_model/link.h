@@ -25,9 +25,9 @@ class TESSERA_EXPORT Link {
     // Appends those of the from end, the to end and the total.
     void getDisplayInfos(std::vector<std::shared_ptr<DisplayInfo>>& out) const;
 
-    // The two nodes, one on each side, that stand side by side in the innermost group that contains both ends
-    // (top level included): the ends themselves or the groups that hold them. The ends as they are when one
-    // is missing. Takes time in proportion to the nesting depth.
+    // The ends, each lifted to the innermost group that contains both (or to top level): the ends themselves or
+    // the groups that hold them. The ends as they are when one is missing. Takes time in proportion to the
+    // nesting depth.
     [[nodiscard]] std::pair<std::shared_ptr<Node>, std::shared_ptr<Node>> getFromToBelongToTheSameGroup()
         const;
     // The group of those two; null at top level or when an end is missing.
@@ -43,8 +43,8 @@ class TESSERA_EXPORT Link {
     std::string m_displayName;
     std::shared_ptr<Node> m_from;
     std::shared_ptr<Node> m_to;
-    std::shared_ptr<Link> m_realLink;   // on a dummy link: what it stands for
-    std::shared_ptr<Link> m_dummyLink;  // on a real link: what stands for it
+    std::shared_ptr<Link> m_realLink;   // on a dummy link: the link that it represents
+    std::shared_ptr<Link> m_dummyLink;  // on a real link: the dummy link that represents it
     std::string m_direction = "none";
     LinkDisplayInfo m_displayInfo;
 };

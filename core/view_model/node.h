@@ -14,7 +14,8 @@ namespace tessera_1::view_model {
 
 class GroupLevelManager;
 
-// Held by shared pointers, in cycles that the graph breaks when it ends. Used by one thread at a time.
+// Owned by shared pointers, which form cycles; the graph breaks them when it is destroyed. Used by one thread
+// at a time.
 class TESSERA_EXPORT Node : public std::enable_shared_from_this<Node> {
   public:
     Node();
@@ -22,7 +23,7 @@ class TESSERA_EXPORT Node : public std::enable_shared_from_this<Node> {
     Node(std::string id, DataTransferTable dataTransfers, std::string type);
     Node(std::string id, std::shared_ptr<DisplayInfo> info, std::string type);
 
-    // Notes a link between the two, once however many links there are.
+    // Records that a link leads from `parent` to `child`; once, however many links there are.
     static void addChildParent(const std::shared_ptr<Node>& child, const std::shared_ptr<Node>& parent);
 
     [[nodiscard]] const std::vector<std::shared_ptr<Node>>& getParents() const noexcept;
@@ -31,14 +32,14 @@ class TESSERA_EXPORT Node : public std::enable_shared_from_this<Node> {
     // A node is a group through its members alone.
     [[nodiscard]] bool isGroup() const noexcept;
 
-    // Joins `group` behind its members; a null group changes nothing. The false code, reported, when `group`
+    // Joins `group` as its last member; a null group changes nothing. The false code, reported, when `group`
     // has no member yet. An earlier group keeps listing this node: remove it there first. REQUIRES: this node
-    // is held by a shared pointer.
+    // is owned by a shared pointer.
     basekit2::error_code_t addToGroup(const std::shared_ptr<Node>& group);
-    // Strikes the first entry of `member` from this group's members; the member itself is left alone.
+    // Removes the first entry of `member` from this group's members; the member itself does not change.
     void removeFromGroup(const std::shared_ptr<Node>& member);
 
-    // The layer inside the group; no layer manager hears of it. A level below -1 is reported, and stored.
+    // The layer inside the group; no layer manager is changed. A level below -1 is reported, and stored.
     void setHierarchicalLevel(std::int32_t level);
     // Gives the members of this group, and of the groups in it at any depth, their levels: one more than the
     // group's own, which the manager should know (0 when it does not).

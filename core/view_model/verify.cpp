@@ -1,4 +1,4 @@
-// What must be true of every graph behind each stage of "create".
+// What must be true of every graph after each stage of "create".
 #include <algorithm>
 #include <string>
 #include <unordered_map>
@@ -26,7 +26,7 @@ class Verification {
     std::vector<std::string> run(const std::string& stage) {
         const auto& stages = layoutStages();
         const auto place = std::find(stages.begin(), stages.end(), stage);
-        const auto isBehind = [&](const char* other) {
+        const auto isAtOrAfter = [&](const char* other) {
             return std::find(stages.begin(), place, other) != place || stage == other;
         };
         tables("node", m_graph.m_nodes, m_graph.m_nodeList);
@@ -35,8 +35,8 @@ class Verification {
         if (stage == "info_nodes") valuesOnNodes();
         if (stage == "group_links") linksBetweenGroups();
         if (stage == "hierarchical_levels") linksGoDown();
-        if (isBehind("hierarchical_levels")) layers();
-        if (isBehind("group_levels")) depths();
+        if (isAtOrAfter("hierarchical_levels")) layers();
+        if (isAtOrAfter("group_levels")) depths();
         return std::move(m_findings);
     }
 
@@ -64,10 +64,10 @@ class Verification {
     void standIns() {
         for (const auto& link : m_graph.m_linkList) {
             if (link->m_realLink && link->m_type != "dummy")
-                find("link", link->m_id, "stands for another and is no dummy");
+                find("link", link->m_id, "represents another link and is not a dummy");
             if (link->m_dummyLink && !(link->m_dummyLink->m_realLink &&
                                        link->m_dummyLink->m_realLink->m_dummyLink == link->m_dummyLink))
-                find("link", link->m_id, "has a dummy link that stands for none or for another");
+                find("link", link->m_id, "has a dummy link that represents none or another link");
         }
     }
 

@@ -12,6 +12,8 @@ namespace {
 
 // Looks the mode up, leaving an empty entry where the table has none, and writes what is found.
 void dumpTransfer(DataTransferTable& table, variant_bag_t& info, const std::string& displayMode) {
+    // One bucket is enough for the few modes that there are, and takes no memory of its own.
+    if (table.empty()) table.max_load_factor(16);
     if (const auto& shown = table[displayMode]) shown->dump(info);
 }
 
@@ -33,9 +35,12 @@ void Graph::dumpNodes(variant_bag_t& out) {
     variant_bag_t& nodes = out.add_variant_bag("nodes");
     nodes.put("arrayOf", "node");
     const GroupLevels& levels = m_groupLevelManager.m_groupLevels;
+    const auto& entries = m_nodes.unordered();
     for (std::size_t i = 0; i < levels.size(); ++i) {
         const auto [id, level] = levels.entry(i);
-        if (const auto& node = m_nodes[id]) node->m_groupLevel = level;
+        // Both are mostly in the order in which the nodes were added; then no id is hashed.
+        const bool isInStep = i < entries.size() && entries[i].second && entries[i].first == id;
+        if (const auto& node = isInStep ? entries[i].second : m_nodes[id]) node->m_groupLevel = level;
     }
     for (const auto& node : m_nodeList)
         if (node->m_type != "groupInfo") node->dump(nodes, m_displayMode);

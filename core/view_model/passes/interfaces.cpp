@@ -1,8 +1,8 @@
-// A check that "interface" nodes stand at the end of their group. It changes nothing.
+// Checks that "interface" nodes are in the last layer of their group. Changes nothing.
 //
 // Needs:  the layers, dummies included.
 // Leaves: the graph as it was.
-// Order:  behind the label dummies.
+// Order:  after the label dummies.
 // Fails:  with the first group that has no layer, or the first interface that is not in its group's last one.
 #include "core/check.h"
 #include "core/view_model/graph.h"

@@ -1,11 +1,11 @@
-// A label of a link's end that dummies have pushed away from its node is exchanged with the farthest of them.
+// Exchanges a label that dummies have separated from its link's end with the dummy next to that end.
 //
 // Needs:  the dummies of long links.
-// Leaves: a "from" or "to" label that dummies stood before has changed places with the one next to its node:
-//         the two have each other's group and links, and their own layers.
-// Order:  behind the label dummies, before the alignings.
-// Fails:  at the first label with several nodes on the way to its end, with the false code; labels before it
-//         stay exchanged.
+// Leaves: a "from" or "to" label with dummies before its node has changed places with the one next to the
+//         node: the two have each other's group and links, and keep their layers.
+// Order:  after the label dummies, before the alignings.
+// Fails:  at the first label whose path to its end is not a simple one, with the false code; labels before
+//         it stay exchanged.
 #include <algorithm>
 #include <iterator>
 #include <unordered_map>
@@ -39,7 +39,7 @@ void exchangeOn(Link& link, const NodePtr& a, const NodePtr& b) {
         replaceLinkEnd(link, b, a);
 }
 
-// The members of a group, some of whom come and go.
+// The members of a group, while some join and some leave.
 class MemberList {
   public:
     explicit MemberList(NodePtrs members) : m_members(std::move(members)), m_count(m_members.size()) {
@@ -74,8 +74,8 @@ class MemberList {
     std::size_t m_count;
 };
 
-// Graph::swapNodes for many pairs, each in time proportional to their own links. Until this ends the groups
-// of exchanged nodes do not list their members. REQUIRES: no node exchanged has the type "node".
+// Graph::swapNodes for many pairs, each in time proportional to their own links. The groups of exchanged nodes
+// get their member lists back when this is destroyed. REQUIRES: no node exchanged has the type "node".
 class Exchange {
   public:
     explicit Exchange(const Graph& graph) : m_graph(graph) {}
@@ -159,7 +159,7 @@ error_code_t Graph::adjustLabelLocations() {
     Exchange exchange(*this);
     for (const auto& node : m_nodeList) {
         if (node->m_type != "label") continue;
-        std::size_t steps = 0;  // more than there are nodes go in a circle
+        std::size_t steps = 0;  // a path of more steps than there are nodes is a cycle
         if (node->m_location == "from") {
             TESSERA_CHECK(node->getParents().size() == 1, error_code_t::false_code());
             NodePtr parent = node->getParents()[0];

@@ -7,7 +7,7 @@
 namespace tessera_1::view_model {
 namespace {
 
-constexpr std::size_t stepsUnasked = 1'000'000;
+constexpr std::size_t stepsPerPoll = 1'000'000;
 
 }  // namespace
 
@@ -35,7 +35,7 @@ bool Sweeps::run(std::int64_t lastLayer, const std::vector<bool>* passing,
     while (m_level < lastLayer) {
         if (passing && std::none_of(layer().begin(), layer().end(), passes)) return true;
         steps += 1 + m_size;
-        if (progress && steps > stepsUnasked) {
+        if (progress && steps > stepsPerPoll) {
             steps = 0;
             if (progress->isCancelled()) return false;
         }
@@ -52,20 +52,20 @@ bool Sweeps::run(std::int64_t lastLayer, const std::vector<bool>* passing,
 std::int64_t Sweeps::levelOf(Number node) const {
     const Arrival arrival = m_nodes.arrivals[node];
     if (arrival < m_starts.front().first) return -1;
-    const auto behind =
+    const auto after =
         std::upper_bound(m_starts.begin(), m_starts.end(), arrival,
                          [](Arrival value, const Start& start) { return value < start.first; });
-    return std::prev(behind)->level;
+    return std::prev(after)->level;
 }
 
-// The nodes of the present layer arrive in it.
+// Records the arrival of the nodes in the present layer.
 void Sweeps::settle() {
     m_starts.push_back({m_nextArrival, m_level});
     for (const Number node : layer())
         m_nodes.arrivals[node] = m_nextArrival++;
 }
 
-// Reads the present layer into the next one. With one way there is nothing to remember of ways.
+// Reads the present layer into the next one. With a single way, ways are not recorded.
 template <bool hasManyWays>
 void Sweeps::sweep() {
     const Arrival start = m_nextArrival;
@@ -78,7 +78,7 @@ void Sweeps::sweep() {
         if (arrivals[node] >= start) continue;  // it has just moved on
         for (const Number child : childrenOf(m_graph, node)) {
             const Arrival before = arrivals[child];
-            const bool isNew = before < start;  // whether it is cannot be foretold: no branch
+            const bool isNew = before < start;  // unpredictable, so there is no branch
             *next = child;
             next += isNew ? 1 : 0;
             arrivals[child] = isNew ? nextArrival : before;
@@ -106,9 +106,9 @@ bool Sweeps::isAsRemembered() const {
     return true;
 }
 
-// A layer depends on nothing but the one above it. When it has been there before, whole rounds are left out,
-// but for one: it gives every node its place. What a layer is compared with is renewed at ever longer
-// intervals, so a repetition is found soon after it begins.
+// A layer depends only on the one above it. When it has occurred before, all further rounds but one are skipped;
+// that one gives every node its place. The layer to compare with is renewed at growing intervals, so a
+// repetition is found soon after it begins.
 void Sweeps::jump(std::int64_t lastLayer) {
     ++m_sinceSeen;
     if (isAsRemembered()) {

@@ -65,7 +65,7 @@ class Sweeps {
     SweptNodes& m_nodes;
     const bool m_hasManyWays;
     std::int64_t m_level;
-    std::vector<Number> m_layer;  // the present one is its first m_size nodes; there is room for one too many
+    std::vector<Number> m_layer;  // the present one is its first m_size nodes; it has space for one too many
     std::vector<Number> m_next;
     std::size_t m_size;
     Arrival m_nextArrival;

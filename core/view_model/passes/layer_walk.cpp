@@ -19,7 +19,7 @@ using Layer = std::vector<Number>;
 // The nodes that can be reached from the roots.
 struct Reached {
     Layer nodes;
-    Layer order;  // each behind all of its parents; without those on cycles or behind them
+    Layer order;  // each after all of its parents; without those on cycles or after them
 };
 
 Reached reach(const LayerGraph& graph) {
@@ -43,9 +43,9 @@ Reached reach(const LayerGraph& graph) {
     return reached;
 }
 
-// A node comes to stay in a layer when the first of its parents that stay in the layer above is read, and so
-// the order in a layer follows from that of the layer above, whatever passed through on its way further down.
-// `rootsOf` has the root of each node's way down, which is known for the roots.
+// A node gets its final place in a layer when the first of its parents in the layer above is read. So the order
+// in a layer follows from that of the layer above, whatever nodes passed through on their way further down.
+// `rootsOf` holds the root of the path to each node; it is set for the roots.
 std::vector<Layer> layersInOrder(const LayerGraph& graph, Layer roots, const Layer& order,
                                  std::vector<Number>& rootsOf) {
     std::vector<Number> depth(graph.childrenStart.size() - 1, 0);
@@ -69,11 +69,11 @@ std::vector<Layer> layersInOrder(const LayerGraph& graph, Layer roots, const Lay
     return layers;
 }
 
-// Nodes joined by links, as numbers that are the same for all nodes of a part.
-class Parts {
+// Connected components: a number for each node, the same for all nodes of one component.
+class Components {
   public:
     // Of the graph, or of what is left without the nodes in `leftOut`.
-    Parts(const LayerGraph& graph, const Layer& nodes, const std::vector<bool>& leftOut)
+    Components(const LayerGraph& graph, const Layer& nodes, const std::vector<bool>& leftOut)
         : m_above(graph.childrenStart.size() - 1) {
         std::iota(m_above.begin(), m_above.end(), 0U);
         for (const Number node : nodes) {
@@ -95,17 +95,17 @@ class Parts {
     std::vector<Number> m_above;
 };
 
-// Where a node comes to stay. What parts that no link joins do in the sweeps does not depend on the others;
-// of two nodes in a layer the one comes first whose way down started at the earlier root; behind one root, at
-// the earlier place of the layer in which a part was taken apart; and then whichever arrived earlier.
-struct Stay {
+// Final position of a node. Disconnected components are swept independently, and merged by these rules: of two
+// nodes in a layer, the one whose path started at the earlier root comes first; after one root, the one whose
+// path passed the earlier place of the layer in which a component was split; then whichever arrived earlier.
+struct FinalRank {
     std::int64_t level = -1;  // nowhere
     Number root = 0;
     Number place = 0;
     std::uint64_t arrival = 0;
     Number node = 0;
 
-    friend auto operator<=>(const Stay&, const Stay&) = default;
+    friend auto operator<=>(const FinalRank&, const FinalRank&) = default;
 };
 
 // Layers of a graph that has cycles.
@@ -118,7 +118,7 @@ class CyclicLayers {
           m_progress(progress),
           m_isAcyclic(graph.childrenStart.size() - 1, false),
           m_swept(m_isAcyclic.size()),
-          m_stays(m_isAcyclic.size()) {
+          m_ranks(m_isAcyclic.size()) {
         for (const Number node : reached.order)
             m_isAcyclic[node] = true;
         findParts(reached);
@@ -126,17 +126,17 @@ class CyclicLayers {
 
     Layers run() {
         layOutWithoutCycles();
-        Parts cores(m_graph, m_reached, m_isAcyclic);
+        Components cores(m_graph, m_reached, m_isAcyclic);
         for (const auto& [number, part] : m_cyclic)
             if (!layOut(part, cores)) m_isCancelled = true;
         Layers layers;
         layers.isBroken = true;
         layers.isCancelled = m_isCancelled;
         if (m_isCancelled) return layers;
-        std::sort(m_stays.begin(), m_stays.end());
+        std::sort(m_ranks.begin(), m_ranks.end());
         layers.nodes.resize(static_cast<std::size_t>(m_lastLayer) + 1);
-        for (const Stay& stay : m_stays)
-            if (stay.level >= 0) layers.nodes[static_cast<std::size_t>(stay.level)].push_back(stay.node);
+        for (const FinalRank& rank : m_ranks)
+            if (rank.level >= 0) layers.nodes[static_cast<std::size_t>(rank.level)].push_back(rank.node);
         return layers;
     }
 
@@ -147,8 +147,8 @@ class CyclicLayers {
         Layer rootPlaces;  // among all roots
     };
 
-    // All nodes on cycles or behind them that links among these join, and those of them that are there in the
-    // layer in which the nodes before the cycles are gone.
+    // A connected set of nodes on cycles or after them, and those of them that are in the first layer that no
+    // node before the cycles passes.
     struct Core {
         Layer nodes;
         Layer first;
@@ -158,7 +158,7 @@ class CyclicLayers {
 
     void findParts(const Reached& reached) {
         m_reached = reached.nodes;
-        Parts parts(m_graph, m_reached, std::vector<bool>(m_isAcyclic.size(), false));
+        Components parts(m_graph, m_reached, std::vector<bool>(m_isAcyclic.size(), false));
         std::unordered_set<Number> cyclic;
         for (const Number node : m_reached)
             if (!m_isAcyclic[node]) cyclic.insert(parts.of(node));
@@ -175,18 +175,18 @@ class CyclicLayers {
     }
 
     void layOutWithoutCycles() {
-        std::vector<Number> rootsOf(m_stays.size(), 0);
+        std::vector<Number> rootsOf(m_ranks.size(), 0);
         for (std::size_t i = 0; i < m_acyclic.roots.size(); ++i)
             rootsOf[m_acyclic.roots[i]] = m_acyclic.rootPlaces[i];
         const auto layers = layersInOrder(m_graph, m_acyclic.roots, m_acyclic.nodes, rootsOf);
         std::uint64_t arrival = 0;
         for (std::size_t level = 0; level < layers.size(); ++level)
             for (const Number node : layers[level])
-                m_stays[node] = {static_cast<std::int64_t>(level), rootsOf[node], 0, arrival++, node};
+                m_ranks[node] = {static_cast<std::int64_t>(level), rootsOf[node], 0, arrival++, node};
     }
 
     // False when it was cancelled.
-    bool layOut(const Part& part, Parts& cores) {
+    bool layOut(const Part& part, Components& cores) {
         Sweeps sweeps(m_graph, m_swept, part.roots, 0, part.nodes.size(), 1);
         if (!sweeps.run(m_lastLayer, &m_isAcyclic, m_progress)) return false;
         const auto rootOf = [&](Number node) { return part.rootPlaces[sweeps.wayOf(node)]; };
@@ -194,7 +194,7 @@ class CyclicLayers {
         for (const Number node : part.nodes) {
             if (!m_isAcyclic[node]) coresHere[cores.of(node)].nodes.push_back(node);
             const std::int64_t level = sweeps.levelOf(node);
-            if (level >= 0) m_stays[node] = {level, rootOf(node), 0, m_swept.arrivals[node], node};
+            if (level >= 0) m_ranks[node] = {level, rootOf(node), 0, m_swept.arrivals[node], node};
         }
         if (sweeps.level() == m_lastLayer) return true;
         Number place = 0;
@@ -216,7 +216,7 @@ class CyclicLayers {
             const std::int64_t level = sweeps.levelOf(node);
             const Number way = sweeps.wayOf(node);
             if (level >= 0)
-                m_stays[node] = {level, core.roots[way], core.places[way], m_swept.arrivals[node], node};
+                m_ranks[node] = {level, core.roots[way], core.places[way], m_swept.arrivals[node], node};
         }
         return true;
     }
@@ -224,9 +224,9 @@ class CyclicLayers {
     const LayerGraph& m_graph;
     const Number m_lastLayer;
     const relay2::IProgress* const m_progress;
-    std::vector<bool> m_isAcyclic;  // neither on a cycle nor behind one
+    std::vector<bool> m_isAcyclic;  // neither on a cycle nor after one
     SweptNodes m_swept;
-    std::vector<Stay> m_stays;  // of each node, and then in order
+    std::vector<FinalRank> m_ranks;  // of each node, and then in order
     Layer m_reached;
     Part m_acyclic;
     std::unordered_map<Number, Part> m_cyclic;

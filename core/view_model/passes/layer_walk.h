@@ -1,4 +1,4 @@
-// The layers of one group as numbers, for groups in which the plain walk would visit its nodes too often.
+// Index-based layering of one group; used when the plain walk exceeds its step budget.
 #pragma once
 
 #include <cstdint>
@@ -29,9 +29,9 @@ struct Layers {
 };
 
 // The walk of Graph::calculateHierarchicalLevelsForGroup without its placeholders: each sweep reads a layer
-// and moves the children of its nodes into the next one; layer `lastLayer` is the deepest. Without a cycle on
-// the way it takes linear time. With one it takes a step for each node of each sweep, until a layer repeats
-// an earlier one: from there the rest is known. Asks `progress`, which may be null, every few milliseconds.
+// and moves the children of its nodes into the next one; layer `lastLayer` is the deepest. Linear time when no
+// cycle can be reached. With one it takes a step for each node of each sweep, until a layer repeats an earlier
+// one: from there the rest is known. Polls `progress`, which may be null, every few milliseconds.
 [[nodiscard]] Layers walkLayers(const LayerGraph& graph, std::uint32_t lastLayer,
                                 const relay2::IProgress* progress = nullptr);
 

@@ -1,4 +1,4 @@
-// Which groups on the way out of a nesting need a visit, for climbs that pass by all others.
+// Which of the groups around a node need a visit; a climb out of them skips all others.
 #pragma once
 
 #include <cstdint>

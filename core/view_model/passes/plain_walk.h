@@ -20,7 +20,7 @@ struct WalkedLayers {
 };
 
 // The walk of Graph::calculateHierarchicalLevelsForGroup over an empty manager. Each sweep reads a layer and
-// moves the children of its nodes to the next one. A node that has moved on leaves its arrival behind as a
+// moves the children of its nodes to the next one. The arrival of a node that has moved on stays as a
 // placeholder. Takes a step for each arrival and each link of it, out of `steps`. Nothing when they are
 // not enough.
 [[nodiscard]] std::optional<WalkedLayers> walkPlainly(const LayerGraph& graph, std::uint32_t lastLayer,
