@@ -84,9 +84,8 @@ int fix(const Options& options, Document& document, OutputFile& file) {
     report(options.document, fixed->reversed);
     document.viewpoint = std::move(fixed->viewpoint);
     (void)file.sink().write(fixed->text);  // an error is known at the end
-    if (file.commit()) return exitDone;
-    if (!isInterrupted()) printMessage(file.error());
-    return unlessInterrupted(exitUnopened);
+    if (const auto committed = file.commit(); !committed) return reportError(committed.error());
+    return exitDone;
 }
 
 }  // namespace
@@ -102,10 +101,7 @@ int check(const Options& options) {
     }
     OutputFile file;
     if (options.fix) {
-        if (!file.open(options.output)) {
-            if (!isInterrupted()) printMessage(file.error());
-            return unlessInterrupted(exitUnopened);
-        }
+        if (const auto opened = file.open(options.output); !opened) return reportError(opened.error());
         if (const int status = fix(options, *document, file); status != exitDone) return status;
     }
     const Viewpoint& viewpoint = *document->viewpoint;

@@ -25,7 +25,7 @@ void logToStandardError() {
     root.setLogLevel(log4cplus::INFO_LOG_LEVEL);
 }
 
-// Holds back what is written to std::cerr meanwhile, which is how log4cplus tells of mistakes in its
+// Holds back what is written to std::cerr meanwhile, which is how log4cplus reports mistakes in its
 // settings.
 class HeldMessages {
   public:
@@ -56,7 +56,7 @@ bool hasAppender() {
                        [](log4cplus::Logger& each) { return !each.getAllAppenders().empty(); });
 }
 
-// Answers what is wrong with the file, a line each, or "".
+// Returns what is wrong with the file, a line each, or "".
 std::string configureFrom(const std::string& file) {
     errno = 0;
     if (std::ifstream stream(file); !stream || stream.peek() == std::ifstream::traits_type::eof())
@@ -75,11 +75,11 @@ std::string configureFrom(const std::string& file) {
 
 }  // namespace
 
-std::string configureLog(const std::string& configFile, const std::string& level) {
+tessera_host::Expected<void> configureLog(const std::string& configFile, const std::string& level) {
     if (configFile.empty())
         logToStandardError();
     else if (std::string problems = configureFrom(configFile); !problems.empty())
-        return problems;
+        return tessera_host::Error{tessera_host::ErrorKind::cannotOpen, std::move(problems), {}};
     if (!level.empty()) {
         std::string name = level;
         std::transform(name.begin(), name.end(), name.begin(),

@@ -2,6 +2,7 @@
 #include <stdexcept>
 
 #include "cli/command_table.h"
+#include "cli/commands.h"
 #include "cli/interrupt.h"
 #include "cli/log.h"
 #include "cli/message.h"
@@ -13,10 +14,8 @@ namespace {
 using namespace tessera_cli;
 
 int run(const Options& options) {
-    if (const std::string problem = configureLog(options.logConfig, options.logLevel); !problem.empty()) {
-        if (!isInterrupted()) printMessage(problem);
-        return unlessInterrupted(exitUnopened);
-    }
+    const auto configured = configureLog(options.logConfig, options.logLevel);
+    if (!configured) return reportError(configured.error());
     return options.command->run(options);
 }
 

@@ -38,8 +38,8 @@ std::optional<int> descriptorNamed(const fs::path& path) {
     return isNumber ? std::optional(number) : std::nullopt;
 }
 
-// Follows the links that `path` ends in, also to a file that does not exist yet, but not those that stand for
-// descriptors: a link stays a link, and what it points to is written. Answers 0, or the errno.
+// Follows the links that `path` ends in, also to a file that does not exist yet, but not those that represent
+// descriptors: a link stays a link, and what it points to is written. Returns 0, or the errno.
 int followLinks(std::string& path) {
     for (int links = 0; links < maxLinks; ++links) {
         std::error_code noLink;
@@ -67,69 +67,70 @@ OutputFile::~OutputFile() {
     if (!m_temporary.empty()) unlink(m_temporary.c_str());
 }
 
-bool OutputFile::fail(int number) {
-    m_error = (m_path.empty() ? "standard output" : m_path) +
-              ": cannot write: " + std::generic_category().message(number);
-    return false;
+tessera_host::Error OutputFile::failure(int number) const {
+    return {tessera_host::ErrorKind::cannotOpen,
+            (m_path.empty() ? "standard output" : m_path) +
+                ": cannot write: " + std::generic_category().message(number),
+            {}};
 }
 
-bool OutputFile::open(const std::string& path) {
+OutputFile::Outcome OutputFile::open(const std::string& path) {
     if (path.empty() || path == "-") {
         m_descriptor = STDOUT_FILENO;
         m_sink = std::make_unique<tessera_host::FileSink>(m_descriptor, interruptDescriptor());
-        return true;
+        return {};
     }
     m_path = path;
-    if (const int number = followLinks(m_path); number != 0) return fail(number);
+    if (const int number = followLinks(m_path); number != 0) return failure(number);
     if (const auto descriptor = descriptorNamed(m_path)) return openAgain(*descriptor);
 
     struct stat status {};
     const bool exists = stat(m_path.c_str(), &status) == 0;
-    if (exists && S_ISDIR(status.st_mode)) return fail(EISDIR);
+    if (exists && S_ISDIR(status.st_mode)) return failure(EISDIR);
     if (exists && !S_ISREG(status.st_mode)) return openDirectly();
-    if (exists && access(m_path.c_str(), W_OK) != 0) return fail(errno);
-    if (!openBeside()) return false;
+    if (exists && access(m_path.c_str(), W_OK) != 0) return failure(errno);
+    if (auto opened = openBeside(); !opened) return opened;
     const mode_t mask = umask(0);
     umask(mask);
     fchmod(m_descriptor, exists ? status.st_mode & 07777U : 0666U & ~mask);
     m_sink = std::make_unique<tessera_host::FileSink>(m_descriptor);
-    return true;
+    return {};
 }
 
 // Opening its name would begin anew at the start of a file that others have written to.
-bool OutputFile::openAgain(int descriptor) {
+OutputFile::Outcome OutputFile::openAgain(int descriptor) {
     m_descriptor = fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-    if (m_descriptor < 0) return fail(errno);
+    if (m_descriptor < 0) return failure(errno);
     m_sink = std::make_unique<tessera_host::FileSink>(m_descriptor, interruptDescriptor());
-    return true;
+    return {};
 }
 
-// A named pipe can be opened once somebody reads it; an interruption ends the waiting.
-bool OutputFile::openDirectly() {
+// A named pipe can be opened once another program reads it; an interruption ends the waiting.
+OutputFile::Outcome OutputFile::openDirectly() {
     pollfd interruption{interruptDescriptor(), POLLIN, 0};
     while ((m_descriptor = ::open(m_path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC)) < 0) {
-        if (errno != ENXIO && errno != EINTR) return fail(errno);
+        if (errno != ENXIO && errno != EINTR) return failure(errno);
         (void)poll(&interruption, 1, readerWaitMilliseconds);
-        if (isInterrupted()) return fail(EINTR);
+        if (isInterrupted()) return failure(EINTR);
     }
     fcntl(m_descriptor, F_SETFL, O_WRONLY);
     m_sink = std::make_unique<tessera_host::FileSink>(m_descriptor, interruptDescriptor());
-    return true;
+    return {};
 }
 
-bool OutputFile::openBeside() {
+OutputFile::Outcome OutputFile::openBeside() {
     m_descriptor = ::open(folderOf(m_path).c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, S_IRUSR | S_IWUSR);
     m_unnamed = m_descriptor >= 0;
     if (m_unnamed && access(descriptorPath(m_descriptor).c_str(), F_OK) != 0) {
         close(m_descriptor);  // it could never be named
         m_unnamed = false;
     }
-    if (m_unnamed) return true;
+    if (m_unnamed) return {};
     std::string name = folderOf(m_path) + "/.tessera-XXXXXX";
     m_descriptor = mkostemp(name.data(), O_CLOEXEC);
-    if (m_descriptor < 0) return fail(errno);
+    if (m_descriptor < 0) return failure(errno);
     m_temporary = name;
-    return true;
+    return {};
 }
 
 // Gives the file a name beside the final one, to be renamed: only so can it take a name that exists.
@@ -146,14 +147,14 @@ bool OutputFile::nameUnnamed() {
     }
 }
 
-bool OutputFile::commit() {
-    if (!m_sink->flush()) return fail(m_sink->error());
-    if (m_temporary.empty() && !m_unnamed) return true;
-    if (fsync(m_descriptor) != 0) return fail(errno);
-    if (m_unnamed && !nameUnnamed()) return fail(errno);
-    if (rename(m_temporary.c_str(), m_path.c_str()) != 0) return fail(errno);
+OutputFile::Outcome OutputFile::commit() {
+    if (!m_sink->flush()) return failure(m_sink->error());
+    if (m_temporary.empty() && !m_unnamed) return {};
+    if (fsync(m_descriptor) != 0) return failure(errno);
+    if (m_unnamed && !nameUnnamed()) return failure(errno);
+    if (rename(m_temporary.c_str(), m_path.c_str()) != 0) return failure(errno);
     m_temporary.clear();
-    return true;
+    return {};
 }
 
 }  // namespace tessera_cli

@@ -4,13 +4,14 @@
 #include <memory>
 #include <string>
 
+#include "host/error.h"
 #include "host/text/text_sink.h"
 
 namespace tessera_cli {
 
 // Writes to standard output (path "" or "-"), or to a file that takes the named file's place with commit().
 // Where the file system allows it, that file has no name until then, so that nothing is left behind however
-// the program ends. What is no regular file (a pipe, a device) is written directly.
+// the program ends. Pipes and devices are written directly.
 class OutputFile {
   public:
     OutputFile() = default;
@@ -18,29 +19,27 @@ class OutputFile {
     OutputFile& operator=(const OutputFile&) = delete;
     ~OutputFile();
 
-    // False when it cannot be opened; error() says why.
-    [[nodiscard]] bool open(const std::string& path);
-    // REQUIRES: open() answered true.
+    // The errors of these two have the kind cannotOpen and the text "PATH: cannot write: what the system said".
+    [[nodiscard]] tessera_host::Expected<void> open(const std::string& path);
+    // REQUIRES: open() succeeded.
     [[nodiscard]] tessera_host::TextSink& sink() { return *m_sink; }
-    // Makes what was written the file's content. False when anything written so far failed; error() says why.
-    [[nodiscard]] bool commit();
-
-    // "PATH: what the system said".
-    [[nodiscard]] const std::string& error() const noexcept { return m_error; }
+    // Makes what was written the file's content. Fails when anything written so far failed.
+    [[nodiscard]] tessera_host::Expected<void> commit();
 
   private:
-    bool openDirectly();
-    bool openAgain(int descriptor);
-    bool openBeside();
+    using Outcome = tessera_host::Expected<void>;
+
+    Outcome openDirectly();
+    Outcome openAgain(int descriptor);
+    Outcome openBeside();
     bool nameUnnamed();
-    bool fail(int number);
+    [[nodiscard]] tessera_host::Error failure(int number) const;
 
     std::string m_path;       // of the final file; "" for standard output
     std::string m_temporary;  // what is to be renamed or removed; "" when there is none
     bool m_unnamed = false;   // the file has no name yet
     int m_descriptor = -1;
     std::unique_ptr<tessera_host::FileSink> m_sink;
-    std::string m_error;
 };
 
 }  // namespace tessera_cli

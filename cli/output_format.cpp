@@ -25,8 +25,8 @@ bool writeJson(const Options& /*options*/, const variant_bag_t& diagram, const R
 
 bool writeXml(const Options& /*options*/, const variant_bag_t& diagram, const Reservation& /*reservation*/,
               OutputFile& file) {
-    if (const auto problem = tessera_host::writeXml(diagram, file.sink())) {
-        printMessage(*problem);
+    if (const auto written = tessera_host::writeXml(diagram, file.sink()); !written) {
+        printMessage(written.error().text);
         return false;
     }
     return file.sink().good();

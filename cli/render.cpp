@@ -43,9 +43,9 @@ bool writeDiagram(const Options& options, const variant_bag_t& diagram,
                   const tessera_draw::Reservation& reservation, OutputFile& file) {
     if (!options.format->write(options, diagram, reservation, file) && file.sink().good()) return false;
     if (isInterrupted()) return false;
-    if (file.commit()) return true;
-    if (!isInterrupted()) printMessage(file.error());
-    return false;
+    const auto committed = file.commit();
+    if (!committed) (void)reportError(committed.error());
+    return committed.hasValue();
 }
 
 // The diagram's bag has all that is drawn. To take the pane apart costs a tenth of the whole run, so it is done
@@ -77,10 +77,7 @@ int render(const Options& options) {
     LayoutInspector inspector(options);
     auto pane = makePane(*input, options, &inspector);
     OutputFile file;  // opened before the work: a place that cannot be written is known at once
-    if (!file.open(options.output)) {
-        if (!isInterrupted()) printMessage(file.error());
-        return unlessInterrupted(exitUnopened);
-    }
+    if (const auto opened = file.open(options.output); !opened) return reportError(opened.error());
     if (const int problem = inspector.prepare(); problem != exitDone) return unlessInterrupted(problem);
     variant_bag_t diagram;
     if (!makeDiagram(options, *pane, messenger, diagram)) return unlessInterrupted(exitFailed);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "host/document/element.h"
 #include "host/document/percent_encoding.h"
 #include "host/document/text.h"
 
@@ -12,13 +11,13 @@ namespace {
 
 using basekit2::variant_bag_t;
 
-std::vector<std::string> splitAtBlanks(std::string_view text) {
-    constexpr std::string_view blanks = " \t\r\n";
+std::vector<std::string> splitAtSpaces(std::string_view text) {
+    constexpr std::string_view spaces = " \t\r\n";
     std::vector<std::string> words;
     for (;;) {
-        const std::size_t start = text.find_first_not_of(blanks);
+        const std::size_t start = text.find_first_not_of(spaces);
         if (start == std::string_view::npos) return words;
-        const std::size_t end = std::min(text.find_first_of(blanks, start), text.size());
+        const std::size_t end = std::min(text.find_first_of(spaces, start), text.size());
         words.emplace_back(text.substr(start, end - start));
         text.remove_prefix(end);
     }
@@ -49,18 +48,19 @@ std::string countReason(const QueryDeclaration& declaration, std::size_t given) 
            join(declaration.keys) + ") but has " + std::to_string(given) + " here";
 }
 
-// The values in "/KEY/KEY", none when one is badly encoded.
-std::optional<std::vector<std::string>> decodeKeys(std::string_view segments, std::string& reason) {
+Error failure(std::string text) {
+    return {ErrorKind::failed, std::move(text), {}};
+}
+
+// The values in "/KEY/KEY".
+Expected<std::vector<std::string>> decodeKeys(std::string_view segments) {
     std::vector<std::string> keys;
     while (!segments.empty()) {
         segments.remove_prefix(1);
         const std::size_t end = std::min(segments.find('/'), segments.size());
         const std::string_view segment = segments.substr(0, end);
         std::optional<std::string> value = percentDecode(segment);
-        if (!value) {
-            reason = "the key value " + quoted(segment) + " is not percent-encoded correctly";
-            return std::nullopt;
-        }
+        if (!value) return failure("the key value " + quoted(segment) + " is not percent-encoded correctly");
         keys.push_back(std::move(*value));
         segments.remove_prefix(end);
     }
@@ -80,19 +80,19 @@ std::shared_ptr<const Declarations> Declarations::read(const variant_bag_t& view
 
 void Declarations::readQuery(const variant_bag_t& element) {
     QueryDeclaration query;
-    query.id = textOf(element, "id");
+    query.id = element.get_text("id");
     if (query.id.empty()) {
         report(element, "query without an id");
         return;
     }
     query.index = m_queries.size();
-    query.from = textOf(element, "from");
-    query.expression = textOf(element, "");
-    query.where = textOf(element, "where");
-    query.keys = splitAtBlanks(textOf(element, "key"));
-    query.unit = textOf(element, "unit");
+    query.from = element.get_text("from");
+    query.expression = element.get_text("");
+    query.where = element.get_text("where");
+    query.keys = splitAtSpaces(element.get_text("key"));
+    query.unit = element.get_text("unit");
     query.position = element.position();
-    const std::string_view format = textOf(element, "format");
+    const std::string_view format = element.get_text("format");
     if (const auto parsed = CellFormat::parse(format))
         query.format = *parsed;
     else
@@ -103,11 +103,11 @@ void Declarations::readQuery(const variant_bag_t& element) {
 }
 
 void Declarations::readFilter(const variant_bag_t& element) {
-    const std::string name(textOf(element, "name"));
+    const std::string name(element.get_text("name"));
     if (name.empty())
         report(element, "filter without a name");
     else
-        setFilter(m_filters, name, {std::string(textOf(element, "")), element.position()});
+        setFilter(m_filters, name, {std::string(element.get_text("")), element.position()});
 }
 
 void Declarations::buildIndex() {
@@ -125,29 +125,20 @@ const QueryDeclaration* Declarations::find(std::string_view id) const {
     return it == m_byId.end() ? nullptr : &m_queries[it->second];
 }
 
-std::optional<Reference> Declarations::parseReference(std::string_view text, std::string& reason) const {
-    if (text.empty() || text.front() != '/') {
-        reason = "it does not begin with \"/\"";
-        return std::nullopt;
-    }
+Expected<Reference> Declarations::parseReference(std::string_view text) const {
+    if (text.empty() || text.front() != '/') return failure("it does not begin with \"/\"");
     text.remove_prefix(1);
     if (const QueryDeclaration* whole = find(text); whole && whole->keys.empty()) return Reference{whole, {}};
 
     const std::size_t idEnd = std::min(text.find('/'), text.size());
     const QueryDeclaration* declaration = find(text.substr(0, idEnd));
-    if (declaration == nullptr) {
-        reason = "there is no query " + quoted(text.substr(0, idEnd));
-        return std::nullopt;
-    }
+    if (declaration == nullptr) return failure("there is no query " + quoted(text.substr(0, idEnd)));
     const std::string_view segments = text.substr(idEnd);
     const auto given = static_cast<std::size_t>(std::count(segments.begin(), segments.end(), '/'));
-    if (given != declaration->keys.size()) {
-        reason = countReason(*declaration, given);
-        return std::nullopt;
-    }
-    auto keys = decodeKeys(segments, reason);
-    if (!keys) return std::nullopt;
-    return Reference{declaration, std::move(*keys)};
+    if (given != declaration->keys.size()) return failure(countReason(*declaration, given));
+    auto keys = decodeKeys(segments);
+    if (!keys) return std::move(keys).error();
+    return Reference{declaration, *std::move(keys)};
 }
 
 }  // namespace tessera_host

@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -11,6 +10,7 @@
 
 #include "host/document/filters.h"
 #include "host/document/problem.h"
+#include "host/error.h"
 #include "host/values/cell_format.h"
 #include "platform/basekit2/variant_bag.h"
 
@@ -56,9 +56,9 @@ class Declarations {
     [[nodiscard]] const std::vector<Problem>& problems() const noexcept { return m_problems; }
 
     // Reads "/ID" or "/ID/KEY/KEY", where the keys are percent-encoded. When all that follows the first "/"
-    // is the id of a query without keys, that is meant; otherwise the id ends at the next "/". None when
-    // `text` is no reference; `reason` then says why, as in "TEXT is no reference: REASON". Linear time.
-    [[nodiscard]] std::optional<Reference> parseReference(std::string_view text, std::string& reason) const;
+    // is the id of a query without keys, that is meant; otherwise the id ends at the next "/". The
+    // error's text completes "TEXT is not a reference: ". Linear time.
+    [[nodiscard]] Expected<Reference> parseReference(std::string_view text) const;
 
   private:
     Declarations() = default;

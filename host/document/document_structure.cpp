@@ -3,8 +3,6 @@
 #include <array>
 #include <utility>
 
-#include "host/document/element.h"
-
 namespace tessera_host {
 
 using basekit2::variant_bag_t;
@@ -13,7 +11,7 @@ using tessera_support::CancelToken;
 namespace {
 
 LabelPlace placeOf(const variant_bag_t& label) {
-    const std::string_view location = textOf(label, "location");
+    const std::string_view location = label.get_text("location");
     return location == "from" ? LabelPlace::from : location == "to" ? LabelPlace::to : LabelPlace::center;
 }
 
@@ -91,15 +89,15 @@ class DocumentReader {
     }
 
     Index addNode(const variant_bag_t& element, Index parent) {
-        m_out.m_nodes.push_back({&element, textOf(element, "id"), parent});
+        m_out.m_nodes.push_back({&element, element.get_text("id"), parent});
         return m_out.m_nodes.size() - 1;
     }
 
     void readLink(const variant_bag_t& element) {
         const auto end = [&](std::string_view name) {
-            return m_out.findNode(textOf(element, name)).value_or(DocumentStructure::topLevel);
+            return m_out.findNode(element.get_text(name)).value_or(DocumentStructure::topLevel);
         };
-        const std::string_view id = textOf(element, "id");
+        const std::string_view id = element.get_text("id");
         m_out.m_links.push_back({&element, id, end("from"), end("to")});
         replaceLast(m_out.m_links, m_out.m_linkIndex, id, m_out.m_links.size() - 1);
     }
@@ -113,7 +111,7 @@ class DocumentReader {
     }
 
     void readNodeEntry(const variant_bag_t& element) {
-        const std::string_view id = textOf(element, "id");
+        const std::string_view id = element.get_text("id");
         const Index node = m_out.findNode(id).value_or(none);
         m_out.m_nodeEntries.push_back({&element, id, node, readRowSets(element)});
         if (node != none)
@@ -121,7 +119,7 @@ class DocumentReader {
     }
 
     void readLinkEntry(const variant_bag_t& element) {
-        const std::string_view id = textOf(element, "id");
+        const std::string_view id = element.get_text("id");
         const Index link = m_out.findLink(id).value_or(none);
         Labels own = noLabels;
         Labels& last = link == none ? own : m_labelsOfLink.try_emplace(link, noLabels).first->second;
@@ -166,7 +164,7 @@ class DocumentReader {
     Range readRows(const variant_bag_t& rowSet) {
         const Index begin = m_out.m_rows.size();
         forEachChild(rowSet, [this](std::string_view name, const variant_bag_t& element) {
-            if (name == "queryRef") m_out.m_rows.push_back({&element, textOf(element, "")});
+            if (name == "queryRef") m_out.m_rows.push_back({&element, element.get_text("")});
         });
         return {begin, m_out.m_rows.size()};
     }

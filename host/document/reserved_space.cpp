@@ -6,8 +6,6 @@
 #include <unordered_map>
 #include <utility>
 
-#include "host/document/element.h"
-
 namespace tessera_host {
 
 using Index = DocumentStructure::Index;
@@ -43,7 +41,7 @@ class SpaceReader {
             const auto& values = m_structure.modes()[i];
             if (values.replacedBy == none)
                 m_out.m_labels.push_back({link, label.place, values.mode,
-                                          localized(textOf(*values.dataTransfer, "displayName")),
+                                          localized(values.dataTransfer->get_text("displayName")),
                                           rowsOf(values.rowSets)});
         }
     }
@@ -55,15 +53,14 @@ class SpaceReader {
             const Range rows = m_structure.rowSets()[rowSets.end - 1].rows;
             for (Index i = rows.begin; i < rows.end; ++i) {
                 const auto& [element, reference] = m_structure.rows()[i];
-                m_out.m_rows.push_back({localized(textOf(*element, "displayName")), queryOf(reference)});
+                m_out.m_rows.push_back({localized(element->get_text("displayName")), queryOf(reference)});
             }
         }
         return {m_out.m_rows.data() + begin, m_out.m_rows.size() - begin};
     }
 
     const QueryDeclaration* queryOf(std::string_view reference) {
-        std::string ignored;
-        const auto read = m_out.m_viewpoint->declarations()->parseReference(reference, ignored);
+        const auto read = m_out.m_viewpoint->declarations()->parseReference(reference);
         return read ? read->declaration : nullptr;
     }
 

@@ -23,17 +23,11 @@ class RootGrouping final : public basekit2::ref_counted_t<IQuery> {
     std::string getIdentifier() const override { return rootGroupingName; }
 };
 
-std::string_view ownText(const basekit2::variant_bag_t& element) {
-    const basekit2::variant_t* value = element.get("");
-    if (value == nullptr || !value->can_get<std::string_view>()) return {};
-    return value->get<std::string_view>();
-}
-
 void tellWrong(relay2::IMessenger* messenger, const basekit2::variant_bag_t& element,
                const std::string& reason) {
     if (messenger == nullptr) return;
     messenger->post(relay2::severity_t::error,
-                    "The reference " + quoted(ownText(element)) + " is wrong: " + reason + ".",
+                    "The reference " + quoted(element.get_text("")) + " is wrong: " + reason + ".",
                     element.position());
 }
 
@@ -48,31 +42,30 @@ sptr_t<basekit2::IObject> QueryLibrary::queryInterface(basekit2::type_id_t id) {
     return nullptr;
 }
 
-const sptr_t<IQuery>* QueryLibrary::find(std::string_view text, std::string& reason) {
+Expected<sptr_t<IQuery>> QueryLibrary::find(std::string_view text) {
     if (text.starts_with('/'))
-        if (const auto it = m_references.find(text.substr(1)); it != m_references.end()) return &it->second;
-    auto reference = m_pool->declarations->parseReference(text, reason);
-    if (!reference) return nullptr;
+        if (const auto it = m_references.find(text.substr(1)); it != m_references.end()) return it->second;
+    auto reference = m_pool->declarations->parseReference(text);
+    if (!reference) return std::move(reference).error();
     auto query =
-        basekit2::make_counted<ReferenceQuery>(m_pool, std::move(*reference), std::string(text.substr(1)));
+        basekit2::make_counted<ReferenceQuery>(m_pool, *std::move(reference), std::string(text.substr(1)));
     const std::string_view key = query->identifier();
-    return &m_references.emplace(key, std::move(query)).first->second;
+    return m_references.emplace(key, std::move(query)).first->second;
 }
 
 sptr_t<IQuery> QueryLibrary::buildQuery(const basekit2::variant_bag_t& definition,
                                         relay2::IMessenger* messenger) {
     std::vector<sptr_t<IQuery>> members;
-    std::string reason;
     for (auto child = definition.begin(); !child.at_end(); child.next()) {
         if (child.get_name() != "queryRef") continue;
-        const std::string_view text = ownText(child.get_value());
+        const std::string_view text = child.get_value().get_text("");
         if (text.empty()) continue;
-        const sptr_t<IQuery>* member = find(text, reason);
-        if (member == nullptr) {
-            tellWrong(messenger, child.get_value(), reason);
+        auto member = find(text);
+        if (!member) {
+            tellWrong(messenger, child.get_value(), member.error().text);
             return nullptr;
         }
-        members.push_back(*member);
+        members.push_back(*std::move(member));
     }
     return qlib_1::IVectorQuery::create(std::move(members));
 }
@@ -81,9 +74,8 @@ sptr_t<IQuery> QueryLibrary::getQuery(const std::string& name) {
     if (name == rootGroupingName) return m_rootGrouping;
     const QueryDeclaration* declaration = m_pool->declarations->find(name);
     if (declaration == nullptr || !declaration->keys.empty()) return nullptr;
-    std::string reason;
-    const sptr_t<IQuery>* query = find("/" + name, reason);
-    return query ? *query : nullptr;
+    auto query = find("/" + name);
+    return query ? *std::move(query) : nullptr;
 }
 
 bool isRootGrouping(const sptr_t<IQuery>& query) {

@@ -32,8 +32,8 @@ class QueryLibrary final : public basekit2::ref_counted_t<qlib_1::IQueryLibrary>
     [[nodiscard]] qlib_1::sptr_t<qlib_1::IQuery> getQuery(const std::string& name) override;
 
   private:
-    // The object of the reference `text`, or empty with a reason.
-    const qlib_1::sptr_t<qlib_1::IQuery>* find(std::string_view text, std::string& reason);
+    // The object of the reference `text`; equal references have one.
+    [[nodiscard]] Expected<qlib_1::sptr_t<qlib_1::IQuery>> find(std::string_view text);
 
     const std::shared_ptr<ReferencePool> m_pool;
     // By identifier; the keys belong to the objects.

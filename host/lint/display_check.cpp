@@ -3,7 +3,6 @@
 #include <string>
 #include <utility>
 
-#include "host/document/element.h"
 #include "host/document/text.h"
 #include "host/lint/first_by_id.h"
 #include "host/lint/place_text.h"

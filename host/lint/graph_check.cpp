@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "host/document/element.h"
 #include "host/document/text.h"
 #include "host/lint/first_by_id.h"
 #include "host/lint/place_text.h"
@@ -26,10 +25,10 @@ class GraphCheck {
     void checkIds() {
         Element last = nullptr;
         for (const Element graph : m_structure.graphs()) {
-            if (last != nullptr && textOf(*last, "id") != textOf(*graph, "id"))
-                m_problems.warning(graph->position(), "the id " + quoted(textOf(*graph, "id")) +
+            if (last != nullptr && last->get_text("id") != graph->get_text("id"))
+                m_problems.warning(graph->position(), "the id " + quoted(graph->get_text("id")) +
                                                           " of this <graph> replaces the diagram's id " +
-                                                          quoted(textOf(*last, "id")) + " given at " +
+                                                          quoted(last->get_text("id")) + " given at " +
                                                           placeText(last->position(), graph->position()));
             last = graph;
         }
@@ -79,7 +78,7 @@ class GraphCheck {
 
   private:
     void reportMissingId(const variant_bag_t& element, const std::string& what) {
-        if (textOf(element, "id").empty())
+        if (element.get_text("id").empty())
             m_problems.error(element.position(),
                              what + (element.get("id") != nullptr ? " with an empty id" : " without id"));
     }
@@ -94,12 +93,12 @@ class GraphCheck {
                     placeOf(node, element);
         else if (!isGiven)
             text += "has no " + quoted(end);
-        else if (const Element later = m_firstNodes.find(textOf(element, end)))
-            text += "comes before the node " + quoted(textOf(element, end)) + " of its " + quoted(end) +
+        else if (const Element later = m_firstNodes.find(element.get_text(end)))
+            text += "comes before the node " + quoted(element.get_text(end)) + " of its " + quoted(end) +
                     ", which is declared at " + placeText(later->position(), element.position()) +
                     "; move the link after it";
         else
-            text += "there is no node " + quoted(textOf(element, end)) + " for its " + quoted(end);
+            text += "there is no node " + quoted(element.get_text(end)) + " for its " + quoted(end);
         m_problems.error(element.position(), std::move(text));
     }
 

@@ -4,7 +4,6 @@
 #include <unordered_map>
 #include <vector>
 
-#include "host/document/element.h"
 #include "host/document/text.h"
 #include "host/lint/place_text.h"
 
@@ -21,15 +20,14 @@ using Positions = std::unordered_map<std::string_view, source_position_t>;
 void checkRows(const DocumentStructure& structure, DocumentStructure::Range rows,
                const Declarations& declarations, ProblemList& problems, const CancelToken& token) {
     Positions seen;
-    std::string reason;
     for (auto i = rows.begin; i < rows.end && !token.isCancelled(); ++i) {
         const auto& [element, text] = structure.rows()[i];
         const source_position_t here = element->position();
         if (text.empty()) {
             problems.warning(here, "this queryRef refers to no query, so it never has a value");
-        } else if (!declarations.parseReference(text, reason)) {
-            problems.error(
-                here, quoted(text) + " is not a reference: " + reason + "; the whole rowSet stays empty");
+        } else if (const auto reference = declarations.parseReference(text); !reference) {
+            problems.error(here, quoted(text) + " is not a reference: " + reference.error().text +
+                                     "; the whole rowSet stays empty");
         } else if (const auto [it, isNew] = seen.try_emplace(text, here); !isNew) {
             problems.warning(here, "this rowSet refers to " + quoted(text) + " before, at " +
                                        placeText(it->second, here) +
@@ -52,7 +50,7 @@ void checkQueries(const Declarations& declarations, ProblemList& problems, const
 }
 
 void checkFilter(const variant_bag_t& element, Positions& seen, ProblemList& problems) {
-    const std::string_view name = textOf(element, "name");
+    const std::string_view name = element.get_text("name");
     if (name.empty()) return;  // reported with the declarations
     const source_position_t here = element.position();
     if (!isFilterName(name))

@@ -2,6 +2,8 @@
 
 #include <array>
 #include <charconv>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "host/text/indentation.h"
@@ -20,7 +22,7 @@ class ElementWriter {
   public:
     explicit ElementWriter(TextSink& sink) : m_sink(sink) {}
 
-    std::optional<std::string> write(const variant_bag_t& root, std::string_view rootName);
+    Expected<void> write(const variant_bag_t& root, std::string_view rootName);
 
   private:
     // An element whose children are being written.
@@ -39,7 +41,7 @@ class ElementWriter {
     TextSink& m_sink;
     XmlNames m_names;
     std::vector<Level> m_levels;
-    std::optional<std::string> m_error;
+    std::optional<Error> m_error;
 };
 
 // The element's own text, or null.
@@ -50,7 +52,7 @@ const variant_t* ownText(const variant_bag_t& bag) {
     return isNothing ? nullptr : text;
 }
 
-std::optional<std::string> ElementWriter::write(const variant_bag_t& root, std::string_view rootName) {
+Expected<void> ElementWriter::write(const variant_bag_t& root, std::string_view rootName) {
     m_sink.write(R"(<?xml version="1.0" encoding="UTF-8"?>)");
     beginLine(m_sink, m_levels.size());
     openElement(rootName, root);
@@ -67,7 +69,8 @@ std::optional<std::string> ElementWriter::write(const variant_bag_t& root, std::
         openElement(name, child);
     }
     m_sink.put('\n');
-    return m_error;
+    if (m_error) return *m_error;
+    return {};
 }
 
 void ElementWriter::openElement(std::string_view name, const variant_bag_t& bag) {
@@ -133,16 +136,18 @@ void ElementWriter::writeValue(const variant_t& value, XmlPlace place) {
 
 bool ElementWriter::checkName(std::string_view name, const char* what) {
     if (m_names.isName(name)) return true;
-    m_error = '\'' + tessera_support::repairUtf8(name) + "' cannot be the name of an XML " + what;
+    m_error = Error{ErrorKind::failed,
+                    '\'' + tessera_support::repairUtf8(name) + "' cannot be the name of an XML " + what,
+                    {}};
     return false;
 }
 
 }  // namespace
 
-std::optional<std::string> writeXml(const variant_bag_t& bag, TextSink& sink, std::string_view rootName) {
-    std::optional<std::string> error = ElementWriter(sink).write(bag, rootName);
+Expected<void> writeXml(const variant_bag_t& bag, TextSink& sink, std::string_view rootName) {
+    auto written = ElementWriter(sink).write(bag, rootName);
     sink.flush();
-    return error;
+    return written;
 }
 
 }  // namespace tessera_host

@@ -1,6 +1,5 @@
 #include "host/lint/reversal/reversed_bag.h"
 
-#include "host/document/element.h"
 #include "host/lint/reversal/opposites.h"
 
 namespace tessera_host {
@@ -25,7 +24,7 @@ void reverseLink(const variant_bag_t& link, variant_bag_t& to) {
     for (auto value = link.begin_values(); !value.at_end(); value.next()) {
         const std::string_view name = value.get_name();
         if (name == "direction")
-            to.put(name, oppositeDirection(textOf(link, name)));
+            to.put(name, oppositeDirection(link.get_text(name)));
         else if (name != "from" && name != "to")
             to.put(name, value.get_value());
         else if (hasBothEnds)
@@ -38,7 +37,7 @@ void reverseLink(const variant_bag_t& link, variant_bag_t& to) {
 
 void reverseLabel(const variant_bag_t& label, variant_bag_t& to) {
     copyValues(label, to);
-    to.put("location", otherEnd(textOf(label, "location")));
+    to.put("location", otherEnd(label.get_text("location")));
     copyChildren(label, to);
 }
 

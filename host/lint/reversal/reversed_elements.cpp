@@ -1,4 +1,3 @@
-#include "host/document/element.h"
 #include "host/lint/reversal/reversed_bag.h"
 
 namespace tessera_host {

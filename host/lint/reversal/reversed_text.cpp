@@ -2,7 +2,6 @@
 #include <utility>
 #include <vector>
 
-#include "host/document/element.h"
 #include "host/lint/reversal/opposites.h"
 #include "host/lint/reversal/reversed_bag.h"
 #include "host/lint/reversal/start_tag.h"
@@ -71,7 +70,7 @@ void reverseLink(const StartTag& tag, const variant_bag_t& link, Patch& patch) {
             else
                 patch.replace(each.name, otherEnd(each.name));
         } else if (each.name == "direction") {
-            const std::string_view direction = textOf(link, each.name);
+            const std::string_view direction = link.get_text(each.name);
             if (oppositeDirection(direction) != direction)
                 patch.replace(each.value, oppositeDirection(direction));
         }
@@ -80,7 +79,7 @@ void reverseLink(const StartTag& tag, const variant_bag_t& link, Patch& patch) {
 
 void reverseLabel(const StartTag& tag, const variant_bag_t& label, Patch& patch) {
     if (const StartTag::Attribute* location = tag.find("location"))
-        patch.replace(location->value, otherEnd(textOf(label, "location")));
+        patch.replace(location->value, otherEnd(label.get_text("location")));
 }
 
 }  // namespace
