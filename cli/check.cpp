@@ -58,7 +58,7 @@ int finish(const std::string& document, const Error& error) {
     if (error.kind != ErrorKind::failed || error.position.line == 0)
         return reportError({error.kind, describe(error, document), {}});
     if (!isInterrupted()) report(document, {{error.position, error.text}});
-    return unlessInterrupted(exitFailed);
+    return orInterrupted(exitFailed);
 }
 
 // The document as text, for what is to be written of it, and read.
@@ -114,7 +114,7 @@ int check(const Options& options) {
                                                   filters, interruptToken());
     const auto problems = tessera_host::checkDocument(viewpoint, sqlProblems, interruptToken());
     if (!problems) return exitInterrupted;
-    return unlessInterrupted(report(options.document, *problems) ? exitFailed : exitDone);
+    return orInterrupted(report(options.document, *problems) ? exitFailed : exitDone);
 }
 
 }  // namespace tessera_cli

@@ -18,7 +18,7 @@ int wakePipe[2] = {-1, -1};
 void interrupt(int) {
     const int savedErrno = errno;
     interruption.cancel();
-    // Nobody ever reads from it, so one byte is enough and a full pipe does no harm.
+    // Nothing ever reads from it, so one byte is enough and a full pipe does no harm.
     [[maybe_unused]] const ssize_t written = write(wakePipe[1], "!", 1);
     errno = savedErrno;
 }
@@ -48,7 +48,7 @@ bool isInterrupted() noexcept {
     return interruption.isCancelled();
 }
 
-int unlessInterrupted(int status) noexcept {
+int orInterrupted(int status) noexcept {
     return isInterrupted() ? exitInterrupted : status;
 }
 

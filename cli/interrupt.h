@@ -6,7 +6,7 @@
 
 namespace tessera_cli {
 
-// From now on SIGINT, SIGTERM and SIGHUP ask the running work to stop; a second one ends the program at once.
+// From now on SIGINT, SIGTERM and SIGHUP cancel the running work; a second one ends the program at once.
 // SIGPIPE is ignored, so that closed output is an error of its write.
 void installInterruptHandler();
 
@@ -15,10 +15,10 @@ void installInterruptHandler();
 [[nodiscard]] bool isInterrupted() noexcept;
 
 // The exit status of work that could not be finished: `status`, or that of an interruption if there was one.
-[[nodiscard]] int unlessInterrupted(int status) noexcept;
+[[nodiscard]] int orInterrupted(int status) noexcept;
 
-// A file descriptor that becomes readable with the interruption, for those who wait for something else
-// meanwhile: the signal may come on any thread, so it need not end a wait by itself.
+// A file descriptor that becomes readable with the interruption, to be polled together with what is waited
+// for: the signal may come on any thread, so it need not end a wait by itself.
 [[nodiscard]] int interruptDescriptor() noexcept;
 
 // The progress sink of every request: cancelled once the program is interrupted.

@@ -18,7 +18,7 @@ int LayoutInspector::prepare() const {
     std::filesystem::create_directories(m_options.dumpFolder, error);
     if (error) {
         printMessage(m_options.dumpFolder + ": cannot be made: " + error.message());
-        return exitUnopened;
+        return exitCannotOpen;
     }
     const auto& stages = tessera_1::layoutStages();
     for (std::size_t i = 0; i < stages.size(); ++i) {
@@ -84,7 +84,7 @@ int LayoutInspector::report() const {
             m_options.document +
             ": the diagram was written, but it is not whole: it would be larger than --max-elements and "
             "--max-id-bytes allow");
-    if (!m_isDumped) return exitUnopened;
+    if (!m_isDumped) return exitCannotOpen;
     return m_isSound && !m_isTruncated ? exitDone : exitFailed;
 }
 

@@ -20,7 +20,7 @@ bool LineReader::waitForInput() {
     return !m_woken;
 }
 
-// Reads more behind what is left; false when there is nothing more.
+// Reads more after what is left; false when there is nothing more.
 bool LineReader::fill() {
     constexpr std::size_t blockSize = 65536;
     m_buffer.erase(0, m_begin);

@@ -19,7 +19,7 @@ void printMessage(std::string_view text) {
         text.remove_prefix(end + 1);
     }
     tessera_host::FileSink sink(STDERR_FILENO);
-    if (sink.write(lines)) (void)sink.flush();  // nobody is left to be told
+    if (sink.write(lines)) (void)sink.flush();  // there is no other place to report to
 }
 
 void printMessageWithoutWaiting(std::string_view text) {
@@ -27,7 +27,7 @@ void printMessageWithoutWaiting(std::string_view text) {
     if (::poll(&ready, 1, 0) == 1 && (ready.revents & POLLOUT) != 0) printMessage(text);
 }
 
-bool printText(std::string_view text) {
+bool printToStdout(std::string_view text) {
     tessera_host::FileSink sink(STDOUT_FILENO);
     if (sink.write(text) && sink.flush()) return true;
     printMessage(

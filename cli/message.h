@@ -1,4 +1,4 @@
-// What the program says.
+// Messages of the program for people.
 #pragma once
 
 #include <string>
@@ -8,16 +8,18 @@
 
 namespace tessera_cli {
 
-// Prints `text` for people, on standard error: "tessera: " and the text, each line of it. Any thread.
+// Prints each line of `text` on standard error, with "tessera: " in front. Any thread.
 void printMessage(std::string_view text);
 
-// The same, unless whoever reads standard error would have to be waited for.
+// The same, unless the reader of standard error is not ready: then nothing is printed. For the end of a
+// program that was interrupted.
 void printMessageWithoutWaiting(std::string_view text);
 
-// Prints data to standard output; false, with a message, when that is closed or full.
-[[nodiscard]] bool printText(std::string_view text);
+// Prints data to standard output; false, with the message printed, when that is closed or full.
+[[nodiscard]] bool printToStdout(std::string_view text);
 
-// Prints what the library and the host tell the user, with the document's position where there is one.
+// Prints the messages of the library and the host as "DOCUMENT:LINE:COLUMN: SEVERITY: TEXT", without the
+// position where there is none. One thread at a time.
 class ConsoleMessenger final : public relay2::IMessenger {
   public:
     explicit ConsoleMessenger(std::string document) : m_document(std::move(document)) {}

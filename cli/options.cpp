@@ -264,7 +264,7 @@ int finishParsing(const CLI::App& app, const CLI::ParseError& error, const std::
     if (error.get_exit_code() != 0) return usageError(error.what());
     std::ostringstream text;
     (void)app.exit(error, text, text);
-    return printText(text.str()) ? exitDone : exitUnopened;
+    return printToStdout(text.str()) ? exitDone : exitCannotOpen;
 }
 
 }  // namespace

@@ -42,7 +42,7 @@ enum ExitStatus : int {
     exitDone = 0,
     exitFailed = 1,
     exitUsage = 2,
-    exitUnopened = 3,
+    exitCannotOpen = 3,
     exitInterrupted = 130
 };
 

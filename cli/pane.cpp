@@ -97,7 +97,7 @@ int reportError(const Error& error) {
     printMessage(error.text);
     switch (error.kind) {
         case ErrorKind::cannotOpen:
-            return exitUnopened;
+            return exitCannotOpen;
         case ErrorKind::usage:
             return exitUsage;
         case ErrorKind::cancelled:

@@ -78,11 +78,11 @@ int render(const Options& options) {
     auto pane = makePane(*input, options, &inspector);
     OutputFile file;  // opened before the work: a place that cannot be written is known at once
     if (const auto opened = file.open(options.output); !opened) return reportError(opened.error());
-    if (const int problem = inspector.prepare(); problem != exitDone) return unlessInterrupted(problem);
+    if (const int problem = inspector.prepare(); problem != exitDone) return orInterrupted(problem);
     variant_bag_t diagram;
-    if (!makeDiagram(options, *pane, messenger, diagram)) return unlessInterrupted(exitFailed);
+    if (!makeDiagram(options, *pane, messenger, diagram)) return orInterrupted(exitFailed);
     if (options.format->isPicture() && isLarge(*input->viewpoint)) pane.reset();
-    if (!writeDiagram(options, diagram, reservation, file)) return unlessInterrupted(exitUnopened);
+    if (!writeDiagram(options, diagram, reservation, file)) return orInterrupted(exitCannotOpen);
     const int inspected = inspector.report();
     if (messenger.errorCount() == 0) return endProgram(inspected);
     printMessage(fmt::format("{}: the diagram was written in spite of the {} above", options.document,

@@ -18,7 +18,7 @@ using basekit2::error_code_t;
 using basekit2::variant_bag_t;
 using tessera_host::FileSink;
 
-// A line longer than this is no request; the longest sensible one has a few hundred bytes.
+// A longer line is not a request; the longest sensible one has a few hundred bytes.
 constexpr std::size_t maxLine = 16U << 20U;
 
 struct Request {
@@ -26,7 +26,7 @@ struct Request {
     const variant_bag_t* in = nullptr;
 };
 
-// Reads a request. Answers what keeps the line from being one, or "". `bag` keeps what the request refers to.
+// Reads a request. Returns why the line is not one, or "". `bag` keeps what the request refers to.
 std::string readRequest(const LineReader& reader, variant_bag_t& bag, Request& request) {
     static const variant_bag_t noInput;
     if (reader.isTooLong()) return fmt::format("is longer than {} bytes", maxLine);
@@ -34,9 +34,9 @@ std::string readRequest(const LineReader& reader, variant_bag_t& bag, Request& r
     if (!read) return fmt::format("column {}: {}", read.error().position.column, read.error().text);
     bag = *std::move(read);
     const basekit2::variant_t* name = bag.get("request");
-    if (name == nullptr || !name->can_get<std::string_view>()) return "has no text \"request\"";
+    if (name == nullptr || !name->can_get<std::string_view>()) return "has no string \"request\"";
     request.name = name->get<std::string_view>();
-    if (bag.get("in") != nullptr) return "\"in\" is no object";
+    if (bag.get("in") != nullptr) return "\"in\" is not an object";
     request.in = bag.get_variant_bag("in");
     if (request.in == nullptr) request.in = &noInput;
     return {};
@@ -56,7 +56,7 @@ class Session {
         answer.put("request", request.name);
         if (!problem.empty()) {
             answer.put("code", bk2::error::IsNot.Valid.Data.name);
-            answer.put("message", fmt::format("line {} is no request: {}", m_lineNumber, problem));
+            answer.put("message", fmt::format("line {} is not a request: {}", m_lineNumber, problem));
             (void)answer.add_variant_bag("out");
             return write(answer);
         }
@@ -95,12 +95,12 @@ int session(const Options& options) {
     Session session(*pane, messenger);
     LineReader reader(STDIN_FILENO, interruptDescriptor(), maxLine);
     while (reader.next())
-        if (!session.answer(reader)) return unlessInterrupted(exitUnopened);
+        if (!session.answer(reader)) return orInterrupted(exitCannotOpen);
     if (isInterrupted()) return exitInterrupted;
     if (reader.error() == 0) return endProgram(exitDone);
     printMessage(
         fmt::format("standard input: cannot read: {}", std::generic_category().message(reader.error())));
-    return exitUnopened;
+    return exitCannotOpen;
 }
 
 }  // namespace tessera_cli

@@ -29,7 +29,7 @@ struct QueryDeclaration {
     basekit2::source_position_t position;
 };
 
-// What a reference asks for: the declared query over the rows whose key columns have these values.
+// What a reference names: the declared query over the rows whose key columns have these values.
 struct Reference {
     const QueryDeclaration* declaration = nullptr;
     std::vector<std::string> keys;  // as many as the declaration has

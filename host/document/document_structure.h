@@ -36,7 +36,7 @@ class DocumentStructure {
     using Index = std::size_t;
 
     static constexpr Index none = std::numeric_limits<Index>::max();
-    static constexpr Index topLevel = 0;  // stands for it among the nodes
+    static constexpr Index topLevel = 0;  // among the nodes
 
     struct Range {
         Index begin = 0;

@@ -7,7 +7,7 @@
 
 namespace tessera_host {
 
-// `text` with every "%XX" replaced by the byte that it stands for; none when a "%" is not followed by two
+// `text` with every "%XX" replaced by the byte that it encodes; none when a "%" is not followed by two
 // hexadecimal digits. Everything else stays, also "+".
 [[nodiscard]] std::optional<std::string> percentDecode(std::string_view text);
 

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t maxLineBytes = 300;
 
-// U+2028 and U+2029 are no control characters by name, but they end lines as well.
+// U+2028 and U+2029 end lines as well, though they are not called control characters.
 bool isControl(char32_t code) {
     return code < 0x20 || (code >= 0x7F && code <= 0x9F) || code == 0x2028 || code == 0x2029;
 }

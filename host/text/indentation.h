@@ -9,18 +9,18 @@
 
 namespace tessera_host {
 
-// Deeper levels are indented no further: the blanks alone would grow with the square of the depth.
+// Deeper levels are not indented further: the spaces alone would grow with the square of the depth.
 inline constexpr std::size_t maxIndentedLevels = 40;
 
-// Ends a line and indents the next, two blanks a level.
+// Ends a line and indents the next, two spaces a level.
 inline void beginLine(TextSink& sink, std::size_t level) {
-    static constexpr std::array<char, 2 * maxIndentedLevels> blanks = [] {
+    static constexpr std::array<char, 2 * maxIndentedLevels> spaces = [] {
         std::array<char, 2 * maxIndentedLevels> all{};
         all.fill(' ');
         return all;
     }();
     sink.put('\n');
-    sink.write({blanks.data(), 2 * std::min(level, maxIndentedLevels)});
+    sink.write({spaces.data(), 2 * std::min(level, maxIndentedLevels)});
 }
 
 }  // namespace tessera_host

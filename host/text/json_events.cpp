@@ -16,7 +16,7 @@ bool JsonEvents::passed(std::size_t end) {
     return true;
 }
 
-// Only blanks, a comma or a colon stand between one event's text and the next.
+// Only white space, a comma or a colon stands between one event's text and the next.
 std::size_t JsonEvents::errorOffset() const noexcept {
     const std::size_t at = m_text.find_first_not_of(" \t\r\n,:", m_passed);
     return at == std::string_view::npos ? m_text.size() : at;

@@ -12,7 +12,7 @@ namespace tessera_host {
 // byte order mark at the beginning is skipped.
 //
 // An object is a bag. Its strings, integers and booleans are values, put in their order; a member that is an
-// object is a child bag, an array of objects several of that name. An empty array is no child. When a key
+// object is a child bag, an array of objects several of that name. An empty array adds no child. When a key
 // appears again, a value replaces the earlier value, and an object adds a further child.
 //
 // What a bag cannot hold is an error: null, numbers with fraction or exponent, integers beyond 64 bits,

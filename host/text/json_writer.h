@@ -7,11 +7,11 @@
 namespace tessera_host {
 
 enum class JsonForm {
-    compact,   // one line without blanks
-    indented,  // a line a member, two blanks a level; from level 40 on the indentation stays as it is
+    compact,   // one line without white space
+    indented,  // a line a member, two spaces a level; from level 40 on the indentation stays as it is
 };
 
-// Writes `bag` as one JSON object without a line end behind it, and flushes the sink. Answers whether the
+// Writes `bag` as one JSON object without a line end after it, and flushes the sink. Returns whether the
 // sink took everything.
 //
 // An object has first the bag's values in their order, then its child bags grouped by name, the groups in the

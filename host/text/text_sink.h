@@ -1,4 +1,4 @@
-// Where the writers of this folder put their text.
+// Where the writers of text formats write to.
 #pragma once
 
 #include <cstddef>
@@ -9,9 +9,9 @@
 
 namespace tessera_host {
 
-// Collects text in blocks and hands them on. After a failure nothing more is handed on and every further call
-// answers false, so that a writer may look at the answer now and then instead of at each piece. What has not
-// been flushed when the sink ends is lost. Used by one thread at a time.
+// Collects text in blocks and passes them on. After a failure nothing more is passed on and every further
+// call returns false, so a writer may test good() now and then instead of each result. Text that has not been
+// flushed when the sink is destroyed is lost. One thread at a time.
 class TextSink {
   public:
     TextSink() = default;
@@ -32,10 +32,10 @@ class TextSink {
         return m_good;
     }
 
-    // Hands on everything written so far.
+    // Passes on everything written so far.
     bool flush();
 
-    // False once something could not be handed on.
+    // False once something could not be passed on.
     [[nodiscard]] bool good() const noexcept { return m_good; }
 
   protected:

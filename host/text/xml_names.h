@@ -10,7 +10,7 @@ struct XML_ParserStruct;
 
 namespace tessera_host {
 
-// Answers from the parser's own rules, so that whatever it reads can be written and the other way round.
+// Follows the parser's own rules, so that whatever it reads can be written and the other way round.
 // Remembers what it found out about names beyond ASCII.
 class XmlNames {
   public:

@@ -1,4 +1,4 @@
-// What the XML parser stumbled over, in words for people.
+// Errors of the XML parser, in words for people.
 #pragma once
 
 #include <expat.h>

@@ -49,7 +49,7 @@ std::vector<Index> shortestCycle(const ArcGraph& arcs, Index first) {
     return cycle;
 }
 
-// An id between arrows, without quotation marks where it can be told from them.
+// An id between arrows, without quotation marks where it cannot be confused with them.
 std::string step(std::string_view id) {
     const std::string text = oneLine(id);
     return text.empty() || text.find_first_of(" \"") != std::string::npos ? quoted(id) : text;

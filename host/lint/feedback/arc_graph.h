@@ -1,4 +1,4 @@
-// A graph as the search for arcs to turn around sees it.
+// A directed graph, for the search for arcs to reverse.
 #pragma once
 
 #include <cstddef>

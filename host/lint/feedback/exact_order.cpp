@@ -16,7 +16,7 @@ struct Beginning {
 
 }  // namespace
 
-// For every set of nodes the best order of it: the best of one node less, and that node behind.
+// Dynamic programming: the best order of each set of nodes is the best one without some node, then that node.
 std::vector<std::size_t> exactOrder(const ArcGraph& graph) {
     const Index count = graph.nodeCount();
     std::array<std::array<Index, maxExactNodes>, maxExactNodes> arcs{};

@@ -11,7 +11,7 @@ namespace {
 using Index = std::size_t;
 using Order = std::vector<Index>;
 
-constexpr Index maxTries = 200;    // to better an order, for each graph
+constexpr Index maxTries = 200;    // to improve an order, for each graph
 constexpr Index effort = 200'000;  // nodes and arcs that all tries together may go over
 
 std::vector<Index> arcsAgainst(const ArcGraph& graph, const Order& order) {

@@ -1,4 +1,4 @@
-// Which arcs to turn around so that no cycle is left.
+// Which arcs to reverse so that no cycle is left.
 #pragma once
 
 #include <vector>
@@ -10,13 +10,13 @@ namespace tessera_host {
 
 using tessera_support::CancelToken;
 
-// The arcs of graphs that are to be turned around, for each graph in ascending order. In a graph of few nodes
-// they are the fewest possible. In a larger one they are few: more than the fewest, which nobody can find in
-// reasonable time, but none of them for nothing: turning any single one back would close a cycle again (where
-// a graph is so large and tangled that this takes too long to tell, some may be). The smaller the graphs are
-// together, the harder is the search. Takes n log n time; the same graphs give the same arcs.
+// A feedback arc set of each graph: the arcs to reverse so that no cycle is left, in ascending order. In a
+// graph of at most `maxExactNodes` nodes it is a smallest one. In a larger graph it is small and minimal:
+// restoring any single arc would close a cycle again, except where a graph is so large that finding this out
+// takes too long. The smaller the graphs are together, the more orders are tried. n log n time; the same
+// graphs give the same arcs. Incomplete once `token` is cancelled.
 //
-// REQUIRES: each graph has a way from every node to every other.
+// REQUIRES: each graph is strongly connected.
 [[nodiscard]] std::vector<std::vector<std::size_t>> feedbackArcs(const std::vector<const ArcGraph*>& graphs,
                                                                  const CancelToken& token);
 

@@ -95,7 +95,7 @@ class GrowingOrder {
         return true;
     }
 
-    // Gives the places of all reached nodes to those that lead to the arc first, then to those behind it.
+    // Gives the places of all reached nodes to those that lead to the arc first, then to those after it.
     void moveApart() {
         std::vector<Index> nodes;
         m_places.clear();

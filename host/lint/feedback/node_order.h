@@ -1,4 +1,4 @@
-// Orders of nodes against which few arcs run.
+// Orders of the nodes of a graph with few backward arcs: arcs from a later node to an earlier one.
 #pragma once
 
 #include <vector>
@@ -10,32 +10,31 @@ namespace tessera_host {
 
 using tessera_support::CancelToken;
 
-// All nodes in the order of Eades, Lin and Smyth: nodes that no arc leaves go to the end, nodes that no arc
-// enters to the beginning, and when there are neither, the one with the most leaving arcs above its entering
-// ones; of several, the one that stands first. Takes linear time.
+// The greedy order of Eades, Lin and Smyth: sinks go to the end, sources to the beginning, and when there are
+// neither, the node with the largest surplus of leaving over entering arcs to the beginning; of equals the
+// first one. Linear time.
 [[nodiscard]] std::vector<std::size_t> greedyOrder(const ArcGraph& graph, const CancelToken& token);
 
-// Moves single nodes to where the fewest of their arcs run backwards, until that gains nothing or a number of
-// rounds has passed. Takes n log n time.
+// Moves single nodes to where they have the fewest backward arcs, until no move helps or a number of rounds
+// has passed. n log n time.
 [[nodiscard]] std::vector<std::size_t> siftedOrder(const ArcGraph& graph, std::vector<std::size_t> order,
                                                    const CancelToken& token);
 
-// Of all orders in which the arcs run forwards that do so in this one, that which is most like its reverse:
-// so that many of the other arcs run forwards, too. Takes n log n time.
+// An order with the same forward arcs, and otherwise as much like the reverse of `order` as they allow, so that
+// many of its backward arcs become forward arcs. n log n time.
 [[nodiscard]] std::vector<std::size_t> reversedOrder(const ArcGraph& graph,
                                                      const std::vector<std::size_t>& order,
                                                      const CancelToken& token);
 
-// An order in which the arcs run forwards that do so in this one, and as many others that none can be added:
-// every arc that runs backwards closes a cycle with those that run forwards. When that takes more than a
-// number of steps for each node and arc, it ends before it is done.
+// An order that keeps the forward arcs of `order` and adds as many others as it can: every backward arc closes
+// a cycle with forward arcs. Ends early when that takes more than a number of steps for each node and arc.
 [[nodiscard]] std::vector<std::size_t> minimalOrder(const ArcGraph& graph,
                                                     const std::vector<std::size_t>& order,
                                                     const CancelToken& token);
 
 inline constexpr std::size_t maxExactNodes = 10;
 
-// An order against which the fewest arcs run. REQUIRES: no more nodes than that.
+// An order with the fewest backward arcs. REQUIRES: at most `maxExactNodes` nodes.
 [[nodiscard]] std::vector<std::size_t> exactOrder(const ArcGraph& graph);
 
 }  // namespace tessera_host

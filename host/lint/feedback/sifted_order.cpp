@@ -13,9 +13,9 @@ using Place = std::int64_t;
 
 constexpr Place gap = Place{1} << 32;  // between nodes next to each other, at first
 constexpr int maxRounds = 12;
-constexpr int maxSpreadings = 24;  // beyond what rounds need: makes room where many nodes went to one place
+constexpr int maxSpreadings = 24;  // beyond what rounds need: makes gaps where many nodes went to one place
 
-// Places are numbers with room between them, so that a node moves without the others. Nodes that no arc joins
+// Places are numbers with gaps between them, so that a node moves without the others. Nodes that no arc joins
 // may share a place.
 class Sifting {
   public:
@@ -39,7 +39,7 @@ class Sifting {
     }
 
   private:
-    // Where the cost of standing there changes: behind a node that an arc joins with the sifted one.
+    // Where the cost of standing there changes: after a node that an arc joins with the sifted one.
     struct Step {
         Place place;
         int change;
@@ -69,7 +69,7 @@ class Sifting {
 
     // The step before which the fewest arcs run backwards, or none when the node stands well.
     [[nodiscard]] std::optional<std::size_t> bestStep(Place ownPlace) const {
-        std::int64_t cost = 0;  // against standing before all steps
+        std::int64_t cost = 0;  // compared with the place before all steps
         std::int64_t least = 0;
         std::int64_t own = 0;
         std::size_t best = 0;
@@ -84,12 +84,12 @@ class Sifting {
         return least < own ? std::optional(best) : std::nullopt;
     }
 
-    // Moves the node when that is a gain; answers whether it did.
+    // Moves the node when that is a gain; returns whether it did.
     bool sift(Index node) {
         collectSteps(node);
         const auto step = bestStep(m_place[node]);
         if (!step) return false;
-        if (!hasRoomBefore(*step)) {
+        if (!hasGapBefore(*step)) {
             if (m_spreadings == maxSpreadings) return false;
             ++m_spreadings;
             sortAndSpread();
@@ -104,7 +104,7 @@ class Sifting {
         return true;
     }
 
-    [[nodiscard]] bool hasRoomBefore(std::size_t step) const {
+    [[nodiscard]] bool hasGapBefore(std::size_t step) const {
         return step == 0 || step == m_steps.size() || m_steps[step].place - m_steps[step - 1].place >= 2;
     }
 
