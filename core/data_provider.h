@@ -13,9 +13,9 @@ namespace tessera_1 {
 // It is the parser that filled its graph. Locks nothing: its owner must call it from one thread at a time.
 class TESSERA_EXPORT DataProvider : public DViewpointParser {
   public:
-    // The pipeline from the pane's configuration to the laid-out graph. Null when a step fails, which has been
-    // reported, or when a pass is cancelled. `messenger` and `progress` are used during the call only and may
-    // be null. `out` is not used.
+    // The pipeline from the pane's configuration to the laid-out graph. Null when a step fails, which has
+    // been reported, or when a pass is cancelled. `messenger` and `progress` are used during the call only
+    // and may be null. `out` is not used.
     [[nodiscard]] static std::unique_ptr<DataProvider> create(
         basekit2::variant_bag_t& config, basekit2::variant_bag_t& out,
         basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary, relay2::IMessenger* messenger,
@@ -33,12 +33,14 @@ class TESSERA_EXPORT DataProvider : public DViewpointParser {
     basekit2::error_code_t refresh(basekit2::variant_bag_t& out, relay2::IProgress* progress);
 
     // Shows the data transfers of the mode that `in` names: the own value of its child "mode". Without that
-    // child, or when its value is not a string, the not-valid-data error; nothing changes and nothing is written
-    // then.
+    // child, or when its value is not a string, the not-valid-data error; nothing changes and nothing is
+    // written then.
     basekit2::error_code_t changeDisplayMode(const basekit2::variant_bag_t& in, basekit2::variant_bag_t& out,
                                              relay2::IProgress* progress);
 
+    // Set by create(), from then on never null; shared with nothing else.
     std::shared_ptr<view_model::Graph> m_graph;
+    // Used by each fetch of values; references for the provider's life.
     basekit2::sptr_t<qlib_1::IQueryLibrary> m_queryLibrary;
     basekit2::sptr_t<qlib_1::IInputData> m_inputData;
 };

@@ -1,4 +1,6 @@
-// What a host may set for the layout of one pane: limits, and a watcher.
+// What a host may set for the layout of one pane: limits, and a watcher. Passed to
+// createDiagramViewRequestHandlerWithOptions(), which copies them; a handler without options has the
+// defaults.
 #pragma once
 
 #include <cstddef>
@@ -14,6 +16,7 @@ class ILayoutWatcher;
 struct LayoutLimits {
     static constexpr std::size_t none = std::numeric_limits<std::size_t>::max();
 
+    // What a host of untrusted documents sets; both count what the document declares as well.
     std::size_t maxElements = none;  // nodes and links together; also the layers that a pass adds
     std::size_t maxIdBytes = none;   // bytes of the ids of all nodes and links together
 };

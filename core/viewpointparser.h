@@ -60,10 +60,15 @@ class TESSERA_EXPORT DViewpointParser {
     // The "display" section: names, types, values. It reaches only nodes and links that the graph has by
     // then.
     void parseDisplaySection(const variant_bag_t& display);
+    // Reads the "rowSet" of an element into `info`; of several the last one counts.
     void parseDisplayInfo(std::shared_ptr<view_model::DisplayInfo> info, const variant_bag_t& element);
+    // Has the query library build the row set's query. When it rejects the definition, the check "rowSet.ds"
+    // is reported and the row set stays without rows.
     void parseRowSet(view_model::RowSet& rowSet, const variant_bag_t& element);
+    // Adds to `table` an entry for each mode that a "dataTransfer" of the label describes.
     void parseDataTransfer(view_model::DataTransferTable& table, const variant_bag_t& label);
 
+    // Set by parseViewpoint() and kept for the parser's life.
     relay2::IMessenger* m_messenger = nullptr;  // not owned
     basekit2::sptr_t<qlib_1::IQueryLibrary> m_library;
     basekit2::sptr_t<qlib_1::IInputData> m_result;  // a slot that parseViewpoint leaves empty

@@ -28,6 +28,8 @@ struct TESSERA_EXPORT Row {
 
     std::string m_name;
     std::string m_value;  // of the last query run; empty until then
+    // Compared byte by byte with the columns of a result. Of several rows with one reference the first gets
+    // the value.
     std::string m_query;  // "/" and the identifier of the query that brings the value
 };
 
@@ -42,7 +44,9 @@ struct TESSERA_EXPORT RowSet {
     void dump(basekit2::variant_bag_t& bag) const;
 
     std::string m_name;
+    // A reference to a query that "ds" does not have leaves its row without value.
     std::vector<Row> rows;  // in the document's order
+    // Part of the layout of the class; the library sets it false and never reads it.
     bool m_flag = false;
     sptr_t<qlib_1::IVectorQuery> ds;  // one member a column; without it the row set is never queried
     basekit2::variant_bag_t m_bag;    // the definition that `ds` was built from
@@ -67,8 +71,8 @@ class TESSERA_EXPORT DisplayInfo {
     RowSet m_rowSet;
 };
 
-// Display infos by the name of the display mode that shows them ("bandwidth", "ratio" or "size"). An entry may
-// be null: there is nothing to show in that mode.
+// Display infos by the name of the display mode that shows them ("bandwidth", "ratio" or "size"). An entry
+// may be null: there is nothing to show in that mode.
 using DataTransferTable = std::unordered_map<std::string, std::shared_ptr<DisplayInfo>>;
 
 // Whether `table` has a value to show under `key`. LinkDisplayInfo::emptyDataTransfer, negated and without
@@ -83,7 +87,9 @@ struct TESSERA_EXPORT LinkDisplayInfo {
     // True when none of the three tables has anything to show under `key`.
     [[nodiscard]] bool empty(std::string key) const;
 
+    // Not used by the library; empty until a host sets it.
     std::string m_extraText;
+    // What is shown at the from end, at the to end and in the centre.
     DataTransferTable m_fromInfo;
     DataTransferTable m_toInfo;
     DataTransferTable m_totalInfo;

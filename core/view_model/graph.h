@@ -37,6 +37,7 @@ class TESSERA_EXPORT Graph {
     // Rebuilds the children and parents of the nodes in m_nodes from m_linkList. Links with a missing end
     // take no part.
     void setChildrenAndParents();
+    // Called by each pass that reads these lists, since the passes before it may have added some.
     // Fills m_groups from m_nodeList.
     void collectGroups();
     // Clears `out` and fills it with the display infos of all nodes, then of all links; no null entries.
@@ -64,24 +65,32 @@ class TESSERA_EXPORT Graph {
     basekit2::error_code_t calculateHierarchicalLevelsForGroup(const std::shared_ptr<Node>& group);
     // Empties the layers of all groups.
     void clearHierarchicalLevelManagers();
+    // The part of addDummyNodesForLabels() for links between groups; called at its end.
     basekit2::error_code_t addDummyNodesForLabelsOnCrosslevelLinks();
     void swapNodes(const std::shared_ptr<Node>& a, const std::shared_ptr<Node>& b);
     void changeNodeGroup(const std::shared_ptr<Node>& node, const std::shared_ptr<Node>& group);
 
-    // Each adds one child bag to `out`: "diagram", "nodes", "links".
+    // Each adds one child bag to `out`: "diagram", "nodes", "links". `out` belongs to the caller and keeps
+    // what it holds; a second call adds a second child. They may add empty entries to tables and copy group
+    // levels to the nodes, but change nothing that is shown.
     void dumpTotalInfo(basekit2::variant_bag_t& out) const;
     void dumpNodes(basekit2::variant_bag_t& out);
     void dumpLinks(basekit2::variant_bag_t& out);
 
     std::string m_id;
     std::string m_name;
+    // The key under which data transfers are looked up, by passes and by dumps: "bandwidth", "ratio" or
+    // "size". Any other text is accepted; then no data transfer is shown.
     std::string m_displayMode = "bandwidth";
+    // By id. Of several objects with one id the latest is here; the lists below have them all.
     IdMap<Node> m_nodes;
     IdMap<Link> m_links;
     std::vector<std::shared_ptr<Node>> m_nodeList;  // in order of addNode
     std::vector<std::shared_ptr<Link>> m_linkList;  // in order of addLink
     std::vector<std::shared_ptr<Node>> m_groups;    // distinct groups of all nodes; null is the top level
+    // Nesting depth of each node; filled by the last pass, read by dumpNodes().
     GroupLevelManager m_groupLevelManager;
+    // The layers of each group; the null key is the top level. A group without an entry is not layered.
     std::map<std::shared_ptr<Node>, HierarchicalLevelManager> m_levelManagers;
 };
 

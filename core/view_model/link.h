@@ -15,6 +15,7 @@ namespace tessera_1::view_model {
 // Used by one thread at a time.
 class TESSERA_EXPORT Link {
   public:
+    // A new link has no ends and shows nothing; the graph does not know it until addLink().
     Link();
     explicit Link(std::string id);
     Link(std::string id, std::string type);
@@ -40,12 +41,17 @@ class TESSERA_EXPORT Link {
 
     std::string m_id;
     std::string m_type = "link";
+    // Empty until the display section names it.
     std::string m_displayName;
+    // The ends; null when the document names a node that does not exist. Such a link takes part in no pass.
     std::shared_ptr<Node> m_from;
     std::shared_ptr<Node> m_to;
     std::shared_ptr<Link> m_realLink;   // on a dummy link: the link that it represents
     std::shared_ptr<Link> m_dummyLink;  // on a real link: the dummy link that represents it
+    // Where arrow heads are: "none", "forward" (at the to end), "back" or "both"; "" when the document gives
+    // none.
     std::string m_direction = "none";
+    // Values at the from end, the to end and the centre; a pass moves those that are shown to "label" nodes.
     LinkDisplayInfo m_displayInfo;
 };
 

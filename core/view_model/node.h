@@ -18,8 +18,11 @@ class GroupLevelManager;
 // at a time.
 class TESSERA_EXPORT Node : public std::enable_shared_from_this<Node> {
   public:
+    // A new node is no member of a group, has no id and shows nothing; the graph does not know it until
+    // addNode(). Types: "node" from a document; "label", "groupInfo" and "dummy" from the passes.
     Node();
     explicit Node(std::string type);
+    // A label of a link, which takes over tables; the next is a node that shows `info`, which may be null.
     Node(std::string id, DataTransferTable dataTransfers, std::string type);
     Node(std::string id, std::shared_ptr<DisplayInfo> info, std::string type);
 
@@ -55,6 +58,7 @@ class TESSERA_EXPORT Node : public std::enable_shared_from_this<Node> {
 
     std::string m_id;
     std::string m_type = "node";
+    // Empty until the display section names it.
     std::string m_displayName;
     std::shared_ptr<Node> m_group;          // null at top level
     std::int32_t m_hierarchicalLevel = -1;  // layer inside the group; -1 when not levelled
@@ -62,10 +66,17 @@ class TESSERA_EXPORT Node : public std::enable_shared_from_this<Node> {
     std::vector<std::shared_ptr<Node>> m_groupChildren;
     std::vector<std::shared_ptr<Node>> m_children;  // targets of links from here
     std::vector<std::shared_ptr<Node>> m_parents;   // sources of links to here
+    // What the node itself shows; null for nothing. Shared with nothing else, except that a group's moves to
+    // its "groupInfo" node.
     std::shared_ptr<DisplayInfo> m_info;
+    // What a label shows, by display mode; empty on every other node.
     DataTransferTable m_dataTransfers;
+    // Of a label: at which place of its link it is, "from", "center" or "to".
     std::string m_location;
+    // Towards which end of its link a label is drawn: "from" or "to"; a document may set any word on a node.
     std::string m_aligning = "none";
+    // The document's word for how it is drawn, passed on to the output. The layout knows "interface" only,
+    // which has to be in the last layer of its group.
     std::string m_displayType = "none";
 };
 
