@@ -28,8 +28,8 @@ inline constexpr std::array<std::string_view, 3> labelPlaceNames{"from", "center
 // them, the members of a group come before the group, and of several objects with one id the last one read is
 // found. `replacedBy` says which later object took the place of this one.
 //
-// Refers to the bag that it was read from, which must outlive it. Does not change once read, so any thread may
-// use it.
+// Refers to the bag that it was read from, which must outlive it. Does not change once read, so any thread
+// may use it.
 class DocumentStructure {
   public:
     using Element = const basekit2::variant_bag_t*;
@@ -99,8 +99,8 @@ class DocumentStructure {
         Index replacedBy = none;
     };
 
-    // Reads every <diagram> of `viewpoint`. Linear time, no recursion. Once `token` is cancelled the structure
-    // is incomplete, and the caller discards it.
+    // Reads every <diagram> of `viewpoint`. Linear time, no recursion. Once `token` is cancelled the
+    // structure is incomplete, and the caller discards it.
     DocumentStructure(const basekit2::variant_bag_t& viewpoint, const tessera_support::CancelToken& token);
 
     [[nodiscard]] const std::vector<Element>& diagrams() const noexcept { return m_diagrams; }

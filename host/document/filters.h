@@ -29,6 +29,7 @@ struct Filter {
     friend bool operator==(const Filter&, const Filter&) = default;
 };
 
+// By name. A filter with another name than those above may be in it and has no effect.
 using Filters = std::map<std::string, Filter>;
 
 // Replaces the filter `name`, or adds it. A predicate that is empty or white space removes it.

@@ -25,12 +25,13 @@ class Viewpoint {
   public:
     using Pointer = std::shared_ptr<const Viewpoint>;
 
-    // Reads the XML document in the file `path`; the path becomes the name of the viewpoint. The error has the
-    // kind cannotOpen when the file cannot be read, failed when it is not a well-formed document.
+    // Reads the XML document in the file `path`; the path becomes the name of the viewpoint. The error has
+    // the kind cannotOpen when the file cannot be read, failed with the position when it is not a well-formed
+    // document, cancelled when `token` is cancelled. The pointer is never null.
     [[nodiscard]] static Expected<Pointer> readFile(const std::string& path,
                                                     const tessera_support::CancelToken& token);
 
-    // The same for a document that is at hand as text. `name` is what messages call it.
+    // The same for a document that is at hand as text, which is not kept. `name` is what messages call it.
     [[nodiscard]] static Expected<Pointer> readText(std::string_view text, std::string name,
                                                     const tessera_support::CancelToken& token);
 

@@ -14,21 +14,23 @@
 namespace tessera_host {
 
 // Builds queries from the references of a document to its own declarations. Equal references share one
-// object, so a row set costs little more than the look-ups of its references.
+// object, so a row set costs little more than the look-ups of its references. One library a pane: the diagram
+// library calls it under its handler's lock, so it locks nothing itself.
 class QueryLibrary final : public basekit2::ref_counted_t<qlib_1::IQueryLibrary> {
   public:
+    // REQUIRES: `declarations` is not null. The queries that the library makes keep them alive, too.
     explicit QueryLibrary(std::shared_ptr<const Declarations> declarations);
 
     basekit2::sptr_t<basekit2::IObject> queryInterface(basekit2::type_id_t id) override;
 
     // A vector query whose members are the "queryRef" children of `definition` that have text, in their
-    // order; without any, a vector query without members. Empty when one of them is no reference to a
-    // declared query, which `messenger` is told.
+    // order; without any, a vector query without members. Empty when one of them is not a reference to a
+    // declared query, which is posted to `messenger` at the element's position, unless that is null.
     [[nodiscard]] qlib_1::sptr_t<qlib_1::IQuery> buildQuery(const basekit2::variant_bag_t& definition,
                                                             relay2::IMessenger* messenger) override;
 
     // "RootGrouping" is always the built-in single total; any other name is the id of a declared query
-    // without keys.
+    // without keys. Empty when there is none; nothing is posted then.
     [[nodiscard]] qlib_1::sptr_t<qlib_1::IQuery> getQuery(const std::string& name) override;
 
   private:
@@ -41,8 +43,8 @@ class QueryLibrary final : public basekit2::ref_counted_t<qlib_1::IQueryLibrary>
     const qlib_1::sptr_t<qlib_1::IQuery> m_rootGrouping;
 };
 
-// True for the built-in grouping of any library: a query with its name that is no reference to a declared
-// one.
+// True for the built-in grouping of any library: a query with its name that is not a reference to a declared
+// one. False for an empty pointer. Any thread.
 [[nodiscard]] bool isRootGrouping(const qlib_1::sptr_t<qlib_1::IQuery>& query);
 
 }  // namespace tessera_host

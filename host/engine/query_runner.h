@@ -16,13 +16,15 @@ class QueryRunner {
     QueryRunner(const QueryRunner&) = delete;
     QueryRunner& operator=(const QueryRunner&) = delete;
 
-    // The filters that apply from now on.
+    // The filters that apply from now on. Other filters than before drop all declared queries and the values
+    // that they remember; equal ones keep them.
     void setFilters(FilterList filters);
 
     // True when `reference` is to one of this runner's declarations.
     [[nodiscard]] bool knows(const ReferenceQuery& reference) const;
 
-    // The query of the reference, under the filters. REQUIRES: knows(reference).
+    // The query of the reference, under the filters; made on first use. The runner owns it, until the next
+    // setFilters(). REQUIRES: knows(reference).
     [[nodiscard]] DeclaredQuery& queryFor(const ReferenceQuery& reference);
 
   private:
