@@ -25,6 +25,7 @@ class SourceUnit {
   public:
     explicit SourceUnit(const char* path);
 
+    // NUL-terminated, as given: a literal.
     [[nodiscard]] const char* path() const noexcept { return m_path; }
     [[nodiscard]] const log4cplus::Logger& logger() const noexcept { return m_logger; }
     // Whether failed checks raise the host's assertion. Read from the environment on first use, then kept.
@@ -37,7 +38,7 @@ class SourceUnit {
     mutable bool m_assertionsOn = false;
 };
 
-// Where in a unit something was reported.
+// Where in a unit something was reported. Made by the macros below; lives for one call.
 struct Place {
     const SourceUnit& unit;
     const char* signature;
@@ -53,6 +54,7 @@ void failed(const Place& place, const char* condition, bool again);
 [[nodiscard]] basekit2::error_code_t failedWith(const Place& place, const char* condition, bool again,
                                                 const char* expression, const basekit2::error_t& error);
 
+// Reports `message` (UTF-8, may quote the document); the caller continues. Any thread.
 void alert(const Place& place, const std::string& message);
 
 }  // namespace tessera_1::check

@@ -9,8 +9,9 @@
 
 namespace tessera_1 {
 
-// Parses, binds and lays out a diagram once, then fetches its values again and writes it, any number of times.
-// It is the parser that filled its graph. Locks nothing: its owner must call it from one thread at a time.
+// Parses, binds and lays out a diagram once, then fetches its values again and writes it, any number of
+// times. It is the parser that filled its graph. Locks nothing: its owner must call it from one thread at a
+// time.
 class TESSERA_EXPORT DataProvider : public DViewpointParser {
   public:
     // The pipeline from the pane's configuration to the laid-out graph. Null when a step fails, which has
@@ -29,7 +30,8 @@ class TESSERA_EXPORT DataProvider : public DViewpointParser {
     // written, or after everything is.
     virtual basekit2::error_code_t getMetadata(basekit2::variant_bag_t& out, relay2::IProgress* progress);
 
-    // New values, same diagram.
+    // Fetches values anew and writes the same diagram with them. A value that could not be fetched stays as
+    // it was. The codes are those of getMetadata(); a failed fetch alone is a success here.
     basekit2::error_code_t refresh(basekit2::variant_bag_t& out, relay2::IProgress* progress);
 
     // Shows the data transfers of the mode that `in` names: the own value of its child "mode". Without that

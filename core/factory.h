@@ -22,6 +22,11 @@ namespace tessera_1 {
 // "create" sends "config" to the base handler until that has put the viewpoint into its output bag, once. No
 // lock is held then, so the base handler may send requests to this handler; two threads may send it at once.
 //
+// A null query library or input data is accepted here; "create" then reports it and returns the false code.
+// Without a base handler "create" returns the not-valid-data error. A null filter manager has no effect.
+//
+// Destroy the handler after its requests have ended: drop the last pointer on any thread.
+//
 // Cancellation: a "create" that is cancelled while values are fetched keeps the diagram, and the next
 // "refresh" fetches the values. One that is cancelled inside a pass of the layout returns the cancellation
 // error; the next request finishes the layout first.
@@ -30,7 +35,8 @@ namespace tessera_1 {
     std::shared_ptr<panelcore_1::IRequestHandler> baseHandler,
     std::shared_ptr<panelcore_1::IFilterMgr> filterMgr, relay2::IMessenger* messenger);
 
-// The same with limits and a watcher for the diagrams of this handler.
+// The same with limits and a watcher for the diagrams of this handler. `options` is copied; the watcher in it
+// is not owned and must outlive the handler.
 [[nodiscard]] TESSERA_EXPORT std::shared_ptr<panelcore_1::IRequestHandler>
 createDiagramViewRequestHandlerWithOptions(basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary,
                                            basekit2::sptr_t<qlib_1::IInputData> inputData,

@@ -30,6 +30,7 @@ class TESSERA_EXPORT HierarchicalLevelManager {
     basekit2::error_code_t setLevel(const std::shared_ptr<Node>& node, std::int32_t level,
                                     bool keepPlaceholder);
 
+    // By layer, counted from 0; no null pointers. Empty before the layers are calculated.
     std::vector<std::shared_ptr<Level>> m_levels;
 };
 
@@ -76,6 +77,7 @@ class TESSERA_EXPORT GroupLevels {
 // Nesting depths by node id.
 class TESSERA_EXPORT GroupLevelManager {
   public:
+    // Sets the level of the id, known or not; nodes of one id share it. 0 is the top level.
     void setGroupLevel(const std::string& id, std::int32_t level);
     // The false code, and `level` left alone, when the id is not known.
     basekit2::error_code_t getGroupLevel(const std::string& id, std::int32_t& level) const;

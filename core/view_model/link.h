@@ -26,8 +26,8 @@ class TESSERA_EXPORT Link {
     // Appends those of the from end, the to end and the total.
     void getDisplayInfos(std::vector<std::shared_ptr<DisplayInfo>>& out) const;
 
-    // The ends, each lifted to the innermost group that contains both (or to top level): the ends themselves or
-    // the groups that hold them. The ends as they are when one is missing. Takes time in proportion to the
+    // The ends, each lifted to the innermost group that contains both (or to top level): the ends themselves
+    // or the groups that hold them. The ends as they are when one is missing. Takes time in proportion to the
     // nesting depth.
     [[nodiscard]] std::pair<std::shared_ptr<Node>, std::shared_ptr<Node>> getFromToBelongToTheSameGroup()
         const;
