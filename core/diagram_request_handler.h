@@ -41,8 +41,8 @@ class DiagramViewRequestHandler : public panelcore_1::IRequestHandler {
 
     // Builds the diagram the first time, and writes it into `out` every time. An empty configuration is the
     // not-valid-data error; a first time that yields no diagram is the false code.
-    // REQUIRES of this and the next two: the calling thread is not inside a request of this handler.
-    // `progress` may be null. After an error `out` may hold a part of the diagram.
+    // REQUIRES of this and the next two: the calling thread is not inside a request of this handler, except in
+    // the base handler's "config". `progress` may be null. After an error `out` may hold a part of the diagram.
     basekit2::error_code_t create(const basekit2::variant_bag_t& in, basekit2::variant_bag_t& out,
                                   relay2::IProgress* progress);
 
@@ -60,7 +60,7 @@ class DiagramViewRequestHandler : public panelcore_1::IRequestHandler {
     basekit2::sptr_t<qlib_1::IQueryLibrary> m_queryLibrary;
     basekit2::sptr_t<qlib_1::IInputData> m_inputData;
     relay2::IMessenger* m_messenger;           // not owned; may be null
-    std::unique_ptr<DataProvider> m_provider;  // null before the first successful "create"
+    std::unique_ptr<DataProvider> m_provider;  // null until a "create" has made one
     std::shared_ptr<panelcore_1::IRequestHandler> m_baseHandler;
     std::shared_ptr<panelcore_1::IFilterMgr> m_filterMgr;  // kept, never called
     basekit2::variant_bag_t m_configBag;

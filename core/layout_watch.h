@@ -23,8 +23,7 @@ struct LayoutStage {
     const std::string& name;         // one of layoutStages()
     std::chrono::nanoseconds took;   // since the stage before ended
     const view_model::Graph& graph;  // valid for the duration of the call
-    // Also set in all later stages of that "create".
-    bool isTruncated;  // a limit has stopped this stage or an earlier one
+    bool isTruncated;                // a limit has stopped this stage or an earlier one
 };
 
 // Given with a handler (LayoutOptions); follows each "create" that builds a diagram.
