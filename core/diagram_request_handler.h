@@ -41,8 +41,9 @@ class DiagramViewRequestHandler : public panelcore_1::IRequestHandler {
 
     // Builds the diagram the first time, and writes it into `out` every time. An empty configuration is the
     // not-valid-data error; a first time that yields no diagram is the false code.
-    // REQUIRES of this and the next two: the calling thread is not inside a request of this handler, except in
-    // the base handler's "config". `progress` may be null. After an error `out` may hold a part of the diagram.
+    // REQUIRES of this and the next two: the calling thread is not inside a request of this handler, except
+    // in the base handler's "config". `progress` may be null. After an error `out` may hold a part of the
+    // diagram.
     basekit2::error_code_t create(const basekit2::variant_bag_t& in, basekit2::variant_bag_t& out,
                                   relay2::IProgress* progress);
 
