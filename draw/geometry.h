@@ -1,8 +1,11 @@
-// Points, sizes and rectangles, in CSS pixels; y grows downwards.
+// Points, sizes and rectangles. All lengths are CSS pixels (1/96 inch); x grows to the right, y downwards.
+//
+// Plain values: nothing is checked, so a caller may hold a negative or infinite length while it computes.
 #pragma once
 
 namespace tessera_draw {
 
+// A position. Its origin is that of the coordinates that the owner names: a container's or the drawing's.
 struct Point {
     double x = 0;
     double y = 0;
@@ -17,6 +20,7 @@ struct Size {
     friend bool operator==(const Size&, const Size&) = default;
 };
 
+// A rectangle by its upper left corner and its extent.
 struct Rect {
     double x = 0;
     double y = 0;
@@ -29,6 +33,7 @@ struct Rect {
     friend bool operator==(const Rect&, const Rect&) = default;
 };
 
+// Distances from the four sides of a rectangle inwards.
 struct Insets {
     double left = 0;
     double top = 0;

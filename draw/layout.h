@@ -1,4 +1,5 @@
-// Where everything in a drawing is, whatever values it shows: the first of the two steps to a picture.
+// Positions and sizes of everything in a drawing, independent of the values that it shows. This is the first
+// of two steps: layOut() here, then fill() in draw/scene.h, which adds the values of the moment.
 #pragma once
 
 #include <cstdint>
@@ -13,43 +14,58 @@
 
 namespace tessera_draw {
 
+// Where links lead: to the right, or downwards.
 enum class Direction : std::uint8_t { leftToRight, topToBottom };
 
 struct LayoutOptions {
     Direction direction = Direction::leftToRight;
-    // Space for values, read during the call only. Null: every box reserves what is usual.
+    // Space to reserve for values. Not owned, read during the call only. Null: every box reserves a usual
+    // space.
     const Reservation* reservation = nullptr;
+    // Checked between steps; see layOut(). The default is never cancelled.
     tessera_support::CancelToken cancel = {};
 };
 
 struct LayoutData;  // draw/scene/layout_data.h
 
-// Boxes, lines, sizes and ids of one diagram. Owns all it needs: bag and reservation may go. Never changes, so
-// that any number of threads may read it, and fill() it, at once.
+// Boxes, lines, sizes and ids of one diagram. Owns copies of all its texts: the bag and the reservation may
+// be destroyed after layOut(). Immutable, so any number of threads may read it, and fill() it, at the same
+// time.
 class Layout {
   public:
+    // For layOut(), which fills the data. REQUIRES: data != nullptr.
     explicit Layout(std::unique_ptr<const LayoutData> data);
     ~Layout();
     Layout(const Layout&) = delete;
     Layout& operator=(const Layout&) = delete;
 
-    // Without the legend below the content.
+    // Size of the drawing in pixels: heading, content and margins, without the legend below the content.
     [[nodiscard]] Size size() const noexcept;
-    // The box of the node or group with this id, in the drawing's coordinates; none when it has none.
+    // The box of the node, label or group with this id, in the drawing's coordinates. Of several with one id,
+    // the last. nullopt for an unknown id, and for what is not drawn as a box. Linear time.
     [[nodiscard]] std::optional<Rect> boxOf(std::string_view nodeId) const;
+    // Number of boxes: cards, labels and containers.
     [[nodiscard]] std::size_t boxCount() const noexcept;
+    // Number of lines: one for each link whose two ends have boxes.
     [[nodiscard]] std::size_t lineCount() const noexcept;
 
+    // For the steps of drawing. Valid as long as the layout.
     [[nodiscard]] const LayoutData& data() const noexcept { return *m_data; }
 
   private:
     std::unique_ptr<const LayoutData> m_data;
 };
 
+// Scenes share ownership of their layout.
 using LayoutPointer = std::shared_ptr<const Layout>;
 
 // Lays out the structure of the diagram in `bag`: names, types, levels and links, but no values. Accepts any
-// bag. The same input gives the same layout. Null once `options.cancel` is cancelled.
+// bag: what is missing or of another type counts as empty, and an empty diagram has a layout without boxes.
+// The same input gives the same layout. Any thread, as long as no other thread changes the bag or the
+// reservation.
+//
+// Returns null when `options.cancel` was cancelled before all boxes had their places. There are no other
+// errors.
 [[nodiscard]] LayoutPointer layOut(const basekit2::variant_bag_t& bag, const LayoutOptions& options);
 
 }  // namespace tessera_draw

@@ -1,4 +1,5 @@
-// Scenes as PNG and PDF. The libraries for that are loaded only when somebody asks for one.
+// Scenes as PNG and PDF. The graphics libraries are loaded with the first picture, so that a program that
+// writes none starts without them.
 #pragma once
 
 #include <cstddef>
@@ -12,19 +13,25 @@
 namespace tessera_draw {
 
 struct PictureOptions {
-    Theme theme = Theme::light;  // `automatic` is the light one: these formats cannot ask the reader
-    double scale = 1;            // pixels of a PNG for one of the scene
+    // `automatic` means light: these formats cannot adapt to a reader's settings.
+    Theme theme = Theme::light;
+    // PNG only: pixels of the picture for each pixel of the scene, greater than 0.
+    double scale = 1;
+    // Checked before each element. What the output has taken by then is not a whole picture.
     tessera_support::CancelToken cancel = {};
 };
 
 struct PictureResult {
     bool isWritten = false;
-    std::string error;                  // why not; "" when it was stopped or the output took no more
-    double scale = 1;                   // less than was asked for, when that would have become too large
-    std::size_t missingCharacters = 0;  // which no font has; boxes were drawn for them
+    // For people, unless isWritten. "" when the call was cancelled, or when the output took no more.
+    std::string error;
+    // The scale that was used: less than requested when the picture would have exceeded the limits below.
+    double scale = 1;
+    // Characters that no installed font has; each was drawn as a box.
+    std::size_t missingCharacters = 0;
 };
 
-// Writes pictures. One link path at a time.
+// Writes pictures. One call at a time. Scene and output are used during the call only.
 class PictureWriter {
   public:
     PictureWriter() = default;
@@ -32,19 +39,21 @@ class PictureWriter {
     PictureWriter& operator=(const PictureWriter&) = delete;
     virtual ~PictureWriter() = default;
 
-    // At most maxPngPixels pixels, and maxPngSide on a side.
+    // Writes one PNG of at most maxPngPixels pixels, with sides of at most maxPngSide; scales down otherwise.
     virtual PictureResult writePng(const Scene& scene, const PictureOptions& options, Output& output) = 0;
-    // One page, as large as the drawing at 96 pixels an inch; a side of more than maxPdfSide is scaled down,
-    // since readers show no larger ones. Its text can be selected and searched.
+    // Writes one PDF page of the drawing's size at 96 pixels per inch, scaled down when a side exceeds
+    // maxPdfSide, because readers do not show larger pages. Its text can be selected and searched. The same
+    // scene gives the same bytes on one machine.
     virtual PictureResult writePdf(const Scene& scene, const PictureOptions& options, Output& output) = 0;
 };
 
-inline constexpr double maxPngPixels = 50e6;
-inline constexpr double maxPngSide = 32000;
-inline constexpr double maxPdfSide = 14400;  // points
+inline constexpr double maxPngPixels = 50e6;  // width times height, about 200 MB while it is painted
+inline constexpr double maxPngSide = 32000;   // pixels
+inline constexpr double maxPdfSide = 14400;   // points, 1/72 inch
 
-// The writer, from its own library beside the program's others; it stays loaded. Null, with `error` filled,
-// when that cannot be loaded.
+// Loads the library that holds the writer and returns the writer. The library stays loaded and owns the
+// writer; further calls return the same one. Null when it cannot be loaded; `error` then says why, for
+// people.
 [[nodiscard]] PictureWriter* loadPictureWriter(std::string& error);
 
 }  // namespace tessera_draw

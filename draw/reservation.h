@@ -1,4 +1,4 @@
-// RowSpace that boxes keep for what they may come to show.
+// Space that boxes reserve for the values that they may show later.
 #pragma once
 
 #include <algorithm>
@@ -10,14 +10,15 @@
 
 namespace tessera_draw {
 
-// RowSpace for rows. Widths are in em, so that they hold for any size of the text.
+// Space for the rows of one node or label. Widths are in em (multiples of the font size), because the font
+// size depends on where the rows are drawn. "regular" and "bold" are the weights that widths are measured in.
 struct RowSpace {
-    std::uint32_t rows = 0;
-    double titleWidth = 0;  // of what stands over the rows of a label, regular
-    double nameWidth = 0;   // of the widest name of a row, regular
-    double valueWidth = 0;  // of the widest value to expect, bold
+    std::uint32_t rows = 0;  // number of rows; boxes limit it to what they can show
+    double titleWidth = 0;   // of the title above the rows of a label, regular
+    double nameWidth = 0;    // of the widest name of a row, regular
+    double valueWidth = 0;   // of the widest value to expect, bold
 
-    // Makes it hold what `other` asks for as well.
+    // Enlarges this so that what fits into `other` fits here too.
     void widen(const RowSpace& other) noexcept {
         rows = std::max(rows, other.rows);
         titleWidth = std::max(titleWidth, other.titleWidth);
@@ -28,19 +29,23 @@ struct RowSpace {
     friend bool operator==(const RowSpace&, const RowSpace&) = default;
 };
 
-// A bag holds only the rows that have a value at the moment. Whoever knows the document knows all of them, in
-// all display modes, and says so here; boxes then have the same size whatever they show. What is not named
-// here shows nothing at any time and gets no room.
+// Space by the ids of nodes and links. A bag holds only the rows that have a value at the moment, but the
+// document names all of them, in all display modes. A caller that has the document fills this from it; boxes
+// then keep their sizes when values change.
+//
+// With a reservation, nodes and groups that it does not name reserve no rows. A label whose link it does not
+// name reserves the usual space. Owns copies of the ids. Reading is safe from several threads.
 class Reservation {
   public:
-    // Where on a link a label stands.
+    // The part of a link that a label belongs to.
     enum class Place : std::uint8_t { from, center, to };
 
-    // The room of a node or group, made when it is not there yet.
+    // The space of a node or group, of a label; inserted empty if absent. References stay valid as long as
+    // the reservation, also when further entries are inserted.
     RowSpace& node(std::string_view id) { return at(m_nodes, id); }
     RowSpace& link(std::string_view id, Place place) { return placeOf(at(m_links, id), place); }
 
-    // Null when nothing is kept.
+    // Null when the id is absent. A link that is present has all three places; those not set hold no rows.
     [[nodiscard]] const RowSpace* findNode(std::string_view id) const {
         const auto found = m_nodes.find(id);
         return found == m_nodes.end() ? nullptr : &found->second;

@@ -1,4 +1,4 @@
-// Scenes as SVG.
+// Scenes as SVG, for browsers, and for programs that include SVG.
 #pragma once
 
 #include <string>
@@ -10,19 +10,23 @@
 namespace tessera_draw {
 
 struct SvgOptions {
+    // `automatic` writes both colour sets; the reader's screen setting chooses one. Paper gets the light one.
     Theme theme = Theme::automatic;
-    // Begins every id in the drawing, for pages that hold several. Letters and digits only. "" for one that
-    // is made from what the drawing shows, so that different drawings have different ids.
+    // Prefix of every id in the drawing, so that one page can hold several drawings. Letters and digits only,
+    // beginning with a letter: it is written as it is. "" for a prefix made from the drawing's content.
     std::string idPrefix;
 };
 
-// Writes the scene as one SVG document that needs nothing beside it. Holds only what SVG 1.1 and 2 have in
-// common, no script, no link, and no text that is not escaped. Every element (`<g>`) has a title, which
-// readers show and say, and attributes for scripts: data-kind ("node", "group", "label", "line"), data-id,
-// and data-from and data-to for lines, data-link and data-place ("from", "center", "to") for labels. The same
-// scene gives the same bytes.
+// Writes the scene as one self-contained SVG document in UTF-8. It uses only what SVG 1.1 and 2 have in
+// common, has no scripts and no links, and escapes all texts: names and values may hold any bytes.
 //
-// False when `output` did not take everything.
+// Each element of the scene is a `<g>`. Its title is the tooltip, also for screen readers. Attributes for
+// scripts: data-kind ("node", "group", "label", "line", ...) and data-id; for lines data-from and data-to;
+// for labels data-link and data-place ("from", "center", "to"). The same scene and options give the same
+// bytes.
+//
+// Any thread; the scene is only read. Returns false when `output` did not take everything. What it has taken
+// is then not a whole document.
 bool writeSvg(const Scene& scene, const SvgOptions& options, Output& output);
 
 }  // namespace tessera_draw

@@ -1,4 +1,4 @@
-// Texts that live as long as what shows them.
+// Storage for the texts of a layout or scene, which are kept as views everywhere else.
 #pragma once
 
 #include <algorithm>
@@ -9,11 +9,13 @@
 
 namespace tessera_draw {
 
-// Copies texts into large blocks. The views stay valid as long as the arena, also when it is moved. Not for
-// two threads at once.
+// Copies texts into large blocks. The returned views stay valid until the arena is destroyed; moving the
+// arena keeps them valid, as the blocks do not move. A moved-from arena may only be destroyed or assigned to.
+// Texts cannot be removed one by one. Not safe for two threads at once.
 class TextArena {
   public:
-    // The copy of `text`. Takes time in proportion to its length; no allocation for most texts.
+    // Returns the copy of `text`, without a terminating null; an empty view for "". Equal texts are copied
+    // again. Linear in the length; allocates only when the current block is full.
     std::string_view add(std::string_view text) {
         if (text.empty()) return {};
         if (text.size() > m_free) grow(text.size());

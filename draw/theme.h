@@ -1,4 +1,6 @@
-// What drawings look like: colours by theme, and the style of each kind of shape.
+// Styles of drawings: colours by theme, and the style of each kind of shape. All formats use these tables, so
+// that a drawing looks the same in SVG, PNG and PDF. Lengths are pixels. The tables are constants: their
+// references are always valid, in any thread.
 #pragma once
 
 #include <array>
@@ -9,6 +11,7 @@
 
 namespace tessera_draw {
 
+// A colour in sRGB, opaque.
 struct Rgb {
     std::uint8_t red = 0;
     std::uint8_t green = 0;
@@ -17,7 +20,7 @@ struct Rgb {
     friend bool operator==(const Rgb&, const Rgb&) = default;
 };
 
-// What a colour is for; a theme says which one it is.
+// The purpose of a colour. Shapes name roles; a theme maps each role to a colour. `none` draws nothing.
 enum class ColorRole : std::uint8_t {
     none,
     ground,
@@ -39,7 +42,8 @@ enum class ColorRole : std::uint8_t {
 inline constexpr std::size_t colorRoleCount = 16;
 inline constexpr std::size_t accentCount = 4;
 
-using Palette = std::array<Rgb, colorRoleCount>;  // by ColorRole; that of `none` is not used
+// The colours of one theme, by ColorRole; the entry of `none` is not used.
+using Palette = std::array<Rgb, colorRoleCount>;
 
 [[nodiscard]] const Palette& lightPalette() noexcept;
 [[nodiscard]] const Palette& darkPalette() noexcept;
@@ -47,9 +51,10 @@ using Palette = std::array<Rgb, colorRoleCount>;  // by ColorRole; that of `none
 enum class Theme : std::uint8_t {
     light,
     dark,
-    automatic,  // what the reader's screen is set to, where the format can say so; light on paper
+    automatic,  // follows the reader's screen setting where the format supports that; else light
 };
 
+// The kinds of boxes, each with a style of its own.
 enum class BoxRole : std::uint8_t {
     container,
     innerContainer,  // in a container; containers alternate by depth
@@ -65,11 +70,12 @@ struct BoxStyle {
     ColorRole fill = ColorRole::none;
     ColorRole stroke = ColorRole::none;
     bool isDashed = false;
-    double radius = 0;
+    double radius = 0;  // of the corners
 };
 
 [[nodiscard]] const BoxStyle& styleOf(BoxRole role) noexcept;
 
+// The kinds of texts, each with a style of its own.
 enum class TextRole : std::uint8_t {
     heading,
     badge,
@@ -77,7 +83,7 @@ enum class TextRole : std::uint8_t {
     rowName,
     rowValue,
     more,       // "+3 more"
-    labelName,  // over its value
+    labelName,  // above its value
     labelValue,
     labelRowName,  // of several rows, left of its value
     labelRowValue,
@@ -87,10 +93,11 @@ enum class TextRole : std::uint8_t {
 };
 inline constexpr std::size_t textRoleCount = 13;
 
+// Which part of a text is at its position: where it starts, its middle, or where it ends.
 enum class Anchor : std::uint8_t { start, middle, end };
 
 struct TextStyle {
-    double size = 0;
+    double size = 0;  // font size
     Weight weight = Weight::regular;
     ColorRole color = ColorRole::text;
     Anchor anchor = Anchor::start;
@@ -104,7 +111,8 @@ inline constexpr double textHaloWidth = 4;
 inline constexpr double dashLength = 5;
 inline constexpr double dashGap = 3;
 
-// The families that drawings ask for, in this order; the widths of texts are those of the first.
+// The font families that drawings name, in order of preference. Text widths are those of the first one, which
+// is also the one that PNG and PDF use.
 inline constexpr const char* fontFamilies = "'DejaVu Sans',Verdana,system-ui,sans-serif";
 inline constexpr const char* fontFamily = "DejaVu Sans";
 
