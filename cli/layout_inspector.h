@@ -10,8 +10,8 @@
 
 namespace tessera_cli {
 
-// Follows "create" of the pane that it is given to, and does what the options ask for: writes the graph into a file a
-// stage, measures, verifies, stops. After Ctrl-C it leaves out the stages that are left.
+// Follows "create" of the pane that it is given to, as the options say: writes the graph into one file for each
+// stage, measures, verifies, stops. After Ctrl-C it leaves out the remaining stages.
 class LayoutInspector final : public tessera_1::ILayoutWatcher {
   public:
     explicit LayoutInspector(const Options& options);

@@ -7,7 +7,7 @@
 namespace tessera_host {
 namespace {
 
-// Collects the problems of filters and queries; `check` tells what is wrong with a filter and a selection.
+// Collects the problems of filters and queries; the two functions return what is wrong with one.
 template <class CheckFilter, class CheckSelection>
 std::vector<Problem> collect(const Declarations& declarations, const Filters& filters,
                              const CancelToken& cancel, CheckFilter checkFilter, CheckSelection check) {

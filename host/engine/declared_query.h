@@ -21,7 +21,7 @@ struct RunPlace {
     const RunOptions& options;
 };
 
-// Equal references are asked once a snapshot.
+// Used by one thread at a time. Equal references are asked once a snapshot.
 //
 // Many references to a query without a fitting index would each look at every row. So the first ones are
 // asked one by one, which shows their cost; when those to come would cost much, the engine is given all of

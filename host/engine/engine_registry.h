@@ -13,20 +13,23 @@
 
 namespace tessera_host {
 
+// How a result is opened.
 struct OpenOptions {
     std::string engine;                         // its name; "" to go by the address
     std::chrono::milliseconds lockWait{5'000};  // for a lock of another program
 };
 
-// What an engine registers.
+// What an engine registers. Its functions are called by any thread, several at once.
 struct Engine {
     std::string name;                  // as OpenOptions and messages name it
     std::string description;           // "SQLite files", completes "this program reads ..."
     std::vector<std::string> schemes;  // of addresses "SCHEME://...", in small letters
     std::vector<std::string> endings;  // of paths, with the dot, in small letters
-    // Whether the file's first bytes are this engine's. Empty when it has none.
+    // Whether the file's first bytes are this engine's. Empty when it has none. Called for addresses without
+    // a scheme, also when there is no such file; must not disturb another engine that has the file open.
     std::function<bool(const std::string& path)> recognizes;
-    // Opens an address. The error is a clause for people that does not repeat the address.
+    // Opens an address that was chosen for this engine. The result is never null. The error is a clause for
+    // people that does not repeat the address; its kind counts only when it is cancelled.
     std::function<Expected<std::shared_ptr<IResult>>(const std::string& address, const OpenOptions& options,
                                                      const CancelToken& cancel)>
         open;
@@ -42,6 +45,7 @@ class EngineRegistry {
     // The engines that are part of the program.
     [[nodiscard]] static const EngineRegistry& builtIn();
 
+    // The order counts: of two engines that take an address, the earlier one opens it.
     void add(Engine engine) { m_engines.push_back(std::move(engine)); }
     [[nodiscard]] const std::vector<Engine>& engines() const noexcept { return m_engines; }
 

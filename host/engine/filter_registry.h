@@ -12,7 +12,7 @@
 
 namespace tessera_host {
 
-// Any thread.
+// Made by InputData and handed out through its interfaces, so handlers may keep it for longer. Any thread.
 class FilterRegistry final : public basekit2::ref_counted_t<qlib_1::IFilterRegistry> {
   public:
     explicit FilterRegistry(Filters filters) : m_filters(std::move(filters)) {}
@@ -22,6 +22,7 @@ class FilterRegistry final : public basekit2::ref_counted_t<qlib_1::IFilterRegis
         return nullptr;
     }
 
+    // Called by the library before it adds a filter to a query.
     [[nodiscard]] bool hasFilter(const std::string& name) const override {
         const std::scoped_lock lock(m_mutex);
         return m_filters.contains(name);
@@ -35,6 +36,7 @@ class FilterRegistry final : public basekit2::ref_counted_t<qlib_1::IFilterRegis
         return it->second.predicate;
     }
 
+    // In alphabetical order.
     [[nodiscard]] std::vector<std::string> names() const {
         const std::scoped_lock lock(m_mutex);
         std::vector<std::string> names;
@@ -44,6 +46,7 @@ class FilterRegistry final : public basekit2::ref_counted_t<qlib_1::IFilterRegis
         return names;
     }
 
+    // The next look-up finds the new ones.
     void replace(Filters filters) {
         const std::scoped_lock lock(m_mutex);
         m_filters.swap(filters);

@@ -24,11 +24,12 @@ using tessera_support::CancelSource;
 using tessera_support::CancelToken;
 
 // How much one statement may use. A statement that reaches a limit fails with an error that names the limit.
+// A limit of another kind is a further member, with a default that means none.
 struct QueryLimits {
-    std::chrono::milliseconds time{600'000};
+    std::chrono::milliseconds time{600'000};  // from the start of the statement
 };
 
-// Given with each call that may take long.
+// Given with each call that may take long. Calls of one snapshot may have different options.
 struct RunOptions {
     CancelToken cancel;  // ends the call within 100 ms with an error of kind cancelled
     QueryLimits limits;
@@ -64,16 +65,19 @@ class ISnapshot {
     ISnapshot& operator=(const ISnapshot&) = delete;
 
     // An error once the database was lost or changed under the snapshot: no further question has an answer.
+    // Cheap; a request calls it before it asks.
     [[nodiscard]] virtual Expected<void> state() const = 0;
 
-    // The value of one question. An error says why there is none: the selection is not acceptable, the
-    // statement failed or reached a limit (kind failed), or the call was cancelled (kind cancelled).
+    // The value of one question; NULL and the value over no rows are values too. An error says why there is
+    // none: the selection is not acceptable, the statement failed or reached a limit (kind failed), or the
+    // call was cancelled (kind cancelled). Its text is a clause for people that does not name the query. A
+    // selection that is not acceptable is so for the whole snapshot, and cheap to ask again.
     [[nodiscard]] virtual Expected<Answer> answer(const Question& question, const RunOptions& options) = 0;
 
     // Answers many questions with few statements. The result has an element for each question: its value,
     // always the one that answer() would return, or none when it has to be asked by itself. An engine that
     // cannot tell that the values would be equal, a failing statement, and one that takes more than `maxWork`
-    // leave elements empty; the only error is cancellation.
+    // leave elements empty; the only error is cancellation. Questions about one selection stand side by side.
     [[nodiscard]] virtual Expected<std::vector<std::optional<CellValue>>> answerTogether(
         std::span<const Question> questions, std::uint64_t maxWork, const RunOptions& options) = 0;
 
@@ -93,7 +97,8 @@ class ISnapshot {
 };
 
 // An opened database. It is only read: nothing that SQL of a document says can write to it, or reach files,
-// the network or settings. Any thread; several snapshots may exist at once, each on its own thread.
+// the network or settings. Any thread; several snapshots may exist at once, each on its own thread. Held by
+// std::shared_ptr; panes and snapshots share it.
 class IResult {
   public:
     virtual ~IResult() = default;

@@ -1,4 +1,4 @@
-// One snapshot for all that one request asks.
+// One snapshot for all queries of one request.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,8 @@
 
 namespace tessera_host {
 
-// Hands out the snapshot of the request that is running. One for each pane; used by one thread at a time.
+// Keeps the snapshot of the request that is running. One for each pane; used by one thread at a time. The
+// result is shared with other panes; each has its own snapshots.
 class SnapshotSource {
   public:
     explicit SnapshotSource(std::shared_ptr<IResult> result) : m_result(std::move(result)) {}
@@ -40,7 +41,8 @@ class SnapshotSource {
 // one, or within a hold, shares that one's snapshot, its error included. REQUIRES: the source outlives it.
 class SnapshotUse {
   public:
-    // Begins a snapshot, when there is none, with these options.
+    // Begins a snapshot, when there is none, with these options. That may wait for a lock of another
+    // program; state() says how it ended.
     SnapshotUse(SnapshotSource& source, const RunOptions& options);
     ~SnapshotUse();
     SnapshotUse(const SnapshotUse&) = delete;
@@ -55,7 +57,7 @@ class SnapshotUse {
     SnapshotSource& m_source;
 };
 
-// Keeps the first snapshot that is begun while it lives until its own end. A request that asks nothing begins
+// Keeps the first snapshot that is begun while it lives until its own end. A request without queries begins
 // none and waits for no lock.
 class SnapshotHold {
   public:

@@ -95,7 +95,7 @@ error_code_t TableTreeEngine::fillCells(const slicekit_1_0::table_tree_request_t
         const auto member = request.columns->at(i);
         const auto reference = basekit2::object_registry_t::process().query<ReferenceQuery>(member);
         if (reference.is_null() || !m_runner.knows(*reference))
-            return fail("the query " + quoted(member->getIdentifier()) + " is none of this document's", {},
+            return fail("the query " + quoted(member->getIdentifier()) + " is not one of this document", {},
                         true);
         DeclaredQuery& query = m_runner.queryFor(*reference);
         const CellText& text = query.value(*reference, place);

@@ -1,4 +1,4 @@
-// Runs the queries of a pane, as the diagram library asks them.
+// Runs the table-tree queries of the diagram library on a result.
 #pragma once
 
 #include <memory>

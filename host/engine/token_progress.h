@@ -18,7 +18,7 @@ class TokenProgress : public relay2::IProgress {
     const tessera_support::CancelToken m_token;
 };
 
-// The token behind a progress sink of this host; one that is never cancelled for null and for other sinks.
+// The token of a TokenProgress. For null, and for any other sink, a token that is never cancelled.
 [[nodiscard]] inline tessera_support::CancelToken tokenOf(const relay2::IProgress* progress) {
     const auto* own = dynamic_cast<const TokenProgress*>(progress);
     return own ? own->token() : tessera_support::CancelToken();

@@ -8,8 +8,7 @@
 
 namespace tessera_host {
 
-// A tree of one row. Column i is a value column and answers the member i of `columns`, so there are as many
-// cells.
+// A tree of one row. Column i is a value column for the member i of `columns`, so there are as many cells.
 [[nodiscard]] qlib_1::sptr_t<qlib_1::ITableTree> makeTotalTree(qlib_1::sptr_t<qlib_1::IVectorQuery> columns,
                                                                std::vector<std::string> cells);
 

@@ -10,7 +10,8 @@
 
 namespace tessera_host {
 
-// Given with a request. Used by one thread at a time.
+// Given with a request (RequestOptions::messages). Used by the thread of the request, and by others when the
+// request has ended.
 class MessageList final : public relay2::IMessenger {
   public:
     void post(relay2::severity_t severity, const std::string& text,
@@ -20,6 +21,7 @@ class MessageList final : public relay2::IMessenger {
 
     // In the order in which they were posted.
     [[nodiscard]] const std::vector<Problem>& messages() const noexcept { return m_messages; }
+    // The same, and leaves the list empty for a further request.
     [[nodiscard]] std::vector<Problem> take() noexcept { return std::exchange(m_messages, {}); }
 
   private:

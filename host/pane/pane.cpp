@@ -62,7 +62,7 @@ class PaneFilters final : public panelcore_1::IFilterMgr {
 
 }  // namespace
 
-// The handler keeps one messenger for its life; this one hands messages on to the request that is running.
+// The handler keeps one messenger for its life; this one forwards messages to the request that is running.
 class Pane::Messages final : public relay2::IMessenger {
   public:
     void post(relay2::severity_t severity, const std::string& text,

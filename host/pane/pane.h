@@ -17,11 +17,11 @@ namespace tessera_host {
 
 // Valid for the whole life of a pane.
 struct PaneOptions {
-    QueryLimits queryLimits;
+    QueryLimits queryLimits;          // of each statement
     tessera_1::LayoutOptions layout;  // its watcher, when there is one, outlives the pane
 };
 
-// Valid for one request.
+// Valid for one request. Both are borrowed: what they refer to outlives the request.
 struct RequestOptions {
     CancelToken cancel;
     // Gets the messages of this request, and of no other, on the thread that sends it. Null: they are
@@ -34,10 +34,12 @@ struct RequestOptions {
 //
 // The diagram belongs to the pane: "create" reads the viewpoint and lays it out once, "refresh" fetches the
 // values again and "changeDisplayMode" changes what is shown. Labels of links keep the values of their first
-// "create"; for all values anew, make another pane.
+// "create"; a host that wants all values new makes another pane.
 class Pane {
   public:
-    // `filters` are those in force; see withReplacements().
+    // Neither pointer may be null; both stay alive with the pane. `filters` are all that apply: the
+    // document's own, with those of the user in their place. Reads nothing and runs no query; the library
+    // reads the viewpoint with the first "create".
     Pane(Viewpoint::Pointer viewpoint, std::shared_ptr<IResult> result, Filters filters,
          const PaneOptions& options = {});
     Pane(const Pane&) = delete;
@@ -45,8 +47,10 @@ class Pane {
     ~Pane();
 
     // Sends a request to the handler: "create", "refresh" or "changeDisplayMode". All its queries see the
-    // database as it is at one moment. `out` gets what the handler writes. The code is the handler's. Any
-    // thread; never called from within a request of the same pane.
+    // database as it is at one moment; a request without queries waits for no lock. `out` gets what the
+    // handler writes. The code is the handler's: FailedTo for an unknown name, Cancelled when the token was
+    // cancelled. A query that fails is reported to `options.messages` and leaves the earlier values in place.
+    // Any thread; never called from within a request of the same pane, or from a watcher.
     [[nodiscard]] basekit2::error_code_t request(const std::string& name, const basekit2::variant_bag_t& in,
                                                  basekit2::variant_bag_t& out, const RequestOptions& options);
 

@@ -14,10 +14,10 @@ using CellValue = std::variant<std::monostate, std::int64_t, double, std::string
 
 // The form of numbers, written NAME or NAME:N with N from 0 to 17:
 //   plain       as they stand; takes no N
-//   fixed:N     N digits behind the point (2 when N is not given)
+//   fixed:N     N digits after the point (2 when N is not given)
 //   si:N        N significant digits (3) and one of the prefixes k M G T P
 //   binary:N    the same in powers of 1024, with Ki Mi Gi Ti Pi
-//   percent:N   times 100, N digits behind the point (1)
+//   percent:N   times 100, N digits after the point (1)
 //   duration:N  seconds as a duration, N significant digits below a minute (3)
 // Where N counts significant digits, 0 is taken as 1.
 struct CellFormat {
@@ -26,7 +26,7 @@ struct CellFormat {
     Kind kind = Kind::plain;
     int digits = 0;
 
-    // The format that `text` names; plain for an empty text, none for any other that is no format.
+    // The format that `text` names; plain for an empty text, none for any other text.
     [[nodiscard]] static std::optional<CellFormat> parse(std::string_view text);
 
     friend bool operator==(const CellFormat&, const CellFormat&) = default;
@@ -36,21 +36,17 @@ struct CellFormat {
 //
 //   NULL      the empty text, without a unit; so is an empty text.
 //   plain     integers and text as they stand, reals in the shortest form that reads back equal; the unit
-//   follows after
-//             a blank.
-//   numbers   rounded exactly to the nearest, from the middle to the even digit; zero has no sign.
-//   si        the prefix is chosen after rounding, 999.6 thousands with three digits are "1.00 M". Values
-//   below 1 and
-//             below 1000 have none. From 10^21 and below 10^-6 numbers are written as 1.23e+21, without a
+//             follows after a space.
+//   numbers   rounded exactly to the nearest, ties to the even digit; zero has no sign.
+//   si        the prefix is chosen after rounding: 999.6 thousand with three digits are "1.00 M". Values
+//             below 1,000 have none. From 10^21 on and below 10^-6 numbers are written as 1.23e+21, without a
 //             prefix.
-//   percent   the sign "%" follows after a blank and then the unit, unless that is "%".
+//   percent   the sign "%" follows after a space and then the unit, unless that is "%".
 //   duration  below a minute in ns, µs, ms or s: "1.25 ms"; from there on in the two units that fit, the last
-//   rounded
-//             and left out when it is 0: "2 min 5 s", "3 h 20 min", "4 d 6 h". 0 is "0 s". From 2^53 seconds
-//             and below 10^-15: "1.23e+20 s". The unit follows, unless that is "s".
+//             one rounded and left out when it is 0: "2 min 5 s", "3 h 20 min", "4 d 6 h". 0 is "0 s". From
+//             2^53 seconds on and below 10^-15: "1.23e+20 s". The unit follows, unless that is "s".
 //   text      under another format than plain: formatted as a number when the whole text is one, otherwise as
-//   it
-//             stands and without the unit.
+//             it stands and without the unit.
 //   infinities and NaN: "inf", "-inf", "nan" in the place of the digits.
 [[nodiscard]] std::string formatCell(const CellValue& value, const CellFormat& format, std::string_view unit);
 

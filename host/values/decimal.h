@@ -27,7 +27,7 @@ struct Decimal {
 // The value as d.dde+XX.
 [[nodiscard]] std::string scientificText(const Decimal& decimal);
 
-// `number` with exactly `places` digits behind the point, none of them lost. A zero has no sign.
+// `number` with exactly `places` digits after the point, none of them lost. A zero has no sign.
 // REQUIRES: `number` is finite, 0 <= places <= 19.
 [[nodiscard]] std::string fixedText(const Number& number, int places);
 

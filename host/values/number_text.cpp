@@ -7,7 +7,7 @@
 namespace tessera_host {
 namespace {
 
-// Takes digits off the front of `text`; answers how many.
+// Takes digits off the front of `text`; returns how many.
 std::size_t takeDigits(std::string_view& text) noexcept {
     std::size_t count = 0;
     while (count < text.size() && text[count] >= '0' && text[count] <= '9')

@@ -11,7 +11,7 @@ namespace tessera_host {
 using Number = std::variant<std::int64_t, double>;
 
 // True when the whole text is one decimal number: an optional sign, digits with an optional point among,
-// before or behind them, an optional exponent. No blanks, no hexadecimal form, no names of infinities.
+// before or after them, an optional exponent. No spaces, no hexadecimal form, no names of infinities.
 [[nodiscard]] bool isNumeric(std::string_view text) noexcept;
 
 // The number that the whole text is, or none: also when its magnitude is beyond what a double can hold.

@@ -96,7 +96,7 @@ class Databases(Case):
         whole = self.database().read_bytes()
         for missing in (1, 5, 18, 1000):
             done = self.render_with(self.write('cut.db', whole[:-missing]))
-            self.assert_clean_failure(done, 3, 'cut.db: ', 'cut short')
+            self.assert_clean_failure(done, 3, 'cut.db: ', 'truncated')
 
     def test_locked_database(self):
         path = self.database()

@@ -51,7 +51,8 @@ TEST_F(SqliteDeclarationCheck, EveryPartOfEveryQueryIsLookedAt) {
             "1: query \"Many\": key \"z\": no such column: z",
             "1: query \"Many\": the condition (\"where\"): no such column: y",
             "1: query \"Many\": no such column: x", "3: query \"Table\": no such table: nowhere",
-            "4: query \"Row\": the expression is no aggregate expression: it has a value for every row, not "
+            "4: query \"Row\": the expression is not an aggregate expression: it has a value for every row, "
+            "not "
             "one for all",
             "5: query \"Fragments\": the expression has a parenthesis that is never closed (at character 6)",
             "5: query \"Fragments\": the condition (\"where\") has a ' that is never closed (at character 5)",
@@ -62,14 +63,14 @@ TEST_F(SqliteDeclarationCheck, EveryPartOfEveryQueryIsLookedAt) {
             "8: query \"Tableless\": the expression is empty"}));
 }
 
-TEST_F(SqliteDeclarationCheck, FiltersAreHeldAgainstEveryTable) {
+TEST_F(SqliteDeclarationCheck, FiltersAreCheckedWithEveryTable) {
     pane.query("T", "t", "COUNT(*)").query("U", "u", "COUNT(*)");
     EXPECT_EQ(problems({{"global", {"a = 1", {}}}, {"selection", {"c = 1", {}}}}),
               (Texts{"1: query \"T\": filter \"selection\": no such column: c",
                      "2: query \"U\": filter \"global\": no such column: a"}));
 }
 
-TEST_F(SqliteDeclarationCheck, AFilterThatIsWrongEverywhereIsToldOnce) {
+TEST_F(SqliteDeclarationCheck, AFilterThatIsWrongEverywhereIsReportedOnce) {
     pane.query("T", "t", "COUNT(*)").query("U", "u", "COUNT(*)");
     EXPECT_EQ(problems({{"selection", {"a = (1", {77, 3}}}}),
               (Texts{"77: filter \"selection\" has a parenthesis that is never closed (at character 5)"}));

@@ -65,7 +65,7 @@ TEST_F(SqliteAuthorizer, EverythingElseIsRefused) {
     EXPECT_NE(refusal("DROP INDEX ti"), "");
     EXPECT_EQ(refusal("SELECT min(a) FROM t"), "the function \"min\" is not allowed");
     EXPECT_EQ(refusal("SELECT name FROM pragma_table_info('t')"),
-              "\"pragma_table_info\" is no table or view of the database");
+              "\"pragma_table_info\" is not a table or view of the database");
 }
 
 TEST_F(SqliteAuthorizer, RecursionNeedsAViewAndPermission) {

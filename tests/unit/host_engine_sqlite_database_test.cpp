@@ -39,14 +39,14 @@ TEST_F(SqliteDatabase, SaysWhatIsNoFile) {
     EXPECT_EQ(reasonFor(folder.file("none.db")), "there is no such file");
     EXPECT_EQ(reasonFor(folder.file("none/a.db")), "there is no such file");
     EXPECT_EQ(reasonFor(folder.file("")), "it is a directory");
-    EXPECT_EQ(reasonFor(""), "\"\" is no name of a file");
-    EXPECT_EQ(reasonFor(std::string("a\0b", 3)), "\"a b\" is no name of a file");
+    EXPECT_EQ(reasonFor(""), "\"\" is not the name of a file");
+    EXPECT_EQ(reasonFor(std::string("a\0b", 3)), "\"a b\" is not the name of a file");
     EXPECT_FALSE(fs::exists(folder.file("none.db")));
 }
 
 TEST_F(SqliteDatabase, DoesNotWaitForAPipe) {
     ASSERT_EQ(mkfifo(folder.file("pipe").c_str(), 0600), 0);
-    EXPECT_EQ(reasonFor(folder.file("pipe")), "it is no regular file");
+    EXPECT_EQ(reasonFor(folder.file("pipe")), "it is not a regular file");
 }
 
 TEST_F(SqliteDatabase, SaysThatAFileMayNotBeRead) {
@@ -129,9 +129,9 @@ TEST_F(SqliteWalInAClosedFolder, PendingChangesAreNotPassedOver) {
 
 TEST_F(SqliteDatabase, SaysWhatIsNoDatabase) {
     std::ofstream(folder.file("text")) << std::string(5000, 'x');
-    EXPECT_EQ(reasonFor(folder.file("text")), "the file is no SQLite database");
+    EXPECT_EQ(reasonFor(folder.file("text")), "the file is not an SQLite database");
     std::ofstream(folder.file("short")) << "SQLite format 3";
-    EXPECT_EQ(reasonFor(folder.file("short")), "the file is no SQLite database");
+    EXPECT_EQ(reasonFor(folder.file("short")), "the file is not an SQLite database");
     std::ofstream(folder.file("empty")).flush();
     EXPECT_EQ(reasonFor(folder.file("empty")), "it is empty");
 }
@@ -140,7 +140,7 @@ TEST_F(SqliteDatabase, NoticesThatAFileIsCutShort) {
     const std::string path = folder.file("a.db");
     makeDatabase(path, numbersTable("t", 10000));
     fs::resize_file(path, fs::file_size(path) / 2);
-    EXPECT_EQ(reasonFor(path), "the database is damaged or cut short (database disk image is malformed)");
+    EXPECT_EQ(reasonFor(path), "the database is damaged or truncated (database disk image is malformed)");
 }
 
 TEST_F(SqliteDatabase, NoticesADamagedPage) {
@@ -154,9 +154,9 @@ TEST_F(SqliteDatabase, NoticesADamagedPage) {
     Pane pane(path);
     pane.query("Sum", "t", "SUM(i)");
     EXPECT_EQ(pane.failure("/Sum"),
-              "query \"Sum\": the database is damaged or cut short (database disk image is malformed)");
+              "query \"Sum\": the database is damaged or truncated (database disk image is malformed)");
     EXPECT_EQ(pane.failure("/Sum"),
-              "query \"Sum\": the database is damaged or cut short (database disk image is malformed)");
+              "query \"Sum\": the database is damaged or truncated (database disk image is malformed)");
 }
 
 TEST_F(SqliteDatabase, WaitsForALockAndSaysSo) {

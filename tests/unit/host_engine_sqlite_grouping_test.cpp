@@ -1,4 +1,4 @@
-// Many references to one query: the answers are those of single statements, only sooner.
+// Many references to one query: the values are those of single statements, only sooner.
 #include <gtest/gtest.h>
 
 #include <random>

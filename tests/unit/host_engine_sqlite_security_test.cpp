@@ -121,7 +121,7 @@ TEST_F(SqliteSecurity, OnlyTablesOfTheDatabaseAreRead) {
     for (const char* table : {"pragma_module_list", "sqlite_stmt", "dbstat"})
         EXPECT_EQ(failureOf("COUNT(*)", table), refusal) << table;
     EXPECT_EQ(failureOf("COUNT(*) + (SELECT COUNT(*) FROM sqlite_temp_schema)"),
-              "\"sqlite_temp_schema\" is no table or view of the database");
+              "\"sqlite_temp_schema\" is not a table or view of the database");
     EXPECT_EQ(valueOf("COUNT(*)", "sqlite_schema"), "5");  // the schema is a table of the database
 }
 

@@ -185,11 +185,11 @@ TEST_F(SqliteSnapshot, ALostFileFailsTheRequestOnly) {
     const std::string named = "\"" + path + "\": ";
     EXPECT_EQ(pane.failure("/Count"), named + "there is no such file");
     std::ofstream(path) << "garbage garbage garbage";
-    EXPECT_EQ(pane.failure("/Count"), named + "the file is no SQLite database");
+    EXPECT_EQ(pane.failure("/Count"), named + "the file is not an SQLite database");
     fs::copy_file(elsewhere, path, fs::copy_options::overwrite_existing);
     fs::resize_file(path, fs::file_size(path) / 2);
     EXPECT_EQ(pane.failure("/Count"),
-              named + "the database is damaged or cut short (database disk image is malformed)");
+              named + "the database is damaged or truncated (database disk image is malformed)");
     fs::copy_file(elsewhere, path, fs::copy_options::overwrite_existing);
     EXPECT_EQ(pane.value("/Count"), "2");
 }

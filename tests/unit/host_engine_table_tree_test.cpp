@@ -1,4 +1,4 @@
-// Queries as a pane asks them: values, keys, filters, and what is said when they fail.
+// Queries as a pane runs them: values, keys, filters, and the messages when they fail.
 #include <gtest/gtest.h>
 
 #include <thread>
@@ -155,23 +155,24 @@ TEST_F(SqliteEngine, ExpressionsMustBeAggregates) {
         .query("Two", "flows", "COUNT(*), 1")
         .query("Fine", "flows", "COUNT(*) + (SELECT COUNT(*) FROM flows) + CAST(42 AS INTEGER)");
     const std::string reason =
-        ": the expression is no aggregate expression: it has a value for every row, not one for all";
+        ": the expression is not an aggregate expression: it has a value for every row, not one for all";
     EXPECT_EQ(pane.failure("/Row"), "query \"Row\"" + reason);
     EXPECT_EQ(pane.failure("/Constant"), "query \"Constant\"" + reason);
     EXPECT_EQ(pane.failure("/Sub"), "query \"Sub\"" + reason);
-    EXPECT_EQ(pane.failure("/Window"),
-              "query \"Window\": the expression is no aggregate expression: misuse of window function SUM()");
+    EXPECT_EQ(
+        pane.failure("/Window"),
+        "query \"Window\": the expression is not an aggregate expression: misuse of window function SUM()");
     EXPECT_EQ(pane.failure("/Two"), "query \"Two\": row value misused");
     EXPECT_EQ(pane.value("/Fine"), "50");
 }
 
-TEST_F(SqliteEngine, RunTimeErrorsAreTold) {
+TEST_F(SqliteEngine, RunTimeErrorsAreReported) {
     makeDatabase(path, "CREATE TABLE big(n INTEGER); INSERT INTO big VALUES (9223372036854775807), (1)");
     pane.query("Overflow", "big", "SUM(n)");
     EXPECT_EQ(pane.failure("/Overflow"), "query \"Overflow\": integer overflow");
 }
 
-TEST_F(SqliteEngine, ABrokenQueryIsToldOnceASnapshot) {
+TEST_F(SqliteEngine, ABrokenQueryIsReportedOnceASnapshot) {
     pane.query("Typo", "flows", "SUM(bytez)", {{"key", "src"}}).query("Other", "flows", "nope");
     {
         const SnapshotUse snapshot(pane.source(), {});
@@ -224,7 +225,7 @@ TEST_F(SqliteEngine, ReferencesOfAnotherDocumentAreRefused) {
     const auto foreign = qlib_1::IVectorQuery::create({other.library()->getQuery("Count")});
     sptr_t<qlib_1::ITableTree> tree;
     EXPECT_TRUE(engine->run({root, foreign, {}}, nullptr, true, tree).is(bk2::error::FailedTo));
-    EXPECT_EQ(pane.messenger.take(), "the query \"Count\" is none of this document's");
+    EXPECT_EQ(pane.messenger.take(), "the query \"Count\" is not one of this document");
 }
 
 TEST_F(SqliteEngine, TheEngineOutlivesTheInputData) {

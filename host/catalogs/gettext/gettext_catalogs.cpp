@@ -24,7 +24,7 @@ class GettextCatalog final : public RTBASE_2_18::i18n::catalog_t {
     }
 
   private:
-    // Under the empty key a catalogue keeps its own header, which is no text to show.
+    // Under the empty key a catalogue keeps its own header, which is not a text to show.
     const char* find(const std::string& key) const {
         return key.empty() ? nullptr : m_messages->get(0, nullptr, key.c_str());
     }
@@ -94,7 +94,7 @@ GettextCatalogs::GettextCatalogs(const std::string& directory, const std::string
                 if (isCatalog(path))
                     m_catalogs.emplace(name, load(directory, candidate, name));
                 else
-                    problems.push_back(path + ": is no message catalogue that can be read");
+                    problems.push_back(path + ": is not a message catalogue that can be read");
             } catch (const std::exception& error) {
                 problems.push_back(path + ": cannot be read as a message catalogue: " + error.what());
             }

@@ -1,4 +1,4 @@
-// What the library hands to those who load it.
+// The function that the program looks up in this library.
 #include "host/catalogs/catalogs.h"
 #include "host/catalogs/gettext/gettext_catalogs.h"
 

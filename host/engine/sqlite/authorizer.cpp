@@ -99,7 +99,7 @@ int Authorizer::decideRead(std::string_view table, std::string_view database) {
         const bool isBuiltIn = m_modules.contains(name) || name.starts_with("pragma_");
         if (!isBuiltIn) return SQLITE_OK;
     }
-    return refuse(quoted(table) + " is no table or view of the database");
+    return refuse(quoted(table) + " is not a table or view of the database");
 }
 
 int Authorizer::refuse(std::string text) {

@@ -23,7 +23,7 @@ class Authorizer {
     Authorizer(const Authorizer&) = delete;
     Authorizer& operator=(const Authorizer&) = delete;
 
-    // Makes `database` ask this authorizer, which must live as long as it.
+    // Makes `database` call this authorizer, which must live as long as it.
     void install(sqlite3* database);
     // The tables and views of the database.
     void setTables(NameSet tables) { m_tables = std::move(tables); }
@@ -34,7 +34,7 @@ class Authorizer {
     }
 
     // `mayRecurse`: recursive queries inside of the database's own views are allowed. False when the
-    // document's text has common table expressions of its own, because SQLite's question does not tell these
+    // document's text has common table expressions of its own, because SQLite does not tell these
     // from a view's.
     void guard(bool mayRecurse);
     void release() noexcept { m_isGuarding = false; }

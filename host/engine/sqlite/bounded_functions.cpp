@@ -126,8 +126,8 @@ void trim(sqlite3_context* context, int, sqlite3_value** arguments) {
     answer(context, text);
 }
 
-// For COUNT(*) of a whole table SQLite has one instruction that asks nobody until it has seen all pages. It
-// uses that for its own function only.
+// For COUNT(*) of a whole table SQLite has one instruction that cannot be interrupted until it has seen all
+// pages. It uses that for its own function only.
 void countStep(sqlite3_context* context, int, sqlite3_value**) {
     auto* count = static_cast<sqlite3_int64*>(sqlite3_aggregate_context(context, sizeof(sqlite3_int64)));
     if (count != nullptr) ++*count;

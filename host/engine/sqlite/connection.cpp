@@ -19,7 +19,7 @@ struct Setting {
 };
 
 // Enough for any honest query. Each keeps a hostile one from using up memory, or time where a running
-// statement does not look at its watch: comparing a text with a pattern takes time in proportion to both
+// statement does not check its limits: comparing a text with a pattern takes time in proportion to both
 // lengths, in one step.
 constexpr std::initializer_list<Setting> limits{
     {SQLITE_LIMIT_LENGTH, 500'000},          {SQLITE_LIMIT_SQL_LENGTH, 500'000},
@@ -79,7 +79,7 @@ Expected<void> Connection::start(const std::string& path, Access access, const R
     const auto state = fileStateOf(path);
     endSnapshot();
     if (pageSize > 0 && state && state->size % pageSize != 0)
-        return Error{ErrorKind::failed, "the database is damaged or cut short"};
+        return Error{ErrorKind::failed, "the database is damaged or truncated"};
     return {};
 }
 
@@ -89,7 +89,7 @@ bool Connection::isUnchanged() const {
 
 Connection::~Connection() {
     if (m_database == nullptr) return;
-    // Statements that are still around keep SQLite's own part alive, but must not ask what goes away here.
+    // Statements that still exist keep SQLite's own part alive, but must not call what is destroyed here.
     sqlite3_set_authorizer(m_database, nullptr, nullptr);
     sqlite3_progress_handler(m_database, 0, nullptr, nullptr);
     sqlite3_busy_handler(m_database, nullptr, nullptr);
@@ -111,7 +111,7 @@ int Connection::openFile(const std::string& path, Access access) {
         sqlite3_limit(m_database, limit.id, limit.value);
     for (const Setting& each : switches)
         sqlite3_db_config(m_database, each.id, each.value, nullptr);
-    m_watch.install(m_database);
+    m_enforcer.install(m_database);
     m_authorizer.install(m_database);
     // The file may come from anybody: look at every page's own structure, and do not map what might be cut
     // short.
@@ -185,14 +185,14 @@ int Connection::beginReading() {
 }
 
 Expected<void> Connection::beginSnapshot(const RunOptions& options) {
-    m_watch.arm({options});
+    m_enforcer.arm({options});
     const int code = beginReading();
     Expected<void> begun;
     if (code != SQLITE_OK) {
         begun = errorOf(code);
         endSnapshot();
     }
-    m_watch.disarm();
+    m_enforcer.disarm();
     return begun;
 }
 
@@ -213,10 +213,10 @@ Expected<Statement> Connection::prepare(const std::string& sql, bool mayRecurse)
 
 Error Connection::errorOf(int code) {
     if (isLossOfDatabase(code)) m_isLost = true;
-    const StepWatch::Stop stop = m_watch.stop();
-    if (stop == StepWatch::Stop::cancelled) return {ErrorKind::cancelled, "the request was cancelled"};
-    if (stop == StepWatch::Stop::timeout)
-        return {ErrorKind::failed, "it was stopped after " + secondsText(m_watch.timeLimit())};
+    const LimitEnforcer::Stop stop = m_enforcer.stop();
+    if (stop == LimitEnforcer::Stop::cancelled) return {ErrorKind::cancelled, "the request was cancelled"};
+    if (stop == LimitEnforcer::Stop::timeout)
+        return {ErrorKind::failed, "it was stopped after " + secondsText(m_enforcer.timeLimit())};
     if (m_authorizer.isGuarding() && !m_authorizer.refusal().empty())
         return {ErrorKind::failed, m_authorizer.refusal()};
     return {ErrorKind::failed, errorText(m_database, code)};

@@ -11,8 +11,8 @@
 
 #include "host/engine/sqlite/authorizer.h"
 #include "host/engine/sqlite/database_file.h"
+#include "host/engine/sqlite/limit_enforcer.h"
 #include "host/engine/sqlite/statement.h"
-#include "host/engine/sqlite/step_watch.h"
 #include "host/error.h"
 
 namespace tessera_host {
@@ -52,7 +52,7 @@ class Connection {
   private:
     friend class StatementRun;
 
-    explicit Connection(std::chrono::milliseconds lockWait) : m_watch(lockWait) {}
+    explicit Connection(std::chrono::milliseconds lockWait) : m_enforcer(lockWait) {}
 
     enum class Access {
         locked,
@@ -66,11 +66,11 @@ class Connection {
     // Runs SQL of the host's own and hands every row to `visit(sqlite3_stmt*)`; returns the result code.
     template <class Visit>
     [[nodiscard]] int forEachRow(const char* sql, Visit visit);
-    // Why a call returned `code`: the watch, the authorizer, or SQLite's own reason.
+    // Why a call returned `code`: a limit, the authorizer, or SQLite's own reason.
     [[nodiscard]] Error errorOf(int code);
 
     sqlite3* m_database = nullptr;
-    StepWatch m_watch;
+    LimitEnforcer m_enforcer;
     Authorizer m_authorizer;
     std::int64_t m_schemaVersion = -1;
     bool m_isLost = false;

@@ -16,8 +16,8 @@ Expected<void> Database::open(const RunOptions& options) {
     return {};
 }
 
-// A file that was written to is opened again, too: whoever copies another file over it may leave a header by
-// which SQLite cannot tell them apart.
+// A file that was written to is opened again, too: another file copied over it may have a header by which
+// SQLite cannot tell the two apart.
 Expected<void> Database::begin(const RunOptions& options) {
     if (!m_connection || m_connection->isLost() || fileStateOf(m_path) != m_fileState) {
         if (auto opened = open(options); !opened)

@@ -72,14 +72,14 @@ bool isSettledInClosedFolder(const std::string& path) {
 // SQLite would answer one and the same for most of these, and would wait for a pipe's writer for ever.
 std::string databaseFileProblem(const std::string& path) {
     if (path.empty() || path.find('\0') != std::string::npos)
-        return tessera_host::quoted(path) + " is no name of a file";
+        return tessera_host::quoted(path) + " is not the name of a file";
     struct stat status {};
     if (stat(path.c_str(), &status) != 0) {
         if (errno == ENOENT || errno == ENOTDIR) return "there is no such file";
         return "it cannot be opened (" + systemText(errno) + ")";
     }
     if (S_ISDIR(status.st_mode)) return "it is a directory";
-    if (!S_ISREG(status.st_mode)) return "it is no regular file";
+    if (!S_ISREG(status.st_mode)) return "it is not a regular file";
     if (faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0)
         return "it may not be read (" + systemText(errno) + ")";
     if (status.st_size == 0) return "it is empty";

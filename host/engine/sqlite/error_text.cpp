@@ -20,9 +20,9 @@ std::string errorText(sqlite3* database, int code) {
         case SQLITE_LOCKED:
             return "the database is locked by another program";
         case SQLITE_CORRUPT:
-            return "the database is damaged or cut short (" + message + ")";
+            return "the database is damaged or truncated (" + message + ")";
         case SQLITE_NOTADB:
-            return "the file is no SQLite database";
+            return "the file is not an SQLite database";
         case SQLITE_CANTOPEN:
             return "the database cannot be opened (" + message + ")";
         case SQLITE_IOERR:

@@ -10,7 +10,7 @@ namespace tessera_host {
 // The text of a failed call on `database` that answered `code`, on one line.
 [[nodiscard]] std::string errorText(sqlite3* database, int code);
 
-// True when nothing more can be expected of the connection: it should be opened anew.
+// True when the connection cannot be used any more: it should be opened again.
 [[nodiscard]] bool isLossOfDatabase(int code);
 
 }  // namespace tessera_host

@@ -20,7 +20,7 @@ std::string orderOf(std::string line) {
     return line;
 }
 
-// The order in which `sql` visits rows, or "" when it cannot be told.
+// The order in which `sql` visits rows, or "" when there is no plan.
 std::string planOrder(Connection& connection, const std::string& sql, bool recursion,
                       const RunOptions& options) {
     const auto plan = queryPlan(connection, sql, recursion, options);

@@ -49,10 +49,10 @@ std::vector<std::string> fragmentProblems(const Selection& selection) {
 std::optional<std::string> aggregateProblem(Connection& connection, const Selection& selection) {
     const bool recursion = mayRecurse(selection);
     if (rejection(connection, predicateSql(selection, selection.expression), recursion).empty())
-        return "the expression is no aggregate expression: it has a value for every row, not one for all";
+        return "the expression is not an aggregate expression: it has a value for every row, not one for all";
     const std::string windowProblem = rejection(connection, havingSql(selection), recursion);
     if (windowProblem.empty()) return std::nullopt;
-    return "the expression is no aggregate expression: " + windowProblem;
+    return "the expression is not an aggregate expression: " + windowProblem;
 }
 
 std::vector<std::string> databaseProblems(Connection& connection, const Selection& selection) {

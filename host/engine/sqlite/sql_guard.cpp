@@ -7,7 +7,7 @@
 namespace tessera_host {
 namespace {
 
-constexpr std::string_view blanks = " \t\n\f\r";
+constexpr std::string_view whiteSpace = " \t\n\f\r";
 
 // Letters, digits, "_" and every byte of a character beyond ASCII make names; "$" may stand inside of one.
 bool isNameByte(char c) {
@@ -52,10 +52,10 @@ class Scanner {
 
     void scanToken() {
         const char c = m_sql[m_at];
-        if (blanks.find(c) != std::string_view::npos) {
+        if (whiteSpace.find(c) != std::string_view::npos) {
             ++m_at;
         } else if (startsWith("--")) {
-            if (!skipPast("\n", m_at + 2)) m_at = m_sql.size();  // a line end follows behind the text
+            if (!skipPast("\n", m_at + 2)) m_at = m_sql.size();  // a line end follows the text
         } else if (startsWith("/*")) {
             if (!skipPast("*/", m_at + 2)) fail(m_at, "has a comment that is never closed");
         } else {
@@ -96,7 +96,7 @@ class Scanner {
         }
     }
 
-    // A doubled quote inside is the end of one text and the start of the next, which comes to the same here.
+    // A doubled quote inside is the end of one text and the start of the next; that makes no difference.
     void scanQuoted(char opening) {
         const char closing = closingQuote(opening);
         const std::size_t start = m_at;
@@ -121,7 +121,7 @@ class Scanner {
         if (isWith(m_sql.substr(start, m_at - start))) m_result.hasWith = true;
     }
 
-    // Goes behind the next `end` at or after `from`; false when there is none.
+    // Moves past the next `end` at or after `from`; false when there is none.
     bool skipPast(std::string_view end, std::size_t from) {
         const std::size_t found = m_sql.find(end, from);
         if (found == std::string_view::npos) return false;

@@ -24,7 +24,7 @@ struct SqlFragment {
 // at its end: quotes ('..', "..", `..`, [..]) and /* comments */ are closed, a -- comment reaches the end of
 // its line at most, no parenthesis closes one that the text did not open and none stays open, there is no
 // ";", no NUL and no parameter
-// (?, :name, @name, $name, #name), and there is more than blanks and comments. Whether the text is an
+// (?, :name, @name, $name, #name), and there is more than white space and comments. Whether the text is an
 // expression at all is the database's to say. Linear time.
 [[nodiscard]] SqlFragment scanSql(std::string_view sql);
 

@@ -6,7 +6,7 @@ namespace tessera_host {
 
 StatementRun::StatementRun(Connection& connection, Statement& statement, const RunLimits& limits)
     : m_connection(connection), m_statement(statement.m_statement.get()) {
-    m_connection.m_watch.arm(limits);
+    m_connection.m_enforcer.arm(limits);
     m_connection.m_authorizer.guard(statement.m_mayRecurse);
     sqlite3_stmt_status(m_statement, SQLITE_STMTSTATUS_VM_STEP, 1);
 }
@@ -15,7 +15,7 @@ StatementRun::~StatementRun() {
     sqlite3_reset(m_statement);
     sqlite3_clear_bindings(m_statement);
     m_connection.m_authorizer.release();
-    m_connection.m_watch.disarm();
+    m_connection.m_enforcer.disarm();
 }
 
 void StatementRun::bindText(int parameter, std::string_view text) {
@@ -39,8 +39,8 @@ StatementRun::Step StatementRun::step() {
 }
 
 bool StatementRun::isOverLimit() const noexcept {
-    const StepWatch::Stop stop = m_connection.m_watch.stop();
-    return stop == StepWatch::Stop::budget || stop == StepWatch::Stop::timeout;
+    const LimitEnforcer::Stop stop = m_connection.m_enforcer.stop();
+    return stop == LimitEnforcer::Stop::budget || stop == LimitEnforcer::Stop::timeout;
 }
 
 int StatementRun::columnType(int column) const {

@@ -7,7 +7,7 @@
 #include <memory>
 #include <string_view>
 
-#include "host/engine/sqlite/step_watch.h"
+#include "host/engine/sqlite/limit_enforcer.h"
 #include "host/error.h"
 #include "host/values/cell_format.h"
 

@@ -1,4 +1,4 @@
-// Stops a running statement that should not go on.
+// Stops a running statement that was cancelled or has reached a limit.
 #pragma once
 
 #include <sqlite3.h>
@@ -11,7 +11,7 @@
 
 namespace tessera_host {
 
-// How far a statement may go.
+// How much one statement may use.
 struct RunLimits {
     static constexpr std::uint64_t noBudget = std::numeric_limits<std::uint64_t>::max();
 
@@ -19,26 +19,28 @@ struct RunLimits {
     std::uint64_t stepBudget = noBudget;  // virtual-machine steps
 };
 
-// Asked by one connection while its statements run and while it waits for a lock of another program. Between
-// arm() and disarm() it enforces limits; otherwise nothing is ever stopped and a lock is not waited for.
-class StepWatch {
+// Called by SQLite while statements of one connection run and while it waits for a lock of another program.
+// Between arm() and disarm() it enforces limits; otherwise nothing is ever stopped and a lock is not waited
+// for.
+class LimitEnforcer {
   public:
     using Clock = std::chrono::steady_clock;
     enum class Stop { none, cancelled, timeout, budget };
 
-    explicit StepWatch(std::chrono::milliseconds busyTimeout) : m_busyTimeout(busyTimeout) {}
-    StepWatch(const StepWatch&) = delete;
-    StepWatch& operator=(const StepWatch&) = delete;
+    explicit LimitEnforcer(std::chrono::milliseconds busyTimeout) : m_busyTimeout(busyTimeout) {}
+    LimitEnforcer(const LimitEnforcer&) = delete;
+    LimitEnforcer& operator=(const LimitEnforcer&) = delete;
 
-    // Makes `database` ask this watch, which must live as long as it.
+    // Makes `database` call this object, which must live as long as it.
     void install(sqlite3* database);
 
+    // Starts the clock of the time limit.
     void arm(const RunLimits& limits);
     void disarm() noexcept {
         m_isArmed = false;
         m_stop = Stop::none;
     }
-    // Why what is being watched had to stop.
+    // Which limit has stopped the statement, or the wait for a lock.
     [[nodiscard]] Stop stop() const noexcept { return m_stop; }
     // The time limit that was given last.
     [[nodiscard]] std::chrono::milliseconds timeLimit() const noexcept {
@@ -48,7 +50,7 @@ class StepWatch {
   private:
     static int onSteps(void* self);
     static int onBusy(void* self, int attempt);
-    [[nodiscard]] bool mustStop();
+    [[nodiscard]] bool isLimitReached();
 
     const std::chrono::milliseconds m_busyTimeout;
     RunLimits m_limits;
