@@ -1,4 +1,4 @@
-// Texts of scenes, by Pango: it finds fonts for scripts that the drawing's own font lacks.
+// Paints texts of scenes with Pango, which finds fonts for scripts that the drawing's own font lacks.
 #pragma once
 
 #include <pango/pangocairo.h>
@@ -12,14 +12,16 @@
 
 namespace tessera_draw {
 
+// Keeps one font for each text role, since creating them for every text would take most of the time. Cairo
+// context and palette must outlive this object.
 class TextPainter {
   public:
     TextPainter(cairo_t* cairo, const Palette& palette);
 
-    // A text that turns out wider than its room ends with "…" there.
+    // Paints one text. If the fonts make it wider than its maxWidth, it is shortened with "…".
     void paint(const TextShape& text);
 
-    // Characters painted so far that no font has; boxes stand in their places.
+    // Number of characters painted so far that no font has; a box was painted for each.
     [[nodiscard]] std::size_t missing() const noexcept { return m_missing; }
 
   private:

@@ -1,4 +1,5 @@
-// How large boxes are, and where in them their texts stand.
+// Sizes of boxes, and the positions of the texts in them. Sizes are computed from the structure and the
+// reserved space only; drawing uses the same constants, so that texts fit. Lengths are pixels.
 #pragma once
 
 #include <string_view>
@@ -12,53 +13,59 @@
 
 namespace tessera_draw {
 
-inline constexpr double cardLeft = 16;  // from a card's edge to its texts
+// Cards. "Line" and "row" constants are base lines, measured from the top of the box.
+inline constexpr double cardLeft = 16;  // from the left edge to the texts
 inline constexpr double cardRight = 12;
-inline constexpr double cardNameLine = 22;  // base lines, from the top
-inline constexpr double cardNameAlone = 24;
+inline constexpr double cardNameLine = 22;   // of the name above rows
+inline constexpr double cardNameAlone = 24;  // of the name without rows
 inline constexpr double cardFirstRow = 42;
 inline constexpr double rowStep = 18;
-inline constexpr double columnGap = 12;  // between a row's name and its value, at least
+inline constexpr double columnGap = 12;  // minimum between a row's name and its value
 inline constexpr double symbolSize = 8;
 inline constexpr double symbolSpace = 14;  // with the gap beside it
 inline constexpr double barWidth = 4;
 
-inline constexpr double labelSide = 10;
+// Labels on links.
+inline constexpr double labelSide = 10;  // from either edge to the texts
 inline constexpr double labelTitleLine = 14;
 inline constexpr double labelValueLine = 28;
 inline constexpr double labelFirstRow = 30;
 inline constexpr double labelRowStep = 15;
 
+// Groups.
 inline constexpr double groupSide = 16;
 inline constexpr double groupTitleLine = 25;
 inline constexpr double groupFirstRow = 45;
 
-// The room of one box: how many rows, and how wide their two columns are, in pixels.
+// The size of one box and of what is in it. Of nodes that are not drawn, all members are 0.
 struct BoxSize {
-    std::uint32_t rows = 0;
+    std::uint32_t rows = 0;  // number of rows that fit; further ones are counted in a last row, "+3 more"
     double nameColumn = 0;
     double valueColumn = 0;
-    Size size;       // of a container: the least
-    Insets padding;  // of a container
-    Size header;     // of a container: its texts, from its corner on
+    Size size;       // of a container: the minimum
+    Insets padding;  // of a container: between its border and its members
+    Size header;     // of a container: the space of its texts, from its upper left corner
 };
 
-// What a box is in the drawing.
+// How a node is drawn. `none`: not as a box.
 enum class BoxKind : std::uint8_t { none, card, label, container };
 
 struct BoxKinds {
-    std::vector<BoxKind> kinds;     // by node; `none` for dummies and for groups' values
-    std::vector<Index> groupInfos;  // by node: the node whose rows are the group's own
+    std::vector<BoxKind> kinds;     // by node; `none` for dummies and for nodes with a group's values
+    std::vector<Index> groupInfos;  // by group: the node that holds its values, or `nothing`
 };
 
+// Decides how each node of the diagram is drawn, by its type and by what contains what. A node that contains
+// another is a container, whatever its type. Linear time.
 [[nodiscard]] BoxKinds findKinds(const Diagram& diagram);
 
-// The name that people read: the display name if there is anything to see, or else the id.
+// The name that people read: the display name if it has a visible character, else the id.
 [[nodiscard]] inline std::string_view captionOf(const Node& node) noexcept {
     return isBlank(node.name) ? node.id : node.name;
 }
 
-// The room of every node, by node. Cards of one layer are equally wide.
+// Returns the size of every node's box, by node. Cards of one layer get the same width. A null `reservation`
+// means the usual space for every box; see draw/reservation.h for ids that it does not name. n log n time.
 [[nodiscard]] std::vector<BoxSize> boxSizesOf(const Diagram& diagram, const LinkPaths& linkPaths,
                                               const BoxKinds& kinds, const Reservation* reservation);
 

@@ -1,4 +1,4 @@
-// The looks of display types. Drawing, tooltips and the legend read them here.
+// The looks of display types, for cards, groups and the legend.
 #pragma once
 
 #include <cstdint>
@@ -11,16 +11,18 @@
 
 namespace tessera_draw {
 
-// The sign of a display type: a shape and a colour, so that no meaning hangs on the colour alone.
+// The shape of a type's symbol. Types differ in shape as well as in colour, for readers who see few hues.
 enum class Symbol : std::uint8_t { none, disc, square, diamond, triangle, ring, cross };
 
+// How a display type is marked. The default has no symbol and no colour.
 struct TypeLook {
     Symbol symbol = Symbol::none;
     ColorRole accent = ColorRole::none;
 };
 
-// Gives each display type of a diagram a look, in the order in which the diagram's nodes first have it.
-// Twelve types differ in both; further ones begin again. "none" and "" have no look.
+// Gives each display type of a diagram a look, in the order in which the types first occur among its nodes.
+// "interface" always has the same look. It and the first 22 other types all differ; later ones repeat looks.
+// "none" and "" have none.
 class DisplayTypes {
   public:
     struct Entry {
@@ -29,10 +31,12 @@ class DisplayTypes {
     };
 
     DisplayTypes() = default;
-    // The diagram's texts must outlive this.
+    // Keeps views: the diagram's texts must outlive this object.
     explicit DisplayTypes(const Diagram& diagram);
 
+    // Returns the default look for a type that the diagram lacks.
     [[nodiscard]] TypeLook lookOf(std::string_view type) const;
+    // The types with a look, in order of first occurrence, for the legend.
     [[nodiscard]] const std::vector<Entry>& entries() const noexcept { return m_entries; }
 
   private:

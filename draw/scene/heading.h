@@ -1,4 +1,5 @@
-// What stands around the content of a drawing.
+// The parts around the content of a drawing: heading, legend, and the note of an empty drawing. Each draw
+// function opens a new element of the scene. Lengths are pixels.
 #pragma once
 
 #include "draw/scene/display_types.h"
@@ -6,19 +7,22 @@
 
 namespace tessera_draw {
 
-// The diagram's name, or its id where it has none.
+// The diagram's name, or its id if the name is empty; a view into the diagram's texts.
 [[nodiscard]] std::string_view titleOf(const Diagram& diagram);
 
-// With space for the badge of any usual display mode, so that a change of mode moves nothing.
+// The width that the heading needs, without the drawing's margins. Includes space for the badge of any usual
+// display mode, so that a change of mode moves nothing.
 [[nodiscard]] double headingWidth(const Diagram& diagram);
 
-// The title, and the display mode as a badge on the right, in a drawing of that width.
+// Draws the title, and the display mode as a badge on the right. `width` is that of the whole drawing. No
+// badge for an empty `mode`. The texts of diagram and mode must outlive the scene.
 void drawHeading(SceneBuilder& builder, const Diagram& diagram, std::string_view mode, double width);
 
-// The display types and their symbols, in as many lines as they need. Returns its height.
+// Draws the display types and their symbols below `top`, in as many lines as they need; beyond 24 entries the
+// rest is counted ("+3 more"). Returns the legend's height, 0 if there are no types.
 double drawLegend(SceneBuilder& builder, const DisplayTypes& types, double top, double width);
 
-// The note in a drawing without content.
+// Draws the note of a drawing without content into `rect`.
 void drawNothing(SceneBuilder& builder, const Rect& rect);
 
 }  // namespace tessera_draw

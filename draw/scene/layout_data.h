@@ -1,4 +1,4 @@
-// What a layout is made of.
+// The data of a layout, for the steps that draw it. Positions are pixels in the drawing's coordinates.
 #pragma once
 
 #include <vector>
@@ -13,27 +13,29 @@
 
 namespace tessera_draw {
 
-// All texts are in `texts`; the diagram has no values.
+// Written once by layOut(), then immutable. `texts` owns all texts; every view in the other members points
+// into it. Lists "by node" have one entry for each node of `structure`.
 struct LayoutData {
+    // A group that is drawn, and the number of groups around it.
     struct Container {
         Index node;
         std::uint32_t depth;
     };
 
     TextArena texts;
-    Diagram structure;
+    Diagram structure;  // without values
     LinkPaths linkPaths;
-    std::vector<Index> pathOfLabel;  // by node: the link path that a label is on
+    std::vector<Index> pathOfLabel;  // by node: the link path that a label is on, or `nothing`
     DisplayTypes types;
     BoxKinds kinds;
     std::vector<BoxSize> sizes;  // by node
-    std::vector<Rect> boxes;     // by node, in the drawing's coordinates; of what is not drawn, empty
+    std::vector<Rect> boxes;     // by node; empty if not drawn as a box
     std::vector<LineShape> lines;
-    std::vector<Index> pathOfLine;
+    std::vector<Index> pathOfLine;      // by line: its link path
     std::vector<Container> containers;  // outer ones before what they contain
-    Size content;                       // of all boxes and lines
-    double width = 0;                   // of the whole drawing
-    bool isEmpty = false;               // nothing is drawn but the heading and a note
+    Size content;                       // extent of all boxes and lines
+    double width = 0;                   // of the whole drawing, margins included
+    bool isEmpty = false;               // only the heading and a note are drawn
 };
 
 inline constexpr double sceneMargin = 28;

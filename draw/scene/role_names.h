@@ -1,4 +1,5 @@
-// Names of kinds and roles, as SVG and JSON spell them.
+// Names of kinds and roles, as SVG and JSON spell them. They are part of both formats: scripts and programs
+// depend on them.
 #pragma once
 
 #include <string_view>
@@ -7,6 +8,7 @@
 
 namespace tessera_draw {
 
+// All return views of literals, and "" for a value outside its enumeration.
 [[nodiscard]] std::string_view nameOf(Element::Kind kind) noexcept;
 [[nodiscard]] std::string_view nameOf(BoxRole role) noexcept;
 [[nodiscard]] std::string_view nameOf(TextRole role) noexcept;

@@ -1,4 +1,6 @@
-// What stands in cards, labels, containers, and around the whole.
+// Draws the contents of cards, labels and containers. The caller has begun the element; `rect` is the box's
+// place in the drawing, and `size` the size that was computed for it. Texts that do not fit are shortened,
+// and the tooltips hold them whole. The texts of `node` and `info` must outlive the scene.
 #pragma once
 
 #include "draw/scene/box_sizes.h"
@@ -7,16 +9,17 @@
 
 namespace tessera_draw {
 
-// Name, accent and rows, as many as there is space for.
+// Draws the name, the accent and as many rows as fit.
 void drawCard(SceneBuilder& builder, const Node& node, const Info& info, const BoxSize& size,
               const Rect& rect, TypeLook look);
 
-// What one place of a link shows; a dash when that is nothing at the moment.
+// Draws the values of one place of a link, or a dash if it has none at the moment.
 void drawLabel(SceneBuilder& builder, const Info& info, const BoxSize& size, const Rect& rect);
 
+// Draws the box of a group. `isInner` says whether it gets the second of the two alternating styles.
 void drawContainer(SceneBuilder& builder, const Node& node, const Info& info, const Rect& rect, TypeLook look,
                    bool isInner);
-// Title, and the rows of `info` below it.
+// Draws the title of a group and the rows of `info` below it, as an element of its own that covers lines.
 void drawHeader(SceneBuilder& builder, const Node& node, const Info& info, const BoxSize& size,
                 const Rect& rect, TypeLook look, bool isInner);
 

@@ -1,4 +1,4 @@
-// What of a diagram is to be placed.
+// Translates a diagram into the placement's input, and its result back into the drawing's directions.
 #pragma once
 
 #include <vector>
@@ -9,15 +9,18 @@
 namespace tessera_draw {
 
 struct SceneInput {
-    PlacementInput input;
-    std::vector<Index> boxOfNode;  // `nothing` for what is not drawn as a box
-    std::vector<Index> pathOfLine;
+    PlacementInput input;           // layers run along x, whatever the direction of the drawing
+    std::vector<Index> boxOfNode;   // by node; `nothing` if not drawn as a box
+    std::vector<Index> pathOfLine;  // by line of the input: its link path
 };
 
+// Makes the boxes and lines to place. Link paths of which an end has no box get no line. Enlarges cards so
+// that the ends of many lines fit on one side. `kinds` and `sizes` are by node of the diagram. Linear time.
 [[nodiscard]] SceneInput makeInput(const Diagram& diagram, const LinkPaths& linkPaths, const BoxKinds& kinds,
                                    const std::vector<BoxSize>& sizes, Direction direction);
 
-// Places what makeInput() answered for the same direction; the answer is in the drawing's own directions.
+// Places what makeInput() returned for the same `direction`. The result has the drawing's directions, in
+// pixels from (0, 0). Empty when `cancel` was cancelled.
 [[nodiscard]] Placement placeInput(const SceneInput& input, Direction direction, const CancelToken& cancel);
 
 }  // namespace tessera_draw

@@ -1,4 +1,5 @@
-// Lines with their arrow heads.
+// Lines with their arrow heads. The direction of a link is a text, as documents have it: "forward", "back",
+// "both"; anything else means no arrow head.
 #pragma once
 
 #include <string_view>
@@ -7,14 +8,16 @@
 
 namespace tessera_draw {
 
+// Size of an arrow head in pixels, from tip to base and across.
 inline constexpr double arrowLength = 9;
 inline constexpr double arrowWidth = 8;
 
-// The line as it is drawn: with heads at the ends that `direction` names ("forward": the last; "back": the
-// first; "both"; anything else: none), and shortened there, so that a head's tip stays sharp.
+// Returns the line as it is drawn: with a head at the end for "forward", at the start for "back", at both for
+// "both". The line is shortened under each head, so that the tip stays sharp. A placed line without segments
+// gives a line without stretches and heads.
 [[nodiscard]] LineShape makeLine(PlacedLine placed, std::string_view direction);
 
-// What stands between the names of a line's ends.
+// Returns the arrow between the names of a line's ends, with a space on both sides; a literal.
 [[nodiscard]] std::string_view arrowText(std::string_view direction) noexcept;
 
 }  // namespace tessera_draw

@@ -1,4 +1,4 @@
-// Outlines of the small shapes, for every format alike.
+// Outlines of the small shapes, shared by all formats. Coordinates are those of the scene, in pixels.
 #pragma once
 
 #include <cstdint>
@@ -8,6 +8,7 @@
 
 namespace tessera_draw {
 
+// One step of an outline. Only curves use the control points; `close` uses no point.
 struct OutlineStep {
     enum class Kind : std::uint8_t { move, line, curve, close };
 
@@ -17,18 +18,21 @@ struct OutlineStep {
     Point control2;
 };
 
+// Starts with a move. May consist of several parts, as a cross does.
 using Outline = std::vector<OutlineStep>;
 
-// The bar along the left edge of a box with round corners.
+// The bar along the left edge of a box whose corners have this radius.
 [[nodiscard]] Outline barOf(const Rect& rect, double radius);
 
-// Whether the mark is drawn as a line instead of filled.
+// Whether the symbol is drawn as a stroke instead of being filled.
 [[nodiscard]] bool isOutlined(Symbol symbol) noexcept;
+// Empty for Symbol::none.
 [[nodiscard]] Outline outlineOf(const SymbolShape& symbol);
 
+// A triangle, to be filled.
 [[nodiscard]] Outline outlineOf(const ArrowHead& head);
 
-// Where the room of a text begins.
+// The left edge of the space that a text may fill, by its anchor and maxWidth.
 [[nodiscard]] double leftOf(const TextShape& text) noexcept;
 
 }  // namespace tessera_draw

@@ -1,4 +1,4 @@
-// Texts as drawings show them. Any bytes: what is not UTF-8 reads as U+FFFD.
+// Characters as drawings show them. All functions accept any bytes; invalid UTF-8 reads as U+FFFD.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,8 @@
 
 namespace tessera_draw {
 
-// The character as drawings show it: white space as a space, and what XML cannot carry as U+FFFD.
+// Returns the character as drawings show it: line breaks and tabs as a space, control characters and what XML
+// does not allow as U+FFFD.
 [[nodiscard]] inline char32_t shownAs(char32_t code) noexcept {
     if (code >= 0x20 && code < 0x7F) return code;
     if (code == '\t' || code == '\n' || code == '\r' || code == 0x85 || code == 0x2028 || code == 0x2029)
@@ -18,14 +19,14 @@ namespace tessera_draw {
     return code;
 }
 
-// Whether the character is Hebrew, Arabic or of another script that is written from right to left.
+// Whether the character is in a block of Hebrew, Arabic or another script that is written from right to left.
 [[nodiscard]] inline bool isRightToLeft(char32_t code) noexcept {
     return (code >= 0x590 && code <= 0x8FF) || (code >= 0xFB1D && code <= 0xFDFF) ||
            (code >= 0xFE70 && code <= 0xFEFC) || (code >= 0x10800 && code <= 0x10FFF) ||
            (code >= 0x1E800 && code <= 0x1EFFF);
 }
 
-// Whether the text has a letter that is written from right to left.
+// Whether the text has a character of such a block. Reads up to the first one.
 [[nodiscard]] inline bool hasRightToLeft(std::string_view text) noexcept {
     for (std::size_t i = 0; i < text.size();) {
         if (static_cast<unsigned char>(text[i]) < 0x80) {
@@ -39,7 +40,8 @@ namespace tessera_draw {
     return false;
 }
 
-// Whether nothing of the text can be seen.
+// Whether the text is empty or has only characters that cannot be seen: spaces, joiners and marks of
+// direction.
 [[nodiscard]] inline bool isBlank(std::string_view text) noexcept {
     for (std::size_t i = 0; i < text.size();) {
         const auto character = tessera_support::decodeUtf8(text.substr(i));

@@ -1,4 +1,4 @@
-// The one style sheet of an SVG drawing.
+// The style sheet of an SVG drawing, and the names of its classes. All names are views of literals.
 #pragma once
 
 #include <string>
@@ -8,20 +8,21 @@
 
 namespace tessera_draw {
 
-// Short names of the classes that a drawing's shapes are in.
+// Short class names, since every shape of a drawing has one.
 [[nodiscard]] std::string_view classOf(BoxRole role) noexcept;
 [[nodiscard]] std::string_view classOf(TextRole role) noexcept;
-// Of bars and marks that are filled, and of marks that are drawn as outlines.
+// Classes of bars and symbols that are filled, and of symbols that are drawn as strokes.
 [[nodiscard]] std::string_view fillClassOf(ColorRole color) noexcept;
 [[nodiscard]] std::string_view strokeClassOf(ColorRole color) noexcept;
-// Of texts that lines may pass behind, with a blank in front; "" for none.
+// The class of texts with a halo, with a space before it so that it can follow another class; "" for none.
 [[nodiscard]] std::string_view textHaloClassOf(ColorRole ground) noexcept;
 
-// Of the drawing itself, beside "tessera-diagram": one page may hold drawings in several themes.
+// The class of the drawing itself, in addition to "tessera-diagram": one page may hold drawings in several
+// themes.
 [[nodiscard]] std::string_view classOf(Theme theme) noexcept;
 
-// All rules, below those two classes, so that they touch nothing else of a page. Readers that know
-// no media queries, and paper, get the light colours, unless the theme is the dark one alone.
+// Returns all rules. Each is limited to those two classes, so that it affects nothing else on a page. With
+// the automatic theme, paper and readers without media queries get the light colours.
 [[nodiscard]] std::string styleSheet(Theme theme);
 
 }  // namespace tessera_draw

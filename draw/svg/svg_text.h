@@ -1,4 +1,4 @@
-// SVG's letters and numbers, collected in blocks.
+// Writes texts and numbers of an SVG document to an output, in blocks.
 #pragma once
 
 #include <algorithm>
@@ -11,31 +11,32 @@
 
 namespace tessera_draw {
 
-// Appends to a block that is handed on when it is full. After a failure nothing more is handed on.
+// Appends to a block that is passed to the output when it is full. After a failure the output is not called
+// again; finish() reports it. The output must outlive this object.
 class SvgText {
   public:
     explicit SvgText(Output& output);
 
-    // Text that is SVG already.
+    // Appends markup as it is.
     SvgText& raw(std::string_view text) {
         if (text.size() > available()) return rawInPieces(text);
         m_at = std::copy(text.begin(), text.end(), m_at);
         return *this;
     }
-    // With at most two digits behind the point, in no locale. What is no number, or beyond a thousand
-    // million, is drawn at the nearest that is.
+    // Appends a number with at most two decimals after a point, whatever the locale is. NaN is written as 0,
+    // and numbers beyond 1e9 as 1e9 with their sign.
     SvgText& number(double value);
     SvgText& point(Point point);
-    // The data of an SVG path.
+    // Appends the line as the data of an SVG path.
     SvgText& path(const LineShape& line);
-    // Text of others, as content or in an attribute in double quotes: nothing in it can end either, and what
-    // XML cannot carry is U+FFFD.
+    // Appends any text, escaped for content and for attributes in double quotes. White space becomes spaces,
+    // and what XML does not allow U+FFFD.
     SvgText& escaped(std::string_view text);
-    // The same with white space as blanks and none at the ends, for what is shown.
+    // Appends a space and an attribute, its value escaped.
     SvgText& attribute(std::string_view name, std::string_view value);
     SvgText& attribute(std::string_view name, double value);
 
-    // Hands on what is left. False when anything could not be handed on.
+    // Passes the rest to the output. Returns false if the output did not take everything.
     bool finish();
 
   private:
@@ -47,7 +48,7 @@ class SvgText {
 
     Output& m_output;
     std::vector<char> m_block;
-    char* m_at;  // behind what the block holds
+    char* m_at;  // the end of the block's contents
     bool m_good = true;
 };
 
