@@ -1,4 +1,6 @@
-// Gives boxes in nested layers their places, and lines their ways between them.
+// Places boxes in nested layers and routes lines between them. Knows nothing of diagrams, texts or formats.
+//
+// Lengths are pixels. Indices are positions in the lists of the input.
 #pragma once
 
 #include <cstdint>
@@ -12,43 +14,50 @@ namespace tessera_draw {
 
 using tessera_support::CancelToken;
 
-// What is to be placed. Layers run along x ("left to right"); a caller that wants them to run down exchanges
-// x and y before and after.
+// A box to place. Layers follow one another along x, from left to right; for layers that run downwards the
+// caller exchanges x and y before and after. REQUIRES: all lengths are finite and not negative.
 struct BoxToPlace {
-    Index group = nothing;    // the box that contains it, anywhere in the list; `nothing` at top level
-    std::int32_t level = -1;  // layer inside the group; -1: to be found from its lines
-    Size size;                // of a container: the least it may be
-    bool isContainer = false;
-    Insets padding;  // of a container: between its border and its content, room for a title included
-    Size header;  // of a container: its title, in the corner where its first layer begins; no line passes it
+    Index group = nothing;     // the box that contains it, anywhere in the list; `nothing` at top level
+    std::int32_t level = -1;   // layer inside the group; -1: derived from its lines
+    Size size;                 // of a container: the minimum
+    bool isContainer = false;  // may be false for a box that others name as their group; it is one anyway
+    // Of a container: the distance between its border and its content, space for a title included.
+    Insets padding;
+    // Of a container: the size of its title, in its upper left corner. Lines keep out of it.
+    Size header;
+    // Position within its layer's column if that is wider than the box.
     enum class Along : std::uint8_t { start, middle, end };
-    Along along = Along::middle;  // where it stands in a column that is wider than it
-    bool isLabel = false;         // lines pass straight through it
-    // Stands at its group's border on this side, as an interface does.
+    Along along = Along::middle;
+    bool isLabel = false;  // lines pass straight through it
+    // The side of its group at whose border the box is placed, as interfaces are; wins over `level`.
     enum class Border : std::uint8_t { none, start, end };
     Border border = Border::none;
 };
 
-// A line from a box through others to a box. Ends may be any boxes: one another's containers, the same one.
+// A line from a box through others to a box. Any two boxes may be its ends: also a box and its container, or
+// one box twice. A line that names an index outside the list is not drawn: it gets no stretches.
 struct LineToPlace {
     Index from = nothing;
     Index to = nothing;
-    std::vector<Index> through;  // labels, in order; a label is on one line only
+    std::vector<Index> through;  // labels, in order; each label is on one line only
 };
 
+// The input of place(). Order matters for the result where nothing else decides.
 struct PlacementInput {
-    std::vector<BoxToPlace> boxes;  // containers need not stand before what they contain
+    std::vector<BoxToPlace> boxes;  // containers may come before or after what they contain
     std::vector<LineToPlace> lines;
 };
 
+// Distances in pixels.
 struct Spacing {
-    double betweenLayers = 40;  // least gap between two columns of boxes
-    double betweenBoxes = 24;   // across
-    double betweenLines = 10;   // between tracks, and between a line and a foreign box
-    double cornerRadius = 12;   // at most
+    double betweenLayers = 40;  // minimum gap between two columns of boxes
+    double betweenBoxes = 24;   // minimum gap between boxes of one layer
+    double betweenLines = 10;   // between parallel lines, and between a line and a box that it passes
+    double cornerRadius = 12;   // maximum radius of the bends of lines
 };
 
-// A chain of a line: straight to `end`, or a cubic curve through the two control points.
+// A segment of a line, from the end of the one before: straight to `end`, or a cubic Bézier curve to it with
+// two control points.
 struct Segment {
     bool isCurve = false;
     Point control1;
@@ -56,9 +65,10 @@ struct Segment {
     Point end;
 };
 
+// A line from the border of its first box to the border of its last box.
 struct PlacedLine {
-    // From the from box's border to the to box's border, one stretch between each two boxes that the line
-    // meets: from - first label, first label - second label, ..., last label - to.
+    // One stretch between each two consecutive boxes of the line: from - first label, first label - second
+    // label, ..., last label - to.
     struct Stretch {
         Point start;
         std::vector<Segment> segments;
@@ -66,23 +76,27 @@ struct PlacedLine {
     std::vector<Stretch> stretches;
 };
 
+// The result, in coordinates of the drawing: also boxes in containers count from (0, 0) of the whole.
 struct Placement {
-    Size size;                // everything lies between (0, 0) and here
-    std::vector<Rect> boxes;  // as the input's
-    std::vector<PlacedLine> lines;
+    Size size;                      // everything lies between (0, 0) and here
+    std::vector<Rect> boxes;        // by box of the input
+    std::vector<PlacedLine> lines;  // by line of the input
 };
 
-// Boxes of one group do not overlap, lie inside their container's padding, and stand in the order of their
-// levels; levels that no box has take no room, and many boxes of one level without lines stand side by side.
-// Lines leave and enter boxes at right angles, on the sides that face along the layers, and keep out of boxes
-// that they do not end in or pass through, containers excepted that hold one of their ends; lines back to an
-// earlier layer run between the sides that face each other. Boxes at a border stand in the first or last
-// layer whatever their level says. Where lines would pass more layers or borders than can be drawn (see
-// placement/README.md), the longest go around all layers, or straight through everything. A box that its
-// line's other end touches has a stretch of one segment of no length. The same input gives the same answer;
-// nothing else has an influence, except that the answer is soon there and empty once `cancel` is cancelled.
-// Works in time n log n, with n the boxes, the lines and the places where lines cross layers; any nesting
-// depth without recursion.
+// Boxes of one group do not overlap, lie inside their container's padding, and are ordered by their levels.
+// Levels without boxes take no space. Many boxes of one level without lines are arranged in a grid. Boxes at
+// a border are in the first or last layer whatever their level is. A box whose group does not exist, and one
+// box of each cycle of groups, is placed at top level.
+//
+// Lines leave and enter boxes at right angles, on the left and right sides. They keep out of boxes that they
+// do not end in or pass through, except the containers of their ends. Lines back to an earlier layer connect
+// the sides that face each other. Where lines would cross too many layers or borders (see
+// placement/README.md), the longest are routed around all layers, or straight through everything. Where the
+// two ends of a stretch touch, it has one segment of length 0.
+//
+// The result depends on the input and the spacing only. Once `cancel` is cancelled, returns soon with an
+// empty placement, without boxes and lines. Any thread. Takes n log n time, where n counts boxes, lines and
+// the layers that lines cross. No recursion, so any nesting depth works.
 [[nodiscard]] Placement place(const PlacementInput& input, const Spacing& spacing,
                               const CancelToken& cancel = {});
 

@@ -1,4 +1,5 @@
-// The finished diagram as drawing needs it, read from its property bag.
+// The finished diagram as drawing needs it, read from its property bag. All texts are views of bytes that the
+// bag or an arena owns; they may be invalid UTF-8. Absent texts are "".
 #pragma once
 
 #include <cstdint>
@@ -10,43 +11,45 @@
 
 namespace tessera_draw {
 
-// One labelled value.
+// One named value.
 struct Row {
     std::string_view name;
     std::string_view value;
 };
 
-// What a node or an end of a link shows at the moment. No rows: nothing.
+// The values that a node or a part of a link shows at the moment. Without rows it shows none.
 struct Info {
     std::string_view name;
     std::vector<Row> rows;
 };
 
+// A node, group, label or dummy of the diagram.
 struct Node {
     std::string_view id;
     std::string_view name;
     std::string_view type;         // as written: "node", "group", "label", "dummy", "groupInfo", ...
-    std::string_view displayType;  // "none", "interface" and what documents say
+    std::string_view displayType;  // "none", "interface" or a type that the document defines
     std::string_view aligning;     // "none", "from", "to"
     std::string_view location;     // of labels: "from", "to", "center"
     Index group = nothing;         // the node that contains this one; `nothing` at top level
-    bool isGroup = false;          // said to be one, or contains a node
-    std::int32_t level = -1;       // layer inside the group; -1 when not levelled
+    bool isGroup = false;          // marked as one, or contains a node
+    std::int32_t level = -1;       // layer inside the group, from 0; -1 when it has none
     Info info;
 };
 
+// A link of the document, or a part of one that the layout has split.
 struct Link {
     std::string_view id;
     std::string_view name;
     std::string_view direction;  // "forward", "back", "both", "none"
-    Index from = nothing;
+    Index from = nothing;        // in Diagram::nodes; `nothing` when no node has the id
     Index to = nothing;
     Info fromInfo;
     Info toInfo;
     Info totalInfo;
 };
 
-// Nodes and links in the bag's order.
+// Nodes and links in the bag's order, which tells parallel links apart (see draw/read/link_paths.h).
 struct Diagram {
     std::string_view id;
     std::string_view name;
@@ -56,18 +59,19 @@ struct Diagram {
 };
 
 // Reads what "create" and the requests after it have written. All texts are views into `bag`, which must
-// outlive the result. Accepts any bag: what is missing or of another type is empty, an id that no node has (or
-// that is empty) is `nothing`, of several nodes with one id the last is meant, and a group that would contain
-// itself stands at top level. Time grows with the bag's size.
+// outlive the result. Accepts any bag: what is missing or of another type is empty. An empty id, or one that
+// no node has, gives `nothing`. Where several nodes have one id, the last one is used, for a group the last
+// that is marked as one. Groups that contain each other in a cycle are moved to top level. Linear time.
 [[nodiscard]] Diagram readDiagram(const basekit2::variant_bag_t& bag);
 
-// The same without values: every `Info` is empty.
+// The same without values: every `Info` is empty. For layouts, which do not depend on values.
 [[nodiscard]] Diagram readStructure(const basekit2::variant_bag_t& bag);
 
-// The info in the child bag of that name, as views into `bag`.
+// Reads the info in the child bag of that name, as views into `bag`. Empty when there is no such bag.
 [[nodiscard]] Info readInfo(const basekit2::variant_bag_t& bag, std::string_view name);
 
-// Calls `take` with each child called `name` of the child bag `list`.
+// Calls `take` with each child bag named `name` in the child bag `list`, in order. Other children are
+// skipped.
 template <class Take>
 void forEachChild(const basekit2::variant_bag_t& bag, std::string_view list, std::string_view name,
                   Take take) {

@@ -1,4 +1,4 @@
-// Finds nodes by their ids.
+// Finds nodes by their ids: a hash table that is filled once, with open addressing.
 #pragma once
 
 #include <bit>
@@ -11,13 +11,14 @@
 
 namespace tessera_draw {
 
-// Of several nodes with one id the last is found; nobody is called "". The nodes must outlive this and keep
-// their ids.
+// Of several nodes with one id, the last is found. The id "" is never found. Keeps a reference to the list:
+// it must outlive this object, and its ids must not change. Not changed by find(), so any number of threads
+// may search at the same time.
 class NodeIds {
   public:
     explicit NodeIds(const std::vector<Node>& nodes) : NodeIds(nodes, [](Index) { return true; }) {}
 
-    // Of those for which `counts` returns true.
+    // Only nodes for which `counts`, called with their indices, returns true.
     template <class Counts>
     NodeIds(const std::vector<Node>& nodes, Counts counts)
         : m_nodes(&nodes), m_entries(std::bit_ceil(nodes.size() * 2 + 1)) {
@@ -28,6 +29,7 @@ class NodeIds {
             }
     }
 
+    // The index of the node with this id, or `nothing`. Constant time on average.
     [[nodiscard]] Index find(std::string_view id) const {
         return id.empty() ? nothing : m_entries[placeOf(id, std::hash<std::string_view>()(id))].node;
     }
@@ -38,7 +40,8 @@ class NodeIds {
         Index node = nothing;
     };
 
-    // Where the id is, or else where it would be. At least half of the entries are free.
+    // The entry of the id, or the free entry where it would be. Ends because at least half of the entries are
+    // free.
     [[nodiscard]] std::size_t placeOf(std::string_view id, std::size_t hash) const {
         const std::size_t mask = m_entries.size() - 1;
         std::size_t place = hash & mask;

@@ -1,4 +1,5 @@
-// What the layout has put onto links, as the ids and the order of a diagram's nodes and links tell.
+// The splits by which the layout has inserted nodes into links, derived from the ids and the order of a
+// diagram's nodes and links.
 #pragma once
 
 #include <cstddef>
@@ -9,23 +10,24 @@
 
 namespace tessera_draw {
 
-// A link has been split in two around a new node: it leads to that, and a new link from there to where it had
-// led.
+// One split: the layout has inserted a node into a link. The link now leads to the node, and a new link, the
+// half, leads from the node to where the link led before.
 struct Split {
     Index node = nothing;
     Index half = nothing;  // the new link
-    // The nodes that the split link had as its ends; of several with their id, the last.
+    // The ends of the link before the split; where several nodes have the id, the last. `nothing` for "".
     Index from = nothing;
     Index to = nothing;
 };
 
 struct Splits {
     std::vector<Split> all;  // in the order in which they were made
-    // So many links come first that are no halves: the document's.
+    // The number of links at the start of the list that are the document's own, not halves.
     std::size_t documentLinks = 0;
-    std::vector<Index> classes;  // by node: the last one that has its id
+    std::vector<Index> classes;  // by node: the last node with the same id; `nothing` for ""
 };
 
+// Types of nodes that the layout inserts. A label's location is "from", "to" or "center".
 [[nodiscard]] inline bool isDummy(const Node& node) {
     return node.type == "dummy";
 }
@@ -36,9 +38,10 @@ struct Splits {
     return isLabel(node) && node.location == location;
 }
 
-// Every split appends a node and a link, so that the last links belong to the labels and dummies in their
-// order; their ids say what was split. Where that does not hold no library has written the diagram: what
-// comes before is then left alone. Linear time.
+// Every split appends a node and a link. The last links of the diagram therefore belong to its labels and
+// dummies, in their order, and their ids name the ends of the link that was split. Reads from the end of both
+// lists and stops at the first pair that does not match, which the layout never writes: all links before it
+// count as the document's. Accepts any diagram. Linear time.
 [[nodiscard]] Splits readSplits(const Diagram& diagram);
 
 }  // namespace tessera_draw

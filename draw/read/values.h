@@ -1,4 +1,4 @@
-// The values of a bag, for a structure that was read before, perhaps from another bag.
+// Reads the values of a bag for a structure that was read before, possibly from another bag.
 #pragma once
 
 #include <string>
@@ -10,8 +10,9 @@
 
 namespace tessera_draw {
 
-// How a bag differs from the structure that its values were read for. Ids, in the order of the bag or the
-// structure; each at most once for each node or link.
+// How a bag differs from the structure that its values were read for: the ids of nodes and links, new ones in
+// the bag's order, missing ones in the structure's. An id of several nodes or links occurs once for each.
+// Owns its texts.
 struct Differences {
     std::vector<std::string> newNodes;      // in the bag only: not drawn
     std::vector<std::string> missingNodes;  // in the structure only: drawn without values
@@ -23,6 +24,7 @@ struct Differences {
     }
 };
 
+// The values of one link: at its start, in total, and at its end.
 struct LinkValues {
     Info from;
     Info total;
@@ -31,12 +33,13 @@ struct LinkValues {
 
 struct Values {
     std::string_view displayMode;
-    std::vector<Info> nodes;        // as the structure's
-    std::vector<LinkValues> links;  // as the structure's
+    std::vector<Info> nodes;        // by node of the structure
+    std::vector<LinkValues> links;  // by link of the structure
 };
 
-// Reads the values of `bag` into the places of `structure`, matched by id: where a bag has several nodes or
-// links of one id, in their order. All texts are copied into `texts`. Accepts any bag. Linear time.
+// Reads the values of `bag`, matched by id to the nodes and links of `structure`. Where several have one id,
+// they are matched in their order. What the bag lacks gets empty values. All texts are copied into `texts`,
+// so the bag may be destroyed after the call. Appends to `differences`. Accepts any bag. Linear time.
 [[nodiscard]] Values readValues(const basekit2::variant_bag_t& bag, const Diagram& structure,
                                 TextArena& texts, Differences& differences);
 

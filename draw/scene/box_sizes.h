@@ -52,7 +52,7 @@ enum class BoxKind : std::uint8_t { none, card, label, container };
 
 struct BoxKinds {
     std::vector<BoxKind> kinds;     // by node; `none` for dummies and for nodes with a group's values
-    std::vector<Index> groupInfos;  // by group: the node that holds its values, or `nothing`
+    std::vector<Index> groupInfos;  // by node: of a group, the node with its values; else `nothing`
 };
 
 // Decides how each node of the diagram is drawn, by its type and by what contains what. A node that contains
