@@ -1,4 +1,4 @@
-// What the library hands to those who load it.
+// The implementation of PictureWriter with cairo, and the function that returns it to the program.
 #include <cairo-pdf.h>
 #include <cairo.h>
 
@@ -28,7 +28,7 @@ cairo_status_t handOn(void* closure, const unsigned char* data, unsigned int len
     return isTaken ? CAIRO_STATUS_SUCCESS : CAIRO_STATUS_WRITE_ERROR;
 }
 
-// What the status means to the user: nothing when the output took no more, which it knows itself.
+// The message for people; "" when the output took no more, because the output knows the reason.
 std::string problemOf(cairo_status_t status) {
     if (status == CAIRO_STATUS_SUCCESS || status == CAIRO_STATUS_WRITE_ERROR) return {};
     return cairo_status_to_string(status);
@@ -40,7 +40,7 @@ PictureResult failure(cairo_status_t status) {
     return result;
 }
 
-// A title as PDF can carry it, of moderate length.
+// The title for the PDF's metadata: limited in length, without control characters.
 std::string titleOf(const Scene& scene) {
     std::string title;
     for (const char c : scene.name.substr(0, 200))
@@ -80,7 +80,7 @@ class CairoWriter final : public PictureWriter {
                                                                   height * result.scale));
         const std::string title = titleOf(scene);
         cairo_pdf_surface_set_metadata(surface.get(), CAIRO_PDF_METADATA_TITLE, title.c_str());
-        // The same drawing gives the same bytes, so there is no time in it.
+        // The same drawing must give the same bytes, so the date is fixed.
         cairo_pdf_surface_set_metadata(surface.get(), CAIRO_PDF_METADATA_CREATE_DATE, "1970-01-01T00:00:00Z");
         const Context cairo(cairo_create(surface.get()));
         cairo_scale(cairo.get(), pointsPerPixel * result.scale, pointsPerPixel * result.scale);

@@ -9,7 +9,7 @@
 namespace tessera_draw {
 namespace {
 
-constexpr double outlineWidth = 2;  // of marks
+constexpr double outlineWidth = 2;  // of symbols
 
 void roundedRect(cairo_t* cairo, const Rect& rect, double radius) {
     constexpr double right = std::numbers::pi / 2;

@@ -24,7 +24,7 @@ void appendShown(std::string& shown, std::string_view text) {
 
 TextPainter::TextPainter(cairo_t* cairo, const Palette& palette)
     : m_cairo(cairo), m_palette(palette), m_layout(pango_cairo_create_layout(cairo)) {
-    // Letters keep their places at every scale.
+    // Without hinting, glyphs keep their positions at every scale.
     cairo_font_options_t* options = cairo_font_options_create();
     cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_NONE);
     cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);

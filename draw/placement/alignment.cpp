@@ -1,7 +1,7 @@
-// Four layouts, each of which aligns vertices with the median of their neighbours in the layer on one side,
-// preferring one of the two medians, and packs the blocks that this makes towards one side; the mean of the
-// two middle ones of the four is the answer. After Brandes and Koepf, with sizes and offsets, and with blocks
-// packed by the order among them.
+// Computes four layouts. Each aligns vertices with the median of their neighbours in the layer on one side,
+// preferring one of the two medians, and packs the resulting blocks towards the top or the bottom. The result
+// is the mean of the two middle ones of the four. After Brandes and Koepf, with sizes and offsets, and with
+// blocks packed in topological order.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -12,27 +12,28 @@
 namespace tessera_draw::placing {
 namespace {
 
-// Of the height beyond that of the fullest layer, before boxes, and before lines' straight runs, are cut.
+// A layout may be this many times as high as its fullest layer before blocks of boxes, and then straight runs
+// of lines, are cut.
 constexpr double growthForBoxes = 1.25;
 constexpr double growthForLines = 1.8;
 constexpr double lineWeight = 8;
 constexpr int maxCuts = 6;
 
-// To the layer before, between points of one line.
+// The adjacency to the layer before that joins two points of one line, or `nothing`.
 Index innerAdjacency(const BlockGraph& blockGraph, Index i) {
     for (Index k = blockGraph.inBegin[i]; k < blockGraph.inBegin[i + 1]; ++k)
         if (blockGraph.in[k].isInner) return k;
     return nothing;
 }
 
-// Marks adjacencies that cross one between two points of a line.
+// Marks adjacencies that cross an inner one, so that lines stay straight rather than edges at boxes.
 void markCrossed(BlockGraph& blockGraph) {
     for (Index layer = 1; layer < blockGraph.layers(); ++layer) {
         const Index end = blockGraph.layerBegin[layer + 1];
         Index scan = blockGraph.layerBegin[layer];
         Index from = blockGraph.layerBegin[layer - 1];
         for (Index i = scan; i < end; ++i) {
-            Index to = blockGraph.layerBegin[layer];  // behind all of the layer before
+            Index to = blockGraph.layerBegin[layer];  // after all of the layer before
             const Index inner = innerAdjacency(blockGraph, i);
             if (inner != nothing) to = blockGraph.in[inner].other;
             if (inner == nothing && i + 1 < end) continue;
@@ -47,7 +48,7 @@ void markCrossed(BlockGraph& blockGraph) {
     }
 }
 
-// The other ends see the same.
+// Copies the marks to the adjacencies at the other ends.
 void copyMarks(BlockGraph& blockGraph) {
     std::vector<Index> next(blockGraph.outBegin.begin(), blockGraph.outBegin.end() - 1);
     for (Index i = 0; i < blockGraph.size(); ++i)
@@ -85,7 +86,7 @@ class Layout {
   private:
     [[nodiscard]] double topOf(Index i) const { return m_place[m_root[i]] + m_shift[i]; }
 
-    // Blocks never cross: behind each aligned vertex only what is aligned behind its partner may follow.
+    // Blocks never cross: the partners of aligned vertices are in the order of the vertices.
     void alignLayer(Index layer) {
         const Index begin = m_blockGraph.layerBegin[layer];
         const Index end = m_blockGraph.layerBegin[layer + 1];
@@ -126,8 +127,8 @@ class Layout {
         }
     }
 
-    // Each block as near to the top, or to the bottom, as those before it allow; `reasons` are the vertices
-    // of blocks that do not let them go further.
+    // Places each block as near to the top, or to the bottom, as the blocks before it allow. `reasons` are
+    // the vertices of blocks at which these stop them.
     void pack(bool fromTop, std::vector<double>& places, std::vector<Index>& reasons) {
         m_open.assign(m_blockGraph.size(), 0);
         reasons.assign(m_blockGraph.size(), nothing);
@@ -153,14 +154,14 @@ class Layout {
         }
     }
 
-    // Least distance from the root of each vertex's block to that of the next one's.
+    // Minimum distance from the root of each vertex's block to the root of the next vertex's block.
     void findRootSteps() {
         for (Index i = 0; i + 1 < m_blockGraph.size(); ++i)
             m_rootStep[i] = m_shift[i] + m_blockGraph.step(i) - m_shift[i + 1];
     }
 
-    // Where blocks lean on one another in many layers in turn, the drawing grows far beyond its fullest
-    // layer. Cuts such blocks where that costs least. Leaves them packed.
+    // Chains of blocks that push each other through many layers make the drawing much higher than its fullest
+    // layer. Cuts such blocks where that costs least. Leaves all blocks packed.
     void cutLongWays() {
         double fullest = 0;
         for (Index layer = 0; layer < m_blockGraph.layers(); ++layer) {
@@ -191,7 +192,7 @@ class Layout {
         pack(m_fromTop, m_place, m_reason);
     }
 
-    // At the weakest link between the two vertices of the block.
+    // Cuts the block at the weakest edge between its two vertices.
     bool cutBetween(Index root, Index a, Index b, bool mayCutLines) {
         if (a == b) return false;
         Index i = root;
@@ -224,7 +225,7 @@ class Layout {
         findRootSteps();
     }
 
-    // Then back towards their neighbours, the last ones first.
+    // Moves packed blocks back towards their neighbours, the last packed first, since only these have space.
     void pull() {
         for (std::size_t k = m_order.size(); k-- > 0;) {
             const Index root = m_order[k];
@@ -269,7 +270,7 @@ class Layout {
     std::vector<double> m_shift;  // from the root's top
     std::vector<double> m_rootStep;
     std::vector<double> m_place;   // of roots: the top
-    std::vector<double> m_weight;  // of the link to the one before in the block
+    std::vector<double> m_weight;  // of the edge to the one before in the block
     std::vector<Index> m_reason;
     std::vector<Index> m_open;
     std::vector<Index> m_order;  // of blocks, as they were packed

@@ -1,5 +1,5 @@
-// One container's vertices as the finding of coordinates needs them: numbered layer by layer, from top to
-// bottom in each, so that neighbours in a layer are neighbours in all lists.
+// The vertices of one container, for assigning their y coordinates: numbered layer by layer, from top to
+// bottom in each, so that neighbours in a layer are neighbours in all lists. Lengths are pixels.
 #pragma once
 
 #include <vector>
@@ -14,16 +14,16 @@ struct Adjacency {
     Index other = 0;
     double ownOffset = 0;
     double otherOffset = 0;
-    double weight = 1;       // how much is lost when the edge is not straight
+    double weight = 1;       // the cost of the edge not being straight
     bool isInner = false;    // between two points of a line
-    bool isCrossed = false;  // by such an edge, itself not being one
+    bool isCrossed = false;  // crosses an inner edge, and is not one itself
 };
 
 struct BlockGraph {
     std::vector<Index> layerBegin;
     std::vector<Index> vertex;  // of the layered graph, or `nothing`
     std::vector<double> height;
-    std::vector<double> gapBelow;  // least distance to the next one of the layer
+    std::vector<double> gapBelow;  // minimum distance to the next one of the layer
     std::vector<char> isLast;      // of its layer
     std::vector<char> isFirst;
     std::vector<char> isOnLine;
@@ -34,19 +34,21 @@ struct BlockGraph {
 
     [[nodiscard]] Index size() const noexcept { return static_cast<Index>(vertex.size()); }
     [[nodiscard]] Index layers() const noexcept { return static_cast<Index>(layerBegin.size()) - 1; }
-    // Least distance from the top of `i` to that of the next one.
+    // Minimum distance from the top of `i` to that of the next one.
     [[nodiscard]] double step(Index i) const { return height[i] + gapBelow[i]; }
 };
 
-// Needs the order, the heights and the offsets of the container's vertices and edges. Unless `header` is 0,
-// the first layer begins with something of this height that is no vertex, but `nothing`.
+// REQUIRES: order, heights and offsets of the container's vertices and edges are set. Unless `header` is 0,
+// the first layer begins with an entry of this height that has no vertex: the container's title.
 void fillBlockGraph(BlockGraph& blockGraph, const LayeredGraph& graph, Index container, double header,
                     const Spacing& spacing);
 
-// Coordinates of all vertices' tops, for which neighbours keep their distance and many edges are straight.
+// Returns the y of each vertex's top, so that neighbours keep their distance and many edges are straight.
+// Sets isCrossed. All 0 when cancelled.
 [[nodiscard]] std::vector<double> alignedTops(BlockGraph& blockGraph, const CancelToken& cancel);
 
-// Moves vertices where there is room so that edges become shorter and straight.
+// Moves vertices into free space so that edges become shorter and straight. Stops between passes when
+// cancelled.
 void relax(const BlockGraph& blockGraph, std::vector<double>& tops, const CancelToken& cancel);
 
 }  // namespace tessera_draw::placing

@@ -35,11 +35,11 @@ class GeometryBuilder {
     }
 
   private:
-    // What a container asks of its own frame.
+    // What the container's own box requires; for the drawing all is 0.
     struct Limits {
         Size minSize;
         Insets padding;
-        // The title, where lines come through the border beside it: how far in, and how far below the
+        // The part of the title beside which lines cross the border: its width, and its height below the
         // padding.
         Size header;
     };
@@ -55,7 +55,7 @@ class GeometryBuilder {
         return limits;
     }
 
-    // Edges of lanes by container.
+    // Collects the edges to lanes by container.
     void sortLanes() {
         m_lanes.resize(m_nesting.containerCount());
         for (const EdgeChain& chain : m_graph.chains)
@@ -86,7 +86,7 @@ class GeometryBuilder {
         placeBoxes(container);
     }
 
-    // The leader stands for all of them.
+    // The leader has the size of the whole grid.
     void arrangeGrids(Index container) {
         const IsolatedGrids& grids = m_graph.grids;
         for (Index i = grids.firstInContainer[container]; i < grids.firstInContainer[container + 1]; ++i) {
@@ -119,7 +119,8 @@ class GeometryBuilder {
         return height + spare;
     }
 
-    // Lanes lie below everything, those apart along the layers in one. Returns the room that they take.
+    // Places lanes below everything; those that share no layers get the same one. Returns the height that
+    // they need.
     double setLanes(Index container, double bottom) {
         auto& lanes = m_lanes[container];
         const auto first = [&](Index edge) { return m_graph.layer[m_graph.edges[edge].tail]; };
@@ -172,7 +173,7 @@ class GeometryBuilder {
         m_gap.push_back(inGap);
     }
 
-    // The gap's width without bends. At borders the padding is there for them too.
+    // The gap's width without bends. At borders, bends may use the padding.
     [[nodiscard]] double minGap(Index container, Index layer, const Limits& limits) const {
         const bool isFirst = layer == m_graph.firstLayer[container];
         const bool isLast = layer + 1 == m_graph.lastLayer(container);
@@ -231,7 +232,8 @@ class GeometryBuilder {
         }
     }
 
-    // Beside a isolated grid's many columns a box stands where its lines come from, or else where they lead to.
+    // In a column with a grid, which is wide, a box is moved to the side that its lines come from, or else to
+    // the side that they lead to.
     [[nodiscard]] double shareInColumn(Index box) const {
         const Index layer = m_graph.layer[box];
         const Index last = m_graph.at(layer, m_graph.sizeOf(layer) - 1);
@@ -250,7 +252,7 @@ class GeometryBuilder {
     const CancelToken& m_cancel;
     Offsets m_offsets;
     BlockGraph m_blockGraph;
-    std::vector<double> m_width;  // by box: of the box, or the isolated grid that it stands for
+    std::vector<double> m_width;  // by box: of the box, or of the grid that it leads
     std::vector<GapEdge> m_gap;
     std::vector<std::vector<Index>> m_lanes;  // by container: the edges to them
     ContainerGeometry m_geometry;

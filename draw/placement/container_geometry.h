@@ -1,4 +1,4 @@
-// Sizes and places inside each container.
+// Sizes and positions inside each container. Lengths are pixels.
 #pragma once
 
 #include <vector>
@@ -9,15 +9,16 @@
 namespace tessera_draw::placing {
 
 struct ContainerGeometry {
-    std::vector<Rect> boxes;         // each in its container; behind them the drawing
+    std::vector<Rect> boxes;         // by box, relative to its container; the last entry is the drawing
     std::vector<double> layerX;      // by layer: its left side in the container
-    std::vector<double> layerWidth;  // and how wide its widest box is
+    std::vector<double> layerWidth;  // by layer: the width of its widest box
 
     [[nodiscard]] double gapBegin(Index layer) const { return layerX[layer] + layerWidth[layer]; }
     [[nodiscard]] double gapEnd(Index layer) const { return layerX[layer + 1]; }
 };
 
-// Needs the layers' order. Leaves sizes and places, and of each edge where it touches and how it bends.
+// REQUIRES: the layers are ordered. Returns positions of boxes and layers. In `graph`, sets heights and tops
+// of vertices, and for each edge where it touches its vertices and how it bends. Unfinished when cancelled.
 [[nodiscard]] ContainerGeometry containerGeometryOf(const std::vector<BoxToPlace>& boxes,
                                                     const Nesting& nesting, LayeredGraph& graph,
                                                     const Spacing& spacing, const CancelToken& cancel);

@@ -1,4 +1,4 @@
-// Boxes that no line touches stand side by side instead of one below the other.
+// Arranges boxes without lines in a grid instead of one column, which would be very high.
 #pragma once
 
 #include <vector>
@@ -7,7 +7,7 @@
 
 namespace tessera_draw::placing {
 
-// Members of one layer that stand in the place of the first of them.
+// Members of one layer that share the place of the first of them, the leader.
 struct IsolatedGrid {
     Index begin = 0;  // in `members`
     Index end = 0;
@@ -16,28 +16,29 @@ struct IsolatedGrid {
 struct IsolatedGrids {
     std::vector<IsolatedGrid> grids;
     std::vector<Index> members;           // boxes, in the order of the input
-    std::vector<Index> ofBox;             // by box: its isolated grid, or nothing
-    std::vector<Index> firstInContainer;  // isolated grids by container, and their number behind the last one
+    std::vector<Index> ofBox;             // by box: its grid, or `nothing`
+    std::vector<Index> firstInContainer;  // by container: in `grids`; one more entry ends the last
 
     [[nodiscard]] Index leader(const IsolatedGrid& grid) const { return members[grid.begin]; }
-    // Whether the box stands for itself in its layer, or for its isolated grid.
+    // Whether the box is a vertex of its layer: as itself, or as the leader of its grid.
     [[nodiscard]] bool isInLayer(Index box) const {
         return ofBox[box] == nothing || leader(grids[ofBox[box]]) == box;
     }
 };
 
-// `isTouched` tells of each box whether a line meets it, `layer` in which layer of all it stands.
+// Forms grids of at least 8 boxes. `isTouched` says for each box whether it has a line, `layer` its layer
+// among all containers' layers. Boxes at a border are left out. Linear time.
 [[nodiscard]] IsolatedGrids isolatedGridsOf(const std::vector<BoxToPlace>& boxes, const Nesting& nesting,
                                             const std::vector<char>& isTouched,
                                             const std::vector<Index>& layer, Index layerCount);
 
-// Gives the isolated grid's boxes, whose sizes stand in `rects`, their places in columns, from (0, 0) on; about as
-// high as wide. Returns how large it is.
+// Sets the positions of the grid's boxes in `rects`, which holds their sizes: in columns, starting at (0, 0),
+// about as high as wide. Returns the size of the grid.
 [[nodiscard]] Size arrange(const IsolatedGrids& grids, const IsolatedGrid& grid,
                            const std::vector<BoxToPlace>& boxes, const Spacing& spacing,
                            std::vector<Rect>& rects);
 
-// How much of the free room across its column stands before the box.
+// The share of its column's free width that is left of the box: 0, 0.5 or 1.
 [[nodiscard]] double shareBefore(const BoxToPlace& box) noexcept;
 
 }  // namespace tessera_draw::placing

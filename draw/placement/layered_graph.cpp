@@ -42,7 +42,8 @@ class LayeredGraphBuilder {
     }
 
   private:
-    // A line that ends at a container gets a hierarchical port of it too: it needs a place there as others do.
+    // A line that ends at a container gets a hierarchical port too, because it needs a position on that
+    // border as lines that cross it do.
     void addChains(const RouteSegment& routeSegment) {
         const auto begin = static_cast<Index>(m_raw.size());
         if (!routeSegment.isDirect) {
@@ -105,8 +106,8 @@ class LayeredGraphBuilder {
         return a < b ? b - a : a - b;
     }
 
-    // Dummy vertices are as many as lines times layers. Where that is too much the longest chains take a lane
-    // outside of all layers.
+    // There can be as many dummy vertices as lines times layers. Above a limit that is linear in the input,
+    // the longest chains are routed through a lane outside of all layers.
     void findFarChains() {
         m_isFar.assign(m_raw.size(), 0);
         const std::size_t limit = 8 * (m_raw.size() + m_boxes.size()) + 200'000;
@@ -166,7 +167,7 @@ class LayeredGraphBuilder {
             isolatedGridsOf(m_boxes, m_nesting, isTouched, m_graph.layer, m_graph.firstLayer.back());
     }
 
-    // IsolatedGrids stand behind what has lines.
+    // Isolated grids come after the boxes that have lines.
     void fillLayers() {
         std::vector<Index> vertices;
         std::vector<Index> leaders;

@@ -1,4 +1,4 @@
-// The graph that is drawn: in each container vertices in layers, and edges from layer to layer.
+// The layered graph: in each container, vertices in layers, and edges between them.
 #pragma once
 
 #include <vector>
@@ -8,12 +8,13 @@
 
 namespace tessera_draw::placing {
 
-// A vertex is a box (with the box's number), a hierarchical port, or a dummy vertex, in this order.
+// Vertices are numbered: first the boxes (by their indices), then hierarchical ports, then dummy vertices.
 //
-// Hierarchical ports are where lines come through a container's border. They stand in two layers of their own
-// before and behind those of the boxes. Inside they are vertices, outside ports of the container.
+// Hierarchical ports are the points where lines cross a container's border. They are in two layers of their
+// own, one before and one after the layers of the boxes. Inside they are vertices, outside ports of the
+// container.
 //
-// Dummy vertices hold the way free where an edge passes a layer.
+// Dummy vertices reserve space where an edge passes a layer.
 struct HierarchicalPort {
     Index box = 0;  // the container
     bool isAtEnd = false;
@@ -22,21 +23,21 @@ struct HierarchicalPort {
 struct Edge {
     enum class Kind : std::uint8_t {
         plain,   // to the next layer
-        loop,    // back into the same layer, through the gap behind it
-        toLane,  // to the lane along the container's far side, and from there
+        loop,    // between vertices of one layer, through the gap after it
+        toLane,  // to the lane below all boxes of the container, and from there
         fromLane
     };
     enum class Bend : std::uint8_t { none, curve, track };
 
-    Index tail = nothing;  // vertices; nothing at a lane
+    Index tail = nothing;  // vertices; `nothing` at a lane
     Index head = nothing;
-    Index tailPort = nothing;  // a hierarchical port of the tail or head, where that is a container passed
+    Index tailPort = nothing;  // the hierarchical port of a tail or head that is a container
     Index headPort = nothing;
     Kind kind = Kind::plain;
     Bend bend = Bend::none;
-    double tailOffset = 0;  // where it touches, from the vertex's top; of a lane: from the container's
+    double tailOffset = 0;  // where it touches, from the vertex's top; at a lane: from the container's
     double headOffset = 0;
-    double trackX = 0;  // of a track: from the beginning of the gap
+    double trackX = 0;  // of a bend in a track: from the start of the gap
 };
 
 // A part of a route segment inside one container: a chain of edges.
@@ -61,7 +62,8 @@ struct LayeredGraph {
     std::vector<ChainRange> ofRouteSegment;  // from the route segment's `from` to its `to`
     IsolatedGrids grids;                     // of each, only the leader stands in a layer
 
-    // All layers of all containers, one after the other; each begins and ends with one of hierarchical ports.
+    // The layers of all containers, one container after the other. The first and the last layer of each
+    // container are those of its hierarchical ports.
     std::vector<Index> firstLayer;  // by container
     std::vector<Index> layerBegin;  // in `order`
     std::vector<Index> order;       // the vertices of a layer from top to bottom
@@ -70,7 +72,7 @@ struct LayeredGraph {
     std::vector<Index> layer;
     std::vector<Index> place;  // in its layer
     std::vector<char>
-        isOnLine;  // a point of a line more than a box: dummy vertices, hierarchical ports, labels
+        isOnLine;  // treated as a point of a line: dummy vertices, hierarchical ports, most labels
     std::vector<double> height;
     std::vector<double> top;  // in its container
     // Plain edges.
@@ -90,13 +92,13 @@ struct LayeredGraph {
     [[nodiscard]] Index at(Index layerIndex, Index placeIndex) const {
         return order[layerBegin[layerIndex] + placeIndex];
     }
-    // Where the edge's end stands among its container's ports on that side.
+    // The position of an edge's end among its container's ports on that side.
     [[nodiscard]] Index portPlace(Index port) const { return port == nothing ? 0 : place[vertexOf(port)]; }
     [[nodiscard]] double tailY(const Edge& edge) const { return top[edge.tail] + edge.tailOffset; }
     [[nodiscard]] double headY(const Edge& edge) const { return top[edge.head] + edge.headOffset; }
 };
 
-// Leaves: layers in the order of the input, sizes and places not set.
+// Builds the graph with its layers in the order of the input. Heights and tops are still 0.
 [[nodiscard]] LayeredGraph layeredGraphOf(const std::vector<BoxToPlace>& boxes, const Nesting& nesting,
                                           const std::vector<RouteSegment>& routeSegments,
                                           const Layers& layers);

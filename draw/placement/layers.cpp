@@ -54,10 +54,11 @@ class FreeRanks {
                          [](const Arrow& a, const Arrow& b) { return a.from < b.from; });
     }
 
-    // Boxes with a level first, then the others so that arrows that are not cut lead forwards.
+    // Topological order by an iterative depth-first search: boxes with a level first, then the others. Arrows
+    // that close a cycle are cut.
     void orderByDepth() {
         std::vector<Index> next(m_begin.begin(), m_begin.end() - 1);
-        std::vector<char> state(m_isFree.size(), 0);  // 1: on the way, 2: done
+        std::vector<char> state(m_isFree.size(), 0);  // 1: on the current path, 2: done
         std::vector<Index> way;
         for (Index start = 0; start < m_isFree.size(); ++start) {
             if (!m_isFree[start] || state[start] != 0) continue;
@@ -90,7 +91,7 @@ class FreeRanks {
         for (Index i = m_begin[box]; i < m_begin[box + 1]; ++i) {
             const Arrow& arrow = m_arrows[i];
             if (arrow.isCut || !m_isFree[arrow.to]) continue;
-            // What a box with a level says outweighs what one without says.
+            // Boxes with a level take precedence over boxes without one.
             if (isAnchor && !m_isAnchored[arrow.to]) m_ranks[arrow.to] = m_ranks[box] + 1;
             if (isAnchor || !m_isAnchored[arrow.to])
                 m_ranks[arrow.to] = std::max(m_ranks[arrow.to], m_ranks[box] + 1);
@@ -116,7 +117,8 @@ class FreeRanks {
 
 using Members = std::vector<Index>;
 
-// The members' ranks become 0, 1, 2, ...; only members with a level count, or all.
+// Renumbers the members' ranks to 0, 1, 2, ...; of all members, or only of those with a level. Returns how
+// many ranks there are.
 Index compress(Members& members, const std::vector<BoxToPlace>& boxes, std::vector<Rank>& ranks,
                bool onlyWithLevel) {
     if (onlyWithLevel) std::erase_if(members, [&](Index box) { return boxes[box].level == -1; });

@@ -8,13 +8,13 @@
 namespace tessera_draw::placing {
 
 struct Layers {
-    std::vector<Index> ofBox;        // from 0
-    std::vector<Index> inContainer;  // how many there are
+    std::vector<Index> ofBox;        // from 0, in its container
+    std::vector<Index> inContainer;  // by container: the number of layers
 };
 
-// Boxes with levels stand in their order. Those at -1 stand behind what leads to them or, where nothing with
-// a level does, before what they lead to. Boxes at a border stand in the container's first or last layer, in
-// one of their own where their level says otherwise.
+// Boxes with levels are ordered by them. A box with level -1 comes after the boxes with a level that lead to
+// it, or else before those that it leads to. Boxes at a border are in the container's first or last layer, in
+// one of their own if their level is another. Layers are numbered without gaps. n log n time.
 [[nodiscard]] Layers layersOf(const std::vector<BoxToPlace>& boxes, const Nesting& nesting,
                               const std::vector<RouteSegment>& routeSegments);
 

@@ -5,7 +5,7 @@
 namespace tessera_draw::placing {
 namespace {
 
-// Breaks cycles of groups: of each, the box at which the walk around it began goes to top level.
+// Breaks cycles of groups: the box of each at which the walk started is moved to top level.
 void cutCycles(std::vector<Index>& parent, Index drawing) {
     std::vector<Index> seenFrom(parent.size(), nothing);
     seenFrom[drawing] = drawing;

@@ -52,7 +52,8 @@ void Offsets::collectSide(Index box, bool isAtEnd) {
     });
 }
 
-// Around the middle; where the box is too low for all, closer together. Ports stand where they are.
+// Spreads the ends evenly around the middle, closer together if the box is low. Ports of containers are
+// fixed.
 void Offsets::spread(Index box) {
     std::sort(m_side.begin(), m_side.end());
     const double height = m_graph.height[box];
@@ -68,7 +69,7 @@ void Offsets::spread(Index box) {
     }
 }
 
-// Boxes with several edges on a side first: there nobody sees it.
+// Sides with several edges first: there, unequal distances are hardly visible.
 void Offsets::straighten(Index container) {
     for (const bool areSingle : {false, true})
         for (Index i = m_nesting.memberBegin[container]; i < m_nesting.memberBegin[container + 1]; ++i) {
@@ -81,7 +82,7 @@ void Offsets::straighten(Index container) {
         }
 }
 
-// Where the end would have to be.
+// The offset at which the edge would be straight.
 double Offsets::straightOffset(const SideKey& side, Index box) const {
     const Edge& edge = m_graph.edges[side.edge];
     if (edge.kind != Edge::Kind::plain) return side.isTail ? edge.tailOffset : edge.headOffset;

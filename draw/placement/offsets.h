@@ -1,4 +1,4 @@
-// Where on the sides of boxes edges begin and end.
+// The positions on the sides of boxes where edges begin and end.
 #pragma once
 
 #include <vector>
@@ -11,14 +11,15 @@ class Offsets {
   public:
     Offsets(LayeredGraph& graph, const Nesting& nesting, const Spacing& spacing);
 
-    // Of the edges of the container's members. Needs the layers' order, the heights of boxes, and the inside
-    // of containers.
+    // Sets the offsets of the edges of the container's members. REQUIRES: the layers are ordered, and the
+    // heights of boxes and the geometry of inner containers are set.
     void set(Index container);
 
-    // Moves ends a little where that makes their edges straight. Needs the members' tops.
+    // Moves ends by up to 14 pixels where that makes their edges straight. REQUIRES: the members' tops are
+    // set.
     void straighten(Index container);
 
-    // The vertex's ends of edges that are not plain: visit(edge, whether it is the tail).
+    // Calls visit(edge, isTail) for each end at this vertex of an edge that is not plain.
     template <typename Visit>
     void forOthers(Index vertex, Visit visit) const {
         if (vertex + 1 >= m_otherBegin.size()) return;

@@ -31,8 +31,8 @@ class ContainerOrdering {
 
     [[nodiscard]] PortRanks& ranks() noexcept { return m_ranks; }
 
-    // From nothing, spending so much work: in a small container on each of several first orders, else on that
-    // which is best after sweeps.
+    // Finds a first order, spending at most this work: in a small container on each of several initial
+    // orders, else on the one that is best after sweeps.
     void begin(Index container, double work) {
         enter(container, false);
         if (m_size == 0) return;
@@ -58,7 +58,7 @@ class ContainerOrdering {
         if (!isSmall) siftAndSweep(endOfAll);
     }
 
-    // From what there is.
+    // Improves the current order.
     void improve(Index container, bool keepBorders, double work) {
         enter(container, keepBorders);
         if (m_size == 0) return;
@@ -88,7 +88,7 @@ class ContainerOrdering {
 
     enum class Walk : std::uint8_t { depthFirst, depthFirstFromEnd, breadthFirst };
 
-    // First order: that of a walk along the edges.
+    // Initial order: that of a walk along the edges.
     void walkThrough(Walk walk) {
         m_isSeen.resize(m_graph.vertexCount(), 0);
         std::vector<Index> next(m_graph.layerBegin.begin() + m_first,
@@ -114,8 +114,8 @@ class ContainerOrdering {
             settle(layer);
     }
 
-    // What is put down last is taken up first: so that neighbours keep the order of the document in a walk in
-    // depth, they are put down from the end.
+    // The stack of a depth-first walk reverses its entries, so neighbours are pushed in reverse: they then
+    // keep the document's order.
     void addNeighbours(Index vertex, Walk walk) {
         const auto add = [&](Index next) {
             if (m_isSeen[next] == 0) m_way.push_back(next);
@@ -134,7 +134,7 @@ class ContainerOrdering {
         turnFrom(tails);
     }
 
-    // The layer's order stands: what depends on it.
+    // Updates what depends on the layer's order.
     void settle(Index layer) {
         const Index begin = m_graph.layerBegin[layer];
         for (Index i = begin; i < m_graph.layerBegin[layer + 1]; ++i)
@@ -144,7 +144,7 @@ class ContainerOrdering {
         if (layer < m_last) m_crossings[layer - m_first] = unknown;
     }
 
-    // Leaves the best order that some sweeps find.
+    // Runs a few sweeps and keeps the best order.
     void sweep() {
         constexpr int maxWalks = 8;
         m_bestCrossings = countAll();
@@ -162,7 +162,7 @@ class ContainerOrdering {
         restore(m_best);
     }
 
-    // From the best order on, as long as there is work to spend.
+    // Improves the best order until the work is spent.
     void siftAndSweep(double end) {
         std::uint64_t crossings = m_bestCrossings;
         bool isForwards = true;
@@ -194,7 +194,8 @@ class ContainerOrdering {
         return m_keepBorders && (layer == m_first || layer == m_last);
     }
 
-    // By the mean of the neighbours in the layer before, or behind. Vertices without any stay where they are.
+    // Sorts by the mean rank of the neighbours in the layer before, or after. Vertices without neighbours
+    // keep their places.
     void reorder(Index layer, bool isForwards, bool mayFlip) {
         if (isKept(layer)) return;
         m_sorted.clear();
@@ -235,7 +236,8 @@ class ContainerOrdering {
         return begin == end ? -1 : sum / (end - begin);
     }
 
-    // Layer by layer, until nothing changes or the work is done. Returns how many crossings fewer there are.
+    // Sifts layer by layer until nothing changes or the work is spent. Returns the number of crossings
+    // removed.
     std::uint64_t sift(bool isForwards, double end) {
         const Index count = m_last - m_first + 1;
         std::uint64_t gained = 0;
@@ -259,7 +261,7 @@ class ContainerOrdering {
         return gained;
     }
 
-    // Looks only behind and before layers that have changed since it was asked last.
+    // Counts again only next to layers that have changed since the last call.
     [[nodiscard]] std::uint64_t countAll() {
         std::uint64_t count = 0;
         for (Index layer = m_first; layer < m_last; ++layer) {
@@ -303,7 +305,7 @@ class ContainerOrdering {
     bool m_keepBorders = false;
     std::size_t m_size = 0;
     static constexpr std::uint64_t unknown = std::numeric_limits<std::uint64_t>::max();
-    std::vector<std::uint64_t> m_crossings;  // behind each of its layers
+    std::vector<std::uint64_t> m_crossings;  // after each of its layers
     std::uint64_t m_bestCrossings = 0;
     std::vector<Index> m_best;
     double m_sweepWork = 0;
@@ -380,7 +382,7 @@ class NestedOrdering {
         m_inner.improve(container, true, workOn(container) / (4 * rounds));
     }
 
-    // As their lines go on outside. Points without an outside keep their places.
+    // Orders hierarchical ports as their lines continue outside. Ports without an outside keep their places.
     void orderBorder(Index layer) {
         m_points.clear();
         m_stops.clear();

@@ -6,11 +6,13 @@
 
 namespace tessera_draw::placing {
 
-// Leaves: `order` and `place` of all layers. Each container is ordered on its own, at first from the inside
-// to the outside and then, with its hierarchical ports as the container around it would have them, back again.
+// Sets `order` and `place` of all layers. Each container is ordered on its own: first from inner to outer
+// ones, then back, with hierarchical ports ordered as the surrounding container needs them. Limited by a
+// number of comparisons, not by time, so the result is the same on every machine. Stops early when cancelled;
+// the order is then valid, but has more crossings.
 void orderLayers(LayeredGraph& graph, const Nesting& nesting, const CancelToken& cancel);
 
-// Crossings of the edges between layers, in all containers.
+// The number of crossings of edges between layers, in all containers. For tests and measurements.
 [[nodiscard]] std::uint64_t crossingsOf(const LayeredGraph& graph, const Nesting& nesting);
 
 }  // namespace tessera_draw::placing

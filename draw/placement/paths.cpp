@@ -7,7 +7,7 @@
 namespace tessera_draw::placing {
 namespace {
 
-// A corner of a line, or where it passes.
+// A corner of a line, or a point that it passes.
 struct Knot {
     Point at;
     bool isCurve = false;  // from the knot before to here
@@ -86,13 +86,13 @@ class PathMaker {
 
     void reverseEdgeKnots() {
         std::reverse(m_edgeKnots.begin(), m_edgeKnots.begin() + static_cast<std::ptrdiff_t>(m_edgeKnotCount));
-        // The flag is that of the way to a knot.
+        // The flag belongs to the part that leads to a knot, so it moves by one when the order is reversed.
         for (std::size_t i = m_edgeKnotCount; i-- > 1;)
             m_edgeKnots.at(i).isCurve = m_edgeKnots.at(i - 1).isCurve;
         if (m_edgeKnotCount > 0) m_edgeKnots.at(0).isCurve = false;
     }
 
-    // Points have one side: lines go straight on through their layer.
+    // Points have no width: lines pass straight through their layer.
     [[nodiscard]] double leftOf(Index vertex) const {
         return vertex < m_graph.boxCount ? m_geometry.boxes[vertex].x
                                          : m_geometry.layerX[m_graph.layer[vertex]];

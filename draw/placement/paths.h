@@ -1,4 +1,4 @@
-// Lines as they are drawn.
+// Turns the routes of lines into segments and curves.
 #pragma once
 
 #include "draw/placement/container_geometry.h"
@@ -6,7 +6,8 @@
 
 namespace tessera_draw::placing {
 
-// Needs the boxes where they stand in the drawing.
+// Returns one line for each line of the input. `boxes` are in the drawing's coordinates, and so are the
+// results.
 [[nodiscard]] std::vector<PlacedLine> pathsOf(const PlacementInput& input, const Nesting& nesting,
                                               const std::vector<RouteSegment>& routeSegments,
                                               const LayeredGraph& graph, const ContainerGeometry& geometry,

@@ -11,7 +11,7 @@ namespace {
 
 using namespace placing;  // NOLINT(google-build-using-namespace): the steps of this one function
 
-// From places in the containers to places in the drawing; containers stand before what is in them.
+// Converts positions in containers to positions in the drawing. Members are listed after their containers.
 std::vector<Rect> inDrawing(const Nesting& nesting, const ContainerGeometry& geometry) {
     std::vector<Rect> boxes(geometry.boxes.begin(), geometry.boxes.end() - 1);
     for (const Index box : nesting.members) {

@@ -46,7 +46,7 @@ SideKey sideKey(const LayeredGraph& graph, const PortRanks& ranks, Index edge, b
     const Index own = isTail ? e.tail : e.head;
     const Index other = isTail ? e.head : e.tail;
     if (own == other) return {in(selfLoops, 0), edge, isTail};
-    // The one that goes farther lies around the other.
+    // Of two loops, the longer one encloses the other.
     const Index fromBelow = graph.sizeOf(graph.layer[own]) - graph.place[other];
     return {in(graph.place[other] < graph.place[own] ? loopsUp : loopsDown, fromBelow), edge, isTail};
 }

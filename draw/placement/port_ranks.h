@@ -1,4 +1,4 @@
-// Where the ends of edges stand in a layer, as whole numbers: the place of the vertex, counted in ports.
+// Ranks of the ends of edges within their layer: integers that count ports from the top of the layer.
 #pragma once
 
 #include <vector>
@@ -11,7 +11,8 @@ class PortRanks {
   public:
     PortRanks(const LayeredGraph& graph, const Nesting& nesting);
 
-    // After the layer's order has changed. That of hierarchical ports in its containers is looked up each time.
+    // Call this after the layer's order has changed. The order of ports inside its containers is read each
+    // time.
     void refresh(Index layer);
 
     [[nodiscard]] Index ofTail(const Edge& edge) const {
@@ -20,7 +21,7 @@ class PortRanks {
     [[nodiscard]] Index ofHead(const Edge& edge) const {
         return m_in[edge.head] + m_graph.portPlace(edge.headPort);
     }
-    [[nodiscard]] Index headRanks(Index layer) const;  // how many
+    [[nodiscard]] Index headRanks(Index layer) const;  // the number of ranks
 
   private:
     [[nodiscard]] Index portsOf(Index vertex, bool isAtEnd) const;
@@ -31,8 +32,8 @@ class PortRanks {
     std::vector<Index> m_out;
 };
 
-// The order of edges on one side of a vertex in which they cross each other least: by their other ends,
-// between the loops to what stands above and those to what stands below.
+// Sorts edges on one side of a vertex so that they cross each other least: loops upwards first, then plain
+// edges by their other ends, then loops downwards.
 struct SideKey {
     std::uint64_t key = 0;
     Index edge = 0;

@@ -11,14 +11,14 @@ namespace {
 constexpr double straight = 1e-6;
 constexpr int passes = 6;
 
-// Moves bodies, vertices that stay straight to one another, to where their edges lose least.
+// Moves bodies, groups of vertices that are joined by straight edges, to where their other edges cost least.
 class Relaxation {
   public:
     Relaxation(const BlockGraph& blockGraph, std::vector<double>& tops)
         : m_blockGraph(blockGraph), m_tops(tops) {}
 
-    // Bodies are lines' straight runs, or all that is joined by straight edges.
-    // Returns whether any has moved.
+    // Bodies are straight runs of lines only, or all vertices joined by straight edges. Returns whether any
+    // body has moved.
     bool run(bool onlyLines, bool isForwards) {
         m_hasMoved = false;
         findBodies(onlyLines);
@@ -86,7 +86,7 @@ class Relaxation {
         m_hasMoved = true;
     }
 
-    // One for each side: a vertex with two equal neighbours there wants to stand between them.
+    // One wish for each side, so that a vertex with two equal neighbours is placed between them.
     void addWishes(Index i, Index body) {
         addWish(i, body, m_blockGraph.in, m_blockGraph.inBegin);
         addWish(i, body, m_blockGraph.out, m_blockGraph.outBegin);
@@ -112,7 +112,7 @@ class Relaxation {
         return median(m_wishes, weight, between);
     }
 
-    // By weight; where two are in the middle, what `choose` makes of them.
+    // Weighted median; if two are in the middle, `choose` combines them.
     template <typename Choose>
     static double median(std::vector<Wish>& wishes, double all, Choose choose) {
         std::sort(wishes.begin(), wishes.end(), [](const Wish& a, const Wish& b) {
@@ -128,7 +128,7 @@ class Relaxation {
         return 0;
     }
 
-    // Any move between the two is as good; what is straight stays so, and what is symmetric is best.
+    // All moves between the two cost the same: keep a straight edge straight, else choose the middle.
     static double between(double a, double b) {
         if (std::abs(a) <= straight || std::abs(b) <= straight) return 0;
         return (a + b) / 2;
@@ -144,7 +144,7 @@ class Relaxation {
     std::vector<Wish> m_side;
 };
 
-// Rounding has left nothing nearer than it may be.
+// Restores minimum distances that rounding has violated.
 void keepDistances(const BlockGraph& blockGraph, std::vector<double>& tops) {
     for (Index i = 0; i + 1 < blockGraph.size(); ++i)
         if (blockGraph.isLast[i] == 0) tops[i + 1] = std::max(tops[i + 1], tops[i] + blockGraph.step(i));

@@ -22,7 +22,7 @@ RouteSegment routeSegmentBetween(Index from, Index to, const Nesting& nesting) {
     return routeSegment;
 }
 
-// Borders that the route segment passes between its ends and the container.
+// The number of borders that the route segment crosses between its ends and the container.
 std::size_t bordersOf(const RouteSegment& routeSegment, const Nesting& nesting) {
     std::size_t count = 0;
     if (routeSegment.fromMember != nothing)
@@ -32,7 +32,8 @@ std::size_t bordersOf(const RouteSegment& routeSegment, const Nesting& nesting) 
     return count;
 }
 
-// Only diagrams of thousands of levels get there. Hops that pass few borders go first.
+// Keeps the work linear: only diagrams nested thousands of levels deep reach the limit. Segments that cross
+// few borders are routed first.
 void limitBorders(std::vector<RouteSegment>& routeSegments, const Nesting& nesting) {
     const std::size_t limit = 8 * (routeSegments.size() + nesting.tree.size()) + 200'000;
     std::size_t sum = 0;

@@ -1,4 +1,4 @@
-// The way of a line from one box to the next one that it meets.
+// Splits lines into route segments: from one box to the next one that the line meets.
 #pragma once
 
 #include <vector>
@@ -11,16 +11,16 @@ struct RouteSegment {
     Index line = 0;
     Index from = 0;  // boxes
     Index to = 0;
-    // The innermost container around both, or that one of the two which holds the other, and the members of
-    // it that the ends stand in; nothing for the container itself.
+    // The innermost container around both ends; if one end contains the other, that end. Then its members
+    // that the ends are in; `nothing` for an end that is the container itself.
     Index container = 0;
     Index fromMember = nothing;
     Index toMember = nothing;
-    // True of route segments through so many containers that together they would be too much to draw properly.
+    // Drawn as one straight line, because all segments together cross too many borders to be routed.
     bool isDirect = false;
 };
 
-// In the order of the lines. A line that names a box that is not there has none.
+// Returns the segments in the order of the lines. A line that names a missing box has none.
 [[nodiscard]] std::vector<RouteSegment> routeSegmentsOf(const PlacementInput& input, const Nesting& nesting);
 
 }  // namespace tessera_draw::placing

@@ -10,7 +10,7 @@ std::uint64_t Sifting::sift(Index layer, Index reach) {
     const auto count = static_cast<Index>(m_layer.size());
     std::uint64_t gained = 0;
     for (Index next = 0; next < count; ++next) {
-        // Vertices move by few places, so that the one to be tried next is mostly found at once.
+        // Vertices move by a few places only, so the next one is usually found close to its old place.
         Index place = next;
         for (Index away = 0; m_order[place] != next;) {
             ++away;
@@ -52,7 +52,7 @@ void Sifting::appendRanks(Index vertex) {
     m_layer.push_back(sifted);
 }
 
-// How many pairs have a less than b, less those with a more than b.
+// #(a < b) - #(a > b) over all pairs.
 inline std::int64_t Sifting::balance(Index a, Index endA, Index b, Index endB) const {
     const Index* ranks = m_neighbours.data();
     if (endA - a > 4 && endB - b > 4) return balanceOfMany(a, endA, b, endB);
@@ -63,11 +63,11 @@ inline std::int64_t Sifting::balance(Index a, Index endA, Index b, Index endB) c
     return sum;
 }
 
-// Both lists are in order, so one walk along them tells.
+// The same in linear time: both lists are sorted.
 std::int64_t Sifting::balanceOfMany(Index a, Index endA, Index b, Index endB) const {
     const Index* ranks = m_neighbours.data();
     std::int64_t sum = 0;
-    Index less = b;  // the first of b that is not less than the one of a
+    Index less = b;  // the first of b that is not less than the current a
     Index notMore = b;
     for (; a < endA; ++a) {
         while (less < endB && ranks[less] < ranks[a])
@@ -79,13 +79,14 @@ std::int64_t Sifting::balanceOfMany(Index a, Index endA, Index b, Index endB) co
     return sum;
 }
 
-// Crossings that are added when `vertex` moves from before `other` to behind it.
+// The number of crossings added by moving `vertex` from before `other` to after it; negative if they
+// decrease.
 inline std::int64_t Sifting::lossBehind(const Sifted& vertex, const Sifted& other) const {
     return balance(vertex.begin, vertex.middle, other.begin, other.middle) +
            balance(vertex.middle, vertex.end, other.middle, other.end);
 }
 
-// About what lossBehind does.
+// An estimate of the comparisons that lossBehind makes.
 inline Index Sifting::workOf(const Sifted& vertex, const Sifted& other) {
     return 2 + std::max(vertex.end - vertex.begin, other.end - other.begin);
 }

@@ -1,4 +1,4 @@
-// Moves single vertices of a layer to where they make the fewest crossings.
+// Sifting: moves single vertices of a layer to the position with the fewest crossings.
 #pragma once
 
 #include <vector>
@@ -11,16 +11,16 @@ class Sifting {
   public:
     Sifting(LayeredGraph& graph, const PortRanks& ranks) : m_graph(graph), m_ranks(ranks) {}
 
-    // Tries for each vertex of the layer all places that are at most `reach` from its own, the layers on both
-    // sides being as they are. Returns how many crossings fewer there are; unless 0, `place` is to be set
-    // anew.
+    // Tries for each vertex of the layer all positions at most `reach` away; both neighbouring layers stay as
+    // they are. Returns the number of crossings removed. Unless that is 0, the caller must update `place`.
     std::uint64_t sift(Index layer, Index reach);
 
-    // Comparisons so far.
+    // The number of comparisons so far, for limiting the work.
     [[nodiscard]] std::uint64_t work() const noexcept { return m_work; }
 
   private:
-    // A vertex's neighbours as keys in rising order: those before from begin to middle, those behind to end.
+    // Ranks of a vertex's neighbours, ascending: in the layer before from begin to middle, in the next to
+    // end.
     struct Sifted {
         Index begin = 0;
         Index middle = 0;

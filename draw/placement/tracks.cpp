@@ -8,12 +8,12 @@ namespace tessera_draw::placing {
 namespace {
 
 constexpr double straight = 1e-3;
-constexpr double nearRows = 1.5;     // what is no farther apart looks like one line
-constexpr std::size_t maxNear = 32;  // rows that are looked at; only at a hub are there more so near
-constexpr Index maxTracks = 24;      // in full width; more of them are narrower
+constexpr double nearRows = 1.5;     // lines this near to each other look like one
+constexpr std::size_t maxNear = 32;  // rows that are compared; only a hub has more of them so near
+constexpr Index maxTracks = 24;      // at full distance; more tracks are closer together
 
-// Tracks for edges that all go the same way: the one that starts lowest comes first, the others in turn get
-// the next track behind those that they overlap. `source` and `target` with source < target.
+// Assigns tracks to edges of one direction: the edge that starts lowest gets the first track, each further
+// one the next track after those that it overlaps. `source` and `target` return the ends, source < target.
 template <typename Source, typename Target>
 Index stack(std::vector<GapEdge*>& edges, double distance, Source source, Target target) {
     std::sort(edges.begin(), edges.end(), [&](const GapEdge* a, const GapEdge* b) {
@@ -57,8 +57,8 @@ class Overlapping {
     std::priority_queue<std::pair<Index, double>> m_heap;
 };
 
-// Edges that go down have tracks from the left, those that go up from the right. How many tracks keep apart
-// those that overlap?
+// Returns how many tracks both directions need together: downward edges use tracks from the left, upward ones
+// from the right, and edges that overlap must not share one.
 Index tracksForBoth(const std::vector<GapEdge*>& downs, const std::vector<GapEdge*>& ups, double distance) {
     std::vector<std::pair<const GapEdge*, bool>> all;
     all.reserve(downs.size() + ups.size());
@@ -113,7 +113,7 @@ bool GapPlan::isCurved(Iterator begin, Iterator end) const {
            (count <= 3 && maxLength <= 5 * m_spacing.betweenLayers);
 }
 
-// Edges of a cluster overlap each other, and none outside of it.
+// A cluster is a maximal range of edges that overlap, directly or through others.
 void GapPlan::planCluster(Iterator begin, Iterator end) {
     if (!isCurved(begin, end)) {
         assignTracks(begin, end);
@@ -166,8 +166,8 @@ void GapPlan::setTracks(double gapWidth) {
     separateRows();
 }
 
-// Where one edge comes out of its track at the height at which another one, farther on, goes into its own,
-// both would lie upon each other in between: one of the two ends gives way, towards its edge's other end.
+// If one edge leaves its track at the y at which another one enters a track further right, the two lie on
+// each other in between. One of the two ends is then moved towards its edge's other end.
 void GapPlan::separateRows() {
     std::vector<const GapEdge*> byFrom;
     for (const GapEdge& edge : m_edges)
@@ -193,7 +193,7 @@ void GapPlan::separateRows() {
     }
 }
 
-// Moves the edge's end along its box. False when it has to stand where it does.
+// Moves the edge's end along its box. Returns false if the end is fixed, at a point or a port.
 bool GapPlan::giveWay(const GapEdge& gapEdge, bool isTail) {
     Edge& edge = m_graph.edges[gapEdge.edge];
     const Index vertex = isTail ? edge.tail : edge.head;

@@ -1,4 +1,4 @@
-// The ways of edges through the gap between two layers.
+// Routes edges through the gap between two layers.
 #pragma once
 
 #include <vector>
@@ -7,30 +7,31 @@
 
 namespace tessera_draw::placing {
 
-// An edge in the gap: in from the left at one height, out at another.
+// An edge in the gap: it enters from the left at one y and leaves at another.
 struct GapEdge {
     Index edge = 0;
     double from = 0;
     double to = 0;
-    bool isLoop = false;  // out to the left too
+    bool isLoop = false;  // leaves to the left as well
     Index track = 0;
-    Index tracks = 0;  // how many there are where it passes
+    Index tracks = 0;  // the number of tracks in its cluster
 
     [[nodiscard]] double upper() const { return from < to ? from : to; }
     [[nodiscard]] double lower() const { return from < to ? to : from; }
 };
 
-// Gives each edge that is not straight a curve, where it has room for one, or a track: the place of its
-// vertical chain. Tracks cross only where the edges' ends leave no choice, and chains in one track are apart.
+// Gives each edge that is not straight a curve, if there is space for one, or a track: the position of its
+// vertical part. Tracks cross only where the edges' ends require it. Vertical parts in one track do not
+// touch.
 class GapPlan {
   public:
     GapPlan(std::vector<GapEdge>& edges, LayeredGraph& graph, const Spacing& spacing)
         : m_edges(edges), m_graph(graph), m_spacing(spacing) {}
 
-    // Returns the width that the bends need, 0 when there is none.
+    // Returns the width in pixels that the bends need, 0 without bends.
     [[nodiscard]] double width();
 
-    // REQUIRES: width() was asked, and the gap is as wide at least.
+    // REQUIRES: width() was called for these edges before, and `gapWidth` is at least its result.
     void setTracks(double gapWidth);
 
   private:

@@ -24,7 +24,7 @@ class WaitingLinks {
 
     explicit WaitingLinks(std::size_t linkCount) : m_places(linkCount) {}
 
-    // REQUIRES: the link waits nowhere, and the queue stays where it is while it does.
+    // REQUIRES: the link is in no queue, and the queue is not moved while the link is in it.
     void add(Queue& queue, Index link) {
         m_places[link] = {&queue, queue.last, nothing};
         (queue.last == nothing ? queue.first : m_places[queue.last].next) = link;
@@ -54,10 +54,9 @@ class WaitingLinks {
     std::vector<Place> m_places;  // by link
 };
 
-// Parallel links can have nodes of one id on them. An end is therefore compared by what is found under its id
-// (its "class" here), and which of several links a split was made on follows from the order in which the
-// layout goes through them, and from where each link leads now: one that leads where it did at first was not
-// split.
+// Inserted nodes of parallel links can have the same id. Ends are therefore compared by class: the node that
+// is found for their id. Which of several links was split follows from the order in which the layout
+// processes them, and from where each link leads now: one that leads where it did at first was not split.
 class ChainFinder {
   public:
     ChainFinder(const Diagram& diagram, const Splits& splits)
@@ -92,17 +91,17 @@ class ChainFinder {
     };
     struct LinkPart {
         Index from = nothing;   // the class of the node it begins at
-        Index whole = nothing;  // the link of the document that it is a piece of
+        Index whole = nothing;  // the link of the document that it is a part of
     };
     struct Candidates {
-        WaitingLinks::Queue likely;  // lead elsewhere by now
+        WaitingLinks::Queue likely;  // lead elsewhere now, so they were split
         WaitingLinks::Queue others;
     };
 
     [[nodiscard]] Index classOf(Index node) const { return node == nothing ? nothing : m_classes[node]; }
     [[nodiscard]] const Node& nodeOf(const Split& split) const { return m_diagram.nodes[split.node]; }
 
-    // What a link must have been when, after splits, it leads from `from` to the node of a split.
+    // Computes what a link was at first if it now leads from `from` to the node of a split.
     void traceSplits() {
         for (const Split& split : m_splits) {
             Origin origin{split.to, isLabel(nodeOf(split))};
@@ -119,7 +118,7 @@ class ChainFinder {
             const Link& link = m_diagram.links[i];
             m_chains.end[i] = link.to;
             if (link.direction == "forward" || link.direction == "both")
-                continue;  // a split takes those away
+                continue;  // not split: a split removes these directions
             const auto origin = m_origins.find(endsOf(link.from, link.to));
             if (origin == m_origins.end()) continue;
             if (origin->second.hasLabels)
@@ -182,7 +181,7 @@ class ChainFinder {
         for (std::size_t i = m_labelsEnd; i < m_splits.size(); ++i)
             m_candidates[endsOf(m_splits[i].from, m_splits[i].to)];
         for (Index i = 0; i < m_diagram.links.size(); ++i) {
-            m_waiting.remove(i);  // a labelled link whose labels are not there
+            m_waiting.remove(i);  // a labelled link whose labels are missing
             if (i < m_documentLinks || m_chains.isOnChain[i]) wait(i);
         }
         for (std::size_t i = m_labelsEnd; i < m_splits.size(); ++i) {

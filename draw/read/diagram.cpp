@@ -53,10 +53,10 @@ Link readLink(const variant_bag_t& bag, const NodeIds& ids, bool hasValues) {
     return link;
 }
 
-// Takes every group that is inside itself to top level. What is merely inside such a group stays there.
+// Moves every group that is inside itself to top level. Nodes that are only inside such a group stay there.
 void cutCycles(std::vector<Node>& nodes) {
     constexpr Index notSeen = nothing;
-    std::vector<Index> walks(nodes.size(), notSeen);  // the first one that came by
+    std::vector<Index> walks(nodes.size(), notSeen);  // by node: the walk that reached it first
     for (Index start = 0; start < nodes.size(); ++start) {
         Index at = start;
         for (; at != nothing && walks[at] == notSeen; at = nodes[at].group)

@@ -7,7 +7,7 @@
 namespace tessera_draw {
 namespace {
 
-// The nodes change places, group and level stay with the stops.
+// Exchanges the nodes; group and level stay with the stops.
 void exchange(PathStop& a, PathStop& b) {
     std::swap(a.node, b.node);
 }

@@ -35,7 +35,7 @@ class LinkPathFinder {
         return inserted;
     }
 
-    // A node of the document may have the id of one that was put onto a link. Links end in the former.
+    // A node of the document may have the same id as an inserted one. Links end in the document's.
     [[nodiscard]] Index documentNode(Index end) {
         if (end == nothing || !m_isInserted[end]) return end;
         if (!m_documentIds)
@@ -81,15 +81,15 @@ class LinkPathFinder {
         exchangeLabels(path);
     }
 
-    // The arrow heads stayed with the pieces that have them at their end.
+    // A split leaves each arrow head with the part at that end.
     [[nodiscard]] std::string_view directionOf(Index first, Index last) const {
         const std::string_view atFirst = m_diagram.links[first].direction;
         if (first == last || m_diagram.links[last].direction != "forward") return atFirst;
         return atFirst == "back" ? "both" : "forward";
     }
 
-    // A "from" label may have been exchanged with the first stop, a "to" label with the last one. Whether it
-    // was shows in the link to the later one of the two, which leads to the other since.
+    // A "from" label may have been exchanged with the first stop, a "to" label with the last one. If so, the
+    // link to the later one of the two now leads to the other.
     void exchangeLabels(const LinkPath& path) {
         const std::size_t begin = path.firstStop;
         const std::size_t end = m_linkPaths.stops.size();
@@ -111,7 +111,7 @@ class LinkPathFinder {
                m_diagram.nodes[target].id == m_diagram.nodes[m_linkPaths.stops[other].node].id;
     }
 
-    // The two nodes have each other's groups by now, but not each other's levels.
+    // The layout has exchanged the groups of the two nodes, but not their levels.
     void exchange(std::size_t a, std::size_t b) {
         std::swap(m_linkPaths.stops[a], m_linkPaths.stops[b]);
         std::swap(m_linkPaths.stops[a].level, m_linkPaths.stops[b].level);
@@ -126,8 +126,8 @@ class LinkPathFinder {
     const Diagram& m_diagram;
     const Splits m_splits;
     const Chains m_chains;
-    const std::vector<bool> m_isInserted;  // by node: put onto a link
-    std::optional<NodeIds> m_documentIds;  // of the others, when they are needed
+    const std::vector<bool> m_isInserted;  // by node: inserted into a link
+    std::optional<NodeIds> m_documentIds;  // of the document's nodes; created on demand
     std::vector<bool> m_isUsed;            // by node: a link path passes it or ends in it
     LinkPaths m_linkPaths;
 };

@@ -7,7 +7,7 @@
 namespace tessera_draw {
 namespace {
 
-// Takes "_" and `tail` off the end of `text`. False when it does not end so.
+// Removes "_" and `tail` from the end of `text`. Returns false if it does not end with them.
 bool takeOff(std::string_view& text, std::string_view tail) {
     if (text.size() <= tail.size() || !text.ends_with(tail)) return false;
     const std::string_view rest = text.substr(0, text.size() - tail.size());
@@ -16,7 +16,7 @@ bool takeOff(std::string_view& text, std::string_view tail) {
     return true;
 }
 
-// The ids say it: TO_FROM_TYPE is the node's and TO_FROM_TYPE_FROM the half's.
+// Reads the ends from the ids: TO_FROM_TYPE is the node's, TO_FROM_TYPE_FROM the half's.
 bool readEnds(Split& split, const Diagram& diagram, const NodeIds& ids) {
     const Node& node = diagram.nodes[split.node];
     const std::string_view half = diagram.links[split.half].id;

@@ -7,8 +7,8 @@ namespace {
 
 using basekit2::variant_bag_t;
 
-// Finds the elements of a structure by the ids of a bag's. As long as both have the same ids in the same order,
-// nothing is looked up.
+// Finds the elements of a structure by the ids of a bag's. As long as both have the same ids in the same
+// order, nothing is looked up.
 template <typename Element>
 class Matcher {
   public:
@@ -31,8 +31,8 @@ class Matcher {
     }
 
   private:
-    // The first one of that id that no element of the bag has taken yet. Those before the front of its queue
-    // are taken.
+    // The first element with this id that is not matched yet. Elements before the front of its queue are
+    // matched.
     Index lookUp(std::string_view id) {
         if (m_queues.empty()) fillQueues();
         const auto queue = m_queues.find(id);
@@ -56,7 +56,7 @@ class Matcher {
     const std::vector<Element>& m_elements;
     std::vector<char> m_isMatched;
     Index m_next = 0;
-    std::unordered_map<std::string_view, Index> m_queues;  // by id: the first element, once needed
+    std::unordered_map<std::string_view, Index> m_queues;  // by id: the first element; filled on demand
     std::vector<Index> m_nextOfId;
 };
 

@@ -11,7 +11,7 @@
 namespace tessera_draw {
 namespace {
 
-constexpr double minCard = 84;  // inside
+constexpr double minCard = 84;  // widths inside the margins
 constexpr double maxCard = 244;
 constexpr double maxNameColumn = 140;
 constexpr double minLabel = 52;
@@ -24,7 +24,7 @@ constexpr double groupTop = 40;
 constexpr double groupTopWithRows = 48;
 constexpr double belowHeader = 8;  // from a group's texts to where lines may bend
 
-// What is usual, in em: where nobody says what a box will show.
+// Usual space, in em, for callers that give no reservation.
 constexpr RowSpace usualNode = {2, 0, 5.6, 6.6};
 constexpr RowSpace usualLabel = {1, 6, 0, 5.8};
 constexpr RowSpace usualGroup = {1, 0, 6, 6.6};
@@ -101,7 +101,7 @@ Reservation::Place placeOf(std::string_view location) {
     return location == "to" ? Reservation::Place::to : Reservation::Place::center;
 }
 
-// By node, the link path that a label stands on.
+// By node: the link path that a label is on.
 std::vector<Index> pathsOfLabels(const Diagram& diagram, const LinkPaths& linkPaths) {
     std::vector<Index> answer(diagram.nodes.size(), nothing);
     for (std::size_t at = 0; at < linkPaths.paths.size(); ++at) {
@@ -116,7 +116,7 @@ RowSpace orNothing(const RowSpace* space) {
     return space == nullptr ? RowSpace{} : *space;
 }
 
-// Cards of one layer as wide as the widest of them: their texts then stand in columns.
+// Makes cards of one layer as wide as the widest of them, so that their texts are in columns.
 void evenOut(const Diagram& diagram, const BoxKinds& kinds, std::vector<BoxSize>& sizes) {
     std::map<std::pair<Index, std::int32_t>, double> widest;
     const auto layerOf = [&](std::size_t at) {

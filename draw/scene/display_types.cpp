@@ -15,7 +15,7 @@ bool isPlain(std::string_view type) {
     return type.empty() || type == "none";
 }
 
-// Of six shapes and four colours: the shapes start one colour later in their second round.
+// Six shapes and four colours give 12 pairs before they repeat; the next 12 shift the colours by one.
 TypeLook lookAt(std::size_t place) {
     return {symbols[place % symbols.size()], accents[(place + place / 12) % accents.size()]};
 }

@@ -24,7 +24,7 @@ constexpr double legendBetween = 20;
 constexpr double maxLegendText = 180;
 constexpr std::size_t maxLegendEntries = 24;
 
-// As wide as any of the usual modes needs it, so that a change of mode moves nothing.
+// Wide enough for the longest of the usual modes, so that a change of mode moves nothing.
 double badgeWidth() {
     const TextStyle& style = styleOf(TextRole::badge);
     return std::ceil(measureText("bandwidth", style.size, style.weight).width) + 28;

@@ -18,7 +18,7 @@ void own(TextArena& texts, std::string_view& text) {
     text = texts.add(text);
 }
 
-// Types and their like are few: their names are copied once.
+// Copies each text once, for types and similar texts: few different ones are used by many nodes.
 class FewTexts {
   public:
     explicit FewTexts(TextArena& texts) : m_texts(texts) {}
@@ -54,7 +54,7 @@ void ownTexts(Diagram& diagram, TextArena& texts) {
     }
 }
 
-// The depth of every node, the outermost being 0; without recursion, at any depth.
+// The depth of every node; outermost nodes have 0. Iterative, so any depth works.
 std::vector<std::uint32_t> depthsOf(const Diagram& diagram) {
     constexpr std::uint32_t unknown = nothing;
     std::vector<std::uint32_t> depths(diagram.nodes.size(), unknown);
@@ -110,7 +110,7 @@ void shift(Placement& placement, double dx, double dy) {
     }
 }
 
-// Takes the places over, in the numbers of nodes and link paths.
+// Stores the placement by nodes and link paths instead of the placement's own indices.
 void adopt(LayoutData& data, Placement placement, SceneInput& input) {
     shift(placement, sceneMargin, contentTop);
     data.boxes.resize(data.structure.nodes.size());

@@ -11,7 +11,7 @@
 namespace tessera_draw {
 namespace {
 
-// What one scene is made from.
+// The inputs of one scene, and the builder that it is made with.
 struct Drawing {
     const LayoutData& data;
     const Values values;

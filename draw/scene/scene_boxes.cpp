@@ -7,18 +7,18 @@
 namespace tessera_draw {
 namespace {
 
-// Where the two columns of rows stand, and the styles of their texts.
+// The positions of the two columns of rows, and the styles of their texts.
 struct Columns {
     double left = 0;
     double right = 0;
     double firstLine = 0;
     double step = 0;
-    double valueSpace = 0;  // kept for values
+    double valueSpace = 0;  // reserved for values
     TextRole nameRole = TextRole::rowName;
     TextRole valueRole = TextRole::rowValue;
 };
 
-// Returns the number of the text, or `nothing` where there is nothing to see.
+// Returns the index of the text, or `nothing` if the text is empty.
 Index drawText(SceneBuilder& builder, Point at, TextRole role, const FittedText& fitted, double maxWidth) {
     return builder.text(at, role, fitted, maxWidth) > 0 ? builder.lastText() : nothing;
 }
@@ -53,7 +53,7 @@ void drawRows(SceneBuilder& builder, const std::vector<Row>& rows, std::uint32_t
                      builder.own(fmt::format("+{} more", rows.size() - shown)), columns.right - columns.left);
 }
 
-// One row needs no name of its own: the data transfer's stands over the value.
+// A single row is shown without its own name: the title above the value is enough.
 void drawSingleValue(SceneBuilder& builder, const Info& info, const Rect& rect) {
     const double middle = rect.x + rect.width / 2;
     const double maxWidth = rect.width - 2 * labelSide + 8;

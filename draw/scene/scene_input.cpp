@@ -20,7 +20,7 @@ Along opposite(Along along) {
     return along == Along::start ? Along::end : Along::start;
 }
 
-// The placement knows layers along x only; for the other direction everything is turned over its diagonal.
+// The placement supports layers along x only; for the other direction x and y are exchanged.
 void turn(BoxToPlace& box) {
     std::swap(box.size.width, box.size.height);
     std::swap(box.padding.left, box.padding.top);
@@ -74,14 +74,15 @@ Border borderOf(const Node& node, const std::vector<Layers>& layers) {
     return node.level == layers[node.group].first ? Border::start : Border::none;
 }
 
-// Whether a link path runs against the layers of the group that both its ends are in.
+// Whether a link path leads to an earlier layer of the group that contains both its ends.
 bool runsBack(const Diagram& diagram, const LinkPath& path) {
     const Node& from = diagram.nodes[path.from];
     const Node& to = diagram.nodes[path.to];
     return from.group == to.group && from.level > to.level;
 }
 
-// The box that a line to `node` ends at. A group's values stand in its header: lines to them go to the group.
+// The box that a line to `node` ends at. A group's values are in its header, so lines to them end at the
+// group.
 Index boxFor(const Diagram& diagram, const std::vector<Index>& boxOfNode, Index node) {
     if (node == nothing) return nothing;
     if (boxOfNode[node] != nothing || diagram.nodes[node].type != "groupInfo") return boxOfNode[node];
@@ -109,7 +110,7 @@ void addLine(const Diagram& diagram, const LinkPaths& linkPaths, const BoxKinds&
     answer.pathOfLine.push_back(at);
 }
 
-// RowSpace for the ends of lines on both sides of a card, so that each can be told from the next one.
+// Enlarges cards so that the ends of their lines are far enough apart to be distinguished.
 void growForLineEnds(const Diagram& diagram, const LinkPaths& linkPaths, const BoxKinds& kinds,
                      SceneInput& answer) {
     constexpr double between = 7.5;

@@ -7,10 +7,10 @@
 namespace tessera_draw {
 namespace {
 
-// How far under its head a line goes on, so that no gap shows.
+// How far a line continues under its head, so that no gap is visible.
 constexpr double overlap = 2;
 
-// The direction from a to b, along the nearer axis; to the right when they are one.
+// The direction from a to b along the nearer axis; to the right if they are equal.
 Point axisBetween(Point a, Point b) {
     const double dx = b.x - a.x;
     const double dy = b.y - a.y;
@@ -23,7 +23,7 @@ Point moved(Point point, Point direction, double length) {
     return {point.x + direction.x * length, point.y + direction.y * length};
 }
 
-// How much can be cut off a straight piece from a to b, whose direction is known.
+// The length that can be cut off a straight segment from a to b.
 double cutOf(Point a, Point b) {
     return std::min(arrowLength - overlap, std::hypot(b.x - a.x, b.y - a.y));
 }

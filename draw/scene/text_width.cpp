@@ -16,7 +16,7 @@ constexpr std::uint16_t em = 2048;
 constexpr std::uint16_t emojiAdvance = em * 7 / 5;
 constexpr char32_t ellipsis = 0x2026;
 constexpr char32_t joiner = 0x200D;
-constexpr std::size_t maxBytes = 1024;  // of marks that take no room, any number would fit
+constexpr std::size_t maxBytes = 1024;  // because any number of marks without width would fit
 
 struct Advance {
     std::uint16_t units;
@@ -51,7 +51,7 @@ Advance advanceOf(char32_t code, Weight weight) noexcept {
     return advanceOutsideTable(code);
 }
 
-// Whether the character belongs to the one before it, which ends with `before`.
+// Whether the character extends the one before it, whose last code point is `before`.
 bool extends(char32_t code, char32_t before, std::uint16_t units) noexcept {
     const bool isSkinTone = code >= 0x1F3FB && code <= 0x1F3FF;
     const bool isHangulEnd = code >= 0x1160 && code <= 0x11FF;
@@ -69,7 +69,7 @@ std::string_view trimmed(std::string_view text) noexcept {
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-// Walks a text by what people see as one character.
+// Iterates over what people see as characters.
 class Walk {
   public:
     Walk(std::string_view text, Weight weight) noexcept : m_text(text), m_weight(weight) {}
@@ -124,7 +124,7 @@ FittedText fitText(std::string_view text, double maxWidth, double size, Weight w
     text = trimmed(text);
     const double unit = size / em;
     const double dots = advanceOf(ellipsis, weight).units * unit;
-    FittedText shortened{{}, true, dots, true};  // the longest beginning that fits with "…" behind it
+    FittedText shortened{{}, true, dots, true};  // the longest beginning that fits with "…" after it
     Walk walk(text, weight);
     while (!walk.atEnd()) {
         walk.next();
@@ -135,7 +135,7 @@ FittedText fitText(std::string_view text, double maxWidth, double size, Weight w
         if (walk.atEnd()) return {text, false, width, walk.isExact()};
     }
     if (text.empty()) return {};
-    // A blank before the "…" looks like a mistake.
+    // A space before the "…" looks like a mistake.
     shortened.kept = text.substr(0, trimmed(shortened.kept).size());
     return shortened;
 }

@@ -8,8 +8,7 @@ constexpr Rgb rgb(std::uint32_t code) {
             static_cast<std::uint8_t>(code & 0xFF)};
 }
 
-// In the order of ColorRole. The accents differ in lightness as well as in hue, so that they stay apart for eyes
-// that see few hues; no meaning hangs on a colour alone.
+// In the order of ColorRole. The accents differ in lightness as well as in hue, for readers who see few hues.
 constexpr Palette light = {rgb(0x000000), rgb(0xFBFCFE), rgb(0x1B2433), rgb(0x5A6880),
                            rgb(0xF1F4F9), rgb(0xE7ECF5), rgb(0xC6D0E0), rgb(0xFFFFFF),
                            rgb(0xB9C5D8), rgb(0x9AA8BF), rgb(0x6A7890), rgb(0xE4ECFB),

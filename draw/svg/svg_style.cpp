@@ -52,7 +52,7 @@ void addShapes(std::string& sheet) {
     };
     sheet +=
         fmt::format(".tessera-diagram{{font-family:{};font-variant-numeric:tabular-nums}}\n", fontFamilies);
-    // Each text runs as its own letters do, whatever stands around it.
+    // The direction of each text follows its own characters, not its surroundings.
     sheet += ".tessera-diagram text{unicode-bidi:plaintext}\n";
     for (std::size_t i = 0; i < textRoleCount; ++i) {
         const TextStyle& style = styleOf(static_cast<TextRole>(i));

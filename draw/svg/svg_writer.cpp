@@ -119,7 +119,7 @@ class SvgWriter {
         m_text.raw("</title>");
     }
 
-    // Between isolates a name's letters leave the direction of what stands around it alone.
+    // Isolates keep the characters of a name from changing the direction of the text around it.
     void tooltipPart(std::string_view text, bool isIsolated) {
         const std::size_t end = tessera_support::truncatedUtf8Length(text, maxTooltipBytes);
         if (isIsolated) m_text.raw("\u2068");
@@ -186,7 +186,7 @@ class SvgWriter {
         m_text.raw("\"/>");
     }
 
-    // A text whose width no table knows is cut off where its room ends.
+    // A text whose width is not exactly known is clipped at its maximum width.
     void text(const TextShape& text) {
         const TextStyle& style = styleOf(text.role);
         double x = text.at.x;
