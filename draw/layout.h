@@ -19,8 +19,8 @@ enum class Direction : std::uint8_t { leftToRight, topToBottom };
 
 struct LayoutOptions {
     Direction direction = Direction::leftToRight;
-    // Space to reserve for values. Not owned, read during the call only. Null: every box reserves a usual
-    // space.
+    // Space to reserve for values. Not owned, read during the call only. Null:
+    // every box reserves a usual space.
     const Reservation* reservation = nullptr;
     // Checked between steps; see layOut(). The default is never cancelled.
     tessera_support::CancelToken cancel = {};
@@ -28,9 +28,9 @@ struct LayoutOptions {
 
 struct LayoutData;  // draw/scene/layout_data.h
 
-// Boxes, lines, sizes and ids of one diagram. Owns copies of all its texts: the bag and the reservation may
-// be destroyed after layOut(). Immutable, so any number of threads may read it, and fill() it, at the same
-// time.
+// Boxes, lines, sizes and ids of one diagram. Owns copies of all its texts: the bag and the
+// reservation may be destroyed after layOut(). Immutable, so any number of threads may read it,
+// and fill() it, at the same time.
 class Layout {
   public:
     // For layOut(), which fills the data. REQUIRES: data != nullptr.
@@ -59,13 +59,13 @@ class Layout {
 // Scenes share ownership of their layout.
 using LayoutPointer = std::shared_ptr<const Layout>;
 
-// Lays out the structure of the diagram in `bag`: names, types, levels and links, but no values. Accepts any
-// bag: what is missing or of another type counts as empty, and an empty diagram has a layout without boxes.
-// The same input gives the same layout. Any thread, as long as no other thread changes the bag or the
-// reservation.
+// Lays out the structure of the diagram in `bag`: names, types, levels and links, but no values.
+// Accepts any bag: what is missing or of another type counts as empty, and an empty diagram has a
+// layout without boxes. The same input gives the same layout. Any thread, as long as no other thread
+// changes the bag or the reservation.
 //
-// Returns null when `options.cancel` was cancelled before all boxes had their places. There are no other
-// errors.
+// Returns null when `options.cancel` was cancelled before all boxes had their
+// places. There are no other errors.
 [[nodiscard]] LayoutPointer layOut(const basekit2::variant_bag_t& bag, const LayoutOptions& options);
 
 }  // namespace tessera_draw

@@ -51,9 +51,9 @@ inline constexpr double maxPngPixels = 50e6;  // width times height, about 200 M
 inline constexpr double maxPngSide = 32000;   // pixels
 inline constexpr double maxPdfSide = 14400;   // points, 1/72 inch
 
-// Loads the library that holds the writer and returns the writer. The library stays loaded and owns the
-// writer; further calls return the same one. Null when it cannot be loaded; `error` then says why, for
-// people.
+// Loads the library that holds the writer and returns the writer. The library stays loaded
+// and owns the writer; further calls return the same one. Null when it cannot be loaded;
+// `error` then says why, for people.
 [[nodiscard]] PictureWriter* loadPictureWriter(std::string& error);
 
 }  // namespace tessera_draw

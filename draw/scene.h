@@ -1,9 +1,9 @@
 // The finished drawing: flat lists of shapes, in the order in which they are drawn. This is the second of two
 // steps (see draw/layout.h for the first); writers for SVG, PNG, PDF and JSON read it.
 //
-// Lengths and positions are pixels in the drawing's coordinates: (0, 0) is its upper left corner, y grows
-// downwards. Texts are views into the scene or its layout, in the bytes of the document: possibly invalid
-// UTF-8.
+// Lengths and positions are pixels in the drawing's coordinates: (0, 0) is its upper left
+// corner, y grows downwards. Texts are views into the scene or its layout, in the bytes of the
+// document: possibly invalid UTF-8.
 #pragma once
 
 #include <cstdint>

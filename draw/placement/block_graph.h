@@ -47,8 +47,8 @@ void fillBlockGraph(BlockGraph& blockGraph, const LayeredGraph& graph, Index con
 // Sets isCrossed. All 0 when cancelled.
 [[nodiscard]] std::vector<double> alignedTops(BlockGraph& blockGraph, const CancelToken& cancel);
 
-// Moves vertices into free space so that edges become shorter and straight. Stops between passes when
-// cancelled.
+// Moves vertices into free space so that edges become shorter and straight. Stops
+// between passes when cancelled.
 void relax(const BlockGraph& blockGraph, std::vector<double>& tops, const CancelToken& cancel);
 
 }  // namespace tessera_draw::placing

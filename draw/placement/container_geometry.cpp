@@ -39,8 +39,8 @@ class GeometryBuilder {
     struct Limits {
         Size minSize;
         Insets padding;
-        // The part of the title beside which lines cross the border: its width, and its height below the
-        // padding.
+        // The part of the title beside which lines cross the border: its width,
+        // and its height below the padding.
         Size header;
     };
 

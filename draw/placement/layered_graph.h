@@ -10,9 +10,9 @@ namespace tessera_draw::placing {
 
 // Vertices are numbered: first the boxes (by their indices), then hierarchical ports, then dummy vertices.
 //
-// Hierarchical ports are the points where lines cross a container's border. They are in two layers of their
-// own, one before and one after the layers of the boxes. Inside they are vertices, outside ports of the
-// container.
+// Hierarchical ports are the points where lines cross a container's border. They are in two layers
+// of their own, one before and one after the layers of the boxes. Inside they are vertices,
+// outside ports of the container.
 //
 // Dummy vertices reserve space where an edge passes a layer.
 struct HierarchicalPort {

@@ -52,8 +52,8 @@ void Offsets::collectSide(Index box, bool isAtEnd) {
     });
 }
 
-// Spreads the ends evenly around the middle, closer together if the box is low. Ports of containers are
-// fixed.
+// Spreads the ends evenly around the middle, closer together if the box is low.
+// Ports of containers are fixed.
 void Offsets::spread(Index box) {
     std::sort(m_side.begin(), m_side.end());
     const double height = m_graph.height[box];

@@ -15,8 +15,8 @@ class Offsets {
     // heights of boxes and the geometry of inner containers are set.
     void set(Index container);
 
-    // Moves ends by up to 14 pixels where that makes their edges straight. REQUIRES: the members' tops are
-    // set.
+    // Moves ends by up to 14 pixels where that makes their edges straight.
+    // REQUIRES: the members' tops are set.
     void straighten(Index container);
 
     // Calls visit(edge, isTail) for each end at this vertex of an edge that is not plain.

@@ -236,8 +236,8 @@ class ContainerOrdering {
         return begin == end ? -1 : sum / (end - begin);
     }
 
-    // Sifts layer by layer until nothing changes or the work is spent. Returns the number of crossings
-    // removed.
+    // Sifts layer by layer until nothing changes or the work is spent. Returns
+    // the number of crossings removed.
     std::uint64_t sift(bool isForwards, double end) {
         const Index count = m_last - m_first + 1;
         std::uint64_t gained = 0;

@@ -6,8 +6,8 @@
 
 namespace tessera_draw::placing {
 
-// Returns one line for each line of the input. `boxes` are in the drawing's coordinates, and so are the
-// results.
+// Returns one line for each line of the input. `boxes` are in the drawing's
+// coordinates, and so are the results.
 [[nodiscard]] std::vector<PlacedLine> pathsOf(const PlacementInput& input, const Nesting& nesting,
                                               const std::vector<RouteSegment>& routeSegments,
                                               const LayeredGraph& graph, const ContainerGeometry& geometry,

@@ -11,8 +11,8 @@ class PortRanks {
   public:
     PortRanks(const LayeredGraph& graph, const Nesting& nesting);
 
-    // Call this after the layer's order has changed. The order of ports inside its containers is read each
-    // time.
+    // Call this after the layer's order has changed. The order of ports inside
+    // its containers is read each time.
     void refresh(Index layer);
 
     [[nodiscard]] Index ofTail(const Edge& edge) const {

@@ -79,8 +79,8 @@ std::int64_t Sifting::balanceOfMany(Index a, Index endA, Index b, Index endB) co
     return sum;
 }
 
-// The number of crossings added by moving `vertex` from before `other` to after it; negative if they
-// decrease.
+// The number of crossings added by moving `vertex` from before `other` to after
+// it; negative if they decrease.
 inline std::int64_t Sifting::lossBehind(const Sifted& vertex, const Sifted& other) const {
     return balance(vertex.begin, vertex.middle, other.begin, other.middle) +
            balance(vertex.middle, vertex.end, other.middle, other.end);

@@ -19,8 +19,8 @@ class Sifting {
     [[nodiscard]] std::uint64_t work() const noexcept { return m_work; }
 
   private:
-    // Ranks of a vertex's neighbours, ascending: in the layer before from begin to middle, in the next to
-    // end.
+    // Ranks of a vertex's neighbours, ascending: in the layer before from begin
+    // to middle, in the next to end.
     struct Sifted {
         Index begin = 0;
         Index middle = 0;

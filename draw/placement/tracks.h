@@ -20,9 +20,9 @@ struct GapEdge {
     [[nodiscard]] double lower() const { return from < to ? to : from; }
 };
 
-// Gives each edge that is not straight a curve, if there is space for one, or a track: the position of its
-// vertical part. Tracks cross only where the edges' ends require it. Vertical parts in one track do not
-// touch.
+// Gives each edge that is not straight a curve, if there is space for one, or a track: the
+// position of its vertical part. Tracks cross only where the edges' ends require it. Vertical
+// parts in one track do not touch.
 class GapPlan {
   public:
     GapPlan(std::vector<GapEdge>& edges, LayeredGraph& graph, const Spacing& spacing)

@@ -40,8 +40,8 @@ class NodeIds {
         Index node = nothing;
     };
 
-    // The entry of the id, or the free entry where it would be. Ends because at least half of the entries are
-    // free.
+    // The entry of the id, or the free entry where it would be. Ends because at
+    // least half of the entries are free.
     [[nodiscard]] std::size_t placeOf(std::string_view id, std::size_t hash) const {
         const std::size_t mask = m_entries.size() - 1;
         std::size_t place = hash & mask;

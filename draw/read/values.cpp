@@ -31,8 +31,8 @@ class Matcher {
     }
 
   private:
-    // The first element with this id that is not matched yet. Elements before the front of its queue are
-    // matched.
+    // The first element with this id that is not matched yet. Elements before the
+    // front of its queue are matched.
     Index lookUp(std::string_view id) {
         if (m_queues.empty()) fillQueues();
         const auto queue = m_queues.find(id);

@@ -81,8 +81,8 @@ bool runsBack(const Diagram& diagram, const LinkPath& path) {
     return from.group == to.group && from.level > to.level;
 }
 
-// The box that a line to `node` ends at. A group's values are in its header, so lines to them end at the
-// group.
+// The box that a line to `node` ends at. A group's values are in its header, so
+// lines to them end at the group.
 Index boxFor(const Diagram& diagram, const std::vector<Index>& boxOfNode, Index node) {
     if (node == nothing) return nothing;
     if (boxOfNode[node] != nothing || diagram.nodes[node].type != "groupInfo") return boxOfNode[node];

@@ -40,8 +40,8 @@ namespace tessera_draw {
     return false;
 }
 
-// Whether the text is empty or has only characters that cannot be seen: spaces, joiners and marks of
-// direction.
+// Whether the text is empty or has only characters that cannot be seen: spaces,
+// joiners and marks of direction.
 [[nodiscard]] inline bool isBlank(std::string_view text) noexcept {
     for (std::size_t i = 0; i < text.size();) {
         const auto character = tessera_support::decodeUtf8(text.substr(i));

@@ -17,8 +17,8 @@ namespace tessera_draw {
 // The class of texts with a halo, with a space before it so that it can follow another class; "" for none.
 [[nodiscard]] std::string_view textHaloClassOf(ColorRole ground) noexcept;
 
-// The class of the drawing itself, in addition to "tessera-diagram": one page may hold drawings in several
-// themes.
+// The class of the drawing itself, in addition to "tessera-diagram": one page may
+// hold drawings in several themes.
 [[nodiscard]] std::string_view classOf(Theme theme) noexcept;
 
 // Returns all rules. Each is limited to those two classes, so that it affects nothing else on a page. With
