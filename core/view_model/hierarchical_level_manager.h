@@ -52,7 +52,7 @@ class TESSERA_EXPORT GroupLevels {
     // REQUIRES: the entry is there.
     void setAt(std::size_t i, std::int32_t level) { m_places[i].level = level; }
     // REQUIRES: there is no entry of that id.
-    void append(std::string_view id, std::int32_t level);
+    TESSERA_HIDDEN void append(std::string_view id, std::int32_t level);
     void clear();
     void reserve(std::size_t count, std::size_t idBytes);
 
@@ -66,7 +66,7 @@ class TESSERA_EXPORT GroupLevels {
     [[nodiscard]] std::string_view idAt(const Place& place) const {
         return std::string_view(m_ids).substr(place.start, place.size);
     }
-    [[nodiscard]] std::uint32_t position(std::string_view id) const;
+    [[nodiscard]] TESSERA_HIDDEN std::uint32_t position(std::string_view id) const;
 
     std::string m_ids;
     std::vector<Place> m_places;
