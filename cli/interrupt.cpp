@@ -11,7 +11,8 @@
 namespace tessera_cli {
 namespace {
 
-tessera_support::CancelSource interruption;
+// A few bytes, made before main: without them nothing could run.
+tessera_support::CancelSource interruption;  // NOLINT(cert-err58-cpp)
 
 int wakePipe[2] = {-1, -1};
 

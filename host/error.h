@@ -100,11 +100,11 @@ class [[nodiscard]] Expected<void> {
     // These REQUIRE an error.
     [[nodiscard]] const Error& error() const& noexcept {
         assert(m_error.has_value());
-        return *m_error;
+        return *m_error;  // NOLINT(bugprone-unchecked-optional-access): required above
     }
     [[nodiscard]] Error&& error() && noexcept {
         assert(m_error.has_value());
-        return std::move(*m_error);
+        return std::move(*m_error);  // NOLINT(bugprone-unchecked-optional-access): required above
     }
 
   private:

@@ -45,56 +45,56 @@ class DocumentStructure {
 
     // Groups stand before their members.
     struct Node {
-        Element element;  // null for the top level
+        Element element = nullptr;  // null for the top level
         std::string_view id;
-        Index parent;
+        Index parent = none;
         Index replacedBy = none;  // a node that took the id over; this one takes no part in the layout
     };
     struct Link {
-        Element element;
+        Element element = nullptr;
         std::string_view id;
-        Index from;  // nodes; `topLevel` when the id finds none
-        Index to;
+        Index from = none;  // nodes; `topLevel` when the id finds none
+        Index to = none;
         Index replacedBy = none;
     };
 
     // A <queryRef>.
     struct Row {
-        Element element;
+        Element element = nullptr;
         std::string_view reference;  // its text, "" when there is none
     };
     struct RowSet {
-        Element element;
+        Element element = nullptr;
         Range rows;
         Index replacedBy = none;  // a later row set of the same element
     };
     // The values of a label in one display mode.
     struct ModeValues {
-        Element element;
-        Element dataTransfer;  // the parent
-        DisplayMode mode;
+        Element element = nullptr;
+        Element dataTransfer = nullptr;  // the parent
+        DisplayMode mode = {};
         Range rowSets;
         Index replacedBy = none;  // later values of the same label in this mode
     };
     struct Label {
-        Element element;
-        LabelPlace place;
+        Element element = nullptr;
+        LabelPlace place = {};
         Range modes;
         Index replacedBy = none;  // a later label at this place of the same link
     };
     // A <node> of a display section.
     struct NodeEntry {
-        Element element;
+        Element element = nullptr;
         std::string_view id;
-        Index node;  // `none` when the id finds none
+        Index node = none;  // `none` when the id finds none
         Range rowSets;
         Index replacedBy = none;  // a later entry of the same node
     };
     // A <link> of a display section. Its labels add to those of earlier entries for the same link.
     struct LinkEntry {
-        Element element;
+        Element element = nullptr;
         std::string_view id;
-        Index link;  // `none` when the id finds none
+        Index link = none;  // `none` when the id finds none
         Range labels;
         Index replacedBy = none;
     };

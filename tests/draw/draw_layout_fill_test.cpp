@@ -1,7 +1,7 @@
 // The two steps to a picture: one layout, filled with the values of several bags.
 #include <gtest/gtest.h>
 
-#include <rapidjson/document.h>
+#include <nlohmann/json.hpp>
 
 #include <string>
 #include <thread>
@@ -170,24 +170,23 @@ TEST(DrawLayoutFill, NothingIsLaidOutOnceItIsCancelled) {
 TEST(DrawSceneJson, SaysWhatASceneShows) {
     const DrawnBag drawn = smallDrawing("1\"\n\xFF");
     const Scene scene = makeScene(drawn.bag, {});
-    rapidjson::Document json;
-    json.Parse(jsonOf(scene).c_str());
-    ASSERT_FALSE(json.HasParseError());
-    EXPECT_EQ(json["width"].GetDouble(), scene.size.width);
-    EXPECT_EQ(json["nodes"].GetUint(), 2U);
-    EXPECT_EQ(json["links"].GetUint(), 1U);
+    const auto json = nlohmann::json::parse(jsonOf(scene), nullptr, false);
+    ASSERT_FALSE(json.is_discarded());
+    EXPECT_EQ(json["width"].get<double>(), scene.size.width);
+    EXPECT_EQ(json["nodes"].get<std::size_t>(), 2U);
+    EXPECT_EQ(json["links"].get<std::size_t>(), 1U);
     int nodes = 0;
-    for (const auto& element : json["elements"].GetArray()) {
+    for (const auto& element : json["elements"]) {
         if (element["kind"] != "node") continue;
         ++nodes;
-        EXPECT_EQ(element["boxes"].Size(), 1U);
-        EXPECT_STREQ(element["boxes"][0]["role"].GetString(), "card");
+        EXPECT_EQ(element["boxes"].size(), 1U);
+        EXPECT_EQ(element["boxes"][0]["role"].get<std::string>(), "card");
         const auto& row = element["rows"][1];
-        EXPECT_EQ(row["number"].GetUint(), 1U);
-        EXPECT_STREQ(row["name"].GetString(), "errors");
-        EXPECT_STREQ(row["value"].GetString(), "1\"\n\uFFFD!");
-        const auto& text = element["texts"][row["valueText"].GetUint()];
-        EXPECT_STREQ(text["role"].GetString(), "rowValue");
+        EXPECT_EQ(row["number"].get<std::size_t>(), 1U);
+        EXPECT_EQ(row["name"].get<std::string>(), "errors");
+        EXPECT_EQ(row["value"].get<std::string>(), "1\"\n\uFFFD!");
+        const auto& text = element["texts"][row["valueText"].get<std::size_t>()];
+        EXPECT_EQ(text["role"].get<std::string>(), "rowValue");
     }
     EXPECT_EQ(nodes, 2);
 }
@@ -195,20 +194,19 @@ TEST(DrawSceneJson, SaysWhatASceneShows) {
 TEST(DrawSceneJson, HoldsEveryShapeOfRandomScenes) {
     for (std::uint64_t seed = 0; seed < effort(40U); ++seed) {
         const Scene scene = makeScene(randomDrawing(seed), {});
-        rapidjson::Document json;
-        json.Parse(jsonOf(scene).c_str());
-        ASSERT_FALSE(json.HasParseError()) << seed;
+        const auto json = nlohmann::json::parse(jsonOf(scene), nullptr, false);
+        ASSERT_FALSE(json.is_discarded()) << seed;
         std::size_t boxes = 0;
         std::size_t texts = 0;
         std::size_t lines = 0;
         std::size_t rows = 0;
-        for (const auto& element : json["elements"].GetArray()) {
-            boxes += element["boxes"].Size();
-            texts += element["texts"].Size();
-            lines += element.HasMember("path") ? 1 : 0;
-            rows += element["rows"].Size();
+        for (const auto& element : json["elements"]) {
+            boxes += element["boxes"].size();
+            texts += element["texts"].size();
+            lines += element.contains("path") ? 1 : 0;
+            rows += element["rows"].size();
         }
-        EXPECT_EQ(json["elements"].Size(), scene.elements.size());
+        EXPECT_EQ(json["elements"].size(), scene.elements.size());
         EXPECT_EQ(boxes, scene.boxes.size());
         EXPECT_EQ(texts, scene.texts.size());
         EXPECT_EQ(lines, scene.lines.size());
