@@ -79,7 +79,7 @@ if ! "${fixed[@]}" true 2>/dev/null; then fixed=(); fi
 step "Thread sanitizer: build"
 build tsan tessera_thread_tests
 step "Thread sanitizer: tests"
-"${fixed[@]}" ctest --preset tsan --parallel "$jobs" --no-tests=error
+"${fixed[@]}" ctest --preset tsan --parallel "$jobs" --no-tests=error --label-regex unit
 
 step "Headers alone, and clang-tidy"
 if [ "$1" = --nightly ]; then export TESSERA_TIDY=everything; fi
