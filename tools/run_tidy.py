@@ -4,8 +4,8 @@ passed is not checked again until it, a header that it includes, its compile com
 
 Usage: run_tidy.py BUILD_DIR [FILE]...
 
-The change is everything since TESSERA_BASE (a commit); without it, since the branch left origin/main; without that, the last
-commit. Uncommitted work is part of it. TESSERA_TIDY=everything checks all sources, which takes a quarter of an hour.
+The change is everything since TESSERA_BASE (a commit, such as origin/main); without it, the last commit. Uncommitted work is part
+of it. TESSERA_TIDY=everything checks all sources, which takes a quarter of an hour.
 CLANG_TIDY is the program to run (clang-tidy-19), TIDY_JOBS the number of processes."""
 
 import concurrent.futures
@@ -27,14 +27,11 @@ def changed_files(base):
     def lines(*arguments):
         return (project.git(base, *arguments) or "").splitlines()
 
-    head = lines("rev-parse", "HEAD")
-    if not head:
+    start = "".join(lines("rev-parse", "--verify", "--quiet", os.environ.get("TESSERA_BASE", "HEAD~1")))
+    if not start:
         return None
-    start = os.environ.get("TESSERA_BASE") or "".join(lines("merge-base", "HEAD", "origin/main"))
-    if not start or start == head[0]:
-        start = "".join(lines("rev-parse", "--verify", "--quiet", "HEAD~1"))
     uncommitted = lines("diff", "--name-only", "HEAD") + lines("ls-files", "--others", "--exclude-standard")
-    committed = lines("log", "--format=", "--name-only", f"{start}..HEAD" if start else "HEAD")
+    committed = lines("log", "--format=", "--name-only", f"{start}..HEAD")
     return list(dict.fromkeys(uncommitted + committed))
 
 
@@ -61,7 +58,7 @@ def main():
     if not asked and os.environ.get("TESSERA_TIDY") != "everything":
         change = changed_files(base)
         if change is None:
-            print("without git the change is unknown; TESSERA_TIDY=everything checks all sources")
+            print("without git, or with one commit only, the change is unknown; TESSERA_TIDY=everything checks all sources")
             return SKIPPED
         names = touched(base, names, change)
         if not names:
