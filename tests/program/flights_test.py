@@ -28,7 +28,7 @@ class Flights(Values):
         done = subprocess.run([program.PROGRAM, 'check', FOLDER / 'flights.xml', '--db', self.path], capture_output=True, text=True)
         self.assertEqual((done.returncode, done.stdout), (1, ''))
         self.assertEqual(len(done.stderr.splitlines()), 1, done.stderr)
-        self.assertIn('error: cycle inside group "Pacific": Pacific.CA -> SEA -> Pacific.CA', done.stderr)
+        self.assertIn('form a cycle inside group "Pacific": Pacific.CA -> SEA -> Pacific.CA', done.stderr)
 
 
 if __name__ == '__main__':
