@@ -18,6 +18,10 @@ namespace {
 using basekit2::error_code_t;
 using basekit2::variant_bag_t;
 
+// How often a request that waits for another one looks at its token. No signal could wake it: tokens are
+// cancelled in signal handlers, too, which may not notify.
+constexpr std::chrono::milliseconds waitStep{20};
+
 log4cplus::Logger logger() {
     return log4cplus::Logger::getInstance("tessera.host");
 }
@@ -108,7 +112,11 @@ Pane::~Pane() = default;
 
 error_code_t Pane::request(const std::string& name, const variant_bag_t& in, variant_bag_t& out,
                            const RequestOptions& options) {
-    const std::scoped_lock lock(m_requestMutex);
+    std::unique_lock lock(m_requestMutex, std::defer_lock);
+    while (!lock.try_lock_for(waitStep))
+        if (options.cancel.isCancelled())
+            return error_code_t::raise(bk2::error::Cancelled(_U("Cancelled while another request ran")),
+                                       __func__, "host/pane/pane", __LINE__);
     applyFilters();
     const Messages::Target target(*m_messages, options.messages);
     const SnapshotHold hold(*m_source);
@@ -127,7 +135,9 @@ void Pane::setFilters(Filters filters) {
 
 void Pane::applyFilters() {
     const std::scoped_lock lock(m_filterMutex);
-    if (m_nextFilters) m_inputData->setFilters(*std::exchange(m_nextFilters, std::nullopt));
+    if (!m_nextFilters) return;
+    m_inputData->setFilters(*std::move(m_nextFilters));
+    m_nextFilters.reset();
 }
 
 }  // namespace tessera_host

@@ -30,7 +30,8 @@ struct RequestOptions {
 };
 
 // Made cheaply, any number of times from one viewpoint and one result; panes that share them may run requests
-// on several threads at once. The requests of one pane wait for each other.
+// on several threads at once. The requests of one pane run one at a time: a further one waits, until its turn
+// or until its own token is cancelled.
 //
 // The diagram belongs to the pane: "create" reads the viewpoint and lays it out once, "refresh" fetches the
 // values again and "changeDisplayMode" changes what is shown. Labels of links keep the values of their first
@@ -49,7 +50,8 @@ class Pane {
     // Sends a request to the handler: "create", "refresh" or "changeDisplayMode". All its queries see the
     // database as it is at one moment; a request without queries waits for no lock. `out` gets what the
     // handler writes. The code is the handler's: FailedTo for an unknown name, Cancelled when the token was
-    // cancelled. A query that fails is reported to `options.messages` and leaves the earlier values in place.
+    // cancelled, also while the request waited for another one; `out` is untouched then. A query that fails is
+    // reported to `options.messages` and leaves the earlier values in place.
     // Any thread; never called from within a request of the same pane, or from a watcher.
     [[nodiscard]] basekit2::error_code_t request(const std::string& name, const basekit2::variant_bag_t& in,
                                                  basekit2::variant_bag_t& out, const RequestOptions& options);
@@ -68,8 +70,8 @@ class Pane {
     const std::unique_ptr<Messages> m_messages;
     const basekit2::sptr_t<InputData> m_inputData;
     const std::shared_ptr<panelcore_1::IRequestHandler> m_handler;
-    std::mutex m_requestMutex;  // one request at a time
-    std::mutex m_filterMutex;   // of the next member
+    std::timed_mutex m_requestMutex;  // one request at a time
+    std::mutex m_filterMutex;         // of the next member
     std::optional<Filters> m_nextFilters;
 };
 

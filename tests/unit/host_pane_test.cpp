@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <future>
 #include <thread>
 
 #include "host/engine/declaration_check.h"
@@ -160,10 +161,37 @@ TEST_F(PaneTest, ARequestIsCancelledByItsToken) {
     EXPECT_TRUE(pane.request("create", {}, out, {before.token(), nullptr}).is(bk2::error::Cancelled));
 }
 
+// The first request runs until the test cancels it, so only its own token can end the second one.
+TEST_F(PaneTest, ARequestThatWaitsForAnotherIsCancelledByItsToken) {
+    using namespace std::chrono_literals;
+    Pane pane(read(R"(<node id="c"><rowSet><queryRef>/Endless</queryRef></rowSet></node>)"), store, {});
+    CancelSource firstSource;
+    CancelSource secondSource;
+    std::thread first([&] {
+        variant_bag_t out;
+        EXPECT_TRUE(
+            pane.request("create", {}, out, {firstSource.token(), nullptr}).is(bk2::error::Cancelled));
+    });
+    while (store->single < 4)
+        std::this_thread::yield();
+    auto second = std::async(std::launch::async, [&] {
+        variant_bag_t out;
+        const auto code = pane.request("refresh", {}, out, {secondSource.token(), nullptr});
+        return code.is(bk2::error::Cancelled) && out.is_empty();
+    });
+    EXPECT_EQ(second.wait_for(50ms), std::future_status::timeout);
+    secondSource.cancel();
+    EXPECT_EQ(second.wait_for(30s), std::future_status::ready);
+    firstSource.cancel();
+    first.join();
+    EXPECT_TRUE(second.get());
+}
+
 TEST_F(PaneTest, ManyPanesShareAViewpointAndAResultOnSeveralThreads) {
     const auto viewpoint = read();
     constexpr int threadCount = 4;
     std::vector<std::thread> threads;
+    threads.reserve(threadCount);
     std::vector<std::string> texts(threadCount);
     for (int i = 0; i < threadCount; ++i)
         threads.emplace_back([&, i] {
