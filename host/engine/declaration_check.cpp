@@ -15,10 +15,10 @@ std::vector<Problem> collect(const Declarations& declarations, const Filters& fi
     FilterList acceptable;
     for (const auto& [name, filter] : filters) {
         NamedFilter named{name, filter.predicate};
-        if (auto text = checkFilter(named))
-            problems.push_back({filter.position, std::move(*text)});
-        else
+        if (auto checked = checkFilter(named))
             acceptable.push_back(std::move(named));
+        else
+            problems.push_back({filter.position, std::move(checked).error().text});
     }
     for (const QueryDeclaration& query : declarations.queries()) {
         if (cancel.isCancelled()) break;

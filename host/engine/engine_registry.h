@@ -4,7 +4,6 @@
 #include <chrono>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -33,9 +32,9 @@ struct Engine {
     std::function<Expected<std::shared_ptr<IResult>>(const std::string& address, const OpenOptions& options,
                                                      const CancelToken& cancel)>
         open;
-    // What the engine's SQL says without a database, as clauses for people: problems of a filter wherever it
-    // is applied, and of the texts of a selection. Never empty.
-    std::function<std::optional<std::string>(const NamedFilter&)> checkFilterText;
+    // What the engine's SQL rejects without a database, as clauses for people: a filter that cannot stand in
+    // any statement is an error, and a selection has a list of problems. Neither function is empty.
+    std::function<Expected<void>(const NamedFilter&)> checkFilterText;
     std::function<std::vector<std::string>(const Selection&)> checkText;
 };
 

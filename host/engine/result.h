@@ -81,8 +81,9 @@ class ISnapshot {
     [[nodiscard]] virtual Expected<std::vector<std::optional<CellValue>>> answerTogether(
         std::span<const Question> questions, std::uint64_t maxWork, const RunOptions& options) = 0;
 
-    // Why the filter cannot stand in any statement, as a clause for people; none when it can.
-    [[nodiscard]] virtual std::optional<std::string> checkFilter(const NamedFilter& filter) = 0;
+    // An error when the filter cannot stand in any statement, whatever the table; its text is a clause for
+    // people that names the filter. Nothing is run.
+    [[nodiscard]] virtual Expected<void> checkFilter(const NamedFilter& filter) = 0;
     // Everything that the engine rejects in the selection, as clauses for people; nothing is run. REQUIRES:
     // checkFilter() accepts each of its filters.
     [[nodiscard]] virtual std::vector<std::string> check(const Selection& selection) = 0;

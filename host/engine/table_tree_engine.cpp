@@ -40,7 +40,7 @@ class TableTreeEngine final : public basekit2::ref_counted_t<slicekit_1_0::ITabl
                      bool wait, sptr_t<qlib_1::ITableTree>& tree) override;
 
   private:
-    [[nodiscard]] std::string formProblem(const slicekit_1_0::table_tree_request_t& request);
+    [[nodiscard]] Expected<void> accept(const slicekit_1_0::table_tree_request_t& request);
     [[nodiscard]] error_code_t fillCells(const slicekit_1_0::table_tree_request_t& request,
                                          const RunPlace& place, std::vector<std::string>& cells);
     [[nodiscard]] error_code_t fail(const std::string& text, basekit2::source_position_t position,
@@ -61,7 +61,7 @@ error_code_t TableTreeEngine::run(const slicekit_1_0::table_tree_request_t& requ
                                   relay2::IProgress* progress, bool, sptr_t<qlib_1::ITableTree>& tree) {
     if (progress && progress->isCancelled())
         return raise(bk2::error::Cancelled, "the request was cancelled", __LINE__);
-    if (const std::string problem = formProblem(request); !problem.empty()) return fail(problem, {}, true);
+    if (const auto accepted = accept(request); !accepted) return fail(accepted.error().text, {}, true);
 
     const RunOptions options{tokenOf(progress), m_limits};
     const SnapshotUse use(*m_source, options);
@@ -73,16 +73,17 @@ error_code_t TableTreeEngine::run(const slicekit_1_0::table_tree_request_t& requ
     return {};
 }
 
-// Why this engine cannot run the request; "" when it can. The filters are then those of the request.
-std::string TableTreeEngine::formProblem(const slicekit_1_0::table_tree_request_t& request) {
-    if (request.columns.is_null()) return "the query has no columns";
+// Takes over the filters of the request. An error says why this engine cannot run it.
+Expected<void> TableTreeEngine::accept(const slicekit_1_0::table_tree_request_t& request) {
+    const auto refused = [](std::string text) { return Error{ErrorKind::failed, std::move(text)}; };
+    if (request.columns.is_null()) return refused("the query has no columns");
     if (request.rowGrouping.is_null() || request.rowGrouping->size() != 1 ||
         !isRootGrouping(request.rowGrouping->at(0)))
-        return "the rows of a query can only be grouped by the single \"RootGrouping\"";
+        return refused("the rows of a query can only be grouped by the single \"RootGrouping\"");
     FilterList filters;
     for (const std::string& name : request.filters) {
         auto predicate = m_filters->predicateOf(name);
-        if (!predicate) return "there is no filter " + quoted(name);
+        if (!predicate) return refused("there is no filter " + quoted(name));
         filters.push_back({name, std::move(*predicate)});
     }
     m_runner.setFilters(std::move(filters));

@@ -44,16 +44,18 @@ class Snapshot final : public ISnapshot {
         std::vector<std::optional<CellValue>> values(questions.size());
         for (std::size_t i = 0; i < questions.size(); ++i) {
             auto value = valueOf(questions[i], options);
-            if (value) values[i] = *std::move(value);
-            if (!value && value.error().isCancelled()) return std::move(value).error();
+            if (value)
+                values[i] = *std::move(value);
+            else if (value.error().isCancelled())
+                return std::move(value).error();
         }
         return values;
     }
 
-    std::optional<std::string> checkFilter(const NamedFilter& filter) override {
+    Expected<void> checkFilter(const NamedFilter& filter) override {
         const auto words = wordsOf(filter.predicate);
-        if (words.size() == 3 && words[1] == "=") return std::nullopt;
-        return "filter \"" + filter.name + "\" is not \"COLUMN = NUMBER\"";
+        if (words.size() == 3 && words[1] == "=") return {};
+        return failed("filter \"" + filter.name + "\" is not \"COLUMN = NUMBER\"");
     }
 
     std::vector<std::string> check(const Selection& selection) override {
@@ -159,7 +161,7 @@ Engine memoryEngine(std::shared_ptr<MemoryResultStore> store) {
                           const CancelToken&) -> Expected<std::shared_ptr<IResult>> {
         return std::shared_ptr<IResult>(store);
     };
-    engine.checkFilterText = [](const NamedFilter&) -> std::optional<std::string> { return std::nullopt; };
+    engine.checkFilterText = [](const NamedFilter&) { return Expected<void>(); };
     engine.checkText = [](const Selection&) { return std::vector<std::string>(); };
     return engine;
 }

@@ -128,8 +128,10 @@ TEST_F(SqliteCancel, CountingRowsCanBeStopped) {
     auto explain = connection.prepare(sql, false);
     ASSERT_TRUE(explain) << explain.error().text;
     StatementRun run(connection, *explain, {});
-    while (run.step() == StatementRun::Step::row)
+    auto hasRow = run.step();
+    for (; hasRow && *hasRow; hasRow = run.step())
         EXPECT_NE(run.columnText(1), "Count");
+    EXPECT_TRUE(hasRow) << hasRow.error().text;
 }
 
 }  // namespace

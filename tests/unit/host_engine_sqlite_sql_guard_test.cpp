@@ -8,14 +8,20 @@ namespace tessera_host {
 namespace {
 
 std::string reasonOf(std::string_view sql) {
-    const auto defect = scanSql(sql).defect;
-    return defect ? defect->reason : "";
+    const auto fragment = scanSql(sql);
+    return fragment ? "" : fragment.error().text;
 }
 
 std::size_t offsetOf(std::string_view sql) {
-    const auto defect = scanSql(sql).defect;
-    EXPECT_TRUE(defect) << sql;
-    return defect ? defect->offset : std::string_view::npos;
+    const auto fragment = scanSql(sql);
+    EXPECT_FALSE(fragment) << sql;
+    return fragment ? std::string_view::npos : fragment.error().position.column - 1;
+}
+
+bool hasWith(std::string_view sql) {
+    const auto fragment = scanSql(sql);
+    EXPECT_TRUE(fragment) << sql;
+    return fragment && fragment->hasWith;
 }
 
 TEST(SqlGuard, LetsSelfContainedFragmentsPass) {
@@ -65,12 +71,12 @@ TEST(SqlGuard, FindsEmptyFragments) {
 }
 
 TEST(SqlGuard, NoticesTheWordWith) {
-    EXPECT_TRUE(scanSql("(WITH c AS (SELECT 1) SELECT * FROM c)").hasWith);
-    EXPECT_TRUE(scanSql("1+with").hasWith);
-    EXPECT_TRUE(scanSql("wItH").hasWith);
+    EXPECT_TRUE(hasWith("(WITH c AS (SELECT 1) SELECT * FROM c)"));
+    EXPECT_TRUE(hasWith("1+with"));
+    EXPECT_TRUE(hasWith("wItH"));
     for (const char* sql :
          {"'with'", "\"with\"", "width", "with1", "a_with", "1 -- with", "/* with */ 1", "wit"})
-        EXPECT_FALSE(scanSql(sql).hasWith) << sql;
+        EXPECT_FALSE(hasWith(sql)) << sql;
 }
 
 TEST(SqlGuard, TakesLinearTime) {

@@ -56,8 +56,7 @@ std::string secondsText(std::chrono::milliseconds time) {
 Expected<std::unique_ptr<Connection>> Connection::open(const std::string& path,
                                                        std::chrono::milliseconds lockWait,
                                                        const RunOptions& options) {
-    if (std::string problem = databaseFileProblem(path); !problem.empty())
-        return Error{ErrorKind::cannotOpen, std::move(problem)};
+    if (auto checked = checkDatabaseFile(path); !checked) return std::move(checked).error();
     std::unique_ptr<Connection> connection(new Connection(lockWait));
     auto started = connection->start(path, Access::locked, options);
     if (!started && connection->isLost() && isSettledInClosedFolder(path)) {

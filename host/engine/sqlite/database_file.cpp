@@ -13,12 +13,17 @@
 #include <memory>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "host/document/text.h"
 
 namespace tessera_host {
 namespace {
+
+Error cannotOpen(std::string text) {
+    return {ErrorKind::cannotOpen, std::move(text)};
+}
 
 std::string systemText(int error) {
     return oneLine(std::generic_category().message(error));
@@ -38,7 +43,7 @@ bool hasSqliteHeader(const std::string& path) {
     using namespace std::string_view_literals;
     constexpr std::string_view header = "SQLite format 3\0"sv;
     sqlite3_vfs* files = sqlite3_vfs_find(nullptr);
-    if (files == nullptr || !databaseFileProblem(path).empty()) return false;
+    if (files == nullptr || !checkDatabaseFile(path)) return false;
     struct FreeName {
         void operator()(const char* name) const { sqlite3_free_filename(const_cast<char*>(name)); }
     };
@@ -69,20 +74,20 @@ bool isSettledInClosedFolder(const std::string& path) {
     return true;
 }
 
-// SQLite would answer one and the same for most of these, and would wait for a pipe's writer for ever.
-std::string databaseFileProblem(const std::string& path) {
+// SQLite has one message for most of these, and would wait for the writer of a pipe for ever.
+Expected<void> checkDatabaseFile(const std::string& path) {
     if (path.empty() || path.find('\0') != std::string::npos)
-        return tessera_host::quoted(path) + " is not the name of a file";
+        return cannotOpen(tessera_host::quoted(path) + " is not the name of a file");
     struct stat status {};
     if (stat(path.c_str(), &status) != 0) {
-        if (errno == ENOENT || errno == ENOTDIR) return "there is no such file";
-        return "it cannot be opened (" + systemText(errno) + ")";
+        if (errno == ENOENT || errno == ENOTDIR) return cannotOpen("there is no such file");
+        return cannotOpen("it cannot be opened (" + systemText(errno) + ")");
     }
-    if (S_ISDIR(status.st_mode)) return "it is a directory";
-    if (!S_ISREG(status.st_mode)) return "it is not a regular file";
+    if (S_ISDIR(status.st_mode)) return cannotOpen("it is a directory");
+    if (!S_ISREG(status.st_mode)) return cannotOpen("it is not a regular file");
     if (faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0)
-        return "it may not be read (" + systemText(errno) + ")";
-    if (status.st_size == 0) return "it is empty";
+        return cannotOpen("it may not be read (" + systemText(errno) + ")");
+    if (status.st_size == 0) return cannotOpen("it is empty");
     return {};
 }
 

@@ -8,6 +8,8 @@
 #include <optional>
 #include <string>
 
+#include "host/error.h"
+
 namespace tessera_host {
 
 // Changes when the file is written to or another one takes its place.
@@ -23,8 +25,9 @@ struct FileState {
 // None when there is no such file.
 [[nodiscard]] std::optional<FileState> fileStateOf(const std::string& path);
 
-// Why the file cannot be a database that may be read, as a clause; "" when it can.
-[[nodiscard]] std::string databaseFileProblem(const std::string& path);
+// An error of kind cannotOpen when the file cannot be a database that may be read; its text is a clause that
+// does not name the file. Does not open it.
+[[nodiscard]] Expected<void> checkDatabaseFile(const std::string& path);
 
 // Whether the file begins as SQLite's files do. False for what cannot be read.
 [[nodiscard]] bool hasSqliteHeader(const std::string& path);

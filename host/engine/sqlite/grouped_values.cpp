@@ -48,14 +48,14 @@ Expected<GroupedValues> GroupedValues::load(Connection& connection, const Select
     for (const Question& question : questions)
         values.m_groups.try_emplace(keyTextOf(*question.keys));
     StatementRun run(connection, *statement, limits);
-    StatementRun::Step step = StatementRun::Step::row;
-    while ((step = run.step()) == StatementRun::Step::row)
-        values.keep(run, selection.keys.size());
-    if (step == StatementRun::Step::failed) return run.error();
+    auto hasRow = run.step();
+    for (; hasRow && *hasRow; hasRow = run.step())
+        values.insertRow(run, selection.keys.size());
+    if (!hasRow) return std::move(hasRow).error();
     return values;
 }
 
-void GroupedValues::keep(const StatementRun& run, std::size_t keyCount) {
+void GroupedValues::insertRow(const StatementRun& run, std::size_t keyCount) {
     KeyText key;
     const int count = static_cast<int>(keyCount);
     for (int column = 0; column < count; ++column)

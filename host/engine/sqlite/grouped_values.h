@@ -39,7 +39,7 @@ class GroupedValues {
         CellValue value;
     };
 
-    void keep(const StatementRun& run, std::size_t keyCount);
+    void insertRow(const StatementRun& run, std::size_t keyCount);
 
     std::unordered_map<KeyText, Group> m_groups;  // of all questions, also without rows
 };

@@ -28,10 +28,11 @@ void bindKeys(StatementRun& run, const KeyValues& keys, KeyMatch match) {
     }
 }
 
-// An aggregate has one row, always.
+// An aggregate always has one row.
 Expected<CellValue> valueOf(StatementRun& run) {
-    if (run.step() == StatementRun::Step::row) return run.columnValue(0);
-    return run.error();
+    auto hasRow = run.step();
+    if (!hasRow) return std::move(hasRow).error();
+    return run.columnValue(0);
 }
 
 }  // namespace
@@ -41,36 +42,31 @@ void PreparedSelection::dropStatements() {
     m_number = {};
 }
 
-Expected<void> PreparedSelection::requireAcceptable(Connection& connection) {
-    if (!m_isAcceptable && !m_defect) m_defect = findDefect(connection);
-    if (m_defect) return *m_defect;
-    m_isAcceptable = true;
-    return {};
+// Whether the selection has a value, whatever the rows.
+const Expected<void>& PreparedSelection::acceptance(Connection& connection) {
+    if (!m_acceptance) m_acceptance = prepareText(connection);
+    return *m_acceptance;
 }
 
-// Why the selection has no value, whatever the rows; the first of all reasons, since one is reported.
-std::optional<Error> PreparedSelection::findDefect(Connection& connection) {
-    std::vector<std::string> problems = fragmentProblems(m_selection);
+// Of several problems the first is the error, since one is reported.
+Expected<void> PreparedSelection::prepareText(Connection& connection) {
+    const auto fragments = fragmentProblems(m_selection);
+    if (!fragments.empty()) return Error{ErrorKind::failed, fragments.front()};
     for (const NamedFilter& filter : m_selection.filters)
-        if (auto problem = filterTextProblem(filter)) problems.push_back(std::move(*problem));
-    if (problems.empty()) {
-        auto prepared = connection.prepare(singleSql(m_selection, KeyMatch::text), mayRecurse(m_selection));
-        if (!prepared) {
-            problems = databaseProblems(connection, m_selection);
-            if (problems.empty()) problems.push_back(prepared.error().text);
-        } else if (auto problem = aggregateProblem(connection, m_selection)) {
-            problems.push_back(*problem);
-        } else {
-            m_text = *std::move(prepared);
-        }
+        if (auto checked = checkFilterText(filter); !checked) return checked;
+    auto prepared = connection.prepare(singleSql(m_selection, KeyMatch::text), mayRecurse(m_selection));
+    if (!prepared) {
+        const auto problems = databaseProblems(connection, m_selection);
+        return Error{ErrorKind::failed, problems.empty() ? prepared.error().text : problems.front()};
     }
-    if (problems.empty()) return std::nullopt;
-    return Error{ErrorKind::failed, problems.front()};
+    if (auto checked = checkAggregate(connection, m_selection); !checked) return checked;
+    m_text = *std::move(prepared);
+    return {};
 }
 
 Expected<Answer> PreparedSelection::answer(Connection& connection, const KeyValues& keys,
                                            const RunOptions& options) {
-    if (auto acceptable = requireAcceptable(connection); !acceptable) return std::move(acceptable).error();
+    if (const auto& accepted = acceptance(connection); !accepted) return accepted.error();
     const KeyMatch match = matchOf(keys);
     Statement& statement = match == KeyMatch::text ? m_text : m_number;
     if (!statement) {
@@ -94,7 +90,7 @@ Expected<void> PreparedSelection::answerTogether(Connection& connection, std::sp
                                                  const RunLimits& limits,
                                                  std::span<std::optional<CellValue>> values) {
     if (m_selection.keys.empty()) return {};
-    if (!requireAcceptable(connection) || !mayGroup(connection, limits.options)) return {};
+    if (!acceptance(connection) || !mayGroup(connection, limits.options)) return {};
     auto groups = GroupedValues::load(connection, m_selection, questions, limits);
     if (!groups) {
         if (groups.error().isCancelled()) return std::move(groups).error();
@@ -128,7 +124,7 @@ Expected<CellValue> PreparedSelection::valueOverNoRows(Connection& connection,
 
 Expected<std::vector<StatementPlan>> PreparedSelection::explain(Connection& connection, std::size_t questions,
                                                                 const RunOptions& options) {
-    if (auto acceptable = requireAcceptable(connection); !acceptable) return std::move(acceptable).error();
+    if (const auto& accepted = acceptance(connection); !accepted) return accepted.error();
     std::vector<StatementPlan> plans;
     const auto add = [&](StatementPlan::Method method, std::string sql) -> Expected<void> {
         auto plan = queryPlan(connection, sql, mayRecurse(m_selection), options);

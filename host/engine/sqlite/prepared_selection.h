@@ -32,14 +32,16 @@ class PreparedSelection {
                                                                const RunOptions& options);
 
     // A selection that was not acceptable is looked at again in the next snapshot.
-    void startSnapshot() { m_defect.reset(); }
+    void startSnapshot() {
+        if (isRejected()) m_acceptance.reset();
+    }
     [[nodiscard]] bool hasStatements() const noexcept { return m_text || m_number; }
-    [[nodiscard]] bool isRejected() const noexcept { return m_defect.has_value(); }
+    [[nodiscard]] bool isRejected() const noexcept { return m_acceptance && !*m_acceptance; }
     void dropStatements();
 
   private:
-    [[nodiscard]] Expected<void> requireAcceptable(Connection& connection);
-    [[nodiscard]] std::optional<Error> findDefect(Connection& connection);
+    [[nodiscard]] const Expected<void>& acceptance(Connection& connection);
+    [[nodiscard]] Expected<void> prepareText(Connection& connection);
     [[nodiscard]] bool mayGroup(Connection& connection, const RunOptions& options);
     [[nodiscard]] Expected<CellValue> valueOverNoRows(Connection& connection,
                                                       const RunOptions& options) const;
@@ -47,9 +49,9 @@ class PreparedSelection {
     const Selection& m_selection;
     Statement m_text;    // KeyMatch::text
     Statement m_number;  // KeyMatch::number
-    bool m_isAcceptable = false;
     std::optional<bool> m_mayGroup;
-    std::optional<Error> m_defect;  // of the present snapshot
+    std::optional<Expected<void>>
+        m_acceptance;  // none before the first question; an error is kept for a snapshot
 };
 
 }  // namespace tessera_host

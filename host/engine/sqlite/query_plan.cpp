@@ -40,10 +40,10 @@ Expected<std::vector<std::string>> queryPlan(Connection& connection, const std::
     if (!explain) return std::move(explain).error();
     StatementRun run(connection, *explain, {options});
     std::vector<std::string> lines;
-    StatementRun::Step step = StatementRun::Step::row;
-    while ((step = run.step()) == StatementRun::Step::row)
+    auto hasRow = run.step();
+    for (; hasRow && *hasRow; hasRow = run.step())
         lines.emplace_back(run.columnText(detailColumn));
-    if (step == StatementRun::Step::failed) return run.error();
+    if (!hasRow) return std::move(hasRow).error();
     return lines;
 }
 

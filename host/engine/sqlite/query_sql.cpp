@@ -13,6 +13,12 @@ std::string enclosed(std::string_view fragment) {
     return std::string("(\n").append(fragment).append("\n)");
 }
 
+// False for a text that scanSql() rejects: that is never put into a statement.
+bool hasWith(std::string_view sql) {
+    const auto fragment = scanSql(sql);
+    return fragment && fragment->hasWith;
+}
+
 std::string parameter(std::size_t number) {
     return "?" + std::to_string(number);
 }
@@ -102,9 +108,9 @@ std::string havingSql(const Selection& selection) {
 }
 
 bool mayRecurse(const Selection& selection) {
-    return !scanSql(selection.expression).hasWith && !scanSql(selection.where).hasWith &&
+    return !hasWith(selection.expression) && !hasWith(selection.where) &&
            std::none_of(selection.filters.begin(), selection.filters.end(),
-                        [](const NamedFilter& filter) { return scanSql(filter.predicate).hasWith; });
+                        [](const NamedFilter& filter) { return hasWith(filter.predicate); });
 }
 
 }  // namespace tessera_host

@@ -16,7 +16,7 @@ enum class KeyMatch {
 
 [[nodiscard]] std::string quoteName(std::string_view name);
 
-// All of these REQUIRE fragments that scanSql() finds no defect in.
+// All of these REQUIRE fragments that scanSql() accepts.
 //
 // The second column of a single value keeps SQLite from counting rows in one go, which could not be stopped.
 

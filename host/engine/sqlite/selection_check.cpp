@@ -1,5 +1,8 @@
 #include "host/engine/sqlite/selection_check.h"
 
+#include <string_view>
+#include <utility>
+
 #include "host/document/text.h"
 #include "host/engine/sqlite/sql_guard.h"
 
@@ -9,77 +12,85 @@ namespace {
 constexpr const char* expressionSubject = "the expression";
 constexpr const char* whereSubject = "the condition (\"where\")";
 
-// What the database says to `sql`; "" when it accepts it.
-std::string rejection(Connection& connection, const std::string& sql, bool recursion) {
-    const auto statement = connection.prepare(sql, recursion);
-    return statement ? std::string() : statement.error().text;
-}
-
-}  // namespace
-
 std::string filterSubject(const std::string& name) {
     return "filter " + quoted(name);
 }
 
-std::optional<std::string> fragmentProblem(std::string_view subject, std::string_view sql) {
-    const auto defect = scanSql(sql).defect;
-    if (!defect) return std::nullopt;
-    std::string text = std::string(subject).append(" ").append(defect->reason);
-    if (!isBlank(sql)) text += " (at character " + std::to_string(defect->offset + 1) + ")";
-    return text;
+// The error is "SUBJECT has a ... (at character N)".
+Expected<void> checkFragment(std::string_view subject, std::string_view sql) {
+    const auto fragment = scanSql(sql);
+    if (fragment) return {};
+    std::string text = std::string(subject).append(" ").append(fragment.error().text);
+    if (!isBlank(sql)) text += " (at character " + std::to_string(fragment.error().position.column) + ")";
+    return Error{ErrorKind::failed, std::move(text)};
 }
 
-std::optional<std::string> filterTextProblem(const NamedFilter& filter) {
-    return fragmentProblem(filterSubject(filter.name), filter.predicate);
+// What the database says to `sql`.
+Expected<void> tryPrepare(Connection& connection, const std::string& sql, bool recursion) {
+    auto statement = connection.prepare(sql, recursion);
+    if (!statement) return std::move(statement).error();
+    return {};
+}
+
+Error notAnAggregate(const std::string& reason) {
+    return {ErrorKind::failed, "the expression is not an aggregate expression: " + reason};
+}
+
+}  // namespace
+
+Expected<void> checkFilterText(const NamedFilter& filter) {
+    return checkFragment(filterSubject(filter.name), filter.predicate);
 }
 
 std::vector<std::string> fragmentProblems(const Selection& selection) {
     std::vector<std::string> problems;
     if (selection.from.empty()) problems.emplace_back("it names no table (\"from\")");
-    if (auto problem = fragmentProblem(expressionSubject, selection.expression))
-        problems.push_back(std::move(*problem));
+    if (auto checked = checkFragment(expressionSubject, selection.expression); !checked)
+        problems.push_back(std::move(checked).error().text);
     if (selection.where.empty()) return problems;
-    if (auto problem = fragmentProblem(whereSubject, selection.where))
-        problems.push_back(std::move(*problem));
+    if (auto checked = checkFragment(whereSubject, selection.where); !checked)
+        problems.push_back(std::move(checked).error().text);
     return problems;
 }
 
 // Where only values of single rows may stand, SQLite takes neither an aggregate nor a window function; where
 // values of groups may stand, it takes the first only.
-std::optional<std::string> aggregateProblem(Connection& connection, const Selection& selection) {
+Expected<void> checkAggregate(Connection& connection, const Selection& selection) {
     const bool recursion = mayRecurse(selection);
-    if (rejection(connection, predicateSql(selection, selection.expression), recursion).empty())
-        return "the expression is not an aggregate expression: it has a value for every row, not one for all";
-    const std::string windowProblem = rejection(connection, havingSql(selection), recursion);
-    if (windowProblem.empty()) return std::nullopt;
-    return "the expression is not an aggregate expression: " + windowProblem;
+    if (tryPrepare(connection, predicateSql(selection, selection.expression), recursion))
+        return notAnAggregate("it has a value for every row, not one for all");
+    const auto asCondition = tryPrepare(connection, havingSql(selection), recursion);
+    if (!asCondition) return notAnAggregate(asCondition.error().text);
+    return {};
 }
 
 std::vector<std::string> databaseProblems(Connection& connection, const Selection& selection) {
     if (selection.from.empty()) return {};
     const bool recursion = mayRecurse(selection);
-    const std::string tableProblem = rejection(connection, columnSql(selection, "1"), recursion);
-    if (!tableProblem.empty()) return {tableProblem};
+    if (auto table = tryPrepare(connection, columnSql(selection, "1"), recursion); !table)
+        return {std::move(table).error().text};
 
     std::vector<std::string> problems;
-    const auto add = [&](const std::string& subject, const std::string& sql) {
-        const std::string problem = rejection(connection, sql, recursion);
-        if (!problem.empty()) problems.push_back(subject.empty() ? problem : subject + ": " + problem);
-        return problem.empty();
+    // `subject` is "" for a part that needs no name.
+    const auto accepts = [&](const std::string& subject, const std::string& sql) {
+        const auto prepared = tryPrepare(connection, sql, recursion);
+        if (!prepared) problems.push_back((subject.empty() ? "" : subject + ": ") + prepared.error().text);
+        return prepared.hasValue();
     };
-    const bool hasSoundWhere = selection.where.empty() || !scanSql(selection.where).defect;
-    const bool hasSoundExpression = !scanSql(selection.expression).defect;
+    const bool hasSoundWhere = selection.where.empty() || scanSql(selection.where);
+    const bool hasSoundExpression = scanSql(selection.expression).hasValue();
     for (const std::string& key : selection.keys)
-        add("key " + quoted(key), columnSql(selection, quoteName(key)));
+        accepts("key " + quoted(key), columnSql(selection, quoteName(key)));
     if (hasSoundWhere && !selection.where.empty())
-        add(whereSubject, predicateSql(selection, selection.where));
+        accepts(whereSubject, predicateSql(selection, selection.where));
     for (const NamedFilter& filter : selection.filters)
-        add(filterSubject(filter.name), predicateSql(selection, filter.predicate));
-    if (hasSoundExpression && add("", columnSql(selection, "(\n" + selection.expression + "\n)")))
-        if (auto problem = aggregateProblem(connection, selection)) problems.push_back(std::move(*problem));
-    // The parts are right one by one; together they may still be too much.
+        accepts(filterSubject(filter.name), predicateSql(selection, filter.predicate));
+    if (hasSoundExpression && accepts("", columnSql(selection, "(\n" + selection.expression + "\n)")))
+        if (auto checked = checkAggregate(connection, selection); !checked)
+            problems.push_back(std::move(checked).error().text);
+    // The parts are right one by one; all of them may still be too much for one statement.
     if (problems.empty() && hasSoundWhere && hasSoundExpression)
-        add("", singleSql(selection, KeyMatch::number));
+        accepts("", singleSql(selection, KeyMatch::number));
     return problems;
 }
 

@@ -1,9 +1,7 @@
 // What is wrong with a selection, found without running it.
 #pragma once
 
-#include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "host/engine/sqlite/connection.h"
@@ -11,22 +9,20 @@
 
 namespace tessera_host {
 
-// Why `sql` cannot stand where a fragment stands, as "SUBJECT has a ... (at character N)"; none when it can.
-[[nodiscard]] std::optional<std::string> fragmentProblem(std::string_view subject, std::string_view sql);
-// The subject under which a filter is spoken of.
-[[nodiscard]] std::string filterSubject(const std::string& name);
+// Texts are clauses for people: `filter "selection" has a ";" (at character 7)`.
 
-// Why the filter cannot stand in a statement, whatever the table; none when it can.
-[[nodiscard]] std::optional<std::string> filterTextProblem(const NamedFilter& filter);
+// An error when the filter cannot stand in a statement, whatever the table. Uses no database.
+[[nodiscard]] Expected<void> checkFilterText(const NamedFilter& filter);
 
-// The fragments of the query that cannot be put into SQL, as clauses for people. The database is not asked.
+// The fragments of the selection that cannot be put into SQL. Its filters are not among them. Uses no database.
 [[nodiscard]] std::vector<std::string> fragmentProblems(const Selection& selection);
 
-// Why the expression has not one value for all rows; none when it has. REQUIRES: the query could be prepared.
-[[nodiscard]] std::optional<std::string> aggregateProblem(Connection& connection, const Selection& selection);
+// An error when the expression has a value for each row and not one for all rows. REQUIRES: the statement of
+// the selection could be prepared.
+[[nodiscard]] Expected<void> checkAggregate(Connection& connection, const Selection& selection);
 
-// Everything that the database rejects, each part of the query looked at by itself. Parts that
-// fragmentProblems() lists are passed over. REQUIRES: the filters have no problem as fragments.
+// Everything that the database rejects, each part of the selection by itself. Parts that fragmentProblems()
+// lists are skipped. REQUIRES: checkFilterText() accepts the filters.
 [[nodiscard]] std::vector<std::string> databaseProblems(Connection& connection, const Selection& selection);
 
 }  // namespace tessera_host

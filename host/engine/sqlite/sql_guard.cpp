@@ -1,6 +1,9 @@
 #include "host/engine/sqlite/sql_guard.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -30,10 +33,10 @@ class Scanner {
   public:
     explicit Scanner(std::string_view sql) : m_sql(sql) {}
 
-    SqlFragment scan() {
-        while (!m_result.defect && m_at < m_sql.size())
+    Expected<SqlFragment> scan() {
+        while (m_result && m_at < m_sql.size())
             scanToken();
-        if (m_result.defect) return std::move(m_result);
+        if (!m_result) return std::move(m_result);
         if (!m_open.empty())
             fail(m_open.back(), "has a parenthesis that is never closed");
         else if (!m_hasToken)
@@ -43,7 +46,7 @@ class Scanner {
 
   private:
     void fail(std::size_t offset, std::string reason) {
-        m_result.defect = SqlDefect{offset, std::move(reason)};
+        m_result = Error{ErrorKind::failed, std::move(reason), {1, static_cast<std::uint32_t>(offset + 1)}};
     }
 
     [[nodiscard]] bool startsWith(std::string_view text) const {
@@ -118,7 +121,7 @@ class Scanner {
         if (!isNameByte(m_sql[start])) return;
         while (m_at < m_sql.size() && isNameByte(m_sql[m_at]))
             ++m_at;
-        if (isWith(m_sql.substr(start, m_at - start))) m_result.hasWith = true;
+        if (isWith(m_sql.substr(start, m_at - start))) m_result->hasWith = true;
     }
 
     // Moves past the next `end` at or after `from`; false when there is none.
@@ -133,12 +136,12 @@ class Scanner {
     std::size_t m_at = 0;
     std::vector<std::size_t> m_open;  // offsets of the open parentheses
     bool m_hasToken = false;
-    SqlFragment m_result;
+    Expected<SqlFragment> m_result = SqlFragment();
 };
 
 }  // namespace
 
-SqlFragment scanSql(std::string_view sql) {
+Expected<SqlFragment> scanSql(std::string_view sql) {
     return Scanner(sql).scan();
 }
 

@@ -18,7 +18,7 @@ Engine sqliteEngine() {
         if (!result) return std::move(result).error();
         return std::shared_ptr<IResult>(*std::move(result));
     };
-    engine.checkFilterText = filterTextProblem;
+    engine.checkFilterText = tessera_host::checkFilterText;
     engine.checkText = fragmentProblems;
     return engine;
 }

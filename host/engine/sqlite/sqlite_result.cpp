@@ -83,8 +83,8 @@ Expected<std::vector<std::optional<CellValue>>> SqliteSnapshot::answerTogether(
     return values;
 }
 
-std::optional<std::string> SqliteSnapshot::checkFilter(const NamedFilter& filter) {
-    return filterTextProblem(filter);
+Expected<void> SqliteSnapshot::checkFilter(const NamedFilter& filter) {
+    return checkFilterText(filter);
 }
 
 std::vector<std::string> SqliteSnapshot::check(const Selection& selection) {

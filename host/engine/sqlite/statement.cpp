@@ -26,21 +26,13 @@ void StatementRun::bindFlag(int parameter, bool flag) {
     sqlite3_bind_int(m_statement, parameter, flag ? 1 : 0);
 }
 
-StatementRun::Step StatementRun::step() {
+Expected<bool> StatementRun::step() {
     const int code = sqlite3_step(m_statement);
-    if (!m_connection.isUnchanged()) {
-        m_error = {ErrorKind::failed, "the database was changed while it was read"};
-        return Step::failed;
-    }
-    if (code == SQLITE_ROW) return Step::row;
-    if (code == SQLITE_DONE) return Step::done;
-    m_error = m_connection.errorOf(code);
-    return Step::failed;
-}
-
-bool StatementRun::isOverLimit() const noexcept {
-    const LimitEnforcer::Stop stop = m_connection.m_enforcer.stop();
-    return stop == LimitEnforcer::Stop::budget || stop == LimitEnforcer::Stop::timeout;
+    if (!m_connection.isUnchanged())
+        return Error{ErrorKind::failed, "the database was changed while it was read"};
+    if (code == SQLITE_ROW) return true;
+    if (code == SQLITE_DONE) return false;
+    return m_connection.errorOf(code);
 }
 
 int StatementRun::columnType(int column) const {

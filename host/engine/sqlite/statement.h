@@ -38,8 +38,6 @@ class Statement {
 // as the run.
 class StatementRun {
   public:
-    enum class Step { row, done, failed };
-
     StatementRun(Connection& connection, Statement& statement, const RunLimits& limits);
     ~StatementRun();
     StatementRun(const StatementRun&) = delete;
@@ -49,11 +47,9 @@ class StatementRun {
     void bindText(int parameter, std::string_view text);
     void bindFlag(int parameter, bool flag);
 
-    Step step();
-    // After a failed step: why.
-    [[nodiscard]] const Error& error() const noexcept { return m_error; }
-    // After a failed step: whether the budget or the time limit was the reason.
-    [[nodiscard]] bool isOverLimit() const noexcept;
+    // Goes to the next row; false after the last one. The error says what failed, which limit was reached, or
+    // that the request was cancelled; the run is over then.
+    [[nodiscard]] Expected<bool> step();
 
     // Columns of the present row, counted from 0. The text stays valid until the next step.
     [[nodiscard]] int columnType(int column) const;
@@ -68,7 +64,6 @@ class StatementRun {
   private:
     Connection& m_connection;
     sqlite3_stmt* m_statement;
-    Error m_error;
 };
 
 }  // namespace tessera_host
