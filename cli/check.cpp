@@ -61,7 +61,7 @@ int finish(const std::string& document, const Error& error) {
     return orInterrupted(exitFailed);
 }
 
-// The document as text, for what is to be written of it, and read.
+// The text is kept for --fix, which writes it with few changes.
 struct Document {
     std::string text;
     Viewpoint::Pointer viewpoint;
@@ -76,16 +76,9 @@ tessera_host::Expected<Document> readDocument(const std::string& path) {
     return Document{*std::move(text), *std::move(viewpoint)};
 }
 
-// Writes the document without cycles, which becomes the one to check. exitDone, or what the program is to end
-// with.
-int fix(const Options& options, Document& document, OutputFile& file) {
-    auto fixed = tessera_host::fixDocument(std::move(document.text), document.viewpoint, interruptToken());
-    if (!fixed) return finish(options.document, fixed.error());
-    report(options.document, fixed->reversed);
-    document.viewpoint = std::move(fixed->viewpoint);
-    (void)file.sink().write(fixed->text);  // an error is known at the end
-    if (const auto committed = file.commit(); !committed) return reportError(committed.error());
-    return exitDone;
+tessera_host::Expected<void> writeText(const std::string& text, OutputFile& file) {
+    (void)file.sink().write(text);  // commit() reports what failed
+    return file.commit();
 }
 
 }  // namespace
@@ -102,12 +95,17 @@ int check(const Options& options) {
     OutputFile file;
     if (options.fix) {
         if (const auto opened = file.open(options.output); !opened) return reportError(opened.error());
-        if (const int status = fix(options, *document, file); status != exitDone) return status;
+        auto fixed =
+            tessera_host::fixDocument(std::move(document->text), document->viewpoint, interruptToken());
+        if (!fixed) return finish(options.document, fixed.error());
+        report(options.document, fixed->reversed);
+        if (const auto written = writeText(fixed->text, file); !written) return reportError(written.error());
+        document->viewpoint = std::move(fixed->viewpoint);
     }
     const Viewpoint& viewpoint = *document->viewpoint;
     const auto& declarations = *viewpoint.declarations();
     const tessera_host::Filters filters = filtersOf(viewpoint, options);
-    // Without a result, its SQL is read as the engine would that is used for most of them.
+    // Without a result, the SQL is checked as for the first engine.
     const std::vector<Problem> sqlProblems =
         result ? tessera_host::checkAgainstResult(*result, declarations, filters, interruptToken())
                : tessera_host::checkWithoutResult(EngineRegistry::builtIn().engines().front(), declarations,

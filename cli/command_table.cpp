@@ -16,7 +16,8 @@ constexpr std::array checkGroups{common, result, fix};
 // A new subcommand is a row here and a file of its own.
 constexpr std::array<Command, 3> all{{
     {"render", "Makes one diagram and writes it", renderGroups, render},
-    {"session", "Answers requests, one JSON line each, until end of input", sessionGroups, session},
+    {"session", "Runs requests from standard input and writes a response to each, one JSON object a line",
+     sessionGroups, session, false},
     {"check", "Reports everything wrong with a document", checkGroups, check},
 }};
 

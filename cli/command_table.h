@@ -29,6 +29,7 @@ struct Command {
     const char* help;  // one line
     std::span<const OptionGroup> groups;
     int (*run)(const Options& options);  // returns the exit status of the program
+    bool readsDocumentFromInput = true;  // whether "-" can name its document
 };
 
 [[nodiscard]] std::span<const Command> commands();

@@ -6,25 +6,27 @@
 #include "cli/options.h"
 #include "host/error.h"
 #include "host/pane/pane.h"
+#include "platform/optstore2/message_catalog_source.h"
 
 namespace tessera_cli {
 
 // Makes one diagram and writes it.
 int render(const Options& options);
 
-// Answers requests, a line each, until end of input.
+// Runs the requests on standard input, a line each, and writes a response to each, until end of input.
 int session(const Options& options);
 
 // Reports everything wrong with a document.
 int check(const Options& options);
 
-// The document and the result that the options name.
+// What the options name. No pointer is null.
 struct Input {
     tessera_host::Viewpoint::Pointer viewpoint;
     std::shared_ptr<tessera_host::IResult> result;
+    std::shared_ptr<const optstore2::IMessageCatalogSource> catalogs;
 };
-// Reads the document and opens the result; reverses links and installs catalogues as the options say. What
-// was noticed goes to `messages`. The error's text names the file.
+// Reads the document and opens the result; reverses links as the options say, and installs the catalogues for
+// the process. Warnings and notes go to `messages`. The error's text names the file.
 [[nodiscard]] tessera_host::Expected<Input> openInput(const Options& options, relay2::IMessenger& messages);
 
 // The result that the options name.

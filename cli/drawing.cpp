@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include <optional>
+#include <utility>
 
 #include "cli/interrupt.h"
 #include "cli/message.h"
@@ -13,6 +13,10 @@
 
 namespace tessera_cli {
 namespace {
+
+using tessera_host::Error;
+using tessera_host::ErrorKind;
+using tessera_host::Expected;
 
 // Stops taking anything once the program is interrupted.
 class FileOutput final : public tessera_draw::Output {
@@ -33,71 +37,77 @@ tessera_draw::Theme themeOf(const std::string& name) {
 using WritePicture = tessera_draw::PictureResult (tessera_draw::PictureWriter::*)(
     const tessera_draw::Scene&, const tessera_draw::PictureOptions&, tessera_draw::Output&);
 
-// PNG and PDF, by a library that is loaded for them.
-bool writePicture(const Options& options, const tessera_draw::Scene& scene, WritePicture write,
-                  tessera_draw::Output& output) {
-    const std::string_view format = options.format->name;
-    std::string reason;
-    tessera_draw::PictureWriter* writer = tessera_draw::loadPictureWriter(reason);
-    if (writer == nullptr) {
-        printMessage(fmt::format("{} cannot be written here: {}", format, reason));
-        return false;
-    }
-    const tessera_draw::PictureOptions asked{themeOf(options.theme), options.scale, interruptToken()};
-    const tessera_draw::PictureResult result = (writer->*write)(scene, asked, output);
-    if (!result.error.empty()) printMessage(fmt::format("{}: {}", format, result.error));
-    if (result.isWritten && result.scale < asked.scale)
+void reportPicture(const tessera_draw::PictureResult& result, const tessera_draw::Scene& scene,
+                   const Options& options) {
+    if (result.scale < options.scale)
         printMessage(fmt::format(
             "the drawing is {:.0f} by {:.0f}: it was scaled by {:.3g} to fit into a {}; svg has no limit",
-            scene.size.width, scene.size.height, result.scale, format));
-    if (result.isWritten && result.missingCharacters > 0)
+            scene.size.width, scene.size.height, result.scale, options.format->name));
+    if (result.missingCharacters > 0)
         printMessage(
             fmt::format("{} characters are drawn as boxes, because no font that is installed here has them; "
                         "the drawing's own font is DejaVu Sans (fonts-dejavu-core)",
                         result.missingCharacters));
-    return result.isWritten;
 }
 
-// None when the program was interrupted.
-std::optional<tessera_draw::Scene> sceneOf(const Options& options, const basekit2::variant_bag_t& diagram,
-                                           const tessera_draw::Reservation& reservation) {
+// PNG and PDF, by a library that is loaded for them.
+Expected<void> writePicture(const Options& options, const tessera_draw::Scene& scene, WritePicture write,
+                            tessera_draw::Output& output) {
+    const std::string_view format = options.format->name;
+    std::string reason;
+    tessera_draw::PictureWriter* writer = tessera_draw::loadPictureWriter(reason);
+    if (writer == nullptr)
+        return Error{ErrorKind::cannotOpen, fmt::format("{} cannot be written here: {}", format, reason)};
+    const tessera_draw::PictureOptions request{themeOf(options.theme), options.scale, interruptToken()};
+    const tessera_draw::PictureResult result = (writer->*write)(scene, request, output);
+    if (!result.error.empty())
+        return Error{ErrorKind::cannotOpen, fmt::format("{}: {}", format, result.error)};
+    if (result.isWritten) reportPicture(result, scene, options);
+    return {};
+}
+
+// The error is that the program was interrupted.
+Expected<tessera_draw::Scene> sceneOf(const Options& options, const basekit2::variant_bag_t& diagram,
+                                      const tessera_draw::Reservation& reservation) {
     tessera_draw::SceneOptions sceneOptions;
     sceneOptions.reservation = &reservation;
     if (options.direction == "tb") sceneOptions.direction = tessera_draw::Direction::topToBottom;
     sceneOptions.cancel = interruptToken();
-    if (isInterrupted()) return std::nullopt;
-    std::optional<tessera_draw::Scene> scene = tessera_draw::makeScene(diagram, sceneOptions);
-    if (isInterrupted()) return std::nullopt;
+    if (isInterrupted()) return tessera_host::cancelledError();
+    tessera_draw::Scene scene = tessera_draw::makeScene(diagram, sceneOptions);
+    if (isInterrupted()) return tessera_host::cancelledError();
     return scene;
 }
 
-bool writeDrawing(const Options& options, const basekit2::variant_bag_t& diagram,
-                  const tessera_draw::Reservation& reservation, WritePicture write, OutputFile& file) {
-    const auto scene = sceneOf(options, diagram, reservation);
-    if (!scene) return false;
+Expected<void> writeDrawing(const Options& options, const basekit2::variant_bag_t& diagram,
+                            const tessera_draw::Reservation& reservation, WritePicture write,
+                            OutputFile& file) {
+    auto scene = sceneOf(options, diagram, reservation);
+    if (!scene) return std::move(scene).error();
     FileOutput output(file.sink());
     return writePicture(options, *scene, write, output);
 }
 
 }  // namespace
 
-bool writeSvgDrawing(const Options& options, const basekit2::variant_bag_t& diagram,
-                     const tessera_draw::Reservation& reservation, OutputFile& file) {
-    const auto scene = sceneOf(options, diagram, reservation);
-    if (!scene) return false;
+Expected<void> writeSvgDrawing(const Options& options, const basekit2::variant_bag_t& diagram,
+                               const tessera_draw::Reservation& reservation, OutputFile& file) {
+    auto scene = sceneOf(options, diagram, reservation);
+    if (!scene) return std::move(scene).error();
     tessera_draw::SvgOptions svgOptions;
     svgOptions.theme = themeOf(options.theme);
     FileOutput output(file.sink());
-    return tessera_draw::writeSvg(*scene, svgOptions, output);
+    (void)tessera_draw::writeSvg(*scene, svgOptions, output);  // false: the file takes no more
+    return {};
 }
 
-bool writePngDrawing(const Options& options, const basekit2::variant_bag_t& diagram,
-                     const tessera_draw::Reservation& reservation, OutputFile& file) {
+Expected<void> writePngDrawing(const Options& options, const basekit2::variant_bag_t& diagram,
+                               const tessera_draw::Reservation& reservation, OutputFile& file) {
     return writeDrawing(options, diagram, reservation, &tessera_draw::PictureWriter::writePng, file);
 }
 
-bool writePdfDrawing(const Options& options, const basekit2::variant_bag_t& diagram,
-                     const tessera_draw::Reservation& reservation, OutputFile& file) {
+Expected<void> writePdfDrawing(const Options& options, const basekit2::variant_bag_t& diagram,
+                               const tessera_draw::Reservation& reservation, OutputFile& file) {
     return writeDrawing(options, diagram, reservation, &tessera_draw::PictureWriter::writePdf, file);
 }
 

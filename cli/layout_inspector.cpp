@@ -2,24 +2,27 @@
 
 #include <fmt/format.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include "cli/interrupt.h"
 #include "cli/message.h"
 
 namespace tessera_cli {
 
+using tessera_host::Error;
+using tessera_host::ErrorKind;
+
 LayoutInspector::LayoutInspector(const Options& options) : m_options(options) {}
 
-int LayoutInspector::prepare() const {
-    if (m_options.dumpFolder.empty()) return exitDone;
+tessera_host::Expected<void> LayoutInspector::prepare() const {
+    if (m_options.dumpFolder.empty()) return {};
     std::error_code error;
     std::filesystem::create_directories(m_options.dumpFolder, error);
-    if (error) {
-        printMessage(m_options.dumpFolder + ": cannot be made: " + error.message());
-        return exitCannotOpen;
-    }
+    if (error)
+        return Error{ErrorKind::cannotOpen, m_options.dumpFolder + ": cannot be made: " + error.message()};
     const auto& stages = tessera_1::layoutStages();
     for (std::size_t i = 0; i < stages.size(); ++i) {
         const std::string path = dumpPath(i + 1, stages[i]);
@@ -29,12 +32,10 @@ int LayoutInspector::prepare() const {
             const bool isSame = std::filesystem::weakly_canonical(path, ignored) ==
                                     std::filesystem::weakly_canonical(used, ignored) ||
                                 std::filesystem::equivalent(path, used, ignored);
-            if (!isSame) continue;
-            printMessage(used + ": would be written over by --dump-passes");
-            return exitUsage;
+            if (isSame) return Error{ErrorKind::usage, used + ": would be overwritten by --dump-passes"};
         }
     }
-    return exitDone;
+    return {};
 }
 
 // Files sort in the order of the stages.
@@ -67,23 +68,29 @@ void LayoutInspector::writeDump(const std::string& stage, const tessera_1::view_
     if (!m_isDumped) printMessage(path + ": cannot be written");
 }
 
-int LayoutInspector::report() const {
-    if (m_options.timePasses) {
-        std::chrono::duration<double, std::milli> total{};
-        const auto line = [](const std::string& name, std::chrono::duration<double, std::milli> time) {
-            printMessage(fmt::format("{:20}{:12.3f} ms", name, time.count()));
-        };
-        for (const auto& [stage, time] : m_times) {
-            line(stage, time);
-            total += time;
-        }
-        line("together", total);
+void LayoutInspector::reportTimes() const {
+    if (!m_options.timePasses) return;
+    using Milliseconds = std::chrono::duration<double, std::milli>;
+    const auto line = [](const std::string& name, Milliseconds time) {
+        printMessage(fmt::format("{:20}{:12.3f} ms", name, time.count()));
+    };
+    Milliseconds total{};
+    for (const auto& [stage, time] : m_times) {
+        line(stage, time);
+        total += time;
     }
-    if (m_isTruncated)
-        printMessage(
-            m_options.document +
-            ": the diagram was written, but it is not whole: it would be larger than --max-elements and "
-            "--max-id-bytes allow");
+    line("total", total);
+}
+
+void LayoutInspector::reportTruncation() {
+    if (!m_isTruncated || std::exchange(m_isTruncationReported, true)) return;
+    printMessage(
+        fmt::format("{}: the diagram is incomplete: the layout stopped at a limit (--max-elements {} "
+                    "or --max-id-bytes {}); the log says at which",
+                    m_options.document, m_options.limits.maxElements, m_options.limits.maxIdBytes));
+}
+
+int LayoutInspector::exitStatus() const {
     if (!m_isDumped) return exitCannotOpen;
     return m_isSound && !m_isTruncated ? exitDone : exitFailed;
 }

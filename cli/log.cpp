@@ -12,9 +12,14 @@
 #include <iostream>
 #include <sstream>
 #include <system_error>
+#include <utility>
 
 namespace tessera_cli {
 namespace {
+
+using tessera_host::Error;
+using tessera_host::ErrorKind;
+using tessera_host::Expected;
 
 void logToStandardError() {
     const log4cplus::SharedAppenderPtr appender(new log4cplus::ConsoleAppender(true, true));
@@ -56,12 +61,13 @@ bool hasAppender() {
                        [](log4cplus::Logger& each) { return !each.getAllAppenders().empty(); });
 }
 
-// Returns what is wrong with the file, a line each, or "".
-std::string configureFrom(const std::string& file) {
+// The error has a line for each mistake in the file.
+Expected<void> configureFrom(const std::string& file) {
     errno = 0;
     if (std::ifstream stream(file); !stream || stream.peek() == std::ifstream::traits_type::eof())
-        return file + ": cannot read the log configuration: " +
-               (errno ? std::generic_category().message(errno) : "it is empty");
+        return Error{ErrorKind::cannotOpen,
+                     file + ": cannot read the log configuration: " +
+                         (errno ? std::generic_category().message(errno) : "it is empty")};
     const HeldMessages messages;
     log4cplus::helpers::Properties settings(file);
     keepOffStandardOutput(settings);
@@ -70,16 +76,17 @@ std::string configureFrom(const std::string& file) {
     std::string problems = hasAppender() ? "" : file + ": no logger has an appender";
     for (std::string line; std::getline(lines, line);)
         problems.append(problems.empty() ? "" : "\n").append(file).append(": ").append(line);
-    return problems;
+    if (!problems.empty()) return Error{ErrorKind::cannotOpen, std::move(problems)};
+    return {};
 }
 
 }  // namespace
 
-tessera_host::Expected<void> configureLog(const std::string& configFile, const std::string& level) {
+Expected<void> configureLog(const std::string& configFile, const std::string& level) {
     if (configFile.empty())
         logToStandardError();
-    else if (std::string problems = configureFrom(configFile); !problems.empty())
-        return tessera_host::Error{tessera_host::ErrorKind::cannotOpen, std::move(problems), {}};
+    else if (auto configured = configureFrom(configFile); !configured)
+        return configured;
     if (!level.empty()) {
         std::string name = level;
         std::transform(name.begin(), name.end(), name.begin(),

@@ -13,6 +13,12 @@ namespace {
 
 using namespace tessera_cli;
 
+int reportCommandLine(const tessera_host::Error& error) {
+    const int exitStatus = reportError(error);
+    if (exitStatus == exitUsage) printMessage("try: tessera --help");
+    return exitStatus;
+}
+
 int run(const Options& options) {
     const auto configured = configureLog(options.logConfig, options.logLevel);
     if (!configured) return reportError(configured.error());
@@ -24,10 +30,10 @@ int run(const Options& options) {
 int main(int argc, char** argv) try {
     fillStandardDescriptors();
     installInterruptHandler();
-    int exitStatus = exitDone;
-    const auto options = parseCommandLine(argc, argv, exitStatus);
-    if (!options) return exitStatus;
-    exitStatus = run(*options);
+    const auto options = parseCommandLine(argc, argv);
+    if (!options) return reportCommandLine(options.error());
+    if (!*options) return exitDone;
+    const int exitStatus = run(**options);
     closeLog();
     if (exitStatus == exitInterrupted) printMessageWithoutWaiting("interrupted");
     return exitStatus;

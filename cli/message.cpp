@@ -27,12 +27,13 @@ void printMessageWithoutWaiting(std::string_view text) {
     if (::poll(&ready, 1, 0) == 1 && (ready.revents & POLLOUT) != 0) printMessage(text);
 }
 
-bool printToStdout(std::string_view text) {
+tessera_host::Expected<void> printToStdout(std::string_view text) {
     tessera_host::FileSink sink(STDOUT_FILENO);
-    if (sink.write(text) && sink.flush()) return true;
-    printMessage(
-        fmt::format("cannot write to standard output: {}", std::generic_category().message(sink.error())));
-    return false;
+    if (sink.write(text) && sink.flush()) return {};
+    return tessera_host::Error{
+        tessera_host::ErrorKind::cannotOpen,
+        fmt::format("standard output: cannot write: {}", std::generic_category().message(sink.error())),
+        {}};
 }
 
 void ConsoleMessenger::post(relay2::severity_t severity, const std::string& text,

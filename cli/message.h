@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "host/error.h"
 #include "platform/relay2/messenger.h"
 
 namespace tessera_cli {
@@ -15,8 +16,8 @@ void printMessage(std::string_view text);
 // program that was interrupted.
 void printMessageWithoutWaiting(std::string_view text);
 
-// Prints data to standard output; false, with the message printed, when that is closed or full.
-[[nodiscard]] bool printToStdout(std::string_view text);
+// Prints data to standard output. The error has the kind cannotOpen when that is closed or full.
+[[nodiscard]] tessera_host::Expected<void> printToStdout(std::string_view text);
 
 // Prints the messages of the library and the host as "DOCUMENT:LINE:COLUMN: SEVERITY: TEXT", without the
 // position where there is none. One thread at a time.

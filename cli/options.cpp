@@ -16,6 +16,10 @@
 namespace tessera_cli {
 namespace {
 
+using tessera_host::Error;
+using tessera_host::ErrorKind;
+using tessera_host::Expected;
+
 constexpr const char* version = TESSERA_VERSION;
 
 // What the command line says, as it is read.
@@ -48,13 +52,13 @@ std::string alternatives(const Names& names) {
 
 void addCommon(CLI::App& command, RawOptions& raw) {
     Options& options = raw.options;
-    command.add_option("VIEWPOINT", options.document, "The viewpoint document (XML)")
+    command.add_option("VIEWPOINT", options.document, "The viewpoint document (XML); - is standard input")
         ->required()
         ->check(isNotEmpty);
     command
         .add_option("--filter", raw.filters,
                     "Replaces a filter of the document (" + alternatives(tessera_host::filterNames) +
-                        "); removes it when there is nothing after the =")
+                        "); without SQL, removes it")
         ->type_name("NAME=SQL")
         ->take_all()
         ->allow_extra_args(false);
@@ -91,16 +95,17 @@ void addLimits(CLI::App& command, RawOptions& raw) {
             std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isdigit(c); });
         return isNumber && text.find_first_not_of('0') != std::string::npos
                    ? ""
-                   : "\"" + text + "\" is not a positive integer";
+                   : "\"" + text + "\" is not an integer from 1 to 999999999999999";
     };
     command
         .add_option("--max-elements", raw.options.limits.maxElements,
-                    "Adds no dummy box to a diagram of that many nodes and links (default 5000000)")
+                    "The most nodes and links of a diagram, those included that the layout adds "
+                    "(default 5000000)")
         ->type_name("N")
         ->check(isCount);
     command
         .add_option("--max-id-bytes", raw.options.limits.maxIdBytes,
-                    "Adds no dummy box when all ids together would have more bytes (default 1073741824)")
+                    "The most bytes in the ids of all nodes and links (default 1073741824)")
         ->type_name("N")
         ->check(isCount);
 }
@@ -108,18 +113,18 @@ void addLimits(CLI::App& command, RawOptions& raw) {
 void addAcyclic(CLI::App& command, RawOptions& raw) {
     command.add_flag(
         "--acyclic", raw.options.acyclic,
-        "Reverses as few links as possible before the document is read, so that none form a cycle "
-        "inside a group; the picture means the same");
+        "Reverses as few links as possible, so that none form a cycle inside a group; the picture shows "
+        "the same directions");
 }
 
 void addFix(CLI::App& command, RawOptions& raw) {
     CLI::Option* fix = command.add_flag(
         "--fix", raw.options.fix,
-        "Writes the document with as few links reversed as possible, so that none form a cycle inside a "
-        "group, and checks that one; nothing else in it changes");
+        "Reverses as few links as possible, so that none form a cycle inside a group; writes that "
+        "document, which is otherwise unchanged, and checks it");
     command
         .add_option("-o,--output", raw.options.output,
-                    "The file to write the document to, which may be its own (default: standard output)")
+                    "The file to write the document to; may be VIEWPOINT itself (default: standard output)")
         ->type_name("FILE")
         ->check(isNotEmpty)
         ->needs(fix);
@@ -129,11 +134,11 @@ void addFix(CLI::App& command, RawOptions& raw) {
 void addInspection(CLI::App& command, RawOptions& raw) {
     Options& options = raw.options;
     command.add_option("--stop-after", options.stopAfter, "Stops the layout after this stage")
-        ->type_name("PASS")
+        ->type_name("STAGE")
         ->check(CLI::IsMember(tessera_1::layoutStages()));
     command
         .add_option("--dump-passes", options.dumpFolder,
-                    "Writes the graph as text after each stage, one file a stage")
+                    "Writes the graph as text into one file for each stage")
         ->type_name("DIR")
         ->check(isNotEmpty);
     command.add_flag("--time-passes", options.timePasses, "Prints how long each stage took");
@@ -215,61 +220,89 @@ void addGroup(OptionGroup group, CLI::App& command, RawOptions& raw) {
     }
 }
 
-// Which of the picture's options does not fit the format, or "".
-std::string pictureProblem(const Options& options, bool hasScale) {
-    const OutputFormat& format = *options.format;
-    const std::string pictures = " is for pictures: " + formatNames(true);
-    if (!options.theme.empty() && !format.isPicture()) return "--theme" + pictures;
-    if (!options.direction.empty() && !format.isPicture()) return "--direction" + pictures;
-    return hasScale && format.kind != OutputFormat::Kind::pixels ? "--scale is for png" : "";
+Error usageError(std::string text) {
+    return {ErrorKind::usage, std::move(text)};
 }
 
-// Splits NAME=SQL. Returns what is wrong, or "".
-std::string readFilters(const std::vector<std::string>& texts, std::map<std::string, std::string>& filters) {
-    for (const std::string& text : texts) {
-        const std::size_t equals = text.find('=');
-        if (equals == std::string::npos || equals == 0) return "--filter " + text + ": expected NAME=SQL";
-        const std::string name = text.substr(0, equals);
-        if (!tessera_host::isFilterName(name))
-            return "--filter " + text + ": the filters are called " + tessera_host::filterNameList();
-        filters.insert_or_assign(name, text.substr(equals + 1));
-    }
+bool hasGroup(const Command& command, OptionGroup group) {
+    return std::find(command.groups.begin(), command.groups.end(), group) != command.groups.end();
+}
+
+// The options of pictures must fit the format.
+Expected<void> checkPicture(const Options& options, bool hasScale) {
+    const OutputFormat& format = *options.format;
+    const std::string pictures = " is for pictures: " + formatNames(true);
+    if (!options.theme.empty() && !format.isPicture()) return usageError("--theme" + pictures);
+    if (!options.direction.empty() && !format.isPicture()) return usageError("--direction" + pictures);
+    if (hasScale && format.kind != OutputFormat::Kind::pixels) return usageError("--scale is for png");
     return {};
 }
 
-// What CLI11 does not know of. Returns what is wrong, or "".
-std::string finishOptions(RawOptions& raw) {
+// Splits each NAME=SQL.
+Expected<std::map<std::string, std::string>> readFilters(const std::vector<std::string>& texts) {
+    std::map<std::string, std::string> filters;
+    for (const std::string& text : texts) {
+        const std::size_t equals = text.find('=');
+        if (equals == std::string::npos || equals == 0)
+            return usageError("--filter " + text + ": expected NAME=SQL");
+        const std::string name = text.substr(0, equals);
+        if (!tessera_host::isFilterName(name))
+            return usageError("--filter " + text + ": the filters are called " +
+                              tessera_host::filterNameList());
+        filters.insert_or_assign(name, text.substr(equals + 1));
+    }
+    return filters;
+}
+
+// The format that --format names, or the file's ending. Where both name one they must agree: a picture under
+// the ending of another format opens nowhere.
+Expected<const OutputFormat*> chooseFormat(const RawOptions& raw) {
+    const std::string& output = raw.options.output;
+    const OutputFormat* byEnding = formatOfFile(output);
+    if (raw.format.empty()) {
+        if (byEnding != nullptr) return byEnding;
+        return usageError(output + ": the ending does not name a format; add --format with " + formatNames());
+    }
+    if (byEnding != nullptr && byEnding->name != raw.format && !isStandardOutput(output))
+        return usageError(output + ": the ending names the format " + std::string(byEnding->name) +
+                          ", but --format is " + raw.format);
+    return findOutputFormat(raw.format);
+}
+
+// Completes and checks what CLI11 has read.
+Expected<void> finishOptions(RawOptions& raw) {
     Options& options = raw.options;
     if (!raw.mode.empty()) options.mode = raw.mode;
-    if (std::string problem = readFilters(raw.filters, options.filters); !problem.empty()) return problem;
-    options.format = raw.format.empty() ? formatOfFile(options.output) : findOutputFormat(raw.format);
-    const auto& groups = options.command->groups;
-    if (std::find(groups.begin(), groups.end(), OptionGroup::output) == groups.end()) return {};
-    if (options.format == nullptr)
-        return options.output + ": the ending does not name a format; add --format with " + formatNames();
-    return pictureProblem(options, raw.scale != nullptr && raw.scale->count() > 0);
+    auto filters = readFilters(raw.filters);
+    if (!filters) return std::move(filters).error();
+    options.filters = *std::move(filters);
+    if (options.document == "-") {
+        if (!options.command->readsDocumentFromInput)
+            return usageError(std::string(options.command->name) +
+                              " reads requests from standard input; VIEWPOINT must be a file");
+        options.document = "/dev/stdin";
+    }
+    if (!hasGroup(*options.command, OptionGroup::output)) return {};
+    const auto format = chooseFormat(raw);
+    if (!format) return format.error();
+    options.format = *format;
+    return checkPicture(options, raw.scale != nullptr && raw.scale->count() > 0);
 }
 
-int usageError(const std::string& text) {
-    printMessage(text);
-    printMessage("try: tessera --help");
-    return exitUsage;
-}
-
-// Help and version go to standard output; what is wrong with the usage is a message. `command` is the word
+// CLI11 ends with an exception also for help and version, which go to standard output. `command` is the word
 // that should have been a subcommand, "" when there was none.
-int finishParsing(const CLI::App& app, const CLI::ParseError& error, const std::string& command) {
+Expected<void> finishParsing(const CLI::App& app, const CLI::ParseError& error, const std::string& command) {
     if (error.get_exit_code() != 0 && app.get_subcommands().empty() && !command.empty())
         return usageError("there is no command " + command + "; there are " + commandNames());
     if (error.get_exit_code() != 0) return usageError(error.what());
     std::ostringstream text;
     (void)app.exit(error, text, text);
-    return printToStdout(text.str()) ? exitDone : exitCannotOpen;
+    return printToStdout(text.str());
 }
 
 }  // namespace
 
-std::optional<Options> parseCommandLine(int argc, const char* const* argv, int& exitStatus) {
+Expected<std::optional<Options>> parseCommandLine(int argc, const char* const* argv) {
     RawOptions raw;
     CLI::App app("Fills diagrams with values from a result database.", "tessera");
     app.set_version_flag("--version", std::string("tessera ") + version);
@@ -283,14 +316,12 @@ std::optional<Options> parseCommandLine(int argc, const char* const* argv, int& 
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        exitStatus = finishParsing(app, error, argc > 1 ? argv[1] : "");
-        return std::nullopt;
+        auto finished = finishParsing(app, error, argc > 1 ? argv[1] : "");
+        if (!finished) return std::move(finished).error();
+        return std::optional<Options>();
     }
-    if (const std::string problem = finishOptions(raw); !problem.empty()) {
-        exitStatus = usageError(problem);
-        return std::nullopt;
-    }
-    return raw.options;
+    if (auto finished = finishOptions(raw); !finished) return std::move(finished).error();
+    return std::optional(std::move(raw.options));
 }
 
 }  // namespace tessera_cli

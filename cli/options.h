@@ -6,6 +6,7 @@
 #include <string>
 
 #include "core/layout_options.h"
+#include "host/error.h"
 
 namespace tessera_cli {
 
@@ -46,8 +47,9 @@ enum ExitStatus : int {
     exitInterrupted = 130
 };
 
-// Reads the command line. None when there is nothing to run: help or the version has been printed, or the
-// usage is wrong and a message says why. `exitStatus` is what the program ends with then.
-[[nodiscard]] std::optional<Options> parseCommandLine(int argc, const char* const* argv, int& exitStatus);
+// Reads the command line. None when there is nothing to run, because help or the version has been printed. The
+// error has the kind usage, or cannotOpen when help could not be printed. Called once, by main.
+[[nodiscard]] tessera_host::Expected<std::optional<Options>> parseCommandLine(int argc,
+                                                                              const char* const* argv);
 
 }  // namespace tessera_cli

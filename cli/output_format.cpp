@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "cli/drawing.h"
-#include "cli/message.h"
 #include "host/text/json_writer.h"
 #include "host/text/xml_writer.h"
 
@@ -15,21 +14,18 @@ namespace {
 
 using basekit2::variant_bag_t;
 using tessera_draw::Reservation;
+using tessera_host::Expected;
 
-bool writeJson(const Options& /*options*/, const variant_bag_t& diagram, const Reservation& /*reservation*/,
-               OutputFile& file) {
+Expected<void> writeJson(const Options& /*options*/, const variant_bag_t& diagram,
+                         const Reservation& /*reservation*/, OutputFile& file) {
     tessera_host::writeJson(diagram, file.sink(), tessera_host::JsonForm::indented);
     file.sink().put('\n');
-    return file.sink().good();
+    return {};
 }
 
-bool writeXml(const Options& /*options*/, const variant_bag_t& diagram, const Reservation& /*reservation*/,
-              OutputFile& file) {
-    if (const auto written = tessera_host::writeXml(diagram, file.sink()); !written) {
-        printMessage(written.error().text);
-        return false;
-    }
-    return file.sink().good();
+Expected<void> writeXml(const Options& /*options*/, const variant_bag_t& diagram,
+                        const Reservation& /*reservation*/, OutputFile& file) {
+    return tessera_host::writeXml(diagram, file.sink());
 }
 
 // A new format is a row here.
@@ -53,8 +49,12 @@ const OutputFormat* findOutputFormat(std::string_view name) {
     return found == formats.end() ? nullptr : found;
 }
 
+bool isStandardOutput(const std::string& path) {
+    return path.empty() || path == "-";
+}
+
 const OutputFormat* formatOfFile(const std::string& path) {
-    if (path.empty() || path == "-") return &formats.front();
+    if (isStandardOutput(path)) return &formats.front();
     const std::size_t dot = path.rfind('.');
     std::string ending = dot == std::string::npos ? "" : path.substr(dot + 1);
     std::transform(ending.begin(), ending.end(), ending.begin(),

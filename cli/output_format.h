@@ -23,11 +23,11 @@ struct OutputFormat {
 
     std::string_view name;  // of --format, and the ending of its files
     Kind kind;
-    // Writes the diagram. `reservation` is what a picture keeps space for; data ignores it. False, with the
-    // message printed, when that cannot be done; false without one when the program was interrupted or the
-    // file took no more.
-    bool (*write)(const Options& options, const basekit2::variant_bag_t& diagram,
-                  const tessera_draw::Reservation& reservation, OutputFile& file);
+    // Writes the diagram to the sink of `file`, which render() commits. `reservation` is what a picture keeps
+    // space for; data ignores it. An error says why the diagram cannot be written in this format, or that the
+    // program was interrupted. Whether the file took everything is for commit() to say.
+    tessera_host::Expected<void> (*write)(const Options& options, const basekit2::variant_bag_t& diagram,
+                                          const tessera_draw::Reservation& reservation, OutputFile& file);
 
     [[nodiscard]] bool isPicture() const noexcept { return kind != Kind::data; }
 };
@@ -38,8 +38,11 @@ struct OutputFormat {
 // Null when no format has this name.
 [[nodiscard]] const OutputFormat* findOutputFormat(std::string_view name);
 
-// The format of a file by its ending, in upper or lower case; null when the ending names none. "" and "-" are
-// standard output.
+// Whether an output with this name is standard output: "" and "-" are.
+[[nodiscard]] bool isStandardOutput(const std::string& path);
+
+// The format of a file by its ending, in upper or lower case; null when the ending names none. That of standard
+// output is the first one.
 [[nodiscard]] const OutputFormat* formatOfFile(const std::string& path);
 
 // "json, xml, svg, png or pdf", or those of them that are pictures.

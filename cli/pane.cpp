@@ -46,14 +46,20 @@ Expected<void> requireCatalogFolder(const Options& options) {
     return Error{ErrorKind::cannotOpen, options.catalogs + ": there is no such folder"};
 }
 
-// Catalogues are one source for the whole process.
-void installCatalogs(const Options& options, relay2::IMessenger& messages) {
-    if (options.catalogs.empty()) return;
-    std::vector<std::string> problems;
-    auto catalogs = tessera_host::readCatalogs(options.catalogs, options.locale, problems);
-    for (const std::string& problem : problems)
+using CatalogSource = std::shared_ptr<const optstore2::IMessageCatalogSource>;
+
+// The catalogues that the options name, or the source without catalogues.
+CatalogSource catalogsOf(const Options& options, relay2::IMessenger& messages) {
+    const CatalogSource none = optstore2::getMessageCatalogSource();
+    if (options.catalogs.empty()) return none;
+    const auto catalogs = tessera_host::readCatalogs(options.catalogs, options.locale);
+    if (!catalogs) {
+        messages.post(relay2::severity_t::warning, catalogs.error().text, {});
+        return none;
+    }
+    for (const std::string& problem : catalogs->problems)
         messages.post(relay2::severity_t::warning, problem, {});
-    if (catalogs) optstore2::setMessageCatalogSource(std::move(catalogs));
+    return catalogs->source;
 }
 
 }  // namespace
@@ -72,9 +78,12 @@ Expected<Input> openInput(const Options& options, relay2::IMessenger& messages) 
     if (!result) return std::move(result).error();
     auto viewpoint = treatCycles(*read, options, messages);
     if (!viewpoint) return std::move(viewpoint).error();
-    installCatalogs(options, messages);
+    CatalogSource catalogs = catalogsOf(options, messages);
+    // The diagram library takes its names from the process's source; its handlers cannot be given one. A
+    // program with one pane loses nothing by that.
+    optstore2::setMessageCatalogSource(catalogs);
     postAll((*viewpoint)->problems(), messages);
-    return Input{*std::move(viewpoint), *std::move(result)};
+    return Input{*std::move(viewpoint), *std::move(result), std::move(catalogs)};
 }
 
 tessera_host::Filters filtersOf(const Viewpoint& viewpoint, const Options& options) {

@@ -16,6 +16,9 @@ namespace {
 
 using basekit2::error_code_t;
 using basekit2::variant_bag_t;
+using tessera_host::Error;
+using tessera_host::ErrorKind;
+using tessera_host::Expected;
 
 variant_bag_t modeRequest(const std::string& mode) {
     variant_bag_t in;
@@ -23,33 +26,30 @@ variant_bag_t modeRequest(const std::string& mode) {
     return in;
 }
 
-// Asks for the diagram in the wanted mode. False, with the message printed, when there is none.
-bool makeDiagram(const Options& options, tessera_host::Pane& pane, relay2::IMessenger& messages,
-                 variant_bag_t& diagram) {
+// The diagram in the wanted mode.
+Expected<variant_bag_t> makeDiagram(const Options& options, tessera_host::Pane& pane,
+                                    relay2::IMessenger& messages) {
     const tessera_host::RequestOptions request{interruptToken(), &messages};
+    variant_bag_t diagram;
     error_code_t code = pane.request("create", {}, diagram, request);
     if (code.is_success() && options.mode) {
         diagram = {};
         code = pane.request("changeDisplayMode", modeRequest(*options.mode), diagram, request);
     }
-    if (!code.is_success() && !isInterrupted())
-        printMessage(
-            fmt::format("{}: no diagram: {}", options.document,
-                        code.message().empty() ? "what is wrong was reported above" : code.message()));
-    return code.is_success();
+    if (code.is_success()) return diagram;
+    const std::string reason = code.message().empty() ? "what is wrong was reported above" : code.message();
+    return Error{ErrorKind::failed, fmt::format("{}: no diagram: {}", options.document, reason)};
 }
 
-bool writeDiagram(const Options& options, const variant_bag_t& diagram,
-                  const tessera_draw::Reservation& reservation, OutputFile& file) {
-    if (!options.format->write(options, diagram, reservation, file) && file.sink().good()) return false;
-    if (isInterrupted()) return false;
-    const auto committed = file.commit();
-    if (!committed) (void)reportError(committed.error());
-    return committed.hasValue();
+Expected<void> writeDiagram(const Options& options, const variant_bag_t& diagram,
+                            const tessera_draw::Reservation& reservation, OutputFile& file) {
+    if (auto written = options.format->write(options, diagram, reservation, file); !written) return written;
+    if (isInterrupted()) return tessera_host::cancelledError();
+    return file.commit();
 }
 
-// The diagram's bag has all that is drawn. To take the pane apart costs a tenth of the whole run, so it is done
-// only where drawing needs the memory.
+// Destroying the pane takes a tenth of the whole run, so it is done only where drawing needs the memory. The
+// diagram's bag has all that is drawn.
 bool isLarge(const tessera_host::Viewpoint& viewpoint) {
     constexpr std::size_t largeFrom = 100'000;
     const auto& structure = viewpoint.structure();
@@ -66,28 +66,32 @@ bool isSameFile(const std::string& a, const std::string& b) {
 
 int render(const Options& options) {
     if (isSameFile(options.output, options.document) || isSameFile(options.output, options.database)) {
-        printMessage(options.output + ": is what is to be read; it will not be written over");
+        printMessage(options.output + ": is an input and would be overwritten");
         return exitUsage;
     }
     ConsoleMessenger messenger(options.document);
     auto input = openInput(options, messenger);
     if (!input) return reportError(input.error());
     tessera_draw::Reservation reservation;
-    if (options.format->isPicture()) reservation = measureReservedSpace(input->viewpoint);
+    if (options.format->isPicture()) reservation = measureReservedSpace(*input);
     LayoutInspector inspector(options);
     auto pane = makePane(*input, options, &inspector);
     OutputFile file;  // opened before the work: a place that cannot be written is known at once
     if (const auto opened = file.open(options.output); !opened) return reportError(opened.error());
-    if (const int problem = inspector.prepare(); problem != exitDone) return orInterrupted(problem);
-    variant_bag_t diagram;
-    if (!makeDiagram(options, *pane, messenger, diagram)) return orInterrupted(exitFailed);
+    if (const auto prepared = inspector.prepare(); !prepared) return reportError(prepared.error());
+    auto diagram = makeDiagram(options, *pane, messenger);
+    if (!diagram) return reportError(diagram.error());
     if (options.format->isPicture() && isLarge(*input->viewpoint)) pane.reset();
-    if (!writeDiagram(options, diagram, reservation, file)) return orInterrupted(exitCannotOpen);
-    const int inspected = inspector.report();
-    if (messenger.errorCount() == 0) return endProgram(inspected);
-    printMessage(fmt::format("{}: the diagram was written in spite of the {} above", options.document,
-                             messenger.errorCount() == 1 ? "error" : "errors"));
-    return endProgram(exitFailed);
+    if (const auto written = writeDiagram(options, *diagram, reservation, file); !written)
+        return reportError(written.error());
+    inspector.reportTimes();
+    inspector.reportTruncation();
+    if (messenger.errorCount() > 0) {
+        printMessage(fmt::format("{}: the diagram was written, but it is incomplete because of the {} above",
+                                 options.document, messenger.errorCount() == 1 ? "error" : "errors"));
+        return endProgram(exitFailed);
+    }
+    return endProgram(inspector.exitStatus());
 }
 
 }  // namespace tessera_cli

@@ -6,7 +6,6 @@
 
 #include "draw/text_width.h"
 #include "host/document/reserved_space.h"
-#include "platform/optstore2/message_catalog_source.h"
 
 namespace tessera_cli {
 namespace {
@@ -64,8 +63,8 @@ class Measure {
 
 }  // namespace
 
-Reservation measureReservedSpace(const tessera_host::Viewpoint::Pointer& viewpoint) {
-    const tessera_host::ReservedSpace space(viewpoint, *optstore2::getMessageCatalogSource());
+Reservation measureReservedSpace(const Input& input) {
+    const tessera_host::ReservedSpace space(input.viewpoint, *input.catalogs);
     Reservation reservation;
     Measure measure;
     for (const auto& node : space.nodes())

@@ -1,14 +1,13 @@
 // How much space a drawing's boxes keep for their values.
 #pragma once
 
+#include "cli/commands.h"
 #include "draw/reservation.h"
-#include "host/document/viewpoint.h"
 
 namespace tessera_cli {
 
-// Measures the rows that `viewpoint` declares for its nodes, groups and labels, in all display modes: their
-// names in the language that is set, and values as wide as their queries' formats make them.
-[[nodiscard]] tessera_draw::Reservation measureReservedSpace(
-    const tessera_host::Viewpoint::Pointer& viewpoint);
+// Measures the rows that the viewpoint declares for its nodes, groups and labels, in all display modes: their
+// names as the catalogues translate them, and values as wide as their queries' formats make them.
+[[nodiscard]] tessera_draw::Reservation measureReservedSpace(const Input& input);
 
 }  // namespace tessera_cli

@@ -5,6 +5,7 @@
 
 #include "cli/commands.h"
 #include "cli/interrupt.h"
+#include "cli/layout_inspector.h"
 #include "cli/line_reader.h"
 #include "cli/message.h"
 #include "cli/program_end.h"
@@ -16,68 +17,83 @@ namespace {
 
 using basekit2::error_code_t;
 using basekit2::variant_bag_t;
+using tessera_host::Error;
+using tessera_host::ErrorKind;
+using tessera_host::Expected;
 using tessera_host::FileSink;
 
 // A longer line is not a request; the longest sensible one has a few hundred bytes.
 constexpr std::size_t maxLine = 16U << 20U;
 
-struct Request {
-    std::string name;
-    const variant_bag_t* in = nullptr;
-};
+Error notARequest(std::string text) {
+    return {ErrorKind::failed, std::move(text)};
+}
 
-// Reads a request. Returns why the line is not one, or "". `bag` keeps what the request refers to.
-std::string readRequest(const LineReader& reader, variant_bag_t& bag, Request& request) {
+Expected<variant_bag_t> readObject(const LineReader& reader) {
+    if (reader.isTooLong()) return notARequest(fmt::format("it is longer than {} bytes", maxLine));
+    auto object = tessera_host::readJson(reader.line());
+    if (object) return object;
+    return notARequest(fmt::format("column {}: {}", object.error().position.column, object.error().text));
+}
+
+Expected<std::string> nameOf(const variant_bag_t& request) {
+    const basekit2::variant_t* name = request.get("request");
+    if (name == nullptr || !name->can_get<std::string_view>())
+        return notARequest("it has no string \"request\"");
+    return std::string(name->get<std::string_view>());
+}
+
+// The bag of the request; the empty bag when it has none. Lives as long as the request.
+Expected<const variant_bag_t*> inputOf(const variant_bag_t& request) {
     static const variant_bag_t noInput;
-    if (reader.isTooLong()) return fmt::format("is longer than {} bytes", maxLine);
-    auto read = tessera_host::readJson(reader.line());
-    if (!read) return fmt::format("column {}: {}", read.error().position.column, read.error().text);
-    bag = *std::move(read);
-    const basekit2::variant_t* name = bag.get("request");
-    if (name == nullptr || !name->can_get<std::string_view>()) return "has no string \"request\"";
-    request.name = name->get<std::string_view>();
-    if (bag.get("in") != nullptr) return "\"in\" is not an object";
-    request.in = bag.get_variant_bag("in");
-    if (request.in == nullptr) request.in = &noInput;
-    return {};
+    if (request.get("in") != nullptr) return notARequest("\"in\" is not an object");
+    const variant_bag_t* in = request.get_variant_bag("in");
+    return in == nullptr ? &noInput : in;
 }
 
 class Session {
   public:
     Session(tessera_host::Pane& pane, relay2::IMessenger& messages) : m_pane(pane), m_messages(messages) {}
 
-    // Answers one line; false when the answer could not be written.
-    bool answer(const LineReader& reader) {
+    // Runs the request on one line and writes the response.
+    [[nodiscard]] Expected<void> respond(const LineReader& reader) {
         ++m_lineNumber;
-        variant_bag_t bag;
-        Request request;
-        const std::string problem = readRequest(reader, bag, request);
-        variant_bag_t answer;
-        answer.put("request", request.name);
-        if (!problem.empty()) {
-            answer.put("code", bk2::error::IsNot.Valid.Data.name);
-            answer.put("message", fmt::format("line {} is not a request: {}", m_lineNumber, problem));
-            (void)answer.add_variant_bag("out");
-            return write(answer);
+        variant_bag_t response;
+        response.put("request", "");
+        if (const auto done = runRequest(reader, response); !done) {
+            response.put("code", bk2::error::IsNot.Valid.Data.name);
+            response.put("message",
+                         fmt::format("line {} is not a request: {}", m_lineNumber, done.error().text));
+            (void)response.add_variant_bag("out");
         }
-        variant_bag_t& out = answer.add_variant_bag("out");
-        const error_code_t code =
-            m_pane.request(request.name, *request.in, out, {interruptToken(), &m_messages});
-        answer.put("code", code.name());
-        if (!code.succeeded()) answer.put("message", code.message());
-        return write(answer);
+        return write(response);
     }
 
   private:
-    static bool write(const variant_bag_t& answer) {
+    // Puts the name of the request and what came of it into `response`. An error says why the line is not a
+    // request.
+    Expected<void> runRequest(const LineReader& reader, variant_bag_t& response) {
+        const auto request = readObject(reader);
+        if (!request) return request.error();
+        const auto name = nameOf(*request);
+        if (!name) return name.error();
+        response.put("request", *name);
+        const auto in = inputOf(*request);
+        if (!in) return in.error();
+        variant_bag_t& out = response.add_variant_bag("out");
+        const error_code_t code = m_pane.request(*name, **in, out, {interruptToken(), &m_messages});
+        response.put("code", code.name());
+        if (!code.succeeded()) response.put("message", code.message());
+        return {};
+    }
+
+    static Expected<void> write(const variant_bag_t& response) {
         FileSink sink(STDOUT_FILENO, interruptDescriptor());
-        tessera_host::writeJson(answer, sink, tessera_host::JsonForm::compact);
+        tessera_host::writeJson(response, sink, tessera_host::JsonForm::compact);
         sink.put('\n');
-        if (sink.flush()) return true;
-        if (isInterrupted()) return false;
-        printMessage(
-            fmt::format("standard output: cannot write: {}", std::generic_category().message(sink.error())));
-        return false;
+        if (sink.flush()) return {};
+        return Error{ErrorKind::cannotOpen, fmt::format("standard output: cannot write: {}",
+                                                        std::generic_category().message(sink.error()))};
     }
 
     tessera_host::Pane& m_pane;
@@ -91,16 +107,19 @@ int session(const Options& options) {
     ConsoleMessenger messenger(options.document);
     const auto input = openInput(options, messenger);
     if (!input) return reportError(input.error());
-    const auto pane = makePane(*input, options);
+    LayoutInspector inspector(options);
+    const auto pane = makePane(*input, options, &inspector);
     Session session(*pane, messenger);
     LineReader reader(STDIN_FILENO, interruptDescriptor(), maxLine);
-    while (reader.next())
-        if (!session.answer(reader)) return orInterrupted(exitCannotOpen);
+    while (reader.next()) {
+        const auto written = session.respond(reader);
+        if (!written) return reportError(written.error());
+        inspector.reportTruncation();
+    }
     if (isInterrupted()) return exitInterrupted;
     if (reader.error() == 0) return endProgram(exitDone);
-    printMessage(
-        fmt::format("standard input: cannot read: {}", std::generic_category().message(reader.error())));
-    return exitCannotOpen;
+    return reportError({ErrorKind::cannotOpen, fmt::format("standard input: cannot read: {}",
+                                                           std::generic_category().message(reader.error()))});
 }
 
 }  // namespace tessera_cli

@@ -4,17 +4,14 @@
 
 namespace tessera_host {
 
-Catalogs readCatalogs(const std::string& directory, const std::string& locale,
-                      std::vector<std::string>& problems) {
-    std::string error;
-    void* symbol = tessera_support::findInModule(TESSERA_CATALOGS_LIBRARY, "tesseraReadCatalogs", error);
-    if (symbol == nullptr) {
-        problems.push_back("message catalogues cannot be read here: " + error);
-        return nullptr;
-    }
-    using Read = void (*)(const std::string&, const std::string&, std::vector<std::string>&, Catalogs&);
+Expected<Catalogs> readCatalogs(const std::string& directory, const std::string& locale) {
+    std::string reason;
+    void* symbol = tessera_support::findInModule(TESSERA_CATALOGS_LIBRARY, "tesseraReadCatalogs", reason);
+    if (symbol == nullptr)
+        return Error{ErrorKind::cannotOpen, "message catalogues cannot be read here: " + reason};
+    using Read = void (*)(const std::string&, const std::string&, Catalogs&);
     Catalogs catalogs;
-    reinterpret_cast<Read>(symbol)(directory, locale, problems, catalogs);
+    reinterpret_cast<Read>(symbol)(directory, locale, catalogs);
     return catalogs;
 }
 

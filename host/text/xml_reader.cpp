@@ -11,8 +11,8 @@
 
 #include "host/text/file_text.h"
 #include "host/text/text_position.h"
-#include "host/text/xml_problem.h"
 #include "host/text/xml_references.h"
+#include "host/text/xml_stop.h"
 
 namespace tessera_host {
 namespace {
@@ -44,7 +44,7 @@ class BagParser {
   public:
     BagParser(std::string_view document, variant_bag_t& root, const CancelToken& token);
 
-    std::optional<Error> parse();
+    [[nodiscard]] Expected<void> parse();
 
   private:
     // An element whose end tag has not come yet.
@@ -63,7 +63,8 @@ class BagParser {
     void declareEncoding(const char* encoding);
 
     void checkToken();
-    Error& fail(std::string text);
+    void fail(Error error);
+    void failHere(std::string text);
     [[nodiscard]] std::size_t currentOffset() const;
     source_position_t currentPosition();
     Error parserError();
@@ -120,11 +121,11 @@ void BagParser::watchEvents() {
     });
     // Called instead of an error where an external DTD might have declared the entity.
     XML_SetSkippedEntityHandler(parser, [](void* self, const char* name, int) {
-        static_cast<BagParser*>(self)->fail("the entity '" + std::string(name) + "' is not known");
+        static_cast<BagParser*>(self)->failHere("the entity '" + std::string(name) + "' is not known");
     });
 }
 
-std::optional<Error> BagParser::parse() {
+Expected<void> BagParser::parse() {
     checkToken();
     std::size_t done = 0;
     while (done < m_document.size() && !m_error) {
@@ -134,7 +135,8 @@ std::optional<Error> BagParser::parse() {
         const auto status = XML_Parse(m_parser.get(), piece.data(), static_cast<int>(piece.size()), isFinal);
         if (status != XML_STATUS_OK && !m_error) m_error = parserError();
     }
-    return std::move(m_error);
+    if (m_error) return *std::move(m_error);
+    return {};
 }
 
 void BagParser::startElement(const char* name, const char** attributes) {
@@ -159,8 +161,8 @@ void BagParser::checkReferences() {
     const auto size = static_cast<std::size_t>(XML_GetCurrentByteCount(m_parser.get()));
     const auto unknown = unknownReference(m_document.substr(start, size), m_units);
     if (!unknown) return;
-    Error& error = fail("the entity '" + unknown->name + "' is not known");
-    if (m_isUtf8) error.position = m_position.at(start + unknown->offset);
+    fail({ErrorKind::failed, "the entity '" + unknown->name + "' is not known",
+          m_isUtf8 ? m_position.at(start + unknown->offset) : currentPosition()});
 }
 
 void BagParser::endElement() {
@@ -192,8 +194,8 @@ void BagParser::startDoctype(const char* systemId) {
 
 void BagParser::addDoctypeToken(std::string_view token) {
     if (m_error) return;
-    if (token == "<!ENTITY") fail("entity declarations are not accepted");
-    if (token.starts_with('%')) fail("references to parameter entities are not accepted");
+    if (token == "<!ENTITY") failHere("entity declarations are not accepted");
+    if (token.starts_with('%')) failHere("references to parameter entities are not accepted");
 }
 
 void BagParser::declareEncoding(const char* encoding) {
@@ -205,12 +207,16 @@ void BagParser::declareEncoding(const char* encoding) {
 
 // An error stops the parser, which may still report some events.
 void BagParser::checkToken() {
-    if (m_token.isCancelled()) fail("cancelled") = cancelledError();
+    if (m_token.isCancelled()) fail(cancelledError());
 }
 
-Error& BagParser::fail(std::string text) {
+void BagParser::fail(Error error) {
     XML_StopParser(m_parser.get(), XML_FALSE);
-    return m_error.emplace(Error{ErrorKind::failed, std::move(text), currentPosition()});
+    m_error = std::move(error);
+}
+
+void BagParser::failHere(std::string text) {
+    fail({ErrorKind::failed, std::move(text), currentPosition()});
 }
 
 std::size_t BagParser::currentOffset() const {
@@ -228,20 +234,19 @@ source_position_t BagParser::currentPosition() {
 }
 
 Error BagParser::parserError() {
-    XmlProblem problem{.code = XML_GetErrorCode(m_parser.get()),
-                       .document = m_document,
-                       .offset = currentOffset(),
-                       .isUtf8 = m_isUtf8,
-                       .encoding = m_encoding,
-                       .openElement = {},
-                       .openPosition = {}};
+    XmlStop stop{.code = XML_GetErrorCode(m_parser.get()),
+                 .document = m_document,
+                 .offset = currentOffset(),
+                 .isUtf8 = m_isUtf8,
+                 .encoding = m_encoding,
+                 .openElement = {},
+                 .openPosition = {}};
     if (!m_open.empty()) {
-        problem.openElement = openElementName();
-        problem.openPosition = m_open.back().bag->position();
+        stop.openElement = openElementName();
+        stop.openPosition = m_open.back().bag->position();
     }
-    locate(problem);
-    return {ErrorKind::failed, describe(problem),
-            m_isUtf8 ? m_position.at(problem.offset) : currentPosition()};
+    stop.offset = offendingOffset(stop);
+    return {ErrorKind::failed, errorText(stop), m_isUtf8 ? m_position.at(stop.offset) : currentPosition()};
 }
 
 // REQUIRES: an element is open.
@@ -258,7 +263,7 @@ std::string BagParser::openElementName() const {
 Expected<variant_bag_t> readXmlText(std::string_view text, const CancelToken& token) {
     if (text.empty()) return Error{ErrorKind::failed, "the document is empty", {1, 1}};
     variant_bag_t root;
-    if (auto error = BagParser(text, root, token).parse()) return *std::move(error);
+    if (auto parsed = BagParser(text, root, token).parse(); !parsed) return std::move(parsed).error();
     return root;
 }
 

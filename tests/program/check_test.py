@@ -1,4 +1,7 @@
 """What `tessera check` reports, line by line."""
+import json
+import subprocess
+
 import program
 from check_case import CheckCase
 
@@ -23,6 +26,17 @@ class Check(CheckCase):
             database = self.database((folder / f'{name}.sql').read_text(), f'{name}.db')
             done = self.run_program('check', folder / f'{name}.xml', '--db', database)
             self.assertEqual((done.returncode, done.stderr), (0, ''))
+
+    def test_standard_input(self):
+        done = subprocess.run([program.PROGRAM, 'check', '-'], input='<viewpoint/>', capture_output=True, text=True)
+        self.assertEqual((done.returncode, done.stderr),
+                         (1, '/dev/stdin:1:1: error: the document is empty, so no diagram is made\n'))
+        database = self.database()
+        done = subprocess.run([program.PROGRAM, 'render', '-', '--db', database], input=SOUND, capture_output=True, text=True)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertEqual(json.loads(done.stdout)['diagram']['id'], 'g')
+        done = self.run_program('session', '-', '--db', database)
+        self.assert_clean_failure(done, 2, 'session reads requests from standard input; VIEWPOINT must be a file')
 
     def test_malformed_xml(self):
         self.assert_finds('<viewpoint>\n  <diagram>\n</viewpoint>\n', '3:')

@@ -115,13 +115,13 @@ class Inspection(Case):
         self.assertIn('  "g" / "c" "node" level 5 depth 0\n', texts[8])
         self.assertIn('  "g" / "c" "node" level 5 depth 1\n', texts[9])
 
-    def test_dumps_do_not_go_over_what_is_used(self):
+    def test_dumps_do_not_overwrite_what_is_used(self):
         folder = self.folder / 'dumps'
         folder.mkdir()
         kept = self.result.rename(folder / '02-data.txt')
         before = kept.read_bytes()
         done = self.run_program('render', self.document, '--db', kept, '--dump-passes', folder)
-        self.assert_clean_failure(done, 2, f'{kept}: would be written over by --dump-passes')
+        self.assert_clean_failure(done, 2, f'{kept}: would be overwritten by --dump-passes')
         self.assertEqual(kept.read_bytes(), before)
         output = self.folder / 'other' / '01-viewpoint.txt'
         done = self.run_program('render', self.document, '--db', kept, '--format', 'json', '-o', output,
@@ -130,7 +130,7 @@ class Inspection(Case):
         output.parent.mkdir()
         done = self.run_program('render', self.document, '--db', kept, '--format', 'json', '-o', output,
                                 '--dump-passes', output.parent)
-        self.assert_clean_failure(done, 2, f'{output}: would be written over by --dump-passes')
+        self.assert_clean_failure(done, 2, f'{output}: would be overwritten by --dump-passes')
         self.assertFalse(output.exists())
 
     def test_dump_takes_the_place_of_a_link_and_leaves_what_it_leads_to(self):
@@ -149,14 +149,21 @@ class Inspection(Case):
                 done = self.run_program('render', self.document, '--db', self.result, option, value)
                 self.assertEqual(done.returncode, 1)
                 self.assertIn('Link <ac> does not get all of its dummy nodes: the limit is ' + limit, done.stderr)
-                self.assertIn('tessera: ' + str(self.document) + ': the diagram was written, but it is not whole', done.stderr)
+                self.assertIn('tessera: ' + str(self.document) + ': the diagram is incomplete: ', done.stderr)
                 self.assertIn('"nodes"', done.stdout)
+
+    def test_a_session_reports_once_that_a_limit_was_reached(self):
+        answers, done = self.session(self.document, self.result, [{'request': 'create'}] * 2, '--max-elements', 20)
+        self.assertEqual(done.returncode, 0)
+        self.assertEqual([answer['code'] for answer in answers], ['success', 'success'])
+        self.assertEqual(done.stderr.count(': the diagram is incomplete: '), 1, done.stderr)
 
     def test_limits_are_positive_integers(self):
         for value in ('-1', '0', '', '1.5', '0x10', '+5', ' 5', '99999999999999999999'):
             with self.subTest(value):
                 done = self.run_program('render', self.document, '--db', self.result, f'--max-elements={value}')
-                self.assert_clean_failure(done, 2, '--max-elements')
+                text = 'is not an integer from 1 to 999999999999999' if value else 'required'
+                self.assert_clean_failure(done, 2, '--max-elements', text)
 
     def test_folder_that_cannot_be_made(self):
         done = self.run_program('render', self.document, '--db', self.result, '--dump-passes', self.document)
@@ -173,7 +180,7 @@ class Inspection(Case):
         done = self.run_program('render', self.document, '--db', self.result, '--time-passes')
         self.assertEqual(done.returncode, 0)
         lines = re.findall(r'^tessera: (\w+) +([0-9.]+) ms$', done.stderr, re.MULTILINE)
-        self.assertEqual([name for name, _ in lines], [*STAGES, 'together'])
+        self.assertEqual([name for name, _ in lines], [*STAGES, 'total'])
         times = [float(time) for _, time in lines]
         self.assertAlmostEqual(sum(times[:-1]), times[-1], delta=0.02)
         self.assertGreater(times[-1], 0)

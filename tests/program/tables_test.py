@@ -19,7 +19,7 @@ class Tables(Case):
 
     def test_help_names_the_subcommands_and_each_has_its_own(self):
         text = self.help()
-        for name, purpose in [('render', 'Makes one diagram'), ('session', 'Answers requests'), ('check', 'Reports everything')]:
+        for name, purpose in [('render', 'Makes one diagram'), ('session', 'Runs requests'), ('check', 'Reports everything')]:
             self.assertIn(f'{name} {purpose}', text)
             self.assertIn(purpose, self.help(name))
 
@@ -54,6 +54,13 @@ class Tables(Case):
     def test_a_file_ending_without_format_is_answered_with_all_of_them(self):
         done = self.run_program('render', self.write('v.xml', document(GRAPH)), '--db', self.database(), '-o', self.folder / 'x.doc')
         self.assert_clean_failure(done, 2, 'the ending does not name a format; add --format with json, xml, svg, png or pdf')
+
+    def test_an_ending_and_a_format_that_differ_are_refused(self):
+        out = self.folder / 'x.svg'
+        done = self.run_program('render', self.write('v.xml', document(GRAPH)), '--db', self.database(), '-o', out,
+                                '--format', 'png')
+        self.assert_clean_failure(done, 2, f'{out}: the ending names the format svg, but --format is png')
+        self.assertFalse(out.exists())
 
     def test_options_of_pictures_need_a_picture(self):
         viewpoint, database = self.write('v.xml', document(GRAPH)), self.database()

@@ -16,7 +16,8 @@ namespace tessera_host {
 // UTF-8 whatever the file's encoding. Unchanging once made, so any thread may use it.
 class GettextCatalogs final : public optstore2::IMessageCatalogSource {
   public:
-    // What cannot be read is left out, one sentence each in `problems`; a file that is not there is none.
+    // Files that cannot be read are left out; a sentence for each is appended to `problems`. A file that does
+    // not exist is not a problem.
     GettextCatalogs(const std::string& directory, const std::string& locale,
                     std::vector<std::string>& problems);
 

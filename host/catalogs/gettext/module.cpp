@@ -4,7 +4,6 @@
 
 extern "C" __attribute__((visibility("default"))) void tesseraReadCatalogs(const std::string& directory,
                                                                            const std::string& locale,
-                                                                           std::vector<std::string>& problems,
                                                                            tessera_host::Catalogs& catalogs) {
-    catalogs = std::make_shared<tessera_host::GettextCatalogs>(directory, locale, problems);
+    catalogs.source = std::make_shared<tessera_host::GettextCatalogs>(directory, locale, catalogs.problems);
 }

@@ -1,4 +1,4 @@
-// Errors of the XML parser, in words for people.
+// Where the XML parser stopped, and the error in words for people. xml_reader.cpp makes an Error of it.
 #pragma once
 
 #include <expat.h>
@@ -11,7 +11,7 @@
 
 namespace tessera_host {
 
-struct XmlProblem {
+struct XmlStop {
     XML_Error code;
     std::string_view document;
     std::size_t offset;       // in the document, where the parser stopped
@@ -21,11 +21,11 @@ struct XmlProblem {
     basekit2::source_position_t openPosition;
 };
 
-// Moves the offset from where the parser stopped to where a reader would look: the beginning of the end tag,
-// the CDATA section or the reference that is wrong.
-void locate(XmlProblem& problem);
+// Where a reader would look for the mistake: the beginning of the end tag, the CDATA section or the reference
+// that is wrong. The parser stops after it.
+[[nodiscard]] std::size_t offendingOffset(const XmlStop& stop);
 
-// One line, without the position.
-std::string describe(const XmlProblem& problem);
+// One line, without the position. REQUIRES: `stop.offset` is the offending offset.
+[[nodiscard]] std::string errorText(const XmlStop& stop);
 
 }  // namespace tessera_host
