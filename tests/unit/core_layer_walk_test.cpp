@@ -9,13 +9,17 @@
 #include <vector>
 
 #include "core/view_model/passes/layer_walk.h"
+#include "core/view_model/passes/plain_walk.h"
 
 namespace tessera_test {
 namespace {
 
 using tessera_1::view_model::LayerGraph;
 using tessera_1::view_model::Layers;
+using tessera_1::view_model::WalkBudget;
+using tessera_1::view_model::WalkedLayers;
 using tessera_1::view_model::walkLayers;
+using tessera_1::view_model::walkPlainly;
 using Number = std::uint32_t;
 using Children = std::vector<std::vector<Number>>;
 
@@ -152,6 +156,42 @@ TEST(LayerWalk, DoesWhatTheFullWalkDoesWithCycles) {
                        "diagram " + std::to_string(i) + ", last layer " + std::to_string(last));
     }
     EXPECT_GT(cyclic, 300);
+}
+
+constexpr std::size_t plenty = std::size_t{1} << 40U;
+
+// The cost that is computed beforehand is never less than that of the walk.
+TEST(PlainWalk, TakesNoMoreThanWasForeseen) {
+    std::mt19937_64 random(3);
+    int cyclic = 0;
+    for (int i = 0; i < 3'000; ++i) {
+        const Children children = randomChildren(random, i % 2 == 0);
+        const LayerGraph graph = layerGraph(children, rootsOf(children));
+        const auto last = static_cast<Number>(children.size() + random() % 20);
+        WalkBudget foreseen{0, 0, plenty, plenty};
+        WalkBudget unforeseen{0, plenty, 0, plenty};
+        const WalkedLayers walked = walkPlainly(graph, last, foreseen);
+        const WalkedLayers expected = walkPlainly(graph, last, unforeseen);
+        ASSERT_NE(walked.end, WalkedLayers::End::overBudget) << "diagram " << i;
+        ASSERT_EQ(walked.end, expected.end) << "diagram " << i;
+        ASSERT_EQ(walked.arrivals, expected.arrivals) << "diagram " << i;
+        ASSERT_EQ(walked.starts, expected.starts) << "diagram " << i;
+        ASSERT_LE(unforeseen.placeholders, plenty) << "what is spent is never more than there is";
+        if (walked.end == WalkedLayers::End::cycle) ++cyclic;
+    }
+    EXPECT_GT(cyclic, 300);
+}
+
+TEST(PlainWalk, StopsWhereItsPlaceholdersWouldNotFit) {
+    // A ring after a root: two nodes, which alternate down to the last layer.
+    const LayerGraph graph = layerGraph({{1}, {2}, {1}}, {0});
+    for (const std::size_t placeholders : {97U, 98U}) {
+        WalkBudget budget{0, plenty, plenty, placeholders};
+        const WalkedLayers walked = walkPlainly(graph, 100, budget);
+        // 101 arrivals, of which three are of the nodes' own places.
+        EXPECT_EQ(walked.end == WalkedLayers::End::cycle, placeholders == 98) << placeholders;
+        EXPECT_EQ(budget.placeholders, placeholders == 98 ? 0U : placeholders);
+    }
 }
 
 // Rings of 2, 3, 5 and 7 below one root: the layers repeat after 210 sweeps.

@@ -2,15 +2,18 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/layout_watch.h"
 #include "core/view_model/graph.h"
+#include "core/view_model/passes/layout_run.h"
 #include "tests/support/graph_difference.h"
 #include "tests/support/literal_layout.h"
 #include "tests/support/log_capture.h"
@@ -24,6 +27,8 @@ using basekit2::variant_bag_t;
 using literal::Code;
 using literal::Record;
 using tessera_1::view_model::Graph;
+using tessera_1::view_model::LayoutRun;
+using tessera_1::view_model::WalkBudget;
 
 struct Pass {
     const char* name;
@@ -226,6 +231,79 @@ TEST(LayoutRandom, AWalkOfManyMovesLeavesItsPlaceholdersButTheFirstOfEachLayer) 
     const auto& layers = graph.m_levelManagers[nullptr].m_levels;
     ASSERT_EQ(layers.size(), 300U);
     EXPECT_EQ(layers[1]->size(), 298U) << "one node, and all placeholders but one of the 298";
+}
+
+// In a complete graph whose links to far nodes come first, the walk takes a step for every three nodes: more than
+// are taken without a look at what they will lead to.
+TEST(LayoutRandom, AWalkThatTakesTwelveMillionStepsLeavesItsPlaceholdersToo) {
+    constexpr std::size_t size = 420;
+    Graph graph;
+    Graph literalGraph;
+    for (Graph* each : {&graph, &literalGraph}) {
+        std::vector<NodePtr> nodes;
+        for (std::size_t i = 0; i < size; ++i) {
+            nodes.push_back(makeNode(std::to_string(1'000 + i)));
+            each->addNode(nodes.back());
+        }
+        for (std::size_t i = 0; i < size; ++i)
+            for (std::size_t j = size - 1; j > i; --j)
+                each->addLink(makeLink(nodes[i], nodes[j], std::to_string(i) + ">" + std::to_string(j)));
+    }
+    Record record;
+    EXPECT_TRUE(graph.calculateHierarchicalLevels().is_success());
+    EXPECT_EQ(literal::calculateHierarchicalLevels(literalGraph, record), Code::success);
+    EXPECT_EQ(firstDifference(graph, literalGraph, true), "");
+    const auto& layers = graph.m_levelManagers[nullptr].m_levels;
+    ASSERT_EQ(layers.size(), size);
+    EXPECT_EQ(layers[1]->size(), size - 2) << "all nodes but the root have been here, less one placeholder";
+}
+
+// Nodes that push each other through many layers, some of them in cycles.
+void addCrowd(Graph& graph, std::uint64_t seed) {
+    std::mt19937_64 random(seed);
+    std::vector<NodePtr> nodes;
+    for (int i = 0; i < 12; ++i) {
+        nodes.push_back(makeNode("crowd " + std::to_string(i)));
+        graph.addNode(nodes.back());
+    }
+    std::shuffle(nodes.begin(), nodes.end(), random);
+    for (std::size_t i = 0; i < 36; ++i) {
+        std::size_t from = random() % nodes.size();
+        std::size_t to = random() % nodes.size();
+        const bool isForward = seed % 4 != 0 || from == 0 || to == 0;
+        if (isForward && from > to) std::swap(from, to);
+        if (from != to) graph.addLink(makeLink(nodes[from], nodes[to], "crowd link " + std::to_string(i)));
+    }
+}
+
+// With a budget of nothing, groups are layered by whole parts; with one without end, step by step.
+TEST(LayoutRandom, BothWaysOfLayeringPutEveryNodeInTheSamePlace) {
+    constexpr std::uint64_t seeds = 1'500;
+    constexpr std::size_t plenty = std::size_t{1} << 40U;
+    int withPlaceholders = 0;
+    int failures = 0;
+    for (std::uint64_t seed = 0; seed < seeds; ++seed) {
+        std::array<Graph, 2> graphs;
+        std::array<error_code_t, 2> codes;
+        std::array<std::vector<std::string>, 2> reports;
+        for (std::size_t i = 0; i < 2; ++i) {
+            fillRandomDiagram(graphs[i], seed);
+            addCrowd(graphs[i], seed);
+            graphs[i].createDummyLinksForGroups();
+            const LogCapture log;
+            LayoutRun run;
+            run.walkBudget = i == 0 ? WalkBudget{0, 0, 0, 0} : WalkBudget{0, plenty, 0, plenty};
+            codes[i] = calculateHierarchicalLevels(graphs[i], run);
+            reports[i] = log.reports();
+        }
+        ASSERT_EQ(codes[0].value(), codes[1].value()) << "seed " << seed;
+        ASSERT_EQ(reports[0], reports[1]) << "seed " << seed;
+        ASSERT_EQ(firstDifference(graphs[0], graphs[1], false), "") << "seed " << seed;
+        if (!firstDifference(graphs[0], graphs[1], true).empty()) ++withPlaceholders;
+        if (!codes[0].is_success()) ++failures;
+    }
+    EXPECT_GT(withPlaceholders, 1'000) << "the second way was taken where it can be seen";
+    EXPECT_GT(failures, 200) << "of groups with a cycle";
 }
 
 // Nothing is cleared between two layerings, so the second finds the layers of the first.

@@ -36,12 +36,6 @@ constexpr const char* signatureOfOne =
     "basekit2::error_code_t tessera_1::view_model::Graph::calculateHierarchicalLevelsForGroup("
     "const std::shared_ptr<Node>&)";
 
-// How many steps the plain walk may take: so many for each member and each link of a group, and some more that
-// all groups share. It needs more where there is a cycle, or where many paths of different lengths lead to the
-// same nodes; then the layers are computed without walking, and without placeholders.
-constexpr std::size_t stepsPerElement = 16;
-constexpr std::size_t maxSharedSteps = 8'000'000;
-
 basekit2::error_t cycleError() {
     return bk2::error::IsNot.Valid.Range(_U("The layers have no end: there is a cycle of links"));
 }
@@ -88,10 +82,12 @@ void takeLayers(HierarchicalLevelManager& manager, const WalkedLayers& walked, c
             layer.push_back(walked.layerOf[number] == level ? members[number] : nullptr);
             if (layer.back()) layer.back()->setHierarchicalLevel(static_cast<std::int32_t>(level));
         }
-        if (!walked.isBroken) removeFirstPlaceholder(layer);
+        if (walked.end != WalkedLayers::End::cycle) removeFirstPlaceholder(layer);
     }
 }
 
+// Placeholders of these layers would take more memory than there may be: a node in a cycle passes through up to as
+// many layers as the graph has nodes. No operation reads them.
 void takeLayers(HierarchicalLevelManager& manager, const Layers& layers, const NodePtrs& members) {
     for (std::size_t level = 0; level < layers.nodes.size(); ++level) {
         manager.addLevel();
@@ -129,12 +125,12 @@ class GroupLayering {
     bool layerByIndex(HierarchicalLevelManager& manager, const NodePtrs& members) {
         const LayerGraph graph = layerGraph(members);
         const auto lastLayer = static_cast<std::uint32_t>(m_nodes.size());
-        std::size_t steps = m_sharedSteps + stepsPerElement * (members.size() + graph.children.size());
-        const auto walked = walkPlainly(graph, lastLayer, steps);
-        m_sharedSteps = std::min(m_sharedSteps, steps);
-        if (walked) {
-            takeLayers(manager, *walked, members);
-            return walked->isBroken;
+        const WalkedLayers walked = walkPlainly(graph, lastLayer, m_budget, m_run.progress);
+        m_run.isCancelled = walked.end == WalkedLayers::End::cancelled;
+        if (m_run.isCancelled) return false;
+        if (walked.end != WalkedLayers::End::overBudget) {
+            takeLayers(manager, walked, members);
+            return walked.end == WalkedLayers::End::cycle;
         }
         const Layers layers = walkLayers(graph, lastLayer, m_run.progress);
         m_run.isCancelled = layers.isCancelled;
@@ -178,7 +174,7 @@ class GroupLayering {
     Graph& m_graph;
     const IdMap<Node>& m_nodes;
     LayoutRun& m_run;
-    std::size_t m_sharedSteps = maxSharedSteps;  // those that are left
+    WalkBudget m_budget = m_run.walkBudget;  // what is left of it
 };
 
 std::unordered_map<const Node*, NodePtrs> membersOfAllGroups(const Graph& graph) {

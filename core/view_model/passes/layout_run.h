@@ -5,6 +5,7 @@
 
 #include "core/layout_options.h"
 #include "core/view_model/graph.h"
+#include "core/view_model/passes/plain_walk.h"
 #include "platform/relay2/progress.h"
 
 namespace tessera_1::view_model {
@@ -15,6 +16,7 @@ class LabelDummies;
 // called as members of Graph have one of their own, without limits and without progress.
 struct LayoutRun {
     LayoutLimits limits;
+    WalkBudget walkBudget;                        // of each layering
     const relay2::IProgress* progress = nullptr;  // of the present request; not owned, may be null
     bool isTruncated = false;                     // a limit has stopped a pass
     bool isCancelled = false;                     // `progress` has stopped a pass, which is to be run again
