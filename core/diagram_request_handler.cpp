@@ -72,17 +72,30 @@ error_code_t DiagramViewRequestHandler::handleRequest(const std::string& name, c
 
 const variant_bag_t& DiagramViewRequestHandler::getConfig(const variant_bag_t& in,
                                                           relay2::IProgress* progress) {
-    if (hasConfig() || !m_baseHandler) return m_configBag;
-    variant_bag_t fetched;
-    (void)m_baseHandler->handleRequest("config", in, fetched, progress);  // create() tests what came
-    const std::scoped_lock lock(m_mutex);
-    if (m_configBag.is_empty()) m_configBag = std::move(fetched);
-    return m_configBag;
+    static const variant_bag_t noConfig;  // m_configBag itself may be filled at any moment
+    if (!hasConfig() && m_baseHandler) {
+        variant_bag_t fetched;
+        (void)m_baseHandler->handleRequest("config", in, fetched, progress);  // create() tests what came
+        if (!fetched.is_empty()) keepConfig(std::move(fetched));
+    }
+    return hasConfig() ? m_configBag : noConfig;
 }
 
-bool DiagramViewRequestHandler::hasConfig() {
-    const std::scoped_lock lock(m_mutex);
-    return !m_configBag.is_empty();
+bool DiagramViewRequestHandler::hasConfig() const noexcept {
+    return m_configState.load(std::memory_order_acquire) == ConfigState::kept;
+}
+
+// Of several threads that have fetched one, the first is heard. The others wait while it moves its bag, which
+// calls nothing.
+void DiagramViewRequestHandler::keepConfig(variant_bag_t&& config) {
+    ConfigState expected = ConfigState::none;
+    if (m_configState.compare_exchange_strong(expected, ConfigState::arriving, std::memory_order_acquire)) {
+        m_configBag = std::move(config);
+        m_configState.store(ConfigState::kept, std::memory_order_release);
+        m_configState.notify_all();
+    } else {
+        m_configState.wait(ConfigState::arriving, std::memory_order_acquire);
+    }
 }
 
 error_code_t DiagramViewRequestHandler::create(const variant_bag_t& in, variant_bag_t& out,

@@ -1,6 +1,7 @@
 // The request handler of one diagram pane.
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -32,11 +33,12 @@ class DiagramViewRequestHandler : public panelcore_1::IRequestHandler {
     basekit2::error_code_t handleRequest(const std::string& name, const basekit2::variant_bag_t& in,
                                          basekit2::variant_bag_t& out, relay2::IProgress* progress) override;
 
-    // The pane's configuration, which is m_configBag. While that is empty, each call sends "config" to the
-    // base handler, holding no lock: the base handler may send requests to this handler. The first
-    // configuration that is not empty is kept, and never changes again.
-    // `in` is passed on to the base handler, whose result code is ignored. The bag belongs to the handler; it
-    // stays empty without a base handler. Two threads may be in this call at once.
+    // The pane's configuration. While there is none, each call sends "config" to the base handler, holding no
+    // lock: the base handler may send requests to this handler. The first configuration that is not empty is
+    // kept in m_configBag, and never changes again.
+    // `in` is passed on to the base handler, whose result code is ignored. The bag belongs to the handler. As
+    // long as there is no configuration, or no base handler, the result is an empty bag, which stays empty; a
+    // later call returns the configuration. Any thread, at any time: the call never waits for a request.
     const basekit2::variant_bag_t& getConfig(const basekit2::variant_bag_t& in, relay2::IProgress* progress);
 
     // Builds the diagram the first time, and writes it into `out` every time. An empty configuration is the
@@ -54,7 +56,10 @@ class DiagramViewRequestHandler : public panelcore_1::IRequestHandler {
                                              relay2::IProgress* progress);
 
   private:
-    [[nodiscard]] bool hasConfig();
+    enum class ConfigState : unsigned char { none, arriving, kept };
+
+    [[nodiscard]] bool hasConfig() const noexcept;
+    void keepConfig(basekit2::variant_bag_t&& config);
     // For the diagrams of this handler. A handler without options has the defaults.
     [[nodiscard]] virtual LayoutOptions layoutOptions() const { return {}; }
 
@@ -64,8 +69,9 @@ class DiagramViewRequestHandler : public panelcore_1::IRequestHandler {
     std::unique_ptr<DataProvider> m_provider;  // null until a "create" has made one
     std::shared_ptr<panelcore_1::IRequestHandler> m_baseHandler;
     std::shared_ptr<panelcore_1::IFilterMgr> m_filterMgr;  // kept, never called
-    basekit2::variant_bag_t m_configBag;
-    std::mutex m_mutex;  // held while m_provider is used, and for a moment to look at m_configBag or set it
+    basekit2::variant_bag_t m_configBag;  // read only when m_configState is `kept`; not written from then on
+    std::atomic<ConfigState> m_configState = ConfigState::none;
+    std::mutex m_mutex;  // held while m_provider is used
 };
 
 }  // namespace tessera_1

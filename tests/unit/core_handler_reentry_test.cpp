@@ -4,12 +4,14 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <functional>
 #include <future>
 #include <string>
 #include <thread>
 
+#include "core/diagram_request_handler.h"
 #include "core/factory.h"
 #include "tests/support/assertion_capture.h"
 #include "tests/support/log_capture.h"
@@ -76,36 +78,86 @@ TEST_F(HandlerReentry, OtherRequestsFromInsideConfigAreServedAsWell) {
 }
 
 TEST_F(HandlerReentry, AThreadDoesNotWaitForAnothersConfig) {
-    std::promise<void> isAsked, mayAnswer;
+    std::promise<void> isCalled, mayReturn;
     base->onConfig = [&](int call) {
         if (call != 1) return;
-        isAsked.set_value();
-        mayAnswer.get_future().wait();
+        isCalled.set_value();
+        mayReturn.get_future().wait();
     };
     variant_bag_t first, second;
     std::thread slow([&] { EXPECT_TRUE(send("create", first).is_success()); });
-    isAsked.get_future().wait();
+    isCalled.get_future().wait();
     EXPECT_TRUE(send("create", second).is_success()) << "while the first still waits for its configuration";
-    mayAnswer.set_value();
+    mayReturn.set_value();
     slow.join();
     EXPECT_EQ(jsonOf(first), jsonOf(second));
 }
 
 TEST_F(HandlerReentry, TheFirstConfigurationOfTwoThreadsIsKept) {
-    std::promise<void> isAsked, mayAnswer;
+    std::promise<void> isCalled, mayReturn;
     base->onConfig = [&](int call) {
         if (call != 1) return;
-        isAsked.set_value();
-        mayAnswer.get_future().wait();
+        isCalled.set_value();
+        mayReturn.get_future().wait();
         base->config = bagOf("<v><diagram><graph id='late'/></diagram></v>");
     };
     variant_bag_t first, second;
     std::thread slow([&] { EXPECT_TRUE(send("create", first).is_success()); });
-    isAsked.get_future().wait();
+    isCalled.get_future().wait();
     EXPECT_TRUE(send("create", second).is_success());
-    mayAnswer.set_value();
+    mayReturn.set_value();
     slow.join();
     EXPECT_EQ(jsonOf(first), jsonOf(second)) << "the late configuration is not used";
+}
+
+// While a "create" is inside a query library that does not return, whatever it waits for.
+TEST(HandlerConfiguration, IsReadWhileACreateIsInsideACallback) {
+    class HoldingLibrary final : public ForwardingQueryLibrary {
+      public:
+        using ForwardingQueryLibrary::ForwardingQueryLibrary;
+        sptr_t<qlib_1::IQuery> buildQuery(const variant_bag_t& definition,
+                                          relay2::IMessenger* messenger) override {
+            isInside.set_value();
+            mayReturn.get_future().wait();
+            return ForwardingQueryLibrary::buildQuery(definition, messenger);
+        }
+
+        std::promise<void> isInside, mayReturn;
+    };
+    const LogCapture log;
+    MemoryHost host(
+        "<v><diagram><graph id='g'><node id='a'/></graph>"
+        "<display><node id='a'><rowSet><queryRef>/q</queryRef></rowSet></node></display></diagram></v>");
+    const auto library = basekit2::make_counted<HoldingLibrary>(host.library);
+    tessera_1::DiagramViewRequestHandler handler(library, host.inputData, host.base, host.filterMgr, nullptr);
+    const variant_bag_t& before =
+        tessera_1::DiagramViewRequestHandler(library, host.inputData, nullptr, host.filterMgr, nullptr)
+            .getConfig({}, nullptr);
+    EXPECT_TRUE(before.is_empty()) << "without a base handler there is no configuration";
+    std::thread creates([&] {
+        variant_bag_t out;
+        EXPECT_TRUE(handler.create({}, out, nullptr).is_success());
+    });
+    library->isInside.get_future().wait();
+    auto config = std::async(std::launch::async, [&] { return jsonOf(handler.getConfig({}, nullptr)); });
+    const bool isThere = config.wait_for(std::chrono::seconds(20)) == std::future_status::ready;
+    library->mayReturn.set_value();
+    creates.join();
+    EXPECT_TRUE(isThere) << "the question waited for the request";
+    EXPECT_EQ(config.get(), jsonOf(host.base->config));
+}
+
+// For the thread sanitizer as well: the bag that a call returned is read while another fills the handler's.
+TEST_F(HandlerReentry, AnEmptyConfigurationThatWasReturnedStaysEmpty) {
+    base->config = {};
+    tessera_1::DiagramViewRequestHandler alone(host.library, host.inputData, base, host.filterMgr, nullptr);
+    const variant_bag_t& none = alone.getConfig({}, nullptr);
+    base->config = bagOf(oneNode);
+    std::thread fetches([&] { EXPECT_FALSE(alone.getConfig({}, nullptr).is_empty()); });
+    for (int i = 0; i < 1'000; ++i)
+        EXPECT_TRUE(none.is_empty());
+    fetches.join();
+    EXPECT_EQ(jsonOf(alone.getConfig({}, nullptr)), jsonOf(base->config));
 }
 
 // The assertion switch is read once in a process, so this runs in one of its own. A handler that holds a lock
