@@ -52,7 +52,7 @@ basekit2::error_code_t failedWith(const Place& place, const char* condition, boo
                                   const char* expression, const basekit2::error_t& error) {
     if (isReceived(place))
         report(place, inSignature(std::string("Check failed: ") + condition, place) + " '" + expression +
-                          ":" + error.message.str() + "'");
+                          ":" + error.message().str() + "'");
     return basekit2::error_code_t::raise(error, place.signature, place.unit.path(), place.line);
 }
 

@@ -53,10 +53,11 @@ class raise_log_t {
 }  // namespace
 
 error_code_t error_code_t::raise(const error_t& error, const char* function, const char* file, int line) {
-    const std::uint64_t number = raise_log_t::process().add({error.message.str(), function, file, line});
-    return error_code_t((number << 8U) | (error.number + 1));
+    const std::uint64_t number = raise_log_t::process().add({error.message().str(), function, file, line});
+    return error_code_t((number << 8U) | (error.number() + 1));
 }
 
+// The entries of the table only: a host's own entry cannot be found by its number.
 const char* error_code_t::name() const noexcept {
     if (is_success()) return "success";
     if (is_false()) return "false";

@@ -7,17 +7,32 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include "platform/RTBASE_2_18/strings/ustring8.h"
 #include "platform/export.h"
 
 namespace basekit2 {
 
-// One error of the table with the message of one occurrence, ready to be raised. Made by calling a table
-// entry: `bk2::error::IsNot.Valid.Data(_U("..."))`. The message is for people: UTF-8, one line.
-struct error_t {
-    std::uint32_t number = 0;
-    RTBASE_2_18::strings::ustring8 message;
+namespace error {
+struct entry_t;
+}
+
+// One error of the table with the message of one occurrence, ready to be raised. Made only by calling a table
+// entry: `bk2::error::IsNot.Valid.Data(_U("..."))`. So its number is always one that a code can hold. The
+// message is for people: UTF-8, one line.
+class error_t {
+  public:
+    [[nodiscard]] std::uint32_t number() const noexcept { return m_number; }
+    [[nodiscard]] const RTBASE_2_18::strings::ustring8& message() const noexcept { return m_message; }
+
+  private:
+    friend struct error::entry_t;
+    error_t(std::uint32_t number, RTBASE_2_18::strings::ustring8 message)
+        : m_number(number), m_message(std::move(message)) {}
+
+    std::uint32_t m_number;
+    RTBASE_2_18::strings::ustring8 m_message;
 };
 
 namespace error {
@@ -34,8 +49,8 @@ struct entry_t {
         if (entryNumber > maxNumber) refuse();
     }
 
-    std::uint32_t number;
-    const char* name;  // NUL-terminated; a literal
+    const std::uint32_t number;  // never changed after the check in the constructor
+    const char* const name;      // NUL-terminated; a literal
 
     // This error with a message; nothing is raised yet. See error_code_t::raise().
     [[nodiscard]] error_t operator()(RTBASE_2_18::strings::ustring8 message) const {

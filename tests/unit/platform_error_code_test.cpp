@@ -4,6 +4,8 @@
 #include <set>
 #include <string>
 #include <thread>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "platform/basekit2/error_code.h"
@@ -71,6 +73,18 @@ concept IsNumberOfAnEntry = requires {
 };
 static_assert(IsNumberOfAnEntry<0> && IsNumberOfAnEntry<254>);
 static_assert(!IsNumberOfAnEntry<255> && !IsNumberOfAnEntry<256>, "a code has no bits for them");
+
+// What is raised comes from an entry, so raise() gets no other number: neither from parentheses, nor from braces,
+// nor by assignment.
+template <class Code>
+concept RaisesAnyNumber = requires(const char* place) {
+    Code::raise({300U, ustring8("why")}, place, place, 1);
+};
+static_assert(!RaisesAnyNumber<error_code_t>);
+static_assert(!std::is_constructible_v<basekit2::error_t, std::uint32_t, ustring8>);
+static_assert(!std::is_default_constructible_v<basekit2::error_t> && !std::is_aggregate_v<basekit2::error_t>);
+static_assert(!std::is_aggregate_v<error::entry_t>);
+static_assert(!std::is_assignable_v<decltype((std::declval<error::entry_t&>().number)), std::uint32_t>);
 
 TEST(ErrorCode, LargestNumberOfAnEntryIsKept) {
     constexpr error::entry_t largest(254, "largest");
