@@ -1,6 +1,6 @@
 #include "core/viewpointparser.h"
 
-#include <array>
+#include <string_view>
 #include <utility>
 
 #include "core/check.h"
@@ -29,10 +29,9 @@ std::string getAttrAndLocalize(const basekit2::variant_bag_t& bag, std::string n
 }
 
 std::string getMessageFromCatalog(const std::string& key) {
-    static const std::array<std::string, 3> catalogNames{"slicer2", "viewpoint", "storeiface1"};
-    for (const std::string& catalogName : catalogNames) {
+    for (const std::string_view catalogName : optstore2::catalogNames) {
         const auto source = optstore2::getMessageCatalogSource();
-        const auto catalog = source->getCatalog(catalogName);
+        const auto catalog = source->getCatalog(std::string(catalogName));
         if (!catalog || !catalog->has_message(key)) continue;
         const auto text = catalog->message(key).as_ustring(RTBASE_2_18::generic::varg_list{});
         if (!text.empty()) return text.str();

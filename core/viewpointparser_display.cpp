@@ -1,9 +1,11 @@
 // The display section: names, types, alignings and the values that nodes and links show.
+#include <algorithm>
 #include <string>
 #include <utility>
 
 #include "core/check.h"
 #include "core/viewpointparser.h"
+#include "core/vocabulary.h"
 
 namespace tessera_1 {
 
@@ -85,7 +87,7 @@ void DViewpointParser::parseDataTransfer(DataTransferTable& table, const variant
         }
         for (auto mode = child.get_value().begin(); !mode.at_end(); mode.next()) {
             const std::string_view name = mode.get_name();
-            if (name != "bandwidth" && name != "ratio" && name != "size") {
+            if (std::find(displayModeNames.begin(), displayModeNames.end(), name) == displayModeNames.end()) {
                 TESSERA_ALERT("Unknown element <" + std::string(name) +
                               "> found under <dataTransfer>. Expected <bandwidth>, <ratio>, <size>");
                 continue;

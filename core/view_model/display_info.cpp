@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/check.h"
+#include "core/vocabulary.h"
 #include "platform/basekit2/object_registry.h"
 #include "platform/qlibhelpers_1_x/table_tree_helper.h"
 
@@ -93,8 +94,8 @@ error_code_t DisplayInfo::setDataFromResult(sptr_t<qlib_1::IQueryLibrary> queryL
     query->setInputData(inputData);
     if (!prepareTotal(*query, queryLibrary, m_rowSet.ds, TESSERA_SIGNATURE).is_success())
         return error_code_t::false_code();
-    for (const char* filter : {"selection", "global"}) {
-        const error_code_t err = addFilter(inputData, query, filter);
+    for (const std::string_view filter : filterNames) {
+        const error_code_t err = addFilter(inputData, query, std::string(filter));
         TESSERA_CHECK(err.succeeded(), error_code_t::false_code());
     }
     sptr_t<qlib_1::ITableTree> tree;

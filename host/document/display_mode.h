@@ -2,19 +2,19 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string_view>
+
+#include "core/vocabulary.h"
 
 namespace tessera_host {
 
 // Which of a label's values a diagram shows. A new diagram is in the first mode.
 enum class DisplayMode : std::uint8_t { bandwidth, ratio, size };
 
-// By DisplayMode. A document's elements and requests name the modes in this way.
-inline constexpr std::array<std::string_view, 3> displayModeNames{"bandwidth", "ratio", "size"};
+using tessera_1::displayModeNames;  // by DisplayMode
 
 [[nodiscard]] constexpr std::string_view nameOf(DisplayMode mode) noexcept {
     return displayModeNames[static_cast<std::size_t>(mode)];

@@ -2,17 +2,16 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <map>
 #include <string>
 #include <string_view>
 
+#include "core/vocabulary.h"
 #include "platform/basekit2/variant_bag.h"
 
 namespace tessera_host {
 
-// The filters that the diagram library applies to every query; others are never applied.
-inline constexpr std::array<std::string_view, 2> filterNames{"selection", "global"};
+using tessera_1::filterNames;
 
 [[nodiscard]] constexpr bool isFilterName(std::string_view name) noexcept {
     return std::find(filterNames.begin(), filterNames.end(), name) != filterNames.end();
