@@ -18,7 +18,7 @@ class GroupLevelManager;
 // at a time.
 class TESSERA_EXPORT Node : public std::enable_shared_from_this<Node> {
   public:
-    // A new node is no member of a group, has no id and shows nothing; the graph does not know it until
+    // A new node is not a member of a group, has no id and shows nothing; the graph does not know it until
     // addNode(). Types: "node" from a document; "label", "groupInfo" and "dummy" from the passes.
     Node();
     explicit Node(std::string type);

@@ -21,6 +21,7 @@ sptr_t<IObject> object_registry_t::query(const sptr_t<IObject>& object, type_id_
     sptr_t<IObject> found = object->queryInterface(id);
     if (found.is_null() || found->asRemote() == nullptr) return found;
 
+    // The factory is called without the lock, since it may use the registry.
     proxy_factory_t factory = nullptr;
     {
         const std::scoped_lock lock(m_mutex);

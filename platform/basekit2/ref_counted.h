@@ -16,6 +16,8 @@ namespace basekit2 {
 template <class Interface>
 class ref_counted_t : public Interface {
   public:
+    // For the constructors of the implementing class. Nothing else is counted until make_counted() returns, so a
+    // constructor must not hand out `this`.
     ref_counted_t() = default;
     ref_counted_t(const ref_counted_t&) = delete;
     ref_counted_t& operator=(const ref_counted_t&) = delete;
@@ -31,6 +33,7 @@ class ref_counted_t : public Interface {
     ~ref_counted_t() override = default;
 
   private:
+    // Starts at the reference that make_counted() returns.
     mutable std::atomic<std::uint32_t> m_references{1};
 };
 

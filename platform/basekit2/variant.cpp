@@ -50,8 +50,8 @@ variant_t::variant_t(const variant_t& other)
 
 variant_t::variant_t(variant_t&& other) noexcept
     : m_data(other.m_data), m_size(other.m_size), m_type(other.m_type), m_owned(other.m_owned) {
-    if (!m_owned &&
-        m_type == type_t::string) {  // a value inside a bag stays what it is; the taker gets a copy
+    // A value inside a bag stays what it is, and this one gets a copy of its text.
+    if (!m_owned && m_type == type_t::string) {
         m_data.text = duplicate(other.m_data.text, m_size);
         m_owned = true;
         return;

@@ -40,13 +40,16 @@ class TESSERA_PLATFORM_EXPORT variant_t {
     }
     // NOLINTEND(google-explicit-constructor)
 
+    // A deep copy: its text is its own, also when `other` is a value inside a bag.
     variant_t(const variant_t& other);
     // Leaves `other` without a value, except when it is a value inside a bag: that one stays as it is and its
     // text is copied.
     variant_t(variant_t&& other) noexcept;
+    // For a variant of the caller's own; a value inside a bag is changed by the bag's put() only.
     variant_t& operator=(variant_t other) noexcept;
     ~variant_t();
 
+    // What it holds; `none` after default construction and after a move.
     [[nodiscard]] type_t type() const noexcept { return m_type; }
 
     // True when get<T>() has a value to return. T is const char*, std::string_view, std::int64_t or bool; the

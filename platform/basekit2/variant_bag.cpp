@@ -12,7 +12,7 @@ namespace {
 constexpr std::uint32_t maxUnindexedValues = 16;
 
 // Up to here a copy's memory is measured beforehand and allocated at once; larger copies grow like any tree.
-constexpr std::size_t largestExactCopy = 4096;
+constexpr std::size_t maxExactCopy = 4096;
 
 }  // namespace
 
@@ -161,13 +161,13 @@ void variant_bag_t::put(std::string_view name, const variant_t& value) {
         return;
     }
     value_node_t& node = value_for(name);
-    new (&node.value)
-        variant_t(value);  // no text of its own: neither the old nor the new value needs a destructor
+    // Without text of their own, neither the old nor the new value needs a destructor.
+    new (&node.value) variant_t(value);
 }
 
 void variant_bag_t::put_text(std::string_view name, std::string_view text) {
-    const std::string_view kept =
-        arena().copy(text);  // first, since `text` may lie in the value to be replaced
+    // First, since `text` may lie in the value to be replaced.
+    const std::string_view kept = arena().copy(text);
     value_node_t& node = value_for(name);
     new (&node.value) variant_t(variant_t::borrowed_t{}, kept);
 }
@@ -197,7 +197,7 @@ std::size_t variant_bag_t::content_size() const {
         for (const child_node_t* node = bag.m_firstChild; node; node = node->next) {
             size += arena_t::sizeOfChild(node->name->view());
             if (!node->bag.is_empty()) open.push_back(&node->bag);
-            if (size > largestExactCopy) return 0;
+            if (size > maxExactCopy) return 0;
         }
     }
     return size;

@@ -99,6 +99,7 @@ class TESSERA_PLATFORM_EXPORT variant_bag_t {
     //     for (auto it = bag.begin(); !it.at_end(); it.next()) ...
     [[nodiscard]] iterator_t begin() const noexcept { return iterator_t(m_firstChild); }
     [[nodiscard]] value_iterator_t begin_values() const noexcept { return value_iterator_t(m_firstValue); }
+    // The number of distinct names under which there are values; children do not count.
     [[nodiscard]] std::size_t value_count() const noexcept { return m_valueCount; }
 
     // Stores a copy of a value under `name` ("" is a name, too); a name that is there already keeps its place

@@ -27,12 +27,14 @@ struct variant_bag_t::name_t {
     }
 };
 
+// A value in the list of its bag's values. Its text lies in the arena too, so no destructor of it is run.
 struct variant_bag_t::value_node_t {
     value_node_t* next = nullptr;
     const name_t* name = nullptr;
     variant_t value;
 };
 
+// A child in the list of its bag's children, the bag itself included.
 struct variant_bag_t::child_node_t {
     child_node_t* next = nullptr;
     const name_t* name;
@@ -54,12 +56,14 @@ class variant_bag_t::arena_t {
         const std::size_t whole = sizeof(arena_t) + (size == 0 ? smallest : size);
         return new (::operator new(whole)) arena_t(whole);
     }
+    // Ends the arena and everything that lies in it. Null is allowed.
     static void destroy(arena_t* arena) noexcept {
         if (arena == nullptr) return;
         arena->~arena_t();
         ::operator delete(arena);
     }
 
+    // A new object, which lives as long as the arena. Its destructor is never run.
     template <class T, class... Args>
     T* make(Args&&... args) {
         return new (allocate(sizeof(T), alignof(T))) T(std::forward<Args>(args)...);
@@ -80,6 +84,7 @@ class variant_bag_t::arena_t {
             if (m_blocks == nullptr) return make_name(name);
             m_names = std::make_unique<name_cache_t>();
         }
+        // One slot for each mix, overwritten by the next name that comes there.
         const std::size_t mix = name.empty() ? 0
                                              : static_cast<unsigned char>(name.front()) * 31U +
                                                    static_cast<unsigned char>(name.back()) * 7U + name.size();
@@ -153,10 +158,10 @@ class variant_bag_t::arena_t {
         return reinterpret_cast<std::byte*>(block) + head;
     }
 
-    std::byte* m_free;
+    std::byte* m_free;  // of the latest block
     std::byte* m_end;
-    block_t* m_blocks = nullptr;
-    std::size_t m_blockSize = 512;
+    block_t* m_blocks = nullptr;    // all but the first, the latest first
+    std::size_t m_blockSize = 512;  // of the latest; grows with each
     std::unique_ptr<name_cache_t> m_names;
     std::unique_ptr<indexes_t> m_indexes;
 };

@@ -6,6 +6,7 @@
 namespace optstore2 {
 namespace {
 
+// What is installed at the start: every text stays as it is written.
 class no_catalogs_t final : public IMessageCatalogSource {
   public:
     std::shared_ptr<const RTBASE_2_18::i18n::catalog_t> getCatalog(const std::string&) const override {
@@ -32,6 +33,7 @@ std::shared_ptr<const IMessageCatalogSource> getMessageCatalogSource() {
 
 void setMessageCatalogSource(std::shared_ptr<const IMessageCatalogSource> source) {
     if (!source) source = std::make_shared<no_catalogs_t>();
+    // The replaced source is destroyed after the lock is released.
     const std::scoped_lock lock(installed().mutex);
     installed().source.swap(source);
 }

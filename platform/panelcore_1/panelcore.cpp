@@ -4,6 +4,7 @@
 namespace panelcore_1 {
 namespace {
 
+// No request displaces another.
 class default_strategy_t final : public ITaskDisplacementStrategy {
   public:
     bool buildTaskName(const std::string&, const basekit2::variant_bag_t&, std::string&) const override {

@@ -8,6 +8,7 @@
 namespace qlib_1 {
 namespace {
 
+// Unchanging: pushBack() makes a new one.
 class vector_query_t final : public basekit2::ref_counted_t<IVectorQuery> {
   public:
     explicit vector_query_t(std::vector<sptr_t<IQuery>> members) : m_members(std::move(members)) {}

@@ -13,6 +13,7 @@ error_code_t not_valid(const char* what, const char* function, int line) {
                                "platform/slicekit_1_0/table_tree_query", line);
 }
 
+// Collects a request and leaves the work to the input data's engine. A failure is raised here, where it is found.
 class table_tree_query_t final : public basekit2::ref_counted_t<ITableTreeQuery> {
   public:
     void setInputData(sptr_t<qlib_1::IInputData> inputData) override { m_inputData = std::move(inputData); }
@@ -29,6 +30,7 @@ class table_tree_query_t final : public basekit2::ref_counted_t<ITableTreeQuery>
         return {};
     }
 
+    // The engine is given all columns at once.
     void endColumns() override {}
 
     error_code_t addFilter(const std::string& name) override {
@@ -38,7 +40,7 @@ class table_tree_query_t final : public basekit2::ref_counted_t<ITableTreeQuery>
 
     error_code_t run(relay2::IProgress* progress, bool wait, sptr_t<qlib_1::ITableTree>& tree) override {
         const auto engine = basekit2::object_registry_t::process().query<ITableTreeEngine>(m_inputData);
-        if (engine.is_null()) return not_valid("The input data answers no queries", __func__, __LINE__);
+        if (engine.is_null()) return not_valid("The input data cannot run queries", __func__, __LINE__);
         return engine->run(m_request, progress, wait, tree);
     }
 

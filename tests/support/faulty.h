@@ -239,10 +239,10 @@ class CountingFilterMgr final : public ForwardingFilterMgr {
   public:
     using ForwardingFilterMgr::ForwardingFilterMgr;
     std::vector<std::string> getFilterNames() const override {
-        ++asked;
+        ++calls;
         return ForwardingFilterMgr::getFilterNames();
     }
-    mutable int asked = 0;
+    mutable int calls = 0;
 };
 
 // A memory host wrapped in faulty forms that share one plan.

@@ -145,7 +145,7 @@ sptr_t<basekit2::IObject> MemoryInputData::queryInterface(type_id_t id) {
 
 error_code_t MemoryBaseHandler::handleRequest(const std::string& name, const variant_bag_t&,
                                               variant_bag_t& out, relay2::IProgress*) {
-    ++asked;
+    ++calls;
     if (name != "config")
         return error_code_t::raise(bk2::error::FailedTo(RTBASE_2_18::strings::ustring8(name)), __func__,
                                    __FILE__, __LINE__);

@@ -105,7 +105,7 @@ class MemoryBaseHandler final : public panelcore_1::IRequestHandler {
                                relay2::IProgress* progress) override;
 
     variant_bag_t config;
-    std::atomic<int> asked{0};
+    std::atomic<int> calls{0};
 };
 
 class MemoryFilterMgr final : public panelcore_1::IFilterMgr {

@@ -113,7 +113,7 @@ class Maker {
     }
 
     // Members of one group, when there are two.
-    void setEndsSideBySide(tessera_1::view_model::Link& link) {
+    void setEndsInOneGroup(tessera_1::view_model::Link& link) {
         std::vector<NodePtr> besides;
         for (const NodePtr& node : m_nodes)
             if (node != link.m_from && node->m_group == link.m_from->m_group) besides.push_back(node);
@@ -138,7 +138,7 @@ class Maker {
             link.m_to = link.m_from->m_group;
         }
         if (m_isTame) {
-            setEndsSideBySide(link);
+            setEndsInOneGroup(link);
             return dropLoop(link);
         }
         if (chance(2)) link.m_from = nullptr;

@@ -13,15 +13,15 @@ namespace {
 TEST_F(ThreeRows, FiltersOfTheRegistryAreSelectionThenGlobalAndNoOthers) {
     struct Case {
         std::set<std::string> registry;
-        Reports asked;
+        Reports expected;
     };
-    for (const auto& [registry, asked] :
+    for (const auto& [registry, expected] :
          {Case{{}, {}}, Case{{"selection"}, {"selection"}}, Case{{"global"}, {"global"}},
           Case{{"global", "selection", "other"}, {"selection", "global"}},
           Case{{"Selection", "other"}, {}}}) {
         result->filters = registry;
         EXPECT_TRUE(fetch().is_success());
-        EXPECT_EQ(result->runs.back().filters, asked);
+        EXPECT_EQ(result->runs.back().filters, expected);
     }
     EXPECT_EQ(log.reports(), Reports{});
 }

@@ -127,7 +127,7 @@ TEST_F(Binding, RowsMayBeMany) {
         result->values[names.back()] = std::to_string(i);
         rows({"/" + names.back()});
     }
-    rows({"/q0", "/q499", "/nobody"});
+    rows({"/q0", "/q499", "/unknown"});
     info.m_rowSet.ds = vectorOf(names);
     EXPECT_TRUE(fetch().is_success());
     for (int i = 0; i < count; ++i)
@@ -139,7 +139,7 @@ TEST_F(Binding, RowsMayBeMany) {
 TEST_F(Binding, AmongManyRowsAColumnWithoutARowStopsAsWell) {
     for (int i = 0; i < 100; ++i)
         rows({"/q" + std::to_string(i)});
-    info.m_rowSet.ds = vectorOf({"q7", "nobody", "q8"});
+    info.m_rowSet.ds = vectorOf({"q7", "unknown", "q8"});
     result->values = {{"q7", "7"}, {"q8", "8"}};
     EXPECT_TRUE(fetch().is_false());
     EXPECT_EQ(info.m_rowSet.rows[7].m_value, "7");
@@ -162,14 +162,14 @@ TEST_F(ThreeRows, OnlyColumnsWithTheValueFlagAreConsidered) {
 }
 
 TEST_F(ThreeRows, OtherColumnsNeedNoRow) {
-    result->extraColumns = {"nobody"};
+    result->extraColumns = {"unknown"};
     result->columnFlags = qlib_1::columnIsKey;
     EXPECT_TRUE(fetch().is_success());
     EXPECT_EQ(log.reports(), Reports{});
 }
 
 TEST_F(ThreeRows, ValueColumnThatWasNotRequestedStopsAtOnce) {
-    result->extraColumns = {"nobody"};
+    result->extraColumns = {"unknown"};
     expectFailure("it != rowSet.rows.end()");
 }
 
@@ -187,11 +187,11 @@ class OneColumn final : public basekit2::ref_counted_t<qlib_1::IColumnInfo> {
         : m_query(std::move(columnQuery)), m_member(member) {}
     std::uint32_t getFlags() const noexcept override { return qlib_1::columnIsValue; }
     sptr_t<qlib_1::IQuery> getQuery() const override {
-        ++asked;
+        ++calls;
         return m_query;
     }
     std::size_t getMemberIndex() const noexcept override { return m_member; }
-    mutable int asked = 0;
+    mutable int calls = 0;
 
   private:
     sptr_t<qlib_1::IQuery> m_query;
@@ -209,7 +209,7 @@ TEST(ColumnQuery, OfASingleQueryIsWhatTheColumnReturnsOnTheSecondCall) {
     const auto single = query("a");
     const auto column = basekit2::make_counted<OneColumn>(single, 0);
     EXPECT_EQ(tessera_1::view_model::getColumnQuery(column), single);
-    EXPECT_EQ(column->asked, 2);
+    EXPECT_EQ(column->calls, 2);
 }
 
 TEST(ColumnQuery, BeyondTheVectorIsNone) {

@@ -130,10 +130,10 @@ TEST_F(Provider, EachDisplayInfoIsOneQueryNodesFirstThenLinks) {
         <node id="z"><rowSet><queryRef>/z</queryRef></rowSet></node>
       </display></diagram></v>)");
     create();
-    Reports asked;
+    Reports fetched;
     for (const auto& run : host->result->runs)
-        asked.push_back(run.columns->at(0)->getIdentifier());
-    EXPECT_EQ(asked, (Reports{"z", "a", "from", "to", "total"}));
+        fetched.push_back(run.columns->at(0)->getIdentifier());
+    EXPECT_EQ(fetched, (Reports{"z", "a", "from", "to", "total"}));
 }
 
 TEST_F(Provider, MetadataIsDiagramNodesAndLinksAndNothingElse) {

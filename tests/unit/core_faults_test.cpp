@@ -235,7 +235,7 @@ TEST_F(Faults, FilterManagerIsKeptAndNeverCalled) {
     EXPECT_EQ(manager.use_count(), 2);
     for (const char* name : {"create", "refresh", "create"})
         EXPECT_TRUE(send(name).is_success());
-    EXPECT_EQ(manager->asked, 0);
+    EXPECT_EQ(manager->calls, 0);
 }
 
 TEST_F(Faults, CataloguesThatVanishOrHaveEmptyTextsLeaveTheKeys) {
@@ -315,7 +315,7 @@ struct Cancellation : Faults {
             expectNextRefreshWorks();
             if (code.is_success()) return;
         }
-        FAIL() << "the request asks for ever";
+        FAIL() << "the request never ends";
     }
     std::vector<Cancelled> seen;
 };

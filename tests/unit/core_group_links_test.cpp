@@ -18,7 +18,7 @@ struct GroupLinks : testing::Test, Diagram {
     NodePtr g = node("G"), x = node("X", g), a = node("A");
 };
 
-TEST_F(GroupLinks, LinkOutOfAGroupGetsADummyBetweenTheNodesSideBySide) {
+TEST_F(GroupLinks, LinkOutOfAGroupGetsADummyInTheCommonGroup) {
     const LinkPtr real = link(x, a);
     graph.createDummyLinksForGroups();
     ASSERT_EQ(links(), (Names{"X>A", "G>A"}));

@@ -75,7 +75,7 @@ TEST_F(HierarchicalLevels, ParentsInOtherGroupsDoNotCount) {
     EXPECT_EQ(layers(), (Layers{{"G", "O"}})) << "without dummy links nothing says more";
 }
 
-TEST_F(HierarchicalLevels, DummyLinksOrderTheGroupsAndNodesSideBySide) {
+TEST_F(HierarchicalLevels, DummyLinksOrderTheGroupsAndNodesOfTheCommonGroup) {
     const NodePtr g = node("G"), m = node("M", g), outside = node("O"), after = node("A");
     link(outside, m);
     link(m, after);
@@ -87,14 +87,14 @@ TEST_F(HierarchicalLevels, DummyLinksOrderTheGroupsAndNodesSideBySide) {
 
 TEST_F(HierarchicalLevels, CycleUnderARootFailsItsGroupAndThoseAfterItAreNotLayered) {
     const NodePtr g = node("G"), before = node("before", g);
-    const NodePtr r = node("R"), p = node("P"), q = node("Q"), h = node("H"), behind = node("behind", h);
+    const NodePtr r = node("R"), p = node("P"), q = node("Q"), h = node("H"), after = node("after", h);
     chain({r, p, q, p});
     // The top level is first in the order of nodes, G second, H third.
     EXPECT_TRUE(graph.calculateHierarchicalLevels().is_false());
     EXPECT_EQ(idsOf(graph.m_groups), (Names{"(null)", "G", "H"}));
     EXPECT_EQ(log.reports(), cycleReports);
     EXPECT_EQ(before->getHierarchicalLevel(), -1);
-    EXPECT_EQ(behind->getHierarchicalLevel(), -1);
+    EXPECT_EQ(after->getHierarchicalLevel(), -1);
     // Seven nodes: the walk stops at the eighth layer, and from the first on P and Q take turns.
     EXPECT_EQ(r->getHierarchicalLevel(), 0);
     EXPECT_EQ(p->getHierarchicalLevel(), 7);
@@ -131,12 +131,12 @@ TEST_F(HierarchicalLevels, CycleWithoutRootHasNoLayerAndIsNotAFailure) {
 }
 
 TEST_F(HierarchicalLevels, CycleBesideARootKeepsMinusOneAndSoDoesWhatItLeadsTo) {
-    const NodePtr r = node("R"), p = node("P"), q = node("Q"), behind = node("behind");
+    const NodePtr r = node("R"), p = node("P"), q = node("Q"), after = node("after");
     chain({p, q, p});
-    link(q, behind);
+    link(q, after);
     EXPECT_TRUE(graph.calculateHierarchicalLevels().is_success());
     EXPECT_EQ(layers(), (Layers{{"R"}}));
-    EXPECT_EQ(behind->getHierarchicalLevel(), -1);
+    EXPECT_EQ(after->getHierarchicalLevel(), -1);
 }
 
 TEST_F(HierarchicalLevels, NodePushedOutByALaterOneOfItsIdIsInNoLayer) {

@@ -120,10 +120,10 @@ TEST_F(LayoutCancelledInDummies, LinksAreNotSplitToTheEnd) {
     EXPECT_FALSE(run.isTruncated);
     EXPECT_EQ(progress.calls(), 1);
     EXPECT_LT(graph.m_nodeList.size(), 300U + 100U * 298U);
-    EXPECT_EQ(log.reports(), Names{}) << "whoever cancels knows";
+    EXPECT_EQ(log.reports(), Names{}) << "the caller has cancelled and knows";
 }
 
-TEST_F(LayoutCancelledInDummies, SmallDiagramsNeverAsk) {
+TEST_F(LayoutCancelledInDummies, SmallDiagramsAreNotPolledFor) {
     const NodePtr a = node("a"), b = node("b"), c = node("c");
     chain({a, b, c});
     link(a, c);

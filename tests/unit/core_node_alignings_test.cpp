@@ -16,14 +16,14 @@ using tessera_1::view_model::Graph;
 
 struct NodeAlignings : testing::Test, Diagram {
     // a, so many dummies, a centre label, so many dummies, b.
-    NodePtr centreLabel(int before, int behind, const std::string& id = "l") {
+    NodePtr centreLabel(int before, int after, const std::string& id = "l") {
         std::vector<NodePtr> all{a};
         for (int i = 0; i < before; ++i)
             all.push_back(node(id + " before " + std::to_string(i), nullptr, "dummy"));
         all.push_back(label(id, "center"));
         const NodePtr made = all.back();
-        for (int i = 0; i < behind; ++i)
-            all.push_back(node(id + " behind " + std::to_string(i), nullptr, "dummy"));
+        for (int i = 0; i < after; ++i)
+            all.push_back(node(id + " after " + std::to_string(i), nullptr, "dummy"));
         all.push_back(b);
         chain(all);
         return made;
@@ -64,10 +64,10 @@ TEST_F(NodeAlignings, CentreLabelInTheMiddleOfItsDummiesKeepsItsAligning) {
 }
 
 TEST_F(NodeAlignings, CentreLabelIsAlignedTowardsTheFartherEnd) {
-    const NodePtr behind = centreLabel(0, 1, "1"), before = centreLabel(1, 0, "2");
+    const NodePtr after = centreLabel(0, 1, "1"), before = centreLabel(1, 0, "2");
     const NodePtr moreBehind = centreLabel(2, 3, "3"), moreBefore = centreLabel(4, 1, "4");
     graph.setNodeAlignings();
-    EXPECT_EQ(behind->m_aligning, "to");
+    EXPECT_EQ(after->m_aligning, "to");
     EXPECT_EQ(before->m_aligning, "from");
     EXPECT_EQ(moreBehind->m_aligning, "to");
     EXPECT_EQ(moreBefore->m_aligning, "from");
@@ -92,10 +92,10 @@ TEST_F(NodeAlignings, LabelsOfOtherPlacesAndOtherNodesAreNotTouched) {
 TEST_F(NodeAlignings, CentreLabelWithTwoChildrenStopsThePass) {
     const NodePtr l = centreLabel(0, 1);
     link(l, a);
-    const NodePtr before = label("k", "to"), behind = label("m", "to");
+    const NodePtr before = label("k", "to"), after = label("m", "to");
     expectFailure("node.second->getChildren().size() == 1");
     EXPECT_EQ(before->m_aligning, "to");
-    EXPECT_EQ(behind->m_aligning, "none") << "its id comes after that of the label";
+    EXPECT_EQ(after->m_aligning, "none") << "its id comes after that of the label";
     EXPECT_EQ(l->m_aligning, "none");
 }
 
@@ -107,7 +107,7 @@ TEST_F(NodeAlignings, CentreLabelWithTwoParentsStopsThePass) {
 
 TEST_F(NodeAlignings, DummyInBetweenWithTwoChildrenStopsThePass) {
     centreLabel(0, 2);
-    link(found("l behind 0"), a);  // its first child, another dummy, makes the walk continue
+    link(found("l after 0"), a);  // its first child, another dummy, makes the walk continue
     expectFailure("n->getChildren().size() == 1");
 }
 
@@ -119,7 +119,7 @@ TEST_F(NodeAlignings, DummyInBetweenWithTwoParentsStopsThePass) {
 
 TEST_F(NodeAlignings, DummyWhoseFirstChildIsTheEndMayHaveMore) {
     const NodePtr l = centreLabel(0, 1);
-    link(found("l behind 0"), node("c"));
+    link(found("l after 0"), node("c"));
     graph.setNodeAlignings();
     EXPECT_EQ(l->m_aligning, "to");
     EXPECT_EQ(log.reports(), Names{});

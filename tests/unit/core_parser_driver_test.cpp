@@ -276,17 +276,17 @@ TEST_F(Localisation, CataloguesAreReadInOrderAndOnlyAsFarAsNeeded) {
     struct Recording final : optstore2::IMessageCatalogSource {
         std::shared_ptr<const RTBASE_2_18::i18n::catalog_t> getCatalog(
             const std::string& name) const override {
-            asked.push_back(name);
+            requested.push_back(name);
             return name == "viewpoint" ? std::make_shared<MemoryCatalog>(Texts{{"X", "text"}}) : nullptr;
         }
-        mutable Reports asked;
+        mutable Reports requested;
     };
     const auto recording = std::make_shared<Recording>();
     optstore2::setMessageCatalogSource(recording);
     EXPECT_EQ(getMessageFromCatalog("X"), "text");
-    EXPECT_EQ(recording->asked, (Reports{"slicer2", "viewpoint"}));
+    EXPECT_EQ(recording->requested, (Reports{"slicer2", "viewpoint"}));
     EXPECT_EQ(getMessageFromCatalog("Y"), "Y");
-    EXPECT_EQ(recording->asked, (Reports{"slicer2", "viewpoint", "slicer2", "viewpoint", "storeiface1"}));
+    EXPECT_EQ(recording->requested, (Reports{"slicer2", "viewpoint", "slicer2", "viewpoint", "storeiface1"}));
 }
 
 // A source that is replaced by another one while it looks up the first name.

@@ -110,7 +110,7 @@ TEST_F(DiagramRequestHandler, EmptyConfigurationIsFetchedAgain) {
     EXPECT_FALSE(send("create").succeeded());
     host->base->config = bagOf(twoNodes);
     EXPECT_TRUE(send("create").is_success());
-    EXPECT_EQ(host->base->asked, 2);
+    EXPECT_EQ(host->base->calls, 2);
     EXPECT_TRUE(send("refresh").is_success());
 }
 
@@ -121,7 +121,7 @@ TEST_F(DiagramRequestHandler, SecondCreateReadsNoConfigurationAndReturnsTheSameD
     host->base->config = bagOf("<v><diagram><graph id='other'><node id='z'/></graph></diagram></v>");
     EXPECT_TRUE(send("create").is_success());
     EXPECT_EQ(jsonOf(out), first);
-    EXPECT_EQ(host->base->asked, 1);
+    EXPECT_EQ(host->base->calls, 1);
 }
 
 TEST_F(DiagramRequestHandler, SecondCreateRunsNoQueryAndParsesNothing) {
@@ -154,7 +154,7 @@ TEST_F(DiagramRequestHandler, EveryOtherNameIsUnknownAndReturnsAnErrorThatCarrie
         }
     }
     EXPECT_EQ(log.reports(), Reports{}) << "an unknown name is not logged";
-    EXPECT_EQ(host->base->asked, 1) << "only the create may ask for the configuration";
+    EXPECT_EQ(host->base->calls, 1) << "only \"create\" may request the configuration";
 }
 
 TEST_F(DiagramRequestHandler, NameWithAZeroByteAfterItIsUnknown) {
@@ -169,7 +169,7 @@ TEST_F(DiagramRequestHandler, RefreshAndChangeDisplayModeWithoutDiagramAreTheFal
         EXPECT_TRUE(send(name).is_false()) << name;
         EXPECT_TRUE(out.is_empty()) << name;
     }
-    EXPECT_EQ(host->base->asked, 0);
+    EXPECT_EQ(host->base->calls, 0);
     EXPECT_EQ(log.reports(), Reports{});
 }
 
@@ -205,11 +205,11 @@ TEST_F(DiagramRequestHandler, BaseHandlerIsSentConfigWithTheRequestsBagAndProgre
     useHost(twoNodes);
     in.put("who", "pane");
     const CountingProgress progress;
-    Reports asked;
+    Reports requests;
     const relay2::IProgress* passed = nullptr;
     const auto base = std::make_shared<ScriptedBase>([&](const std::string& name, const variant_bag_t& bag,
                                                          variant_bag_t& config, relay2::IProgress* sink) {
-        asked.push_back(name + jsonOf(bag) + (config.is_empty() ? " into an empty bag" : ""));
+        requests.push_back(name + jsonOf(bag) + (config.is_empty() ? " into an empty bag" : ""));
         passed = sink;
         config = host->base->config;
         return error_code_t::success();
@@ -218,7 +218,7 @@ TEST_F(DiagramRequestHandler, BaseHandlerIsSentConfigWithTheRequestsBagAndProgre
         tessera_1::createDiagramViewRequestHandler(host->library, host->inputData, base, nullptr, nullptr);
     EXPECT_TRUE(
         handler->handleRequest("create", in, out, const_cast<CountingProgress*>(&progress)).is_success());
-    EXPECT_EQ(asked, (Reports{R"(config{"who":"pane"} into an empty bag)"}));
+    EXPECT_EQ(requests, (Reports{R"(config{"who":"pane"} into an empty bag)"}));
     EXPECT_EQ(passed, &progress);
 }
 
@@ -271,7 +271,7 @@ TEST_F(DiagramRequestHandler, HandlersOfSeveralPanesAreIndependent) {
     EXPECT_TRUE(send("create").is_success());
     variant_bag_t otherOut;
     EXPECT_TRUE(other->handleRequest("refresh", in, otherOut, nullptr).is_false());
-    EXPECT_EQ(host->base->asked, 1);
+    EXPECT_EQ(host->base->calls, 1);
 }
 
 TEST_F(DiagramRequestHandler, MessengerIsHandedToTheQueryLibraryAndMayBeNull) {

@@ -14,8 +14,8 @@ namespace RTBASE_2_18::i18n {
 // and outlives the catalogue that it came from. Unchanging, so any thread may read one object.
 class TESSERA_PLATFORM_EXPORT message_t {
   public:
-    // `pattern` is UTF-8. A "%" that no digit from 1 to 9 follows is an ordinary character; there is no
-    // escape for one that a digit follows.
+    // `pattern` is UTF-8. A "%" without a digit from 1 to 9 after it is an ordinary character. A "%" with
+    // such a digit is always a placeholder: there is no way to escape it.
     explicit message_t(std::string pattern) : m_pattern(std::move(pattern)) {}
 
     // The text with its placeholders replaced. A placeholder without an argument stays as it stands, so an

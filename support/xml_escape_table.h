@@ -1,0 +1,80 @@
+// How single characters are escaped in XML: tables and a test of eight characters at once. Private to
+// support/xml_escape.h.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+#include "support/swar.h"
+#include "support/utf8.h"
+#include "support/xml_place.h"
+
+namespace tessera_support {
+namespace detail {
+
+// How an ASCII character is written; empty: as it is.
+[[nodiscard]] constexpr std::string_view xmlEscapeOf(char c, XmlPlace place) noexcept {
+    const bool isDrawing = place == XmlPlace::drawing;
+    const bool isText = place == XmlPlace::text;
+    switch (c) {
+        case '&':
+            return "&amp;";
+        case '<':
+            return "&lt;";
+        case '>':
+            return "&gt;";
+        case '"':
+            return isText ? "" : "&quot;";
+        case '\'':
+            return isDrawing ? "&#39;" : "";
+        case '\t':
+            return isDrawing ? " " : isText ? "" : "&#9;";
+        case '\n':
+            return isDrawing ? " " : isText ? "" : "&#10;";
+        case '\r':
+            return isDrawing ? " " : "&#13;";
+        case '\x7F':
+            return isDrawing ? replacementText : "";
+        default:
+            return c >= '\0' && c < ' ' ? replacementText : "";
+    }
+}
+
+// By character. Computed by the compiler, once for each place.
+[[nodiscard]] constexpr std::array<std::string_view, 128> xmlEscapesOf(XmlPlace place) noexcept {
+    std::array<std::string_view, 128> escapes;
+    for (std::size_t c = 0; c < escapes.size(); ++c)
+        escapes[c] = xmlEscapeOf(static_cast<char>(c), place);
+    return escapes;
+}
+
+template <XmlPlace place>
+inline constexpr std::array<std::string_view, 128> xmlEscapes = xmlEscapesOf(place);
+
+// True when none of the eight characters can need an escape.
+template <XmlPlace place>
+[[nodiscard]] constexpr bool isPlainXml(word_t word) noexcept {
+    word_t special = highBytes(word) | bytesBelow(word, 0x20) | bytesEqual(word, '&') |
+                     bytesEqual(word, '<') | bytesEqual(word, '>');
+    if constexpr (place != XmlPlace::text) special |= bytesEqual(word, '"');
+    if constexpr (place == XmlPlace::drawing) special |= bytesEqual(word, '\'') | bytesEqual(word, '\x7F');
+    return special == 0;
+}
+
+// How a character beyond ASCII is written; empty: as it is.
+template <XmlPlace place>
+[[nodiscard]] constexpr std::string_view xmlEscapeOf(const Utf8Character& character) noexcept {
+    const char32_t code = character.code;
+    if (!character.isValid || code == 0xFFFE || code == 0xFFFF) return replacementText;
+    if constexpr (place == XmlPlace::drawing) {
+        if (code == 0x85 || code == 0x2028 || code == 0x2029) return " ";
+        const bool isNoncharacter = (code & 0xFFFE) == 0xFFFE;
+        if (code < 0xA0 || isNoncharacter) return replacementText;
+    }
+    return {};
+}
+
+}  // namespace detail
+
+}  // namespace tessera_support
