@@ -85,8 +85,8 @@ bool DiagramViewRequestHandler::hasConfig() const noexcept {
     return m_configState.load(std::memory_order_acquire) == ConfigState::kept;
 }
 
-// Of several threads that have fetched one, the first is heard. The others wait while it moves its bag, which
-// calls nothing.
+// Of several threads that have fetched one, the first one's is kept. The others wait while it moves its bag, during
+// which it calls no other code.
 void DiagramViewRequestHandler::keepConfig(variant_bag_t&& config) {
     ConfigState expected = ConfigState::none;
     if (m_configState.compare_exchange_strong(expected, ConfigState::arriving, std::memory_order_acquire)) {

@@ -108,7 +108,7 @@ class Verification {
         }
     }
 
-    // The layers say what the nodes say.
+    // The layers and the levels of the nodes agree.
     void layers() {
         std::unordered_set<const Node*> placed;
         for (const auto& [group, manager] : m_graph.m_levelManagers) {

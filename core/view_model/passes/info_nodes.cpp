@@ -18,7 +18,7 @@ using basekit2::error_code_t;
 
 namespace {
 
-// The arrow head belongs to the half that touches the end it stood at.
+// The arrow head belongs to the half that touches the end where the head was.
 void splitDirection(Link& oldHalf, Link& newHalf) {
     if (oldHalf.m_direction == "forward") {
         newHalf.m_direction = "forward";

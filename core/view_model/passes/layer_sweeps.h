@@ -31,7 +31,7 @@ class Sweeps {
 
     // Sweeps until none of the nodes in `passing` is in the layer, or the layer has the number `lastLayer`.
     // Without `passing`, a cycle below must keep the layers from becoming empty, and a layer that repeats an
-    // earlier one cuts the rest short. False when it was cancelled.
+    // earlier one ends the sweeps early, with the same result. False when it was cancelled.
     [[nodiscard]] bool run(std::int64_t lastLayer, const std::vector<bool>* passing,
                            const relay2::IProgress* progress);
 
