@@ -123,6 +123,27 @@ TEST_F(LayoutCancelledInDummies, LinksAreNotSplitToTheEnd) {
     EXPECT_EQ(log.reports(), Names{}) << "the caller has cancelled and knows";
 }
 
+// A complete graph whose links to far nodes come first: layering takes a step for every three nodes.
+TEST_F(LayoutCancelledInDummies, LayersAreNotSweptToTheEnd) {
+    std::vector<NodePtr> all;
+    for (int i = 0; i < 230; ++i)
+        all.push_back(node(std::to_string(1'000 + i)));
+    for (std::size_t i = 0; i < all.size(); ++i)
+        for (std::size_t j = all.size() - 1; j > i; --j)
+            link(all[i], all[j]);
+    const CountingProgress progress(1);
+    LayoutRun run;
+    run.progress = &progress;
+    EXPECT_TRUE(calculateHierarchicalLevels(graph, run).is_false());
+    EXPECT_TRUE(run.isCancelled);
+    EXPECT_EQ(progress.calls(), 1);
+    EXPECT_EQ(layers(), Layers{}) << "half a layering is not left";
+    EXPECT_EQ(log.reports(), Names{});
+    LayoutRun next;
+    EXPECT_TRUE(calculateHierarchicalLevels(graph, next).is_success());
+    EXPECT_EQ(layers().size(), all.size());
+}
+
 TEST_F(LayoutCancelledInDummies, SmallDiagramsAreNotPolledFor) {
     const NodePtr a = node("a"), b = node("b"), c = node("c");
     chain({a, b, c});
