@@ -32,7 +32,7 @@ class ILayoutWatcher {
     virtual ~ILayoutWatcher() = default;
 
     // Called after each stage, on the thread of the request, while the handler holds its lock: send no
-    // request to that handler from here. False leaves out the stages that are left; the diagram is then
+    // request to that handler from here. False stops the layout after this stage; the diagram is then
     // written as it is.
     virtual bool stageEnded(const LayoutStage& stage) = 0;
 

@@ -57,7 +57,7 @@ bool DummyMaker::exceedsIdBytes(const Link& link) const {
            m_idBytes + newIdBytes(link) > m_run.limits.maxIdBytes;
 }
 
-// Before anything is changed, so that the pass can go on here with another request.
+// Before anything is changed, so that the pass can continue here with another request.
 bool DummyMaker::isCancelled() {
     if (++m_inserts % insertsPerPoll == 0 && m_run.progress && m_run.progress->isCancelled())
         m_run.isCancelled = true;

@@ -3,10 +3,11 @@
 // Needs:  the dummy links between groups.
 // Leaves: along every link between two members of a group the target is in a deeper layer, unless they are
 //         on a cycle or after one; each layer lists its nodes in the order in which they came to it.
-//         Members that no root leads to are in no layer.
+//         Members that no root leads to are in no layer. A null entry stays where a node has moved on, less
+//         the first of each layer; a group in which these would exceed the WalkBudget has none.
 // Order:  after the dummy links, before the label dummies.
 // Fails:  with the false code at the first group with a cycle that a root leads to: its nodes keep the deep
-//         layers that they were driven to, and the groups after it get no layers.
+//         layers that they have reached, and the groups after it get no layers.
 #include <algorithm>
 #include <unordered_map>
 #include <unordered_set>

@@ -1,4 +1,4 @@
-// Sweeps through the layers of nodes among which there are cycles, where the plain walk goes round and round.
+// Sweeps through the layers of nodes among which there are cycles, which the plain walk would visit too often.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// Index-based layering of one group; used when the plain walk exceeds its step budget.
+// Index-based layering of one group; used when the plain walk would exceed its budget.
 #pragma once
 
 #include <cstdint>
