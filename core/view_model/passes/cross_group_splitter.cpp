@@ -10,9 +10,9 @@ using LinkPtr = std::shared_ptr<Link>;
 bool CrossGroupSplitter::run() {
     if (!m_end) m_end = m_graph.m_linkList.size();
     while (true) {
-        if (m_up && !climbUp()) return false;
+        if (m_up && !climbUp(*m_up)) return false;
         m_up.reset();
-        if (m_down && !climbDown()) return false;
+        if (m_down && !climbDown(*m_down)) return false;
         m_down.reset();
         if (m_next == *m_end) return true;
         m_link = m_graph.m_linkList[m_next++];
@@ -31,7 +31,7 @@ void CrossGroupSplitter::begin() {
 }
 
 void CrossGroupSplitter::markGroups() {
-    m_marks.emplace(m_graph);
+    m_marks = std::make_unique<Marks>(m_graph);
     for (const Node* group : m_marks->up.groups()) {
         const std::int32_t level = group->getHierarchicalLevel();
         if (level > 0) m_marks->up.mark(group);
@@ -43,48 +43,46 @@ void CrossGroupSplitter::markGroups() {
 }
 
 // Up to layer 0 of each group around the to end. False when an insertion failed.
-bool CrossGroupSplitter::climbUp() {
-    while (m_up->group != m_up->stop) {
-        while (m_up->level > 0)
-            if (!insert(m_up->node->getHierarchicalLevel() - 1)) return false;
-        if (!leaveGroup(m_marks->up)) break;
+bool CrossGroupSplitter::climbUp(Climb& climb) {
+    while (climb.group != climb.stop) {
+        while (climb.level > 0)
+            if (!insert(climb, climb.node->getHierarchicalLevel() - 1)) return false;
+        if (!leaveGroup(climb, m_marks->up)) break;
     }
     return true;
 }
 
 // Down to the last layer of each group around the from end.
-bool CrossGroupSplitter::climbDown() {
-    while (m_down->group != m_down->stop) {
-        while (m_down->level != lastLevel(m_down->group))
-            if (!insert(m_down->node->getHierarchicalLevel() + 1)) return false;
-        if (!leaveGroup(m_marks->down)) break;
+bool CrossGroupSplitter::climbDown(Climb& climb) {
+    while (climb.group != climb.stop) {
+        while (climb.level != lastLevel(climb.group))
+            if (!insert(climb, climb.node->getHierarchicalLevel() + 1)) return false;
+        if (!leaveGroup(climb, m_marks->down)) break;
     }
     return true;
 }
 
-bool CrossGroupSplitter::insert(std::int32_t level) {
-    Climb& at = m_up ? *m_up : *m_down;
-    const std::int32_t last = lastLevel(at.group);
-    auto [node, half] = m_dummies.insert(at.link, at.group, level);
+bool CrossGroupSplitter::insert(Climb& climb, std::int32_t level) {
+    const std::int32_t last = lastLevel(climb.group);
+    auto [node, half] = m_dummies.insert(climb.link, climb.group, level);
     if (!node) return false;
-    at.node = std::move(node);
-    at.link = std::move(half);
-    at.level = at.node->getHierarchicalLevel();
-    if (lastLevel(at.group) == last) return true;
-    for (const Node* group : std::exchange(m_marks->inLastLayer[at.group.get()], {}))
+    climb.node = std::move(node);
+    climb.link = std::move(half);
+    climb.level = climb.node->getHierarchicalLevel();
+    if (lastLevel(climb.group) == last) return true;
+    for (const Node* group : std::exchange(m_marks->inLastLayer[climb.group.get()], {}))
         m_marks->down.mark(group);
     return true;
 }
 
 // Leaves the groups up to the innermost marked one, and that one too. False when the climb ends before it.
-bool CrossGroupSplitter::leaveGroup(const MarkedGroups& marked) {
-    Climb& at = m_up ? *m_up : *m_down;
-    const Node* left = marked.innermostMarked(at.group.get());
+bool CrossGroupSplitter::leaveGroup(Climb& climb, const MarkedGroups& marked) {
+    const Node* left = marked.innermostMarked(climb.group.get());
     if (!left) return false;
-    const bool isInsideStop = marked.contains(at.stop.get(), at.group.get());
-    if (isInsideStop && !marked.contains(at.stop.get(), left->m_group.get())) return false;
-    at.level = left->getHierarchicalLevel();
-    at.group = left->m_group;
+    const bool isInsideStop = marked.contains(climb.stop.get(), climb.group.get());
+    if (isInsideStop && !marked.contains(climb.stop.get(), left->m_group.get())) return false;
+    climb.level = left->getHierarchicalLevel();
+    climb.group = left->m_group;
     return true;
 }
 

@@ -35,7 +35,7 @@ class CrossGroupSplitter {
         std::int32_t level;           // of `node`, later that of the group left, in `group`
     };
 
-    // Which groups a climb has to visit. Made when the first link between groups is met.
+    // Which groups a climb has to visit.
     struct Marks {
         explicit Marks(const Graph& graph) : up(graph), down(graph) {}
 
@@ -46,17 +46,17 @@ class CrossGroupSplitter {
 
     void begin();
     void markGroups();
-    bool climbUp();
-    bool climbDown();
-    bool insert(std::int32_t level);
-    bool leaveGroup(const MarkedGroups& marked);
+    bool climbUp(Climb& climb);
+    bool climbDown(Climb& climb);
+    bool insert(Climb& climb, std::int32_t level);
+    static bool leaveGroup(Climb& climb, const MarkedGroups& marked);
     [[nodiscard]] static Climb climbOf(const std::shared_ptr<Link>& link, const std::shared_ptr<Node>& end,
                                        const std::shared_ptr<Node>& stop);
     [[nodiscard]] std::int32_t lastLevel(const std::shared_ptr<Node>& group) const;
 
     Graph& m_graph;
     DummyMaker& m_dummies;
-    std::optional<Marks> m_marks;
+    std::unique_ptr<Marks> m_marks;    // null until the first link between groups is visited
     std::optional<std::size_t> m_end;  // how many links there were when the first was visited
     std::size_t m_next = 0;            // the next link to visit
     std::shared_ptr<Link> m_link;      // the link at hand
