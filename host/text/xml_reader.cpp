@@ -147,7 +147,7 @@ void BagParser::startElement(const char* name, const char** attributes) {
     // Attributes that a DTD adds come after those of the tag.
     const int count = XML_GetSpecifiedAttributeCount(m_parser.get());
     for (int i = 0; i < count; i += 2)
-        bag.put(attributes[i], attributes[i + 1]);
+        bag.append_text(attributes[i], attributes[i + 1]);  // the parser refuses a name that comes twice
     m_open.push_back({&bag, m_text.size()});
 
     if (m_hasExternalDoctype) checkReferences();

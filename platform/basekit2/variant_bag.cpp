@@ -139,6 +139,10 @@ const variant_bag_t* variant_bag_t::get_variant_bag(std::string_view name) const
 // The node of the value called `name`: the present one, or a new one at the end.
 variant_bag_t::value_node_t& variant_bag_t::value_for(std::string_view name) {
     if (value_node_t* present = find_value(name)) return *present;
+    return add_value(name);
+}
+
+variant_bag_t::value_node_t& variant_bag_t::add_value(std::string_view name) {
     auto* node = arena().make<value_node_t>();
     node->name = m_arena->copy_name(name);
     (m_lastValue ? m_lastValue->next : m_firstValue) = node;
@@ -172,6 +176,19 @@ void variant_bag_t::put_text(std::string_view name, std::string_view text) {
     new (&node.value) variant_t(variant_t::borrowed_t{}, kept);
 }
 
+void variant_bag_t::append(std::string_view name, const variant_t& value) {
+    if (value.can_get<std::string_view>()) {
+        append_text(name, value.get<std::string_view>());
+        return;
+    }
+    new (&add_value(name).value) variant_t(value);
+}
+
+void variant_bag_t::append_text(std::string_view name, std::string_view text) {
+    const std::string_view kept = arena().copy(text);
+    new (&add_value(name).value) variant_t(variant_t::borrowed_t{}, kept);
+}
+
 variant_bag_t& variant_bag_t::add_variant_bag(std::string_view name) {
     auto* node = arena().make<child_node_t>(m_arena->copy_name(name), m_arena);
     (m_lastChild ? m_lastChild->next : m_firstChild) = node;
@@ -182,7 +199,7 @@ variant_bag_t& variant_bag_t::add_variant_bag(std::string_view name) {
 void variant_bag_t::copy_values(const variant_bag_t& other) {
     m_position = other.m_position;
     for (const value_node_t* node = other.m_firstValue; node; node = node->next)
-        put(node->name->view(), node->value);
+        append(node->name->view(), node->value);
 }
 
 // An upper bound of the arena that a copy takes.

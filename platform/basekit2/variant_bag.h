@@ -110,6 +110,11 @@ class TESSERA_PLATFORM_EXPORT variant_bag_t {
     void put(std::string_view name, const std::string& text) { put_text(name, text); }
     void put(std::string_view name, const char* text) { put_text(name, text); }
 
+    // Stores a value like put(), without looking for the name: for writers that use each name once. REQUIRES:
+    // this bag has no value called `name`.
+    void append(std::string_view name, const variant_t& value);
+    void append_text(std::string_view name, std::string_view text);
+
     // Adds an empty child called `name` after the others, whether or not there is one of that name, and
     // returns it; it belongs to this tree. Throws std::length_error for a name of 4 GiB and more.
     variant_bag_t& add_variant_bag(std::string_view name);
@@ -127,6 +132,7 @@ class TESSERA_PLATFORM_EXPORT variant_bag_t {
     arena_t& arena();
     value_node_t* find_value(std::string_view name) const noexcept;
     value_node_t& value_for(std::string_view name);
+    value_node_t& add_value(std::string_view name);
     void put_text(std::string_view name, std::string_view text);
     [[nodiscard]] std::size_t content_size() const;
     void copy_values(const variant_bag_t& other);

@@ -74,6 +74,28 @@ TEST(VariantBag, PutOfAPresentNameOverwritesInPlace) {
     EXPECT_EQ(bag.value_count(), 2U);
 }
 
+TEST(VariantBag, AppendedValuesAreThoseOfPut) {
+    variant_bag_t put, appended;
+    for (int i = 0; i < 40; ++i) {  // more than a bag holds without an index
+        const std::string name = "name " + std::to_string(i);
+        if (i % 2 == 0) {
+            put.put(name, "text " + name);
+            appended.append_text(name, "text " + name);
+        } else {
+            put.put(name, i);
+            appended.append(name, i);
+        }
+    }
+    EXPECT_TRUE(appended == put);
+    EXPECT_EQ(appended.value_count(), 40U);
+    EXPECT_EQ(appended.get_text("name 38"), "text name 38");
+    appended.append("last", variant_t("kept"));
+    appended.put("name 0", "other");
+    EXPECT_EQ(appended.get_text("last"), "kept");
+    EXPECT_EQ(appended.get_text("name 0"), "other");
+    EXPECT_EQ(appended.value_count(), 41U);
+}
+
 TEST(VariantBag, OverwritingMayChangeTheType) {
     variant_bag_t bag;
     bag.put("v", "text");

@@ -26,14 +26,14 @@ const std::string& idOf(const std::shared_ptr<Node>& node) {
 
 void Graph::dumpTotalInfo(variant_bag_t& out) const {
     variant_bag_t& diagram = out.add_variant_bag("diagram");
-    diagram.put("id", m_id);
-    diagram.put("name", m_name);
-    diagram.put("displayMode", m_displayMode);
+    diagram.append_text("id", m_id);
+    diagram.append_text("name", m_name);
+    diagram.append_text("displayMode", m_displayMode);
 }
 
 void Graph::dumpNodes(variant_bag_t& out) {
     variant_bag_t& nodes = out.add_variant_bag("nodes");
-    nodes.put("arrayOf", "node");
+    nodes.append_text("arrayOf", "node");
     const GroupLevels& levels = m_groupLevelManager.m_groupLevels;
     const auto& entries = m_nodes.unordered();
     for (std::size_t i = 0; i < levels.size(); ++i) {
@@ -50,7 +50,7 @@ void Graph::dumpNodes(variant_bag_t& out) {
 
 void Graph::dumpLinks(variant_bag_t& out) {
     variant_bag_t& links = out.add_variant_bag("links");
-    links.put("arrayOf", "link");
+    links.append_text("arrayOf", "link");
     for (const auto& link : m_linkList)
         if (link->m_type != "dummy") link->dump(links, m_displayMode);
 }
@@ -58,16 +58,16 @@ void Graph::dumpLinks(variant_bag_t& out) {
 void Node::dump(variant_bag_t& nodes, std::string displayMode) {
     const bool isLabel = m_type == "label";
     variant_bag_t& bag = nodes.add_variant_bag("node");
-    bag.put("id", m_id);
-    bag.put("displayName", m_displayName);
-    bag.put("group", idOf(m_group));
-    bag.put("isGroup", isGroup());
-    bag.put("type", isGroup() ? std::string_view("group") : std::string_view(m_type));
-    bag.put("hierarchicalLevel", m_hierarchicalLevel);
-    bag.put("groupLevel", m_groupLevel);
-    bag.put("aligning", m_aligning);
-    bag.put("displayType", m_displayType);
-    if (isLabel) bag.put("location", m_location);
+    bag.append_text("id", m_id);
+    bag.append_text("displayName", m_displayName);
+    bag.append_text("group", idOf(m_group));
+    bag.append("isGroup", isGroup());
+    bag.append_text("type", isGroup() ? std::string_view("group") : std::string_view(m_type));
+    bag.append("hierarchicalLevel", m_hierarchicalLevel);
+    bag.append("groupLevel", m_groupLevel);
+    bag.append_text("aligning", m_aligning);
+    bag.append_text("displayType", m_displayType);
+    if (isLabel) bag.append_text("location", m_location);
     variant_bag_t& info = bag.add_variant_bag("info");
     if (m_info) m_info->dump(info);
     if (isLabel) dumpDataTransfer(m_dataTransfers, info, std::move(displayMode));
@@ -79,11 +79,11 @@ void Node::dumpDataTransfer(DataTransferTable& table, variant_bag_t& info, std::
 
 void Link::dump(variant_bag_t& links, std::string displayMode) {
     variant_bag_t& bag = links.add_variant_bag("link");
-    bag.put("id", m_id);
-    bag.put("displayName", m_displayName);
-    bag.put("from", idOf(m_from));
-    bag.put("to", idOf(m_to));
-    bag.put("direction", m_direction);
+    bag.append_text("id", m_id);
+    bag.append_text("displayName", m_displayName);
+    bag.append_text("from", idOf(m_from));
+    bag.append_text("to", idOf(m_to));
+    bag.append_text("direction", m_direction);
     dumpDataTransfer(m_displayInfo.m_fromInfo, bag.add_variant_bag("fromInfo"), displayMode);
     dumpDataTransfer(m_displayInfo.m_toInfo, bag.add_variant_bag("toInfo"), displayMode);
     dumpDataTransfer(m_displayInfo.m_totalInfo, bag.add_variant_bag("totalInfo"), std::move(displayMode));
@@ -95,15 +95,15 @@ void Link::dumpDataTransfer(DataTransferTable& table, variant_bag_t& info, std::
 
 void DisplayInfo::dump(variant_bag_t& bag) const {
     if (m_rowSet.empty()) return;
-    bag.put("name", m_name);
+    bag.put("name", m_name);  // the caller's bag may hold what another display info wrote
     m_rowSet.dump(bag);
 }
 
 void RowSet::dump(variant_bag_t& bag) const {
     if (empty()) return;
     variant_bag_t& bagOfRows = bag.add_variant_bag("rows");
-    bagOfRows.put("name", m_name);
-    bagOfRows.put("arrayOf", "row");
+    bagOfRows.append_text("name", m_name);
+    bagOfRows.append_text("arrayOf", "row");
     for (const Row& row : rows)
         row.dump(bagOfRows);
 }
@@ -111,8 +111,8 @@ void RowSet::dump(variant_bag_t& bag) const {
 void Row::dump(variant_bag_t& rows) const {
     if (m_value.empty()) return;
     variant_bag_t& bag = rows.add_variant_bag("row");
-    bag.put("name", m_name);
-    bag.put("value", m_value);
+    bag.append_text("name", m_name);
+    bag.append_text("value", m_value);
 }
 
 }  // namespace tessera_1::view_model
