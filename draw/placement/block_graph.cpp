@@ -5,6 +5,7 @@
 namespace tessera_draw::placing {
 namespace {
 
+// Between the lower side of `a` and the upper side of `b`, which follows it in the layer.
 double distance(const LayeredGraph& graph, Index a, Index b, const Spacing& spacing) {
     const bool isPointA = a >= graph.boxCount;
     const bool isPointB = b >= graph.boxCount;
@@ -13,6 +14,7 @@ double distance(const LayeredGraph& graph, Index a, Index b, const Spacing& spac
     return spacing.betweenBoxes;
 }
 
+// Long lines should be straight before short ones; the factors are those that are usual in the literature.
 double weightOf(bool isOnLineA, bool isOnLineB) {
     if (isOnLineA && isOnLineB) return 8;
     return isOnLineA || isOnLineB ? 2 : 1;
@@ -26,6 +28,7 @@ class BlockGraphFiller {
           m_begin(graph.layerBegin[graph.firstLayer[container]]),
           m_shift(blockGraph.size()) {}
 
+    // From top to bottom, so that the medians are in the middle.
     void addAdjacencies(Index vertex) {
         const auto inBegin = static_cast<std::ptrdiff_t>(m_blockGraph.in.size());
         const auto outBegin = static_cast<std::ptrdiff_t>(m_blockGraph.out.size());
@@ -64,6 +67,7 @@ class BlockGraphFiller {
     Index m_shift;
 };
 
+// A vertex without edges that keeps the space of a container's title at the top of the first layer.
 void addHeader(BlockGraph& blockGraph, double height, const Spacing& spacing) {
     blockGraph.vertex.push_back(nothing);
     blockGraph.height.push_back(height);

@@ -152,9 +152,9 @@ class GeometryBuilder {
             for (Index k = m_graph.outBegin[vertex]; k < m_graph.outBegin[vertex + 1]; ++k)
                 addToGap(m_graph.outEdges[k]);
             m_offsets.forOthers(vertex, [&](Index edge, bool isTail) {
-                const bool isBehind = m_graph.edges[edge].kind == Edge::Kind::toLane ||
-                                      (m_graph.edges[edge].kind == Edge::Kind::loop && isTail);
-                if (isBehind) addToGap(edge);
+                const bool isAfterLayer = m_graph.edges[edge].kind == Edge::Kind::toLane ||
+                                          (m_graph.edges[edge].kind == Edge::Kind::loop && isTail);
+                if (isAfterLayer) addToGap(edge);
             });
         }
         for (Index i = m_graph.layerBegin[layer + 1]; i < m_graph.layerBegin[layer + 2]; ++i)

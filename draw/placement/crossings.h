@@ -10,7 +10,7 @@ class CrossingCounter {
     CrossingCounter(const LayeredGraph& graph, const PortRanks& ranks) : m_graph(graph), m_ranks(ranks) {}
 
     // Crossings between this layer and the next one. REQUIRES: it is not the container's last layer.
-    [[nodiscard]] std::uint64_t behind(Index layer);
+    [[nodiscard]] std::uint64_t after(Index layer);
     [[nodiscard]] std::uint64_t inContainer(Index container);
 
   private:

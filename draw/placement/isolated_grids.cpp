@@ -19,27 +19,28 @@ IsolatedGrids isolatedGridsOf(const std::vector<BoxToPlace>& boxes, const Nestin
     std::vector<Index> count(layerCount, 0);
     for (Index box = 0; box < boxes.size(); ++box)
         if (mayJoinGrid(box)) ++count[layer[box]];
-    IsolatedGrids answer;
-    answer.ofBox.assign(boxes.size(), nothing);
+    // The members of a grid take one range, as the numbers of boxes are known.
+    IsolatedGrids result;
+    result.ofBox.assign(boxes.size(), nothing);
     std::vector<Index> gridOf(layerCount, nothing);
     for (Index container = 0; container < nesting.containerCount(); ++container) {
-        answer.firstInContainer.push_back(static_cast<Index>(answer.grids.size()));
+        result.firstInContainer.push_back(static_cast<Index>(result.grids.size()));
         for (Index i = nesting.memberBegin[container]; i < nesting.memberBegin[container + 1]; ++i) {
             const Index box = nesting.members[i];
             if (!mayJoinGrid(box) || count[layer[box]] < fewest) continue;
             Index& grid = gridOf[layer[box]];
             if (grid == nothing) {
-                grid = static_cast<Index>(answer.grids.size());
-                const auto begin = static_cast<Index>(answer.members.size());
-                answer.grids.push_back({begin, begin});
-                answer.members.resize(begin + count[layer[box]]);
+                grid = static_cast<Index>(result.grids.size());
+                const auto begin = static_cast<Index>(result.members.size());
+                result.grids.push_back({begin, begin});
+                result.members.resize(begin + count[layer[box]]);
             }
-            answer.ofBox[box] = grid;
-            answer.members[answer.grids[grid].end++] = box;
+            result.ofBox[box] = grid;
+            result.members[result.grids[grid].end++] = box;
         }
     }
-    answer.firstInContainer.push_back(static_cast<Index>(answer.grids.size()));
-    return answer;
+    result.firstInContainer.push_back(static_cast<Index>(result.grids.size()));
+    return result;
 }
 
 Size arrange(const IsolatedGrids& grids, const IsolatedGrid& grid, const std::vector<BoxToPlace>& boxes,
@@ -50,7 +51,7 @@ Size arrange(const IsolatedGrids& grids, const IsolatedGrid& grid, const std::ve
         const Rect& rect = rects[grids.members[i]];
         area += (rect.width + between) * (rect.height + between);
     }
-    const double wanted = std::sqrt(area);
+    const double wanted = std::sqrt(area);  // the height of a square of that area
     Size size;
     for (Index i = grid.begin; i < grid.end;) {
         const Index first = i;

@@ -13,6 +13,7 @@ struct End {
     Index port = nothing;
 };
 
+// The part of a route segment inside one container, before its layers are known.
 struct RawChain {
     Index container = 0;
     End from;
@@ -61,6 +62,8 @@ class LayeredGraphBuilder {
         m_graph.ofRouteSegment.push_back({begin, static_cast<Index>(m_raw.size())});
     }
 
+    // Adds the chains from a box up to the member of the route segment's container that holds it, one for each
+    // border on the way. Returns where the chain in that container ends.
     End climb(Index box, Index member, bool isAtEnd, bool isTowards) {
         if (member == nothing) return {hierarchicalPort(box, isTowards), nothing};
         End end{box, nothing};
@@ -127,6 +130,8 @@ class LayeredGraphBuilder {
         }
     }
 
+    // Edges run from lower to higher layers, also those of a chain that runs back. A dummy vertex stands in
+    // each layer between.
     void addEdges(const RawChain& raw, bool isFar) {
         EdgeChain chain;
         chain.container = raw.container;
@@ -158,6 +163,7 @@ class LayeredGraphBuilder {
         m_graph.chains.push_back(chain);
     }
 
+    // Boxes without edges, and many of them in one layer, would make a column higher than all others.
     void findGrids() {
         std::vector<char> isTouched(m_boxes.size(), 0);
         for (const Edge& edge : m_graph.edges)
@@ -193,6 +199,7 @@ class LayeredGraphBuilder {
         }
     }
 
+    // Counting sorts: the edges of each vertex, in the order of the edges.
     void linkEdges() {
         m_graph.inBegin.assign(m_graph.layer.size() + 1, 0);
         m_graph.outBegin.assign(m_graph.layer.size() + 1, 0);
@@ -206,17 +213,22 @@ class LayeredGraphBuilder {
         std::partial_sum(m_graph.inBegin.begin(), m_graph.inBegin.end(), m_graph.inBegin.begin());
         std::partial_sum(m_graph.outBegin.begin(), m_graph.outBegin.end(), m_graph.outBegin.begin());
         m_graph.inEdges.resize(count);
+        m_graph.inTails.resize(count);
         m_graph.outEdges.resize(count);
+        m_graph.outHeads.resize(count);
         std::vector<Index> nextIn(m_graph.inBegin.begin(), m_graph.inBegin.end() - 1);
         std::vector<Index> nextOut(m_graph.outBegin.begin(), m_graph.outBegin.end() - 1);
         for (Index i = 0; i < m_graph.edges.size(); ++i) {
             const Edge& edge = m_graph.edges[i];
             if (edge.kind != Edge::Kind::plain) continue;
+            m_graph.outHeads[nextOut[edge.tail]] = {edge.head, edge.headPort};
             m_graph.outEdges[nextOut[edge.tail]++] = i;
+            m_graph.inTails[nextIn[edge.head]] = {edge.tail, edge.tailPort};
             m_graph.inEdges[nextIn[edge.head]++] = i;
         }
     }
 
+    // A label through which a single line passes is kept straight with it, as its other points are.
     void markLines() {
         m_graph.isOnLine.assign(m_graph.layer.size(), 1);
         for (Index box = 0; box < m_graph.boxCount; ++box) {

@@ -40,6 +40,12 @@ struct Edge {
     double trackX = 0;  // of a bend in a track: from the start of the gap
 };
 
+// The far end of an edge, as the vertex at its near end sees it.
+struct EdgeEnd {
+    Index vertex = 0;
+    Index port = nothing;  // the hierarchical port when the vertex is a container
+};
+
 // A part of a route segment inside one container: a chain of edges.
 struct EdgeChain {
     Index container = 0;
@@ -75,11 +81,14 @@ struct LayeredGraph {
         isOnLine;  // treated as a point of a line: dummy vertices, hierarchical ports, most labels
     std::vector<double> height;
     std::vector<double> top;  // in its container
-    // Plain edges.
+    // Plain edges by vertex, and their far ends once more: ordering reads these again and again, and finds
+    // them next to each other.
     std::vector<Index> inBegin;
     std::vector<Index> inEdges;
+    std::vector<EdgeEnd> inTails;
     std::vector<Index> outBegin;
     std::vector<Index> outEdges;
+    std::vector<EdgeEnd> outHeads;
 
     [[nodiscard]] Index vertexOf(Index hierarchicalPort) const noexcept {
         return boxCount + hierarchicalPort;

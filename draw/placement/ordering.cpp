@@ -126,11 +126,11 @@ class ContainerOrdering {
         };
         const std::size_t heads = m_way.size();
         for (Index i = m_graph.outBegin[vertex]; i < m_graph.outBegin[vertex + 1]; ++i)
-            add(m_graph.edges[m_graph.outEdges[i]].head);
+            add(m_graph.outHeads[i].vertex);
         turnFrom(heads);
         const std::size_t tails = m_way.size();
         for (Index i = m_graph.inBegin[vertex]; i < m_graph.inBegin[vertex + 1]; ++i)
-            add(m_graph.edges[m_graph.inEdges[i]].tail);
+            add(m_graph.inTails[i].vertex);
         turnFrom(tails);
     }
 
@@ -224,7 +224,7 @@ class ContainerOrdering {
         const Index end = m_graph.inBegin[vertex + 1];
         double sum = 0;
         for (Index i = begin; i < end; ++i)
-            sum += m_ranks.ofTail(m_graph.edges[m_graph.inEdges[i]]);
+            sum += m_ranks.ofTail(m_graph.inTails[i]);
         return begin == end ? -1 : sum / (end - begin);
     }
     [[nodiscard]] double meanOfHeads(Index vertex) const {
@@ -232,7 +232,7 @@ class ContainerOrdering {
         const Index end = m_graph.outBegin[vertex + 1];
         double sum = 0;
         for (Index i = begin; i < end; ++i)
-            sum += m_ranks.ofHead(m_graph.edges[m_graph.outEdges[i]]);
+            sum += m_ranks.ofHead(m_graph.outHeads[i]);
         return begin == end ? -1 : sum / (end - begin);
     }
 
@@ -266,7 +266,7 @@ class ContainerOrdering {
         std::uint64_t count = 0;
         for (Index layer = m_first; layer < m_last; ++layer) {
             std::uint64_t& crossings = m_crossings[layer - m_first];
-            if (crossings == unknown) crossings = m_counter.behind(layer);
+            if (crossings == unknown) crossings = m_counter.after(layer);
             count += crossings;
         }
         return count;

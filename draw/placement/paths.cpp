@@ -20,6 +20,7 @@ bool isLevel(const Point& a, const Point& b) {
     return std::abs(a.y - b.y) < 1e-6;
 }
 
+// The point at this distance from the first one, in the direction of the second.
 Point towards(const Point& from, const Point& to, double distance) {
     const double length = std::hypot(to.x - from.x, to.y - from.y);
     if (length == 0) return from;
@@ -44,6 +45,7 @@ class PathMaker {
     }
 
   private:
+    // Straight from side to side, through whatever is between: for segments that would cross too many borders.
     void addDirect(const RouteSegment& routeSegment) {
         const Rect& from = m_boxes[routeSegment.from];
         const Rect& to = m_boxes[routeSegment.to];
@@ -51,6 +53,7 @@ class PathMaker {
         add({to.x, to.y + to.height / 2}, true);
     }
 
+    // The edges of a chain, in the direction of the line.
     void addPiece(const EdgeChain& chain) {
         for (Index k = 0; k < chain.edgeCount; ++k) {
             const Index index = chain.firstEdge + (chain.isReversed ? chain.edgeCount - 1 - k : k);
@@ -101,6 +104,7 @@ class PathMaker {
         return vertex < m_graph.boxCount ? m_geometry.boxes[vertex].right() : leftOf(vertex);
     }
 
+    // Leaves out points that are not needed: equal ones, and those inside a level run.
     void add(const Point& at, bool isCurve) {
         const std::size_t count = m_knots.size();
         if (!isCurve && count > 0) {

@@ -10,6 +10,7 @@ PortRanks::PortRanks(const LayeredGraph& graph, const Nesting& nesting)
         refresh(layer);
 }
 
+// A container has as many ranks as lines cross its border on that side; all else has one.
 Index PortRanks::portsOf(Index vertex, bool isAtEnd) const {
     if (vertex >= m_graph.boxCount || m_nesting.containerOf[vertex] == nothing) return 1;
     const Index container = m_nesting.containerOf[vertex];
@@ -41,7 +42,8 @@ SideKey sideKey(const LayeredGraph& graph, const PortRanks& ranks, Index edge, b
     const auto in = [](Part part, std::uint64_t key) { return static_cast<std::uint64_t>(part) << 32 | key; };
     const Edge& e = graph.edges[edge];
     if (e.kind == Edge::Kind::plain)
-        return {in(plain, isTail ? ranks.ofHead(e) : ranks.ofTail(e)), edge, isTail};
+        return {in(plain, isTail ? ranks.ofHead({e.head, e.headPort}) : ranks.ofTail({e.tail, e.tailPort})),
+                edge, isTail};
     if (e.kind != Edge::Kind::loop) return {in(lanes, 0), edge, isTail};
     const Index own = isTail ? e.tail : e.head;
     const Index other = isTail ? e.head : e.tail;

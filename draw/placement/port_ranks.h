@@ -15,11 +15,11 @@ class PortRanks {
     // its containers is read each time.
     void refresh(Index layer);
 
-    [[nodiscard]] Index ofTail(const Edge& edge) const {
-        return m_out[edge.tail] + m_graph.portPlace(edge.tailPort);
+    [[nodiscard]] Index ofTail(const EdgeEnd& tail) const {
+        return m_out[tail.vertex] + m_graph.portPlace(tail.port);
     }
-    [[nodiscard]] Index ofHead(const Edge& edge) const {
-        return m_in[edge.head] + m_graph.portPlace(edge.headPort);
+    [[nodiscard]] Index ofHead(const EdgeEnd& head) const {
+        return m_in[head.vertex] + m_graph.portPlace(head.port);
     }
     [[nodiscard]] Index headRanks(Index layer) const;  // the number of ranks
 

@@ -41,10 +41,10 @@ void Sifting::appendRanks(Index vertex) {
     sifted.vertex = vertex;
     sifted.begin = static_cast<Index>(m_neighbours.size());
     for (Index k = m_graph.inBegin[vertex]; k < m_graph.inBegin[vertex + 1]; ++k)
-        m_neighbours.push_back(m_ranks.ofTail(m_graph.edges[m_graph.inEdges[k]]));
+        m_neighbours.push_back(m_ranks.ofTail(m_graph.inTails[k]));
     sifted.middle = static_cast<Index>(m_neighbours.size());
     for (Index k = m_graph.outBegin[vertex]; k < m_graph.outBegin[vertex + 1]; ++k)
-        m_neighbours.push_back(m_ranks.ofHead(m_graph.edges[m_graph.outEdges[k]]));
+        m_neighbours.push_back(m_ranks.ofHead(m_graph.outHeads[k]));
     sifted.end = static_cast<Index>(m_neighbours.size());
     const auto at = [&](Index i) { return m_neighbours.begin() + i; };
     if (sifted.middle - sifted.begin > 1) std::sort(at(sifted.begin), at(sifted.middle));
@@ -81,12 +81,12 @@ std::int64_t Sifting::balanceOfMany(Index a, Index endA, Index b, Index endB) co
 
 // The number of crossings added by moving `vertex` from before `other` to after
 // it; negative if they decrease.
-inline std::int64_t Sifting::lossBehind(const Sifted& vertex, const Sifted& other) const {
+inline std::int64_t Sifting::lossOfPassing(const Sifted& vertex, const Sifted& other) const {
     return balance(vertex.begin, vertex.middle, other.begin, other.middle) +
            balance(vertex.middle, vertex.end, other.middle, other.end);
 }
 
-// An estimate of the comparisons that lossBehind makes.
+// An estimate of the comparisons that lossOfPassing makes.
 inline Index Sifting::workOf(const Sifted& vertex, const Sifted& other) {
     return 2 + std::max(vertex.end - vertex.begin, other.end - other.begin);
 }
@@ -101,7 +101,7 @@ std::uint64_t Sifting::moveBest(Index place, Index reach) {
     std::int64_t loss = 0;
     for (Index i = place + 1; i <= last; ++i) {
         const Sifted& other = m_layer[m_order[i]];
-        loss += lossBehind(vertex, other);
+        loss += lossOfPassing(vertex, other);
         m_work += workOf(vertex, other);
         if (loss >= minLoss) continue;
         minLoss = loss;
@@ -110,7 +110,7 @@ std::uint64_t Sifting::moveBest(Index place, Index reach) {
     loss = 0;
     for (Index i = place; i-- > first;) {
         const Sifted& other = m_layer[m_order[i]];
-        loss -= lossBehind(vertex, other);
+        loss -= lossOfPassing(vertex, other);
         m_work += workOf(vertex, other);
         if (loss >= minLoss) continue;
         minLoss = loss;

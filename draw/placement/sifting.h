@@ -30,7 +30,7 @@ class Sifting {
 
     void collect(Index layer);
     void appendRanks(Index vertex);
-    [[nodiscard]] std::int64_t lossBehind(const Sifted& vertex, const Sifted& other) const;
+    [[nodiscard]] std::int64_t lossOfPassing(const Sifted& vertex, const Sifted& other) const;
     [[nodiscard]] static Index workOf(const Sifted& vertex, const Sifted& other);
     [[nodiscard]] std::int64_t balance(Index a, Index endA, Index b, Index endB) const;
     [[nodiscard]] std::int64_t balanceOfMany(Index a, Index endA, Index b, Index endB) const;

@@ -13,39 +13,53 @@ using basekit2::variant_t;
 
 namespace {
 
-bool flagOf(const variant_bag_t& bag, std::string_view name) {
-    const variant_t* value = bag.get(name);
-    return value && value->can_get<bool>() && value->get<bool>();
+std::string_view textOf(const variant_t& value) {
+    return value.can_get<std::string_view>() ? value.get<std::string_view>() : std::string_view();
 }
 
-std::int32_t levelOf(const variant_bag_t& bag) {
-    const variant_t* value = bag.get("hierarchicalLevel");
-    if (!value || !value->can_get<std::int64_t>()) return -1;
+bool flagOf(const variant_t& value) {
+    return value.can_get<bool>() && value.get<bool>();
+}
+
+std::int32_t levelOf(const variant_t& value) {
+    if (!value.can_get<std::int64_t>()) return -1;
     constexpr std::int64_t last = std::numeric_limits<std::int32_t>::max();
-    return static_cast<std::int32_t>(std::clamp<std::int64_t>(value->get<std::int64_t>(), -1, last));
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(value.get<std::int64_t>(), -1, last));
 }
 
-Node readNode(const variant_bag_t& bag, bool hasValues) {
+// `group` becomes the id of the node's group. One walk over the values: a look-up of each name would read the
+// whole bag for each.
+Node readNode(const variant_bag_t& bag, std::string_view& group, bool hasValues) {
     Node node;
-    node.id = bag.get_text("id");
-    node.name = bag.get_text("displayName");
-    node.type = bag.get_text("type");
-    node.displayType = bag.get_text("displayType");
-    node.aligning = bag.get_text("aligning");
-    node.location = bag.get_text("location");
-    node.isGroup = flagOf(bag, "isGroup");
-    node.level = levelOf(bag);
+    group = {};
+    for (auto it = bag.begin_values(); !it.at_end(); it.next()) {
+        const std::string_view name = it.get_name();
+        const variant_t& value = it.get_value();
+        if (name == "id") node.id = textOf(value);
+        if (name == "displayName") node.name = textOf(value);
+        if (name == "group") group = textOf(value);
+        if (name == "isGroup") node.isGroup = flagOf(value);
+        if (name == "type") node.type = textOf(value);
+        if (name == "hierarchicalLevel") node.level = levelOf(value);
+        if (name == "aligning") node.aligning = textOf(value);
+        if (name == "displayType") node.displayType = textOf(value);
+        if (name == "location") node.location = textOf(value);
+    }
     if (hasValues) node.info = readInfo(bag, "info");
     return node;
 }
 
 Link readLink(const variant_bag_t& bag, const NodeIds& ids, bool hasValues) {
     Link link;
-    link.id = bag.get_text("id");
-    link.name = bag.get_text("displayName");
-    link.direction = bag.get_text("direction");
-    link.from = ids.find(bag.get_text("from"));
-    link.to = ids.find(bag.get_text("to"));
+    for (auto it = bag.begin_values(); !it.at_end(); it.next()) {
+        const std::string_view name = it.get_name();
+        const variant_t& value = it.get_value();
+        if (name == "id") link.id = textOf(value);
+        if (name == "displayName") link.name = textOf(value);
+        if (name == "from") link.from = ids.find(textOf(value));
+        if (name == "to") link.to = ids.find(textOf(value));
+        if (name == "direction") link.direction = textOf(value);
+    }
     if (!hasValues) return link;
     link.fromInfo = readInfo(bag, "fromInfo");
     link.toInfo = readInfo(bag, "toInfo");
@@ -67,6 +81,27 @@ void cutCycles(std::vector<Node>& nodes) {
     }
 }
 
+std::size_t countChildren(const variant_bag_t& bag, std::string_view list, std::string_view name) {
+    std::size_t count = 0;
+    forEachChild(bag, list, name, [&](const variant_bag_t&) { ++count; });
+    return count;
+}
+
+// Members of one group are mostly next to each other; then its id is looked up once.
+void setGroups(std::vector<Node>& nodes, const NodeIds& ids, const std::vector<std::string_view>& groups) {
+    const NodeIds groupIds(nodes, [&](Index i) { return nodes[i].isGroup; });
+    std::string_view latestId;
+    Index latest = nothing;
+    for (std::size_t i = 0; i < groups.size(); ++i) {
+        if (groups[i] != latestId) {
+            latestId = groups[i];
+            latest = groupIds.find(latestId);
+            if (latest == nothing) latest = ids.find(latestId);
+        }
+        nodes[i].group = latest;
+    }
+}
+
 Diagram read(const variant_bag_t& bag, bool hasValues) {
     Diagram diagram;
     if (const variant_bag_t* head = bag.get_variant_bag("diagram")) {
@@ -74,17 +109,15 @@ Diagram read(const variant_bag_t& bag, bool hasValues) {
         diagram.name = head->get_text("name");
         diagram.displayMode = head->get_text("displayMode");
     }
-    std::vector<std::string_view> groups;
+    diagram.nodes.reserve(countChildren(bag, "nodes", "node"));
+    diagram.links.reserve(countChildren(bag, "links", "link"));
+    std::vector<std::string_view> groups;  // by node: the id of its group
+    groups.reserve(diagram.nodes.capacity());
     forEachChild(bag, "nodes", "node", [&](const variant_bag_t& node) {
-        diagram.nodes.push_back(readNode(node, hasValues));
-        groups.push_back(node.get_text("group"));
+        diagram.nodes.push_back(readNode(node, groups.emplace_back(), hasValues));
     });
     const NodeIds ids(diagram.nodes);
-    const NodeIds groupIds(diagram.nodes, [&](Index i) { return diagram.nodes[i].isGroup; });
-    for (std::size_t i = 0; i < groups.size(); ++i) {
-        const Index group = groupIds.find(groups[i]);
-        diagram.nodes[i].group = group != nothing ? group : ids.find(groups[i]);
-    }
+    setGroups(diagram.nodes, ids, groups);
     cutCycles(diagram.nodes);
     for (const Node& node : diagram.nodes)
         if (node.group != nothing) diagram.nodes[node.group].isGroup = true;

@@ -138,4 +138,14 @@ LinkPaths findLinkPaths(const Diagram& diagram) {
     return LinkPathFinder(diagram).run();
 }
 
+std::vector<Index> pathsOfStops(const LinkPaths& linkPaths, std::size_t nodeCount) {
+    std::vector<Index> pathOf(nodeCount, nothing);
+    for (std::size_t at = 0; at < linkPaths.paths.size(); ++at) {
+        const LinkPath& path = linkPaths.paths[at];
+        for (std::uint32_t i = 0; i < path.stopCount; ++i)
+            pathOf[linkPaths.stops[path.firstStop + i].node] = static_cast<Index>(at);
+    }
+    return pathOf;
+}
+
 }  // namespace tessera_draw

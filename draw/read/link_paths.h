@@ -1,6 +1,7 @@
 // Joins the parts of split links again: one link path for each link of the document.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <vector>
@@ -47,5 +48,8 @@ struct LinkPaths {
 // Accepts any diagram. A link that does not follow these rules, which the layout never writes, is a path of
 // its own without stops. The diagram's texts must outlive the result. Linear time.
 [[nodiscard]] LinkPaths findLinkPaths(const Diagram& diagram);
+
+// By node: the path that stops at it, as an index of `paths`; `nothing` for other nodes. Linear time.
+[[nodiscard]] std::vector<Index> pathsOfStops(const LinkPaths& linkPaths, std::size_t nodeCount);
 
 }  // namespace tessera_draw

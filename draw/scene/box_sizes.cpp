@@ -101,17 +101,6 @@ Reservation::Place placeOf(std::string_view location) {
     return location == "to" ? Reservation::Place::to : Reservation::Place::center;
 }
 
-// By node: the link path that a label is on.
-std::vector<Index> pathsOfLabels(const Diagram& diagram, const LinkPaths& linkPaths) {
-    std::vector<Index> answer(diagram.nodes.size(), nothing);
-    for (std::size_t at = 0; at < linkPaths.paths.size(); ++at) {
-        const LinkPath& path = linkPaths.paths[at];
-        for (std::uint32_t i = 0; i < path.stopCount; ++i)
-            answer[linkPaths.stops[path.firstStop + i].node] = static_cast<Index>(at);
-    }
-    return answer;
-}
-
 RowSpace orNothing(const RowSpace* space) {
     return space == nullptr ? RowSpace{} : *space;
 }
@@ -134,25 +123,24 @@ void evenOut(const Diagram& diagram, const BoxKinds& kinds, std::vector<BoxSize>
 
 BoxKinds findKinds(const Diagram& diagram) {
     const std::size_t count = diagram.nodes.size();
-    BoxKinds answer{std::vector<BoxKind>(count, BoxKind::card), std::vector<Index>(count, nothing)};
+    BoxKinds result{std::vector<BoxKind>(count, BoxKind::card), std::vector<Index>(count, nothing)};
     for (std::size_t i = 0; i < count; ++i) {
         const Node& node = diagram.nodes[i];
-        if (node.type == "dummy") answer.kinds[i] = BoxKind::none;
-        if (node.type == "label") answer.kinds[i] = BoxKind::label;
+        if (node.type == "dummy") result.kinds[i] = BoxKind::none;
+        if (node.type == "label") result.kinds[i] = BoxKind::label;
         if (node.type != "groupInfo" || node.isGroup || node.group == nothing) continue;
-        answer.kinds[i] = BoxKind::none;
-        answer.groupInfos[node.group] = static_cast<Index>(i);
+        result.kinds[i] = BoxKind::none;
+        result.groupInfos[node.group] = static_cast<Index>(i);
     }
     for (std::size_t i = 0; i < count; ++i) {
-        if (diagram.nodes[i].isGroup) answer.kinds[i] = BoxKind::container;
-        if (diagram.nodes[i].group != nothing) answer.kinds[diagram.nodes[i].group] = BoxKind::container;
+        if (diagram.nodes[i].isGroup) result.kinds[i] = BoxKind::container;
+        if (diagram.nodes[i].group != nothing) result.kinds[diagram.nodes[i].group] = BoxKind::container;
     }
-    return answer;
+    return result;
 }
 
 std::vector<BoxSize> boxSizesOf(const Diagram& diagram, const LinkPaths& linkPaths, const BoxKinds& kinds,
-                                const Reservation* reservation) {
-    const std::vector<Index> pathOf = pathsOfLabels(diagram, linkPaths);
+                                const std::vector<Index>& pathOfLabel, const Reservation* reservation) {
     std::vector<BoxSize> sizes(diagram.nodes.size());
     for (std::size_t i = 0; i < sizes.size(); ++i) {
         const Node& node = diagram.nodes[i];
@@ -165,7 +153,7 @@ std::vector<BoxSize> boxSizesOf(const Diagram& diagram, const LinkPaths& linkPat
                                            : hasRows              ? usualGroup
                                                                   : RowSpace{});
         } else if (kinds.kinds[i] == BoxKind::label) {
-            const Index path = pathOf[i];
+            const Index path = pathOfLabel[i];
             const RowSpace* link =
                 reservation == nullptr || path == nothing
                     ? nullptr

@@ -64,9 +64,11 @@ struct BoxKinds {
     return isBlank(node.name) ? node.id : node.name;
 }
 
-// Returns the size of every node's box, by node. Cards of one layer get the same width. A null `reservation`
+// Returns the size of every node's box, by node. Cards of one layer get the same width. `pathOfLabel` is that
+// of pathsOfStops(). A null `reservation`
 // means the usual space for every box; see draw/reservation.h for ids that it does not name. n log n time.
 [[nodiscard]] std::vector<BoxSize> boxSizesOf(const Diagram& diagram, const LinkPaths& linkPaths,
-                                              const BoxKinds& kinds, const Reservation* reservation);
+                                              const BoxKinds& kinds, const std::vector<Index>& pathOfLabel,
+                                              const Reservation* reservation);
 
 }  // namespace tessera_draw

@@ -83,15 +83,6 @@ std::vector<LayoutData::Container> containersOf(const LayoutData& data) {
     return containers;
 }
 
-std::vector<Index> pathsOfLabels(const LayoutData& data) {
-    std::vector<Index> pathOf(data.structure.nodes.size(), nothing);
-    const auto& paths = data.linkPaths.paths;
-    for (std::size_t at = 0; at < paths.size(); ++at)
-        for (std::uint32_t i = 0; i < paths[at].stopCount; ++i)
-            pathOf[data.linkPaths.stops[paths[at].firstStop + i].node] = static_cast<Index>(at);
-    return pathOf;
-}
-
 void shift(Placement& placement, double dx, double dy) {
     const auto move = [&](Point& point) { point = {point.x + dx, point.y + dy}; };
     for (Rect& rect : placement.boxes) {
@@ -135,10 +126,10 @@ LayoutPointer layOut(const basekit2::variant_bag_t& bag, const LayoutOptions& op
     const Diagram& diagram = data->structure;
     data->linkPaths = findLinkPaths(diagram);
     moveEndLabels(diagram, data->linkPaths);
-    data->pathOfLabel = pathsOfLabels(*data);
+    data->pathOfLabel = pathsOfStops(data->linkPaths, diagram.nodes.size());
     data->types = DisplayTypes(diagram);
     data->kinds = findKinds(diagram);
-    data->sizes = boxSizesOf(diagram, data->linkPaths, data->kinds, options.reservation);
+    data->sizes = boxSizesOf(diagram, data->linkPaths, data->kinds, data->pathOfLabel, options.reservation);
     SceneInput input = makeInput(diagram, data->linkPaths, data->kinds, data->sizes, options.direction);
     Placement placement = placeInput(input, options.direction, options.cancel);
     if (placement.boxes.size() != input.input.boxes.size()) return nullptr;  // cancelled

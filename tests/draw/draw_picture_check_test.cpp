@@ -279,9 +279,10 @@ TEST(DrawPictureCheck, RandomBoxesArePlacedSoundly) {
         const Diagram diagram = readDiagram(bag);
         const LinkPaths linkPaths = findLinkPaths(diagram);
         const BoxKinds kinds = findKinds(diagram);
-        const SceneInput input =
-            makeInput(diagram, linkPaths, kinds, boxSizesOf(diagram, linkPaths, kinds, nullptr),
-                      Direction::leftToRight);
+        const SceneInput input = makeInput(
+            diagram, linkPaths, kinds,
+            boxSizesOf(diagram, linkPaths, kinds, pathsOfStops(linkPaths, diagram.nodes.size()), nullptr),
+            Direction::leftToRight);
         expectSound(checkPicture(tessera_test::pictureOf(input.input, place(input.input, Spacing{}))),
                     "seed " + std::to_string(seed));
     }
