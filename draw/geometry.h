@@ -13,6 +13,7 @@ struct Point {
     friend bool operator==(const Point&, const Point&) = default;
 };
 
+// The extent of something, without a position. Neither length is negative in a finished drawing.
 struct Size {
     double width = 0;
     double height = 0;
@@ -27,6 +28,7 @@ struct Rect {
     double width = 0;
     double height = 0;
 
+    // The x of the right side and the y of the lower one.
     [[nodiscard]] double right() const noexcept { return x + width; }
     [[nodiscard]] double bottom() const noexcept { return y + height; }
 

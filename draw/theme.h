@@ -23,18 +23,18 @@ struct Rgb {
 // The purpose of a colour. Shapes name roles; a theme maps each role to a colour. `none` draws nothing.
 enum class ColorRole : std::uint8_t {
     none,
-    ground,
+    ground,  // behind the whole drawing
     text,
-    muted,
-    container,
+    muted,      // texts that explain others: names of rows, the legend
+    container,  // fill of a group at top level; groups alternate by depth
     innerContainer,
     containerBorder,
-    card,
+    card,  // fill of nodes and labels
     cardBorder,
     labelBorder,
-    line,
-    badge,
-    accent1,
+    line,     // lines and their arrow heads
+    badge,    // fill of the badge with the display mode
+    accent1,  // symbols and bars of display types, in turn
     accent2,
     accent3,
     accent4,
@@ -58,11 +58,11 @@ enum class Theme : std::uint8_t {
 enum class BoxRole : std::uint8_t {
     container,
     innerContainer,  // in a container; containers alternate by depth
-    card,
-    interfaceCard,
-    labelCard,
-    note,
-    badge,
+    card,            // a node
+    interfaceCard,   // a node of the display type "interface"
+    labelCard,       // a label with values, on a line
+    note,            // what is shown in place of an empty diagram
+    badge,           // with the display mode, in the heading
 };
 inline constexpr std::size_t boxRoleCount = 7;
 
@@ -77,10 +77,10 @@ struct BoxStyle {
 
 // The kinds of texts, each with a style of its own.
 enum class TextRole : std::uint8_t {
-    heading,
-    badge,
-    name,
-    rowName,
+    heading,  // the diagram's name
+    badge,    // the display mode
+    name,     // of a node or group
+    rowName,  // in a node or group; its value is at the right edge
     rowValue,
     more,       // "+3 more"
     labelName,  // above its value
@@ -105,6 +105,7 @@ struct TextStyle {
 
 [[nodiscard]] const TextStyle& styleOf(TextRole role) noexcept;
 
+// Widths of strokes, and the pattern of dashed ones.
 inline constexpr double boxStrokeWidth = 1;
 inline constexpr double lineStrokeWidth = 1.6;
 inline constexpr double textHaloWidth = 4;

@@ -38,6 +38,7 @@ class BlockStream {
     bool m_isGood = true;
 };
 
+// Takes the data of a path as the SVG writer forms it, so that both formats have the same numbers.
 class PathOutput final : public Output {
   public:
     bool write(std::string_view piece) override {

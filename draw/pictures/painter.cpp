@@ -11,6 +11,7 @@ namespace {
 
 constexpr double outlineWidth = 2;  // of symbols
 
+// The path of a box. Cairo joins the arcs by straight lines.
 void roundedRect(cairo_t* cairo, const Rect& rect, double radius) {
     constexpr double right = std::numbers::pi / 2;
     cairo_new_sub_path(cairo);
@@ -41,6 +42,7 @@ void tracePath(cairo_t* cairo, const Outline& outline) {
     }
 }
 
+// Draws elements in the order of the scene: what comes later is on top.
 class Painter {
   public:
     Painter(cairo_t* cairo, const Palette& palette)
@@ -76,7 +78,7 @@ class Painter {
         const std::array<double, 2> dashes = {dashLength, dashGap};
         cairo_set_dash(m_cairo, dashes.data(), style.isDashed ? 2 : 0, 0);
         cairo_stroke(m_cairo);
-        cairo_set_dash(m_cairo, nullptr, 0, 0);
+        cairo_set_dash(m_cairo, nullptr, 0, 0);  // for what is drawn next
         if (box.bar != ColorRole::none) fill(barOf(box.rect, style.radius), box.bar);
     }
 

@@ -129,7 +129,7 @@ class ChainFinder {
     }
 
     // Whether split `i` was made right after the one before it on the same link of the document.
-    [[nodiscard]] bool goesOn(std::size_t i) const {
+    [[nodiscard]] bool continues(std::size_t i) const {
         return i < m_splits.size() && m_splits[i].from == m_splits[i - 1].from &&
                m_splits[i].to == classOf(m_splits[i - 1].node);
     }
@@ -139,12 +139,12 @@ class ChainFinder {
     [[nodiscard]] std::size_t endOfLabels(std::size_t begin) const {
         const Node& first = nodeOf(m_splits[begin]);
         const auto isBetween = [&](std::size_t i) {
-            return goesOn(i) && isLabel(nodeOf(m_splits[i])) && !isLabel(nodeOf(m_splits[i]), "from") &&
+            return continues(i) && isLabel(nodeOf(m_splits[i])) && !isLabel(nodeOf(m_splits[i]), "from") &&
                    !isLabel(nodeOf(m_splits[i]), "to");
         };
         const auto isLast = [&](std::size_t i) {
-            return goesOn(i) && (isLabel(nodeOf(m_splits[i]), "from") ||
-                                 (isDummy(nodeOf(m_splits[i])) && !isDummy(first)));
+            return continues(i) && (isLabel(nodeOf(m_splits[i]), "from") ||
+                                    (isDummy(nodeOf(m_splits[i])) && !isDummy(first)));
         };
         std::size_t end = begin + 1;
         if (!isLabel(first, "to") && !isDummy(first)) return end;

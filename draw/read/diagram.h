@@ -11,7 +11,7 @@
 
 namespace tessera_draw {
 
-// One named value.
+// One named value. Both texts are shown as they are; nothing is computed from the value.
 struct Row {
     std::string_view name;
     std::string_view value;
@@ -70,8 +70,8 @@ struct Diagram {
 // Reads the info in the child bag of that name, as views into `bag`. Empty when there is no such bag.
 [[nodiscard]] Info readInfo(const basekit2::variant_bag_t& bag, std::string_view name);
 
-// Calls `take` with each child bag named `name` in the child bag `list`, in
-// order. Other children are skipped.
+// Calls `take` with each child bag named `name` in the child bag `list`, in order. Other children are skipped,
+// and so is a list that the bag lacks.
 template <class Take>
 void forEachChild(const basekit2::variant_bag_t& bag, std::string_view list, std::string_view name,
                   Take take) {

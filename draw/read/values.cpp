@@ -18,7 +18,7 @@ class Matcher {
     // The element for the next one of the bag, or `nothing`.
     [[nodiscard]] Index match(std::string_view id) {
         Index found = m_next;
-        if (m_next >= m_elements.size() || m_elements[m_next].id != id) found = lookUp(id);
+        if (m_next >= m_elements.size() || m_elements[m_next].id != id) found = findById(id);
         if (found == nothing) return found;
         m_isMatched[found] = 1;
         m_next = found + 1;
@@ -33,7 +33,7 @@ class Matcher {
   private:
     // The first element with this id that is not matched yet. Elements before the
     // front of its queue are matched.
-    Index lookUp(std::string_view id) {
+    Index findById(std::string_view id) {
         if (m_queues.empty()) fillQueues();
         const auto queue = m_queues.find(id);
         if (queue == m_queues.end()) return nothing;

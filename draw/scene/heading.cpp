@@ -12,6 +12,7 @@
 namespace tessera_draw {
 namespace {
 
+// Lengths in pixels. Texts are placed by their base lines.
 constexpr double margin = sceneMargin;
 constexpr double headingLine = 40;
 constexpr double badgeHeight = 28;
@@ -60,6 +61,7 @@ double drawLegend(SceneBuilder& builder, const DisplayTypes& types, double top, 
     double x = margin;
     double line = top + legendGap;
     const TextStyle& style = styleOf(TextRole::legend);
+    // Reserves the next place for an item of this width, on a new line where the present one is full.
     const auto place = [&](double itemWidth) {
         if (x > margin && x + itemWidth > width - margin) {
             x = margin;

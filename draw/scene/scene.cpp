@@ -19,11 +19,13 @@ struct Drawing {
     Scene& scene;
 };
 
+// A group's values are on its "groupInfo" node where it has one.
 const Info& infoOf(const Drawing& drawing, Index container) {
     const Index infoNode = drawing.data.kinds.groupInfos[container];
     return drawing.values.nodes[infoNode == nothing ? container : infoNode];
 }
 
+// Outer containers first: inner ones are drawn on them.
 void drawContainers(Drawing& drawing) {
     for (const auto& [at, depth] : drawing.data.containers) {
         const Node& node = drawing.data.structure.nodes[at];
@@ -43,6 +45,7 @@ void drawHeaders(Drawing& drawing) {
     }
 }
 
+// Tooltips and rows of a line: its values are shown by labels, or by the tooltip alone.
 void describeLine(Drawing& drawing, const LinkPath& path) {
     const auto& nodes = drawing.data.structure.nodes;
     if (!path.name.empty()) drawing.builder.tooltip(path.name);

@@ -8,12 +8,12 @@ namespace tessera_draw {
 namespace {
 
 template <typename List>
-Span spanAtEnd(const List& list) {
+Span spanAtEnd(const List& list) {  // empty, at what is added next
     return {static_cast<std::uint32_t>(list.size()), 0};
 }
 
 template <typename List>
-void close(Span& span, const List& list) {
+void close(Span& span, const List& list) {  // up to the last that was added
     span.count = static_cast<std::uint32_t>(list.size()) - span.first;
 }
 

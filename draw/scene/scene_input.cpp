@@ -10,6 +10,7 @@ namespace {
 using Along = BoxToPlace::Along;
 using Border = BoxToPlace::Border;
 
+// Where a box stands in a column that is wider: towards the end of its link that a label belongs to.
 Along alongOf(std::string_view aligning) {
     if (aligning == "from") return Along::start;
     return aligning == "to" ? Along::end : Along::middle;
@@ -68,6 +69,7 @@ std::vector<Layers> layersOf(const Diagram& diagram, const BoxKinds& kinds) {
     return layers;
 }
 
+// Interfaces are on the border of their group, on the side that their layer is at.
 Border borderOf(const Node& node, const std::vector<Layers>& layers) {
     if (node.displayType != "interface" || node.group == nothing || node.level < 0) return Border::none;
     if (node.level == layers[node.group].last) return Border::end;
@@ -90,29 +92,29 @@ Index boxFor(const Diagram& diagram, const std::vector<Index>& boxOfNode, Index 
 }
 
 void addLine(const Diagram& diagram, const LinkPaths& linkPaths, const BoxKinds& kinds, Index at,
-             SceneInput& answer) {
+             SceneInput& result) {
     const LinkPath& path = linkPaths.paths[at];
     LineToPlace line{
-        boxFor(diagram, answer.boxOfNode, path.from), boxFor(diagram, answer.boxOfNode, path.to), {}};
+        boxFor(diagram, result.boxOfNode, path.from), boxFor(diagram, result.boxOfNode, path.to), {}};
     if (line.from == nothing || line.to == nothing) return;
     for (std::uint32_t i = 0; i < path.stopCount; ++i) {
         const PathStop& stop = linkPaths.stops[path.firstStop + i];
         if (stop.node == nothing || kinds.kinds[stop.node] != BoxKind::label) continue;
-        BoxToPlace& box = answer.input.boxes[answer.boxOfNode[stop.node]];
+        BoxToPlace& box = result.input.boxes[result.boxOfNode[stop.node]];
         if (box.isLabel) continue;
         box.isLabel = true;
-        box.group = stop.group == nothing ? nothing : answer.boxOfNode[stop.group];
+        box.group = stop.group == nothing ? nothing : result.boxOfNode[stop.group];
         box.level = stop.level;
         if (runsBack(diagram, path)) box.along = opposite(box.along);
-        line.through.push_back(answer.boxOfNode[stop.node]);
+        line.through.push_back(result.boxOfNode[stop.node]);
     }
-    answer.input.lines.push_back(std::move(line));
-    answer.pathOfLine.push_back(at);
+    result.input.lines.push_back(std::move(line));
+    result.pathOfLine.push_back(at);
 }
 
 // Enlarges cards so that the ends of their lines are far enough apart to be distinguished.
 void growForLineEnds(const Diagram& diagram, const LinkPaths& linkPaths, const BoxKinds& kinds,
-                     SceneInput& answer) {
+                     SceneInput& result) {
     constexpr double between = 7.5;
     constexpr double aroundEnds = 16;
     constexpr std::uint32_t maxEnds = 400;
@@ -120,18 +122,18 @@ void growForLineEnds(const Diagram& diagram, const LinkPaths& linkPaths, const B
         std::uint32_t in = 0;
         std::uint32_t out = 0;
     };
-    std::vector<Ends> ends(answer.input.boxes.size());
-    for (std::size_t i = 0; i < answer.pathOfLine.size(); ++i) {
-        const LineToPlace& line = answer.input.lines[i];
-        const bool isBack = runsBack(diagram, linkPaths.paths[answer.pathOfLine[i]]);
+    std::vector<Ends> ends(result.input.boxes.size());
+    for (std::size_t i = 0; i < result.pathOfLine.size(); ++i) {
+        const LineToPlace& line = result.input.lines[i];
+        const bool isBack = runsBack(diagram, linkPaths.paths[result.pathOfLine[i]]);
         ++(isBack || line.from == line.to ? ends[line.to].out : ends[line.to].in);
         ++(isBack ? ends[line.from].in : ends[line.from].out);
     }
     for (std::size_t i = 0; i < diagram.nodes.size(); ++i) {
         if (kinds.kinds[i] != BoxKind::card) continue;
-        const auto& [in, out] = ends[answer.boxOfNode[i]];
+        const auto& [in, out] = ends[result.boxOfNode[i]];
         const std::uint32_t endCount = std::min(std::max(in, out), maxEnds);
-        double& across = answer.input.boxes[answer.boxOfNode[i]].size.height;
+        double& across = result.input.boxes[result.boxOfNode[i]].size.height;
         if (endCount > 1) across = std::max(across, std::ceil(aroundEnds + between * (endCount - 1)));
     }
 }
@@ -140,18 +142,18 @@ void growForLineEnds(const Diagram& diagram, const LinkPaths& linkPaths, const B
 
 SceneInput makeInput(const Diagram& diagram, const LinkPaths& linkPaths, const BoxKinds& kinds,
                      const std::vector<BoxSize>& sizes, Direction direction) {
-    SceneInput answer;
-    answer.boxOfNode.assign(diagram.nodes.size(), nothing);
+    SceneInput result;
+    result.boxOfNode.assign(diagram.nodes.size(), nothing);
     Index next = 0;
     for (std::size_t i = 0; i < diagram.nodes.size(); ++i)
-        if (kinds.kinds[i] != BoxKind::none) answer.boxOfNode[i] = next++;
-    answer.input.boxes.reserve(next);
+        if (kinds.kinds[i] != BoxKind::none) result.boxOfNode[i] = next++;
+    result.input.boxes.reserve(next);
     const std::vector<Layers> layers = layersOf(diagram, kinds);
     for (std::size_t i = 0; i < diagram.nodes.size(); ++i) {
         if (kinds.kinds[i] == BoxKind::none) continue;
         const Node& node = diagram.nodes[i];
-        BoxToPlace& box = answer.input.boxes.emplace_back();
-        box.group = node.group == nothing ? nothing : answer.boxOfNode[node.group];
+        BoxToPlace& box = result.input.boxes.emplace_back();
+        box.group = node.group == nothing ? nothing : result.boxOfNode[node.group];
         box.level = node.level;
         box.size = sizes[i].size;
         box.isContainer = kinds.kinds[i] == BoxKind::container;
@@ -162,9 +164,9 @@ SceneInput makeInput(const Diagram& diagram, const LinkPaths& linkPaths, const B
         if (direction == Direction::topToBottom) turn(box);
     }
     for (std::size_t i = 0; i < linkPaths.paths.size(); ++i)
-        addLine(diagram, linkPaths, kinds, static_cast<Index>(i), answer);
-    growForLineEnds(diagram, linkPaths, kinds, answer);
-    return answer;
+        addLine(diagram, linkPaths, kinds, static_cast<Index>(i), result);
+    growForLineEnds(diagram, linkPaths, kinds, result);
+    return result;
 }
 
 Placement placeInput(const SceneInput& input, Direction direction, const CancelToken& cancel) {

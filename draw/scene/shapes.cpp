@@ -31,6 +31,7 @@ Outline polygon(std::initializer_list<Point> points) {
     return outline;
 }
 
+// Four quarters, beginning at the left.
 Outline circle(Point c, double r) {
     const double k = r * quarter;
     return {move(c.x - r, c.y),
@@ -75,6 +76,7 @@ Outline outlineOf(const SymbolShape& symbol) {
             return circle(c, r);
         case Symbol::ring:
             return circle(c, r - 1);
+        // The factors make all symbols look equally large.
         case Symbol::square: {
             const double s = r * 0.9;
             return polygon({{c.x - s, c.y - s}, {c.x + s, c.y - s}, {c.x + s, c.y + s}, {c.x - s, c.y + s}});

@@ -21,15 +21,16 @@ struct OutlineStep {
 // Starts with a move. May consist of several parts, as a cross does.
 using Outline = std::vector<OutlineStep>;
 
-// The bar along the left edge of a box whose corners have this radius.
+// The bar along the left edge of a box whose corners have this radius; to be filled. It marks the display type
+// together with the symbol.
 [[nodiscard]] Outline barOf(const Rect& rect, double radius);
 
 // Whether the symbol is drawn as a stroke instead of being filled.
 [[nodiscard]] bool isOutlined(Symbol symbol) noexcept;
-// Empty for Symbol::none.
+// The symbol around its centre, to be filled or stroked in its accent colour. Empty for Symbol::none.
 [[nodiscard]] Outline outlineOf(const SymbolShape& symbol);
 
-// A triangle, to be filled.
+// A triangle, to be filled, of the size in draw/scene/scene_lines.h.
 [[nodiscard]] Outline outlineOf(const ArrowHead& head);
 
 // The left edge of the space that a text may fill, by its anchor and maxWidth.

@@ -8,7 +8,7 @@
 
 namespace tessera_draw {
 
-// Returns the character as drawings show it: line breaks and tabs as a space, control characters and what XML
+// Returns the character as drawings show it, for measuring texts and for formats that take characters: line breaks and tabs as a space, control characters and what XML
 // does not allow as U+FFFD.
 [[nodiscard]] inline char32_t shownAs(char32_t code) noexcept {
     if (code >= 0x20 && code < 0x7F) return code;
@@ -26,7 +26,8 @@ namespace tessera_draw {
            (code >= 0x1E800 && code <= 0x1EFFF);
 }
 
-// Whether the text has a character of such a block. Reads up to the first one.
+// Whether the text has a character of such a block. Writers isolate such a text from what stands beside it, so
+// that it does not change the direction of its neighbours. Reads up to the first one.
 [[nodiscard]] inline bool hasRightToLeft(std::string_view text) noexcept {
     for (std::size_t i = 0; i < text.size();) {
         if (static_cast<unsigned char>(text[i]) < 0x80) {
@@ -40,8 +41,8 @@ namespace tessera_draw {
     return false;
 }
 
-// Whether the text is empty or has only characters that cannot be seen: spaces,
-// joiners and marks of direction.
+// Whether the text is empty or has only characters that cannot be seen: spaces, joiners and marks of
+// direction. A node with such a name is shown by its id.
 [[nodiscard]] inline bool isBlank(std::string_view text) noexcept {
     for (std::size_t i = 0; i < text.size();) {
         const auto character = tessera_support::decodeUtf8(text.substr(i));

@@ -25,10 +25,10 @@ struct Advance {
 
 template <typename Ranges>
 bool isIn(const Ranges& ranges, char32_t code) noexcept {
-    const auto behind =
+    const auto next =
         std::upper_bound(ranges.begin(), ranges.end(), code,
                          [](char32_t value, const CharacterRange& range) { return value < range.first; });
-    return behind != ranges.begin() && code <= std::prev(behind)->last;
+    return next != ranges.begin() && code <= std::prev(next)->last;
 }
 
 Advance advanceOutsideTable(char32_t code) noexcept {

@@ -8,6 +8,7 @@
 namespace tessera_draw {
 namespace {
 
+// Class names are short because each shape has one. They are in the order of the roles.
 constexpr std::array<std::string_view, boxRoleCount> boxClasses = {"g", "gg", "c", "ci", "lc", "nb", "ch"};
 constexpr std::array<std::string_view, textRoleCount> textClasses = {"h",  "ct", "n",  "k",  "v",  "m", "ln",
                                                                      "lv", "lk", "lw", "nt", "no", "le"};
@@ -22,6 +23,7 @@ void rule(std::string& sheet, std::string_view scope, std::string_view selector,
     sheet += fmt::format(".{} .{}{{{}}}\n", scope, selector, body);
 }
 
+// All rules that a theme changes.
 void addColours(std::string& sheet, std::string_view scope, const Palette& palette) {
     const auto rule = [&](std::string& text, std::string_view selector, const std::string& body) {
         tessera_draw::rule(text, scope, selector, body);
@@ -46,6 +48,7 @@ void addColours(std::string& sheet, std::string_view scope, const Palette& palet
     }
 }
 
+// The rules that both themes share.
 void addShapes(std::string& sheet) {
     const auto rule = [](std::string& text, std::string_view selector, const std::string& body) {
         tessera_draw::rule(text, "tessera-diagram", selector, body);

@@ -26,13 +26,14 @@ class SvgText {
     // Appends a number with at most two decimals after a point, whatever the locale is. NaN is written as 0,
     // and numbers beyond 1e9 as 1e9 with their sign.
     SvgText& number(double value);
+    // Appends both coordinates, with a space between them.
     SvgText& point(Point point);
     // Appends the line as the data of an SVG path.
     SvgText& path(const LineShape& line);
     // Appends any text, escaped for content and for attributes in double quotes. White space becomes spaces,
     // and what XML does not allow U+FFFD.
     SvgText& escaped(std::string_view text);
-    // Appends a space and an attribute, its value escaped.
+    // Appends a space and an attribute, its value escaped. `name` is written as it is.
     SvgText& attribute(std::string_view name, std::string_view value);
     SvgText& attribute(std::string_view name, double value);
 

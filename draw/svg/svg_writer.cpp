@@ -74,6 +74,7 @@ class SvgWriter {
         m_text.raw("<rect class=\"bg\" width=\"100%\" height=\"100%\"/>\n");
     }
 
+    // For screen readers, which cannot see how large the diagram is.
     std::string description() const {
         const auto counted = [](std::size_t count, std::string_view what) {
             return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
@@ -82,6 +83,7 @@ class SvgWriter {
                            counted(m_scene.groupCount, "group"), counted(m_scene.lineCount, "link"));
     }
 
+    // docs/drawing.md describes the attributes for scripts.
     void element(const Element& element, std::size_t number) {
         m_text.raw("<g id=\"").raw(m_id).raw("-").number(static_cast<double>(number));
         m_text.raw("\"").raw(roleOf(element.kind)).attribute("data-kind", nameOf(element.kind));
