@@ -168,8 +168,8 @@ TEST(PlainWalk, TakesNoMoreThanWasForeseen) {
         const Children children = randomChildren(random, i % 2 == 0);
         const LayerGraph graph = layerGraph(children, rootsOf(children));
         const auto last = static_cast<Number>(children.size() + random() % 20);
-        WalkBudget foreseen{0, 0, plenty, plenty};
-        WalkBudget unforeseen{0, plenty, 0, plenty};
+        WalkBudget foreseen{0, plenty, 0, plenty};
+        WalkBudget unforeseen{0, 0, plenty, plenty};
         const WalkedLayers walked = walkPlainly(graph, last, foreseen);
         const WalkedLayers expected = walkPlainly(graph, last, unforeseen);
         ASSERT_NE(walked.end, WalkedLayers::End::overBudget) << "diagram " << i;

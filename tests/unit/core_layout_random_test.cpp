@@ -292,7 +292,7 @@ TEST(LayoutRandom, BothWaysOfLayeringPutEveryNodeInTheSamePlace) {
             graphs[i].createDummyLinksForGroups();
             const LogCapture log;
             LayoutRun run;
-            run.walkBudget = i == 0 ? WalkBudget{0, 0, 0, 0} : WalkBudget{0, plenty, 0, plenty};
+            run.walkBudget = i == 0 ? WalkBudget{0, 0, 0, 0} : WalkBudget{0, 0, plenty, plenty};
             codes[i] = calculateHierarchicalLevels(graphs[i], run);
             reports[i] = log.reports();
         }

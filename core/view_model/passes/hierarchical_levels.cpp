@@ -77,13 +77,20 @@ void takeLayers(HierarchicalLevelManager& manager, const WalkedLayers& walked, c
         HierarchicalLevelManager::Level& layer = *manager.m_levels.back();
         const bool isLast = level + 1 == walked.starts.size();
         const std::size_t end = isLast ? walked.arrivals.size() : walked.starts[level + 1];
-        layer.reserve(end - walked.starts[level]);
-        for (std::size_t i = walked.starts[level]; i < end; ++i) {
-            const std::uint32_t number = walked.arrivals[i];
-            layer.push_back(walked.layerOf[number] == level ? members[number] : nullptr);
-            if (layer.back()) layer.back()->setHierarchicalLevel(static_cast<std::int32_t>(level));
+        const auto hasMovedOn = [&](std::size_t i) { return walked.layerOf[walked.arrivals[i]] != level; };
+        // The first placeholder goes when the walk has come to its end.
+        std::size_t leftOut = walked.end == WalkedLayers::End::cycle ? end : walked.starts[level];
+        while (leftOut < end && !hasMovedOn(leftOut))
+            ++leftOut;
+        layer.resize(end - walked.starts[level] - (leftOut < end ? 1 : 0));
+        for (std::size_t i = walked.starts[level], entry = 0; i < end; ++i) {
+            if (i == leftOut) continue;
+            if (!hasMovedOn(i)) {
+                layer[entry] = members[walked.arrivals[i]];
+                layer[entry]->setHierarchicalLevel(static_cast<std::int32_t>(level));
+            }
+            ++entry;
         }
-        if (walked.end != WalkedLayers::End::cycle) removeFirstPlaceholder(layer);
     }
 }
 

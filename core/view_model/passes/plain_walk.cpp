@@ -122,18 +122,21 @@ WalkedLayers walkPlainly(const LayerGraph& graph, std::uint32_t lastLayer, WalkB
     const std::size_t ownSteps = budget.perElement * (members + graph.children.size());
     const std::size_t ownArrivals = (1 + budget.perElement) * members;
     const std::size_t maxArrivals = budget.placeholders + ownArrivals;
-    PlainWalk walk(graph, lastLayer, budget.steps + ownSteps, maxArrivals, progress);
-    WalkedLayers walked = walk.run();
     const auto spend = [](std::size_t& shared, std::size_t own, std::size_t used) {
         if (used > own) shared -= std::min(shared, used - own);
     };
-    spend(budget.steps, ownSteps, walk.steps());
+    WalkedLayers walked = PlainWalk(graph, lastLayer, ownSteps, maxArrivals, progress).run();
     if (walked.end == End::overBudget && budget.foreseenSteps > 0) {
         const WalkCost cost = greatestCost(graph, lastLayer);
         if (cost.arrivals <= maxArrivals && cost.steps <= budget.foreseenSteps) {
             budget.foreseenSteps -= cost.steps;
             walked = PlainWalk(graph, lastLayer, cost.steps, cost.arrivals, progress).run();
         }
+    }
+    if (walked.end == End::overBudget && budget.steps > 0) {
+        PlainWalk walk(graph, lastLayer, budget.steps + ownSteps, maxArrivals, progress);
+        walked = walk.run();
+        spend(budget.steps, ownSteps, walk.steps());
     }
     const bool isKept = walked.end == End::reached || walked.end == End::cycle;
     if (isKept) spend(budget.placeholders, ownArrivals, walked.arrivals.size());

@@ -15,8 +15,8 @@ namespace tessera_1::view_model {
 // same nodes. A node leaves a placeholder of 16 bytes in each layer that it passes through.
 struct WalkBudget {
     std::size_t perElement = 16;
-    std::size_t steps = 8'000'000;            // taken without knowing whether they are enough
     std::size_t foreseenSteps = 256'000'000;  // taken when they are known to be enough; under a second
+    std::size_t steps = 8'000'000;            // taken when it is not known whether they are enough
     std::size_t placeholders = 16'000'000;    // 256 MB
 };
 
@@ -39,7 +39,7 @@ struct WalkedLayers {
 // The walk of Graph::calculateHierarchicalLevelsForGroup over an empty manager. Each sweep reads a layer and
 // moves the children of its nodes to the next one. The arrival of a node that has moved on stays as a
 // placeholder. Takes a step for each node that is read and each of its links, out of `budget`. When it ends over
-// the budget, it has taken no more than `budget.steps` and those of the group's own elements.
+// the budget, it has taken no more than `budget.steps` and twice those of the group's own elements.
 // Polls `progress`, which may be null, every few milliseconds.
 [[nodiscard]] WalkedLayers walkPlainly(const LayerGraph& graph, std::uint32_t lastLayer, WalkBudget& budget,
                                        const relay2::IProgress* progress = nullptr);
