@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "support/xml_escape_table.h"
+#include "support/xml_escape_detail.h"
 #include "support/xml_place.h"
 
 namespace tessera_support {
@@ -21,31 +21,7 @@ namespace tessera_support {
 // `&quot;a&quot; &amp; &lt;b&gt;&#10;` as an attribute, `&quot;a&quot; &amp; &lt;b&gt; ` in a drawing.
 template <XmlPlace place, typename Write>
 void writeXmlEscaped(std::string_view text, Write&& write) {
-    std::size_t done = 0;  // written up to here
-    std::size_t at = 0;
-    while (at < text.size()) {
-        if (text.size() - at >= sizeof(word_t) && detail::isPlainXml<place>(loadWord(text.data() + at))) {
-            at += sizeof(word_t);
-            continue;
-        }
-        std::size_t length = 1;
-        std::string_view escape;
-        const auto byte = static_cast<unsigned char>(text[at]);
-        if (byte < detail::xmlEscapes<place>.size()) {
-            escape = detail::xmlEscapes<place>[byte];
-        } else {
-            const Utf8Character character = decodeUtf8(text.substr(at));
-            length = character.length;
-            escape = detail::xmlEscapeOf<place>(character);
-        }
-        if (!escape.empty()) {
-            if (at > done) write(text.substr(done, at - done));
-            write(escape);
-            done = at + length;
-        }
-        at += length;
-    }
-    if (done < text.size()) write(text.substr(done));
+    detail::writeXmlEscaped<place>(text, write);
 }
 
 // The same where the place is known only at run time. `write` is called in the same way.

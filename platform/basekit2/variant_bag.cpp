@@ -185,6 +185,7 @@ void variant_bag_t::append(std::string_view name, const variant_t& value) {
 }
 
 void variant_bag_t::append_text(std::string_view name, std::string_view text) {
+    // The value borrows the arena's copy, so it is never destroyed by itself.
     const std::string_view kept = arena().copy(text);
     new (&add_value(name).value) variant_t(variant_t::borrowed_t{}, kept);
 }
@@ -202,7 +203,7 @@ void variant_bag_t::copy_values(const variant_bag_t& other) {
         append(node->name->view(), node->value);
 }
 
-// An upper bound of the arena that a copy takes.
+// An upper bound of the arena that a copy takes; 0 for a copy that is not measured.
 std::size_t variant_bag_t::content_size() const {
     std::size_t size = 0;
     std::vector<const variant_bag_t*> open{this};

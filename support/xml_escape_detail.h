@@ -1,5 +1,5 @@
-// How single characters are escaped in XML: tables and a test of eight characters at once. Private to
-// support/xml_escape.h.
+// How text is escaped for XML: the tables, a test of eight characters at once, and the loop. Private to
+// support/xml_escape.h, which describes it.
 #pragma once
 
 #include <array>
@@ -73,6 +73,36 @@ template <XmlPlace place>
         if (code < 0xA0 || isNoncharacter) return replacementText;
     }
     return {};
+}
+
+// What lies between two escapes is written as one piece, when the second is found.
+template <XmlPlace place, typename Write>
+void writeXmlEscaped(std::string_view text, Write& write) {
+    std::size_t done = 0;  // written up to here
+    std::size_t at = 0;
+    while (at < text.size()) {
+        if (text.size() - at >= sizeof(word_t) && isPlainXml<place>(loadWord(text.data() + at))) {
+            at += sizeof(word_t);
+            continue;
+        }
+        std::size_t length = 1;
+        std::string_view escape;
+        const auto byte = static_cast<unsigned char>(text[at]);
+        if (byte < xmlEscapes<place>.size()) {
+            escape = xmlEscapes<place>[byte];
+        } else {
+            const Utf8Character character = decodeUtf8(text.substr(at));
+            length = character.length;
+            escape = xmlEscapeOf<place>(character);
+        }
+        if (!escape.empty()) {
+            if (at > done) write(text.substr(done, at - done));
+            write(escape);
+            done = at + length;
+        }
+        at += length;
+    }
+    if (done < text.size()) write(text.substr(done));
 }
 
 }  // namespace detail
