@@ -20,14 +20,14 @@ namespace tessera_support {
 // What comes out of `"a" & <b>` followed by a line end: `"a" &amp; &lt;b&gt;` and the line end as a text,
 // `&quot;a&quot; &amp; &lt;b&gt;&#10;` as an attribute, `&quot;a&quot; &amp; &lt;b&gt; ` in a drawing.
 template <XmlPlace place, typename Write>
-void writeXmlEscaped(std::string_view text, Write&& write) {
+void writeXmlEscaped(std::string_view text, const Write& write) {
     detail::writeXmlEscaped<place>(text, write);
 }
 
 // The same where the place is known only at run time. `write` is called in the same way.
 // It costs one branch more than the other form.
 template <typename Write>
-void writeXmlEscaped(std::string_view text, XmlPlace place, Write&& write) {
+void writeXmlEscaped(std::string_view text, XmlPlace place, const Write& write) {
     switch (place) {
         case XmlPlace::text:
             return writeXmlEscaped<XmlPlace::text>(text, write);

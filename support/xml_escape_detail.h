@@ -10,8 +10,7 @@
 #include "support/utf8.h"
 #include "support/xml_place.h"
 
-namespace tessera_support {
-namespace detail {
+namespace tessera_support::detail {
 
 // How an ASCII character is written; empty: as it is.
 [[nodiscard]] constexpr std::string_view xmlEscapeOf(char c, XmlPlace place) noexcept {
@@ -55,11 +54,12 @@ inline constexpr std::array<std::string_view, 128> xmlEscapes = xmlEscapesOf(pla
 // True when none of the eight characters can need an escape.
 template <XmlPlace place>
 [[nodiscard]] constexpr bool isPlainXml(word_t word) noexcept {
-    word_t special = highBytes(word) | bytesBelow(word, 0x20) | bytesEqual(word, '&') |
-                     bytesEqual(word, '<') | bytesEqual(word, '>');
-    if constexpr (place != XmlPlace::text) special |= bytesEqual(word, '"');
-    if constexpr (place == XmlPlace::drawing) special |= bytesEqual(word, '\'') | bytesEqual(word, '\x7F');
-    return special == 0;
+    const word_t always = highBytes(word) | bytesBelow(word, 0x20) | bytesEqual(word, '&') |
+                          bytesEqual(word, '<') | bytesEqual(word, '>');
+    const word_t inQuotes = place == XmlPlace::text ? 0 : bytesEqual(word, '"');
+    const word_t inDrawings =
+        place == XmlPlace::drawing ? bytesEqual(word, '\'') | bytesEqual(word, '\x7F') : 0;
+    return (always | inQuotes | inDrawings) == 0;
 }
 
 // How a character beyond ASCII is written; empty: as it is.
@@ -77,7 +77,7 @@ template <XmlPlace place>
 
 // What lies between two escapes is written as one piece, when the second is found.
 template <XmlPlace place, typename Write>
-void writeXmlEscaped(std::string_view text, Write& write) {
+void writeXmlEscaped(std::string_view text, const Write& write) {
     std::size_t done = 0;  // written up to here
     std::size_t at = 0;
     while (at < text.size()) {
@@ -105,6 +105,4 @@ void writeXmlEscaped(std::string_view text, Write& write) {
     if (done < text.size()) write(text.substr(done));
 }
 
-}  // namespace detail
-
-}  // namespace tessera_support
+}  // namespace tessera_support::detail
