@@ -53,7 +53,7 @@ bool report(const std::string& document, const std::vector<Problem>& problems) {
     return hasError;
 }
 
-// The exit status of an error. What is wrong with the document itself is reported like its other problems.
+// The exit status of an error. An error in the document itself is printed like its other problems.
 int finish(const std::string& document, const Error& error) {
     if (error.kind != ErrorKind::failed || error.position.line == 0)
         return reportError({error.kind, describe(error, document), {}});

@@ -9,8 +9,8 @@
 namespace tessera_cli {
 
 // Draw `diagram` as the options say, and write it as an OutputFormat does. PNG and PDF need a library that is
-// loaded for them: the error has the kind cannotOpen when it is not there. What a reader of the picture should
-// know (that it was scaled down, that characters are missing) is printed as a message.
+// loaded for them; the error has the kind cannotOpen when it is missing. A picture that was scaled down or
+// lacks characters is written, and a message says so.
 [[nodiscard]] tessera_host::Expected<void> writeSvgDrawing(const Options& options,
                                                            const basekit2::variant_bag_t& diagram,
                                                            const tessera_draw::Reservation& reservation,

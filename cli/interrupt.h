@@ -1,13 +1,13 @@
 // Ctrl-C.
 #pragma once
 
-#include "host/engine/token_progress.h"
 #include "support/cancel_token.h"
 
 namespace tessera_cli {
 
 // From now on SIGINT, SIGTERM and SIGHUP cancel the running work; a second one ends the program at once.
-// SIGPIPE is ignored, so that closed output is an error of its write.
+// SIGPIPE is ignored, so that closed output is an error of its write. Called once, by main, before any thread
+// is started.
 void installInterruptHandler();
 
 // Cancelled by the first of these signals. All work of the program gets it.
@@ -17,14 +17,9 @@ void installInterruptHandler();
 // The exit status of work that could not be finished: `status`, or that of an interruption if there was one.
 [[nodiscard]] int orInterrupted(int status) noexcept;
 
-// A file descriptor that becomes readable with the interruption, to be polled together with what is waited
-// for: the signal may come on any thread, so it need not end a wait by itself.
+// A file descriptor that becomes readable when the program is interrupted; -1 when it could not be made.
+// Whoever waits for input polls it as well: the signal may come on another thread and does not end the wait
+// by itself. Stays open until the program ends; not to be read.
 [[nodiscard]] int interruptDescriptor() noexcept;
-
-// The progress sink of every request: cancelled once the program is interrupted.
-class InterruptProgress final : public tessera_host::TokenProgress {
-  public:
-    InterruptProgress() : TokenProgress(interruptToken()) {}
-};
 
 }  // namespace tessera_cli

@@ -10,9 +10,9 @@
 
 namespace tessera_cli {
 
-// Follows "create" of the pane that it is given to, as the options say: writes the graph into one file for each
-// stage, measures, verifies, stops. After Ctrl-C it leaves out the remaining stages. Used by the thread of the
-// request.
+// Follows "create" of the pane that it is given to, as the options say: writes the graph into one file for
+// each stage, measures, verifies, stops. After Ctrl-C it leaves out the remaining stages. Used by the thread
+// of the request.
 class LayoutInspector final : public tessera_1::ILayoutWatcher {
   public:
     explicit LayoutInspector(const Options& options);

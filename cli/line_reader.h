@@ -7,11 +7,12 @@
 
 namespace tessera_cli {
 
-// Reads lines from a file descriptor as soon as they are complete. A line that is too long is passed over
+// Reads lines from a file descriptor as soon as they are complete. A line that is too long is skipped
 // without being kept. One thread at a time.
 class LineReader {
   public:
-    // `wake` is a descriptor that becomes readable when waiting for input is to end; -1 for none.
+    // `wake` is a descriptor that becomes readable when waiting for input is to end; -1 for none. Neither is
+    // closed here.
     LineReader(int descriptor, int wake, std::size_t maxLine)
         : m_descriptor(descriptor), m_wake(wake), m_maxLine(maxLine) {}
 

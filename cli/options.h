@@ -47,8 +47,8 @@ enum ExitStatus : int {
     exitInterrupted = 130
 };
 
-// Reads the command line. None when there is nothing to run, because help or the version has been printed. The
-// error has the kind usage, or cannotOpen when help could not be printed. Called once, by main.
+// Reads the command line. None when there is nothing to run, because help or the version has been printed.
+// The error has the kind usage, or cannotOpen when help could not be printed. Called once, by main.
 [[nodiscard]] tessera_host::Expected<std::optional<Options>> parseCommandLine(int argc,
                                                                               const char* const* argv);
 

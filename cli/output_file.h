@@ -10,8 +10,8 @@
 namespace tessera_cli {
 
 // Writes to standard output (path "" or "-"), or to a file that takes the named file's place with commit().
-// Where the file system allows it, that file has no name until then, so that nothing is left behind however
-// the program ends. Pipes and devices are written directly.
+// Where the file system allows it, that file has no name until then, so that nothing is left over however the
+// program ends. Pipes and devices are written directly. One thread at a time.
 class OutputFile {
   public:
     OutputFile() = default;
@@ -19,7 +19,8 @@ class OutputFile {
     OutputFile& operator=(const OutputFile&) = delete;
     ~OutputFile();
 
-    // The errors of these two have the kind cannotOpen and the text "PATH: cannot write: what the system said".
+    // The errors of these two have the kind cannotOpen and the text "PATH: cannot write: what the system
+    // said".
     [[nodiscard]] tessera_host::Expected<void> open(const std::string& path);
     // REQUIRES: open() succeeded.
     [[nodiscard]] tessera_host::TextSink& sink() { return *m_sink; }

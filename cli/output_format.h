@@ -16,7 +16,7 @@ struct Options;
 
 struct OutputFormat {
     enum class Kind : std::uint8_t {
-        data,     // the library's answer as it is
+        data,     // the library's bag as it is
         vectors,  // a picture; takes the options of drawings
         pixels,   // the same, with a size
     };
@@ -41,8 +41,8 @@ struct OutputFormat {
 // Whether an output with this name is standard output: "" and "-" are.
 [[nodiscard]] bool isStandardOutput(const std::string& path);
 
-// The format of a file by its ending, in upper or lower case; null when the ending names none. That of standard
-// output is the first one.
+// The format of a file by its ending, in upper or lower case; null when the ending names none. That of
+// standard output is the first one.
 [[nodiscard]] const OutputFormat* formatOfFile(const std::string& path);
 
 // "json, xml, svg, png or pdf", or those of them that are pictures.

@@ -37,7 +37,7 @@ Expected<variant_bag_t> makeDiagram(const Options& options, tessera_host::Pane& 
         code = pane.request("changeDisplayMode", modeRequest(*options.mode), diagram, request);
     }
     if (code.is_success()) return diagram;
-    const std::string reason = code.message().empty() ? "what is wrong was reported above" : code.message();
+    const std::string reason = code.message().empty() ? "the reason was reported above" : code.message();
     return Error{ErrorKind::failed, fmt::format("{}: no diagram: {}", options.document, reason)};
 }
 

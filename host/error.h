@@ -12,15 +12,17 @@
 
 namespace tessera_host {
 
-// What a caller does about an error: the program ends with another exit status for each of them.
+// What a caller does about an error: each kind is another exit status of the program.
 enum class ErrorKind {
     failed,      // the content is wrong, or the work could not be done
     cannotOpen,  // a file or a server could not be opened, read or written
     cancelled,   // the work was stopped by its CancelToken; nothing is wrong
-    usage,       // the caller asked for something that does not exist or does not fit together
+    usage,       // the caller named something that does not exist, or things that exclude each other
 };
 
-// Why something could not be done.
+// Why something could not be done. Made where the failure is found; its callers hand it on unchanged, or add
+// the name of the file. It is printed in one place, at the end. Results of checks are lists of Problem
+// instead.
 struct Error {
     ErrorKind kind = ErrorKind::failed;
     // One line of UTF-8 for people, without the name of the document, without a full stop.
@@ -38,7 +40,8 @@ struct Error {
     return {ErrorKind::cancelled, "cancelled", {}};
 }
 
-// "file:line:column: text", or "file: text" when the error has no position.
+// "file:line:column: text", or "file: text" when the error has no position. `file` is what the user called
+// it.
 [[nodiscard]] inline std::string describe(const Error& error, std::string_view file) {
     std::string line(file);
     if (error.position.line != 0)
@@ -46,7 +49,7 @@ struct Error {
     return line + ": " + error.text;
 }
 
-// A value, or the error that kept it from being made. Returned by functions that can fail; the caller hands
+// A value, or the error because of which there is none. Returned by functions that can fail; the caller hands
 // the error on with `return result.error();` or `return std::move(result).error();`.
 template <class T>
 class [[nodiscard]] Expected {
@@ -57,7 +60,7 @@ class [[nodiscard]] Expected {
     [[nodiscard]] bool hasValue() const noexcept { return m_content.index() == 0; }
     explicit operator bool() const noexcept { return hasValue(); }
 
-    // These REQUIRE a value.
+    // These REQUIRE a value; debug builds assert it. References are valid as long as this object.
     [[nodiscard]] T& operator*() & noexcept { return *valuePointer(); }
     [[nodiscard]] const T& operator*() const& noexcept { return *std::as_const(*this).valuePointer(); }
     [[nodiscard]] T&& operator*() && noexcept { return std::move(*valuePointer()); }

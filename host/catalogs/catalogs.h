@@ -18,9 +18,9 @@ struct Catalogs {
     std::vector<std::string> problems;
 };
 
-// Reads the catalogues of `locale` below `directory`, as GettextCatalogs describes. Installs nothing: who wants
-// the diagram library to use them calls optstore2::setMessageCatalogSource(). The error has the kind cannotOpen
-// when the library that reads catalogues cannot be loaded. Any thread.
+// Reads the catalogues of `locale` below `directory`, as GettextCatalogs describes. Installs nothing: who
+// wants the diagram library to use them calls optstore2::setMessageCatalogSource(). The error has the kind
+// cannotOpen when the library that reads catalogues cannot be loaded. Any thread.
 [[nodiscard]] Expected<Catalogs> readCatalogs(const std::string& directory, const std::string& locale);
 
 }  // namespace tessera_host

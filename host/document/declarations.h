@@ -24,15 +24,15 @@ struct QueryDeclaration {
     std::string expression;         // SQL, an aggregate over its rows
     std::string where;              // SQL, a predicate; may be empty
     std::vector<std::string> keys;  // names of the columns whose values a reference gives
-    CellFormat format;
-    std::string unit;
+    CellFormat format;              // plain when the document names none, or one that is unknown
+    std::string unit;               // written after the value; may be empty
     basekit2::source_position_t position;
 };
 
 // What a reference names: the declared query over the rows whose key columns have these values.
 struct Reference {
-    const QueryDeclaration* declaration = nullptr;
-    std::vector<std::string> keys;  // as many as the declaration has
+    const QueryDeclaration* declaration = nullptr;  // of the Declarations that parsed it; never null then
+    std::vector<std::string> keys;                  // as many as the declaration has
 };
 
 // Unchanging once read, so any thread may use it. References point into it: keep it by the shared pointer.
@@ -49,7 +49,7 @@ class Declarations {
 
     // In the document's order, with every query of an id that occurs twice.
     [[nodiscard]] const std::vector<QueryDeclaration>& queries() const noexcept { return m_queries; }
-    // The last query that has this id, or null.
+    // The last query that has this id, or null. Constant time.
     [[nodiscard]] const QueryDeclaration* find(std::string_view id) const;
     // The document's filters; of several with one name the last counts.
     [[nodiscard]] const Filters& filters() const noexcept { return m_filters; }

@@ -38,10 +38,14 @@ class DocumentStructure {
     static constexpr Index none = std::numeric_limits<Index>::max();
     static constexpr Index topLevel = 0;  // among the nodes
 
+    // A part of one of the lists below: from `begin` to before `end`.
     struct Range {
         Index begin = 0;
         Index end = 0;
     };
+
+    // In what follows, `element` is the element of the document, with its position; never null unless said
+    // otherwise. `replacedBy` is `none` as long as no later object took this one's place.
 
     // Groups stand before their members.
     struct Node {
@@ -50,6 +54,7 @@ class DocumentStructure {
         Index parent = none;
         Index replacedBy = none;  // a node that took the id over; this one takes no part in the layout
     };
+    // A <link> of a graph section, whether or not its ends exist.
     struct Link {
         Element element = nullptr;
         std::string_view id;
@@ -63,6 +68,7 @@ class DocumentStructure {
         Element element = nullptr;
         std::string_view reference;  // its text, "" when there is none
     };
+    // A <rowSet>. Only the last one of an element is shown.
     struct RowSet {
         Element element = nullptr;
         Range rows;
@@ -76,6 +82,7 @@ class DocumentStructure {
         Range rowSets;
         Index replacedBy = none;  // later values of the same label in this mode
     };
+    // A <label> of a LinkEntry.
     struct Label {
         Element element = nullptr;
         LabelPlace place = {};
@@ -108,7 +115,8 @@ class DocumentStructure {
     [[nodiscard]] const std::vector<Element>& graphs() const noexcept { return m_graphs; }
     [[nodiscard]] const std::vector<Element>& displayGraphs() const noexcept { return m_displayGraphs; }
 
-    // The first one is the top level.
+    // Each list is in the order of the document. Objects that were replaced stay in the lists. The first node
+    // is the top level.
     [[nodiscard]] const std::vector<Node>& nodes() const noexcept { return m_nodes; }
     [[nodiscard]] const std::vector<Link>& links() const noexcept { return m_links; }
     [[nodiscard]] const std::vector<NodeEntry>& nodeEntries() const noexcept { return m_nodeEntries; }
@@ -118,7 +126,7 @@ class DocumentStructure {
     [[nodiscard]] const std::vector<RowSet>& rowSets() const noexcept { return m_rowSets; }
     [[nodiscard]] const std::vector<Row>& rows() const noexcept { return m_rows; }
 
-    // What the id finds at the end of the document.
+    // What the id finds at the end of the document; none when there is no such object. Constant time.
     [[nodiscard]] std::optional<Index> findNode(std::string_view id) const { return find(m_nodeIndex, id); }
     [[nodiscard]] std::optional<Index> findLink(std::string_view id) const { return find(m_linkIndex, id); }
 

@@ -1,4 +1,5 @@
-// The filters of a pane.
+// The filters of a pane. The library knows filters by name only (qlib_1::IFilterRegistry); their SQL stays on
+// this side and never reaches it.
 #pragma once
 
 #include <algorithm>
@@ -13,6 +14,7 @@ namespace tessera_host {
 
 using tessera_1::filterNames;
 
+// Whether the library applies a filter of this name. Case matters.
 [[nodiscard]] constexpr bool isFilterName(std::string_view name) noexcept {
     return std::find(filterNames.begin(), filterNames.end(), name) != filterNames.end();
 }
@@ -20,10 +22,10 @@ using tessera_1::filterNames;
 // "selection" and "global", in quotation marks, for messages.
 [[nodiscard]] std::string filterNameList();
 
-// An SQL predicate over the rows of a query, and where it was written (line 0: not in the document).
+// What limits the rows that queries see.
 struct Filter {
-    std::string predicate;
-    basekit2::source_position_t position;
+    std::string predicate;                 // SQL of the engine, not checked and not trusted
+    basekit2::source_position_t position;  // in the document; line 0 when it was given otherwise
 
     friend bool operator==(const Filter&, const Filter&) = default;
 };

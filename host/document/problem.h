@@ -1,4 +1,5 @@
-// Something wrong with a document, or worth knowing about it, at its place.
+// Something wrong with a document, or worth knowing about it, at its place. A list of problems is the result
+// of a check. What keeps a function from doing its work is an Error (host/error.h).
 #pragma once
 
 #include <string>
@@ -18,7 +19,7 @@ struct Problem {
     friend bool operator==(const Problem&, const Problem&) = default;
 };
 
-// Collects problems in any order. One thread at a time.
+// Collects the problems of several checks, in any order. One thread at a time.
 class ProblemList {
   public:
     void error(basekit2::source_position_t position, std::string text) {
@@ -31,15 +32,15 @@ class ProblemList {
         m_problems.push_back({position, std::move(text), severity});
     }
 
-    // All of them in the order of the document, those without a position first. Problems at one place stay in
-    // the order in which they were added.
+    // A copy of all of them in the order of the document, those without a position first. Problems at one
+    // place stay in the order in which they were added.
     [[nodiscard]] std::vector<Problem> sorted() const;
 
   private:
     std::vector<Problem> m_problems;
 };
 
-// Hands the problems to the user, in this order.
+// Posts the problems to the messenger, in this order, on the calling thread.
 void postAll(const std::vector<Problem>& problems, relay2::IMessenger& messenger);
 
 }  // namespace tessera_host

@@ -13,9 +13,9 @@
 
 namespace tessera_host {
 
-// A row that may come to show a value.
+// A row that may show a value later.
 struct ReservedRow {
-    std::string_view name;  // as the diagram shows it: looked up in the catalogues
+    std::string_view name;  // as the diagram shows it: translated by the catalogues
     // How its values are written; null when the row refers to no declared query and never shows one.
     const QueryDeclaration* query;
 };
@@ -24,7 +24,9 @@ struct ReservedRow {
 // the moment. A drawing that keeps space for all of them does not move when values or the mode change. Rows
 // that the library never shows, because a later entry replaces theirs, are left out.
 //
-// Keeps the viewpoint alive. Does not change once made, so any thread may use it.
+// A host makes one for each viewpoint and language, and measures its names in the font of its drawings. Keeps
+// the viewpoint alive. Does not change once made, so any thread may use it; spans and views that it returns
+// are valid as long as it.
 class ReservedSpace {
   public:
     using Rows = std::span<const ReservedRow>;
@@ -42,7 +44,8 @@ class ReservedSpace {
         Rows rows;
     };
 
-    // Looks names up in the catalogues of `source`. Linear time.
+    // Looks names up in the catalogues of `source`, in the order and by the rules of the library; `source` is
+    // used during the call only. Linear time.
     ReservedSpace(Viewpoint::Pointer viewpoint, const optstore2::IMessageCatalogSource& source);
     ReservedSpace(const ReservedSpace&) = delete;
     ReservedSpace& operator=(const ReservedSpace&) = delete;
@@ -61,7 +64,8 @@ class ReservedSpace {
     std::vector<Label> m_labels;
 };
 
-// A text about as wide as the values of the query become, with their unit.
+// A text about as wide as the values of the query become, with their unit. An estimate from the query's
+// format: no value is looked at, and a wider one has to be shortened.
 [[nodiscard]] std::string typicalValue(const QueryDeclaration& query);
 
 }  // namespace tessera_host

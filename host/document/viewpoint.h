@@ -31,7 +31,8 @@ class Viewpoint {
     [[nodiscard]] static Expected<Pointer> readFile(const std::string& path,
                                                     const tessera_support::CancelToken& token);
 
-    // The same for a document that is at hand as text, which is not kept. `name` is what messages call it.
+    // The same for a document that the caller has as text, which is not kept. `name` is what messages call
+    // it.
     [[nodiscard]] static Expected<Pointer> readText(std::string_view text, std::string name,
                                                     const tessera_support::CancelToken& token);
 
@@ -44,10 +45,11 @@ class Viewpoint {
     Viewpoint(const Viewpoint&) = delete;
     Viewpoint& operator=(const Viewpoint&) = delete;
 
-    // A path, as a rule.
+    // What messages call the document: the path of its file, if it has one.
     [[nodiscard]] const std::string& name() const noexcept { return m_name; }
     // The document as the diagram library reads it. Each bag has the position of its start tag.
     [[nodiscard]] const basekit2::variant_bag_t& bag() const noexcept { return m_bag; }
+    // Nodes, links and display entries as flat lists, for checks and for measuring.
     [[nodiscard]] const DocumentStructure& structure() const noexcept { return m_structure; }
     // Never null. Does not refer to the viewpoint: it may be kept longer.
     [[nodiscard]] const std::shared_ptr<const Declarations>& declarations() const noexcept {
@@ -55,7 +57,8 @@ class Viewpoint {
     }
     // The document's own filters; a pane may replace them for itself.
     [[nodiscard]] const Filters& filters() const noexcept { return m_declarations->filters(); }
-    // Which declarations could not be read as they are written. `checkDocument` finds much more.
+    // Which declarations could not be read as they are written; who opens a document posts them to the user.
+    // `checkDocument` finds much more.
     [[nodiscard]] const std::vector<Problem>& problems() const noexcept { return m_declarations->problems(); }
 
   private:

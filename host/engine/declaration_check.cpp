@@ -7,7 +7,7 @@
 namespace tessera_host {
 namespace {
 
-// Collects the problems of filters and queries; the two functions return what is wrong with one.
+// Collects the problems of filters and queries; each of the two functions checks one.
 template <class CheckFilter, class CheckSelection>
 std::vector<Problem> collect(const Declarations& declarations, const Filters& filters,
                              const CancelToken& cancel, CheckFilter checkFilter, CheckSelection check) {

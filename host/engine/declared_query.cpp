@@ -26,12 +26,12 @@ const CellText& DeclaredQuery::value(const ReferenceQuery& reference, const RunP
     if (known != m_values.end()) return known->second;
     if (std::uint64_t cost = 0; isWorthGrouping(reference, cost)) {
         m_isGroupingTried = true;
-        if (auto done = askTogether(reference, place, cost); !done)
+        if (auto done = queryTogether(reference, place, cost); !done)
             return m_cancelled.emplace(std::move(done).error());
         const auto grouped = m_values.find(reference.keyText());
         if (grouped != m_values.end()) return grouped->second;
     }
-    CellText text = askOne(reference, place);
+    CellText text = queryOne(reference, place);
     if (isCancelled(text)) return m_cancelled.emplace(std::move(text));
     return m_values.emplace(reference.keyText(), std::move(text)).first->second;
 }
@@ -56,8 +56,8 @@ bool DeclaredQuery::isWorthGrouping(const ReferenceQuery& reference, std::uint64
     return remaining >= minReferences && cost >= minWork;
 }
 
-Expected<void> DeclaredQuery::askTogether(const ReferenceQuery& reference, const RunPlace& place,
-                                          std::uint64_t maxWork) {
+Expected<void> DeclaredQuery::queryTogether(const ReferenceQuery& reference, const RunPlace& place,
+                                            std::uint64_t maxWork) {
     std::vector<Question> questions;
     std::vector<const KeyText*> names;
     for (const auto& [name, keys] : reference.siblings()) {
@@ -73,7 +73,7 @@ Expected<void> DeclaredQuery::askTogether(const ReferenceQuery& reference, const
     return {};
 }
 
-CellText DeclaredQuery::askOne(const ReferenceQuery& reference, const RunPlace& place) {
+CellText DeclaredQuery::queryOne(const ReferenceQuery& reference, const RunPlace& place) {
     auto answer = place.snapshot.answer({&m_selection, &reference.keys()}, place.options);
     if (!answer) return std::move(answer).error();
     ++m_singleRuns;

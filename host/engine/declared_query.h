@@ -21,11 +21,12 @@ struct RunPlace {
     const RunOptions& options;
 };
 
-// Used by one thread at a time. Equal references are asked once a snapshot.
+// Used by one thread at a time. Equal references are queried once a snapshot.
 //
-// Many references to a query without a fitting index would each look at every row. So the first ones are
-// asked one by one, which shows their cost; when those to come would cost much, the engine is given all of
-// them together. That may cost as much as they would and is then given up for this snapshot.
+// Without a fitting index, each of many references to a query would read every row. So the first ones are
+// queried one by one, which shows their cost. When the remaining ones would cost much, the engine gets all of
+// them at once, with a limit: the cost of querying them one by one. An attempt that reaches the limit is not
+// repeated in this snapshot.
 class DeclaredQuery {
   public:
     DeclaredQuery(const QueryDeclaration& query, const FilterList& filters)
@@ -40,9 +41,9 @@ class DeclaredQuery {
   private:
     void startSnapshot(std::uint64_t snapshotNumber);
     [[nodiscard]] bool isWorthGrouping(const ReferenceQuery& reference, std::uint64_t& cost) const;
-    [[nodiscard]] Expected<void> askTogether(const ReferenceQuery& reference, const RunPlace& place,
-                                             std::uint64_t maxWork);
-    [[nodiscard]] CellText askOne(const ReferenceQuery& reference, const RunPlace& place);
+    [[nodiscard]] Expected<void> queryTogether(const ReferenceQuery& reference, const RunPlace& place,
+                                               std::uint64_t maxWork);
+    [[nodiscard]] CellText queryOne(const ReferenceQuery& reference, const RunPlace& place);
     [[nodiscard]] std::string textOf(const CellValue& value) const;
 
     const QueryDeclaration& m_query;

@@ -24,8 +24,9 @@ struct Engine {
     std::string description;           // "SQLite files", completes "this program reads ..."
     std::vector<std::string> schemes;  // of addresses "SCHEME://...", in small letters
     std::vector<std::string> endings;  // of paths, with the dot, in small letters
-    // Whether the file's first bytes are this engine's. Empty when it has none. Called for addresses without
-    // a scheme, also when there is no such file; must not disturb another engine that has the file open.
+    // Whether the file's first bytes are this engine's. An empty function when its files have none. Called
+    // for addresses without a scheme, also when the file does not exist. Must not disturb another engine that
+    // has the file open.
     std::function<bool(const std::string& path)> recognizes;
     // Opens an address that was chosen for this engine. The result is never null. The error is a clause for
     // people that does not repeat the address; its kind counts only when it is cancelled.
@@ -49,9 +50,9 @@ class EngineRegistry {
     [[nodiscard]] const std::vector<Engine>& engines() const noexcept { return m_engines; }
 
     // Opens a result read-only. The engine is the one that the options name; otherwise the address's scheme,
-    // then the file's first bytes, then its ending decide; a file that no engine knows goes to the first one,
-    // whose error says what is wrong with it. The error's kind is cannotOpen, cancelled, or usage when there
-    // is no such engine.
+    // then the file's first bytes, then its ending decide; a file that no engine knows is opened by the first
+    // one, whose error explains the failure. The error's kind is cannotOpen, cancelled, or usage when no
+    // engine has the name.
     [[nodiscard]] Expected<std::shared_ptr<IResult>> open(const std::string& address,
                                                           const OpenOptions& options = {},
                                                           const CancelToken& cancel = {}) const;

@@ -18,7 +18,7 @@ namespace tessera_host {
 // library calls it under its handler's lock, so it locks nothing itself.
 class QueryLibrary final : public basekit2::ref_counted_t<qlib_1::IQueryLibrary> {
   public:
-    // REQUIRES: `declarations` is not null. The queries that the library makes keep them alive, too.
+    // REQUIRES: `declarations` is not null. The queries that the library makes keep them alive as well.
     explicit QueryLibrary(std::shared_ptr<const Declarations> declarations);
 
     basekit2::sptr_t<basekit2::IObject> queryInterface(basekit2::type_id_t id) override;

@@ -15,8 +15,8 @@
 
 namespace tessera_host {
 
-// Names one choice of key values among the references of a declaration. Equal keys have equal texts and
-// differing ones differing texts.
+// Names one choice of key values among the references of a declaration. Equal keys have equal texts, and
+// different keys have different texts. For maps; not for people, and not SQL.
 using KeyText = std::string;
 
 [[nodiscard]] KeyText keyTextOf(const KeyValues& keys);
@@ -26,14 +26,15 @@ void appendKey(KeyText& text, std::string_view key);
 // Choices of key values, each once.
 using KeyChoices = std::unordered_map<KeyText, KeyValues>;
 
-// The distinct references that a library has handed out, by declaration. Grows under the lock under which the
-// library is called.
+// The distinct references that a query library has handed out. One for each library; its queries share it, so
+// it lives as long as the last of them. Grows while the document is read, under the lock under which the
+// library is called; values are fetched under the same lock.
 struct ReferencePool {
     explicit ReferencePool(std::shared_ptr<const Declarations> read)
         : declarations(std::move(read)), wanted(declarations->queries().size()) {}
 
-    std::shared_ptr<const Declarations> declarations;
-    std::vector<KeyChoices> wanted;
+    std::shared_ptr<const Declarations> declarations;  // never null
+    std::vector<KeyChoices> wanted;                    // by the index of the declaration
 };
 
 // One reference. Unchanging; keeps the declarations alive.
@@ -47,6 +48,7 @@ class ReferenceQuery final : public basekit2::ref_counted_t<qlib_1::IQuery> {
     basekit2::sptr_t<basekit2::IObject> queryInterface(basekit2::type_id_t id) override;
     [[nodiscard]] std::string getIdentifier() const override { return m_identifier; }
 
+    // The reference without its leading "/"; valid as long as this query.
     [[nodiscard]] std::string_view identifier() const noexcept { return m_identifier; }
     [[nodiscard]] const QueryDeclaration& declaration() const noexcept { return *m_declaration; }
     [[nodiscard]] const KeyValues& keys() const noexcept { return m_choice->second; }

@@ -64,20 +64,22 @@ class ISnapshot {
     ISnapshot(const ISnapshot&) = delete;
     ISnapshot& operator=(const ISnapshot&) = delete;
 
-    // An error once the database was lost or changed under the snapshot: no further question has an answer.
-    // Cheap; a request calls it before it asks.
+    // An error once the database was lost or has changed under the snapshot: every further question fails.
+    // Cheap; a request calls it before its questions.
     [[nodiscard]] virtual Expected<void> state() const = 0;
 
     // The value of one question; NULL and the value over no rows are values too. An error says why there is
     // none: the selection is not acceptable, the statement failed or reached a limit (kind failed), or the
     // call was cancelled (kind cancelled). Its text is a clause for people that does not name the query. A
-    // selection that is not acceptable is so for the whole snapshot, and cheap to ask again.
+    // selection that is not acceptable stays so for the whole snapshot; further questions about it fail at
+    // once.
     [[nodiscard]] virtual Expected<Answer> answer(const Question& question, const RunOptions& options) = 0;
 
-    // Answers many questions with few statements. The result has an element for each question: its value,
-    // always the one that answer() would return, or none when it has to be asked by itself. An engine that
-    // cannot tell that the values would be equal, a failing statement, and one that takes more than `maxWork`
-    // leave elements empty; the only error is cancellation. Questions about one selection stand side by side.
+    // Returns the values of many questions, from few statements. The result has an element for each question:
+    // the value that answer() would return, or none when the caller has to call answer() for it. Elements
+    // stay empty when the engine cannot be sure that the values would be equal, when a statement fails, and
+    // when it takes more than `maxWork`. The only error is cancellation. REQUIRES: questions about one
+    // selection are neighbours.
     [[nodiscard]] virtual Expected<std::vector<std::optional<CellValue>>> answerTogether(
         std::span<const Question> questions, std::uint64_t maxWork, const RunOptions& options) = 0;
 

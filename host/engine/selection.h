@@ -18,13 +18,13 @@ struct NamedFilter {
 };
 using FilterList = std::vector<NamedFilter>;  // in the order in which the request names them
 
-// The values of the key columns, one for each column, as text. A value finds equal text, and equal numbers when
-// it is written as a number: "05" finds the text '05' and the number 5, but not the text '5'.
+// The values of the key columns, one for each column, as text. A value finds equal text, and equal numbers
+// when it is written as a number: "05" finds the text '05' and the number 5, but not the text '5'.
 using KeyValues = std::vector<std::string>;
 
-// One declared query under certain filters. Its texts are SQL of the engine, as the document has them: not
-// trusted and not checked yet. An engine keeps prepared statements by these contents, so equal selections of
-// several panes share them.
+// One declared query under certain filters, without the key values of a reference. Owns its texts. They are
+// SQL of the engine, as the document has them: not trusted and not checked yet. An engine keeps prepared
+// statements by these contents, so equal selections of several panes share them.
 struct Selection {
     std::string from;               // a table or view
     std::string expression;         // SQL, an aggregate over its rows

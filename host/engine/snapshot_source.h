@@ -9,15 +9,19 @@
 
 namespace tessera_host {
 
-// Keeps the snapshot of the request that is running. One for each pane; used by one thread at a time. The
-// result is shared with other panes; each has its own snapshots.
+// Keeps the snapshot of the request that is running, so that all its queries see one state of the data. One
+// for each pane; used by one thread at a time. The result is shared with other panes; each has its own
+// snapshots. Pane makes a SnapshotHold for each request, and the table-tree engine a SnapshotUse for each
+// query.
 class SnapshotSource {
   public:
+    // Begins nothing. REQUIRES: `result` is not null.
     explicit SnapshotSource(std::shared_ptr<IResult> result) : m_result(std::move(result)) {}
     SnapshotSource(const SnapshotSource&) = delete;
     SnapshotSource& operator=(const SnapshotSource&) = delete;
 
-    // Counts the snapshots, from 1; 0 before the first.
+    // Counts the snapshots, from 1; 0 before the first. Values that are kept for a snapshot are kept under
+    // its number.
     [[nodiscard]] std::uint64_t number() const noexcept { return m_number; }
 
   private:
@@ -48,9 +52,10 @@ class SnapshotUse {
     SnapshotUse(const SnapshotUse&) = delete;
     SnapshotUse& operator=(const SnapshotUse&) = delete;
 
-    // Why nothing can be read: the snapshot could not be begun, or the database was lost meanwhile.
+    // The error says why nothing can be read: the snapshot could not be begun, or the database was lost
+    // meanwhile. All uses within one hold get the same error.
     [[nodiscard]] Expected<void> state() const;
-    // REQUIRES: the snapshot could be begun.
+    // Valid as long as this use. REQUIRES: the snapshot could be begun.
     [[nodiscard]] ISnapshot& snapshot() const noexcept { return *m_source.m_snapshot; }
 
   private:

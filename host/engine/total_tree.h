@@ -1,4 +1,4 @@
-// The answer of a query over all rows: one row of cells.
+// The result of a query over all rows: one row of cells.
 #pragma once
 
 #include <string>

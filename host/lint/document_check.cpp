@@ -2,9 +2,8 @@
 
 #include "host/lint/cycles/cycle_finder.h"
 #include "host/lint/cycles/cycle_report.h"
-#include "host/lint/display_check.h"
-#include "host/lint/graph_check.h"
 #include "host/lint/references.h"
+#include "host/lint/structure_check.h"
 #include "host/lint/vocabulary.h"
 
 namespace tessera_host {

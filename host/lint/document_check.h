@@ -12,8 +12,11 @@
 namespace tessera_host {
 
 // Checks the vocabulary, ids, links, display entries, references, declarations and cycles of a document.
-// `sqlProblems` are what an engine finds wrong with its SQL. All problems in the order of the document. Fails
-// only when it is cancelled; it looks at the token all the time.
+// Called by `tessera check`; making a diagram does not need it. `sqlProblems` are what an engine found in the
+// document's SQL (host/engine/declaration_check.h); they are merged with the others.
+//
+// Returns all problems in the order of the document; an empty list means that nothing was found. The only
+// error is cancellation. n log n time. Any thread.
 [[nodiscard]] Expected<std::vector<Problem>> checkDocument(const Viewpoint& viewpoint,
                                                            std::span<const Problem> sqlProblems,
                                                            const tessera_support::CancelToken& token);

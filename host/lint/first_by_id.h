@@ -8,8 +8,8 @@
 
 namespace tessera_host {
 
-// Finds the first of the nodes or links of a document that has an id. Makes its index when it is first needed:
-// documents without mistakes do without. One thread at a time.
+// Finds the first of the nodes or links of a document that has an id. Makes its index when it is first
+// needed: documents without mistakes do without. One thread at a time.
 template <class Objects>
 class FirstById {
   public:

@@ -29,9 +29,9 @@ void checkRows(const DocumentStructure& structure, DocumentStructure::Range rows
             problems.error(here, quoted(text) + " is not a reference: " + reference.error().text +
                                      "; the whole rowSet stays empty");
         } else if (const auto [it, isNew] = seen.try_emplace(text, here); !isNew) {
-            problems.warning(here, "this rowSet refers to " + quoted(text) + " before, at " +
+            problems.warning(here, "duplicate reference " + quoted(text) + " in this rowSet: the row at " +
                                        placeText(it->second, here) +
-                                       "; the value is shown there, so this row is never shown");
+                                       " shows the value, and this one is never shown");
         }
     }
 }
@@ -42,9 +42,8 @@ void checkQueries(const Declarations& declarations, ProblemList& problems, const
         if (token.isCancelled()) return;
         const auto [it, isNew] = seen.try_emplace(query.id, query.position);
         if (!isNew)
-            problems.error(query.position, "query id " + quoted(query.id) + " is used before, at " +
-                                               placeText(it->second, query.position) +
-                                               "; the query there is not used");
+            problems.error(query.position, "duplicate query id " + quoted(query.id) + ": the query at " +
+                                               placeText(it->second, query.position) + " is not used");
         it->second = query.position;
     }
 }
@@ -58,8 +57,8 @@ void checkFilter(const variant_bag_t& element, Positions& seen, ProblemList& pro
             here, "filter " + quoted(name) + " is never applied; the filters are called " + filterNameList());
     const auto [it, isNew] = seen.try_emplace(name, here);
     if (!isNew)
-        problems.error(here, "filter " + quoted(name) + " is declared before, at " +
-                                 placeText(it->second, here) + "; the filter there is not applied");
+        problems.error(here, "duplicate filter " + quoted(name) + ": the filter at " +
+                                 placeText(it->second, here) + " is not applied");
     it->second = here;
 }
 

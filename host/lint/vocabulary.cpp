@@ -88,7 +88,7 @@ constexpr ElementRule root{"the document", {}, rootChildren};
 constexpr std::array valueRules{
     std::pair{&link,
               ValueRule{"direction", "is kept but means nothing", {"forward", "back", "both", "none"}}},
-    std::pair{&label, ValueRule{"location", "is taken for \"center\"", {"from", "to", "center", "center"}}},
+    std::pair{&label, ValueRule{"location", "is read as \"center\"", {"from", "to", "center", "center"}}},
     std::pair{&displayNode,
               ValueRule{"aligning", "is kept but means nothing", {"from", "to", "none", "none"}}},
 };

@@ -12,8 +12,10 @@ namespace tessera_host {
 // The most bytes that a file may have. No document is that long, but a device may never end.
 inline constexpr std::size_t maxFileText = std::size_t{1} << 30U;
 
-// Reads `path` to its end. Any file will do that can be read, also a pipe or /dev/stdin; while nothing arrives
-// it looks at `token`. The error has the kind cannotOpen, also when the file is longer than `maxFileText`.
+// Reads `path` to its end, which may be a pipe or /dev/stdin. While nothing arrives it looks at `token`,
+// every 50 milliseconds. The bytes are returned as they are, whatever their encoding; an empty file is the
+// empty string. The error has the kind cannotOpen, also when the file is longer than `maxFileText`, or
+// cancelled. Its text does not name the file.
 [[nodiscard]] Expected<std::string> readFileText(const std::string& path,
                                                  const tessera_support::CancelToken& token = {});
 

@@ -14,7 +14,7 @@
 
 namespace tessera_host {
 
-// The parser calls the upper-case members, which answer false to make it stop; errorText() then says why.
+// The parser calls the upper-case members. They return false to make it stop; errorText() then says why.
 class JsonEvents {
   public:
     // `stream` is where the parser reads `text` from; `root` takes what is read.
@@ -60,7 +60,7 @@ class JsonEvents {
     std::vector<Level> m_levels;
     std::string m_key;
     std::string m_arrayNames;  // of all arrays that are being read, one after the other
-    std::size_t m_passed = 0;  // up to here the text has been turned into events
+    std::size_t m_passed = 0;  // up to here the text was reported as events
     std::string_view m_error;
 };
 

@@ -11,7 +11,7 @@ namespace {
 
 using basekit2::variant_bag_t;
 
-// What is wrong with the grammar.
+// The grammar's errors in words.
 std::string_view syntaxText(rapidjson::ParseErrorCode code) {
     switch (code) {
         case rapidjson::kParseErrorDocumentEmpty:

@@ -11,7 +11,8 @@ namespace tessera_host {
 // Lines and columns count from 1. A column is one character of UTF-8, whatever number of bytes it takes; a
 // tab is one column. A line ends with LF, CR LF or CR. A byte order mark at the beginning takes no column.
 //
-// Remembers the last place: calls in ascending order are one walk over the text altogether.
+// Remembers the last place: calls in ascending order walk over the text once in total; a step back starts
+// again from its beginning. One thread at a time.
 class TextPosition {
   public:
     // `text` has to outlive this object.

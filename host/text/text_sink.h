@@ -9,9 +9,10 @@
 
 namespace tessera_host {
 
-// Collects text in blocks and passes them on. After a failure nothing more is passed on and every further
-// call returns false, so a writer may test good() now and then instead of each result. Text that has not been
-// flushed when the sink is destroyed is lost. One thread at a time.
+// Collects text in blocks of 64 KiB and passes them on. After a failure nothing more is passed on and every
+// further call returns false, so a writer may test good() now and then instead of each result. Text that has
+// not been flushed when the sink is destroyed is lost: the destructor cannot report a failure. One thread at
+// a time.
 class TextSink {
   public:
     TextSink() = default;
@@ -19,6 +20,7 @@ class TextSink {
     TextSink& operator=(const TextSink&) = delete;
     virtual ~TextSink() = default;
 
+    // These two return good(). They take any bytes; writers of text pass UTF-8.
     bool put(char c) {
         if (m_used == blockSize) flush();
         m_block[m_used++] = c;
@@ -32,14 +34,15 @@ class TextSink {
         return m_good;
     }
 
-    // Passes on everything written so far.
+    // Passes on everything written so far; returns good(). The caller of a writer calls it once, at the end.
     bool flush();
 
     // False once something could not be passed on.
     [[nodiscard]] bool good() const noexcept { return m_good; }
 
   protected:
-    // Takes one block; false when it could not be taken as a whole. Called only while the sink is good.
+    // Implemented by the target: takes one block, which is valid during the call only. False when it could
+    // not be taken as a whole; it is not called again then.
     virtual bool deliver(std::string_view block) = 0;
 
   private:

@@ -38,7 +38,7 @@ bool XmlNames::isName(std::string_view text) {
     return true;
 }
 
-// REQUIRES: `name` holds no ASCII characters but those of names, so that it cannot be taken for anything
+// REQUIRES: `name` holds no ASCII characters but those of names, so that it cannot be mistaken for anything
 // else.
 bool XmlNames::parserAccepts(const std::string& name) {
     if (m_parser)

@@ -11,7 +11,7 @@ namespace tessera_host {
 // How ASCII characters lie in a document.
 enum class XmlUnits { bytes, utf16BigEndian, utf16LittleEndian };
 
-// As the first bytes of a document tell it.
+// Judged by the first bytes of a document.
 XmlUnits unitsOf(std::string_view document) noexcept;
 
 struct EntityReference {

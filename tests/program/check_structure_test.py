@@ -11,34 +11,33 @@ def names(diagram):
 class Ids(CheckCase):
     def test_later_of_two_nodes_is_found(self):
         self.assert_finds(self.graph('<node id="x"/>\n<node id="x"/>\n<node id="x"/>'),
-                          '4:1: error: node id "x" is used before, at line 3; the node there is no longer found by it and '
-                          'gets no layer',
-                          '5:1: error: node id "x" is used before, at line 4;')
+                          '4:1: error: duplicate node id "x": the node at line 3 loses the id and gets no layer',
+                          '5:1: error: duplicate node id "x": the node at line 4 ')
 
     def test_group_is_found_before_its_members(self):
         text = self.graph('<node id="x"><node id="y">\n<node id="x"/></node></node>', '<display><node id="x" '
                           'displayName="found"/></display>')
-        self.assert_finds(text, '3:1: error: node id "x" is used inside this group, too, at line 4; the node there is read '
-                          'first, is no longer found by it and gets no layer')
+        self.assert_finds(text, '3:1: error: duplicate node id "x": the node inside this group at line 4 loses the id and gets '
+                          'no layer')
         diagram = self.render(self.write('v.xml', text), self.database())
         self.assertEqual(names(diagram), {('x', False): '', ('y', True): '', ('x', True): 'found'})
 
     def test_links_reach_the_group_rather_than_its_member(self):
         # b is inside x, so a link from b to it is a cycle at the top level. A link to the inner x would not be.
         self.assert_finds(self.graph('<node id="x"><node id="x"/><node id="b"/></node>\n<link id="1" from="b" to="x"/>'),
-                          '3:1: error: node id "x" is used inside this group, too, at column 14 of this line;',
+                          '3:1: error: duplicate node id "x": the node inside this group at column 14 of this line ',
                           '4:1: error: link "1" from "b" to group "x" around it forms a cycle at the top level: x -> x;')
 
     def test_links_between_two_nodes_of_one_id_reach_the_first(self):
         # The first a takes no part in layering, so there is no cycle.
         self.assert_finds(self.graph('<node id="a"/><node id="b"/><link id="1" from="a" to="b"/>'
                                      '<link id="2" from="b" to="a"/>\n<node id="a"/>'),
-                          '4:1: error: node id "a" is used before, at line 3;')
+                          '4:1: error: duplicate node id "a": the node at line 3 ')
 
     def test_doubled_link_ids(self):
         self.assert_finds(self.graph('<node id="a"/><node id="b"/><link id="l" from="a" to="b"/>\n'
                                      '<link id="l" from="a" to="b"/>'),
-                          '4:1: error: link id "l" is used before, at line 3; the link there is no longer found by it')
+                          '4:1: error: duplicate link id "l": the link at line 3 loses the id')
 
     def test_missing_ids_and_empty_ones(self):
         self.assert_finds(self.graph('<node/>\n<node id=""/>\n<node id="a"/>\n<link from="a" to="a2"/>\n'
@@ -90,9 +89,9 @@ class Ids(CheckCase):
                 f'<filters><filter name="{id}">(</filter><filter name="{id}">1</filter></filters>'))
         self.assertTrue(all(': error: ' in line or ': warning: ' in line for line in found), found)
         everything = '\n'.join(found)
-        for part in (f'node id {shown} is', f'link id {shown} is', f'there is no node "x{shown[1:]} for',
+        for part in (f'duplicate node id {shown}:', f'duplicate link id {shown}:', f'there is no node "x{shown[1:]} for',
                      f'direction {shown} ', f'display entry of node "x{shown[1:]}:', f'{shown} is not a reference',
-                     f'query id {shown} is', f'query {shown}: ', f'filter {shown} is never', f'filter {shown} is declared',
+                     f'duplicate query id {shown}:', f'query {shown}: ', f'filter {shown} is never', f'duplicate filter {shown}:',
                      f'cycle at the top level: {shown} -> {shown};'):
             self.assertIn(part, everything)
 
@@ -111,7 +110,7 @@ class Display(CheckCase):
     def test_entries_for_two_nodes_of_one_id_do_not_replace_each_other(self):
         text = self.graph('<node id="a"/>', '<display><node id="a" displayName="one"/></display>\n<graph id="g"><node id="a">'
                           '<node id="m"/></node></graph><display><node id="a" displayName="two"/></display>')
-        self.assert_finds(text, '5:15: error: node id "a" is used before, at line 3;')
+        self.assert_finds(text, '5:15: error: duplicate node id "a": the node at line 3 ')
         diagram = self.render(self.write('v.xml', text), self.database())
         self.assertEqual(names(diagram), {('a', False): 'one', ('m', False): '', ('a', True): 'two'})
 
@@ -138,8 +137,8 @@ class Display(CheckCase):
                 '<queryRef displayName="three">/k/1</queryRef><queryRef displayName="four">/k/%31</queryRef></rowSet>')
         text = self.display(f'<node id="a">{rows}</node>\n<node id="b">{rows}</node>').replace(
             '<v>', '<v><queries><query id="q" from="t">SUM(a)</query><query id="k" from="t" key="a">SUM(b)</query></queries>')
-        begin = ': warning: this rowSet refers to "/q" before, at line '
-        self.assert_finds(text, f'6:1{begin}5; the value is shown there, so this row is never shown', f'9:1{begin}8;', status=0)
+        begin = ': warning: duplicate reference "/q" in this rowSet: the row at line '
+        self.assert_finds(text, f'6:1{begin}5 shows the value, and this one is never shown', f'9:1{begin}8 ', status=0)
         # The diagram agrees with the finding: two different references to one query are two rows, equal ones are one.
         diagram = self.render(self.write('v.xml', text), self.database())
         shown = diagram['nodes']['node'][0]['info']['rows']['row']
@@ -157,17 +156,17 @@ class Declared(CheckCase):
     def test_repeated_queries(self):
         self.assert_finds(self.declared('<queries><query id="q" from="t">1</query>\n<query id="q" from="t">2</query></queries>\n'
                                         '<queries><query id="q" from="t">3</query></queries>'),
-                          '2:1: error: query id "q" is used before, at line 1; the query there is not used',
-                          '3:10: error: query id "q" is used before, at line 2; the query there is not used')
+                          '2:1: error: duplicate query id "q": the query at line 1 is not used',
+                          '3:10: error: duplicate query id "q": the query at line 2 is not used')
 
     def test_repeated_filters(self):
         self.assert_finds(self.declared('<filters><filter name="global">a = 1</filter>\n'
                                         '<filter name="selection">a = 1</filter></filters>\n'
                                         '<filters><filter name="global"/></filters>'),
-                          '3:10: error: filter "global" is declared before, at line 1; the filter there is not applied')
+                          '3:10: error: duplicate filter "global": the filter at line 1 is not applied')
         self.assert_finds(self.declared('<filters><filter name="mine">a = 1</filter>\n<filter name="mine"/></filters>'),
                           '1:13: warning: filter "mine" is never applied;',
-                          '2:1: warning: filter "mine" is never applied;', '2:1: error: filter "mine" is declared before')
+                          '2:1: warning: filter "mine" is never applied;', '2:1: error: duplicate filter "mine": ')
 
 
 if __name__ == '__main__':

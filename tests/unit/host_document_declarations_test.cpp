@@ -104,7 +104,7 @@ TEST(Declarations, ListsWhatIsWrong) {
     EXPECT_EQ(declarations->find("F")->format, CellFormat());
 }
 
-TEST(Declarations, LaterFilterReplacesAndBlankOneRemoves) {
+TEST(Declarations, LaterFilterReplacesAndEmptyOneRemoves) {
     variant_bag_t root;
     variant_bag_t& filters = root.add_variant_bag("filters");
     add(filters, "filter", {{"name", "selection"}, {"", "a = 1"}}, 2);

@@ -37,7 +37,7 @@ TEST(OneLine, InvalidUtf8IsReplaced) {
               "b");
 }
 
-TEST(OneLine, LongTextIsCutBetweenCharacters) {
+TEST(OneLine, LongTextIsTruncatedBetweenCharacters) {
     std::string text(299, 'x');
     text += "\xE2\x82\xAC and more";
     EXPECT_EQ(oneLine(text), std::string(299, 'x') + "\xE2\x82\xAC...");

@@ -187,7 +187,7 @@ TEST(QueryText, OneLineIsShortAndValid) {
     for (int i = 0; i < 1000; ++i)
         accents += "\u20AC";
     EXPECT_EQ(oneLine(accents),
-              tessera_support::repairUtf8(oneLine(accents)));  // not cut inside of a character
+              tessera_support::repairUtf8(oneLine(accents)));  // not truncated inside of a character
     EXPECT_TRUE(isBlank(" \t\r\n"));
     EXPECT_FALSE(isBlank(" x"));
 }

@@ -75,7 +75,7 @@ TEST_F(EngineRegistryTest, ANameDecidesBeforeAllElse) {
     EXPECT_EQ(unknown.error(), (Error{ErrorKind::usage, "there is no engine \"third\""}));
 }
 
-TEST_F(EngineRegistryTest, AnUnknownSchemeIsAnErrorThatSaysWhatIsKnown) {
+TEST_F(EngineRegistryTest, AnUnknownSchemeIsAnErrorThatNamesTheKnownEngines) {
     const auto opened = registry.open("three://x");
     ASSERT_FALSE(opened);
     EXPECT_EQ(opened.error(), (Error{ErrorKind::cannotOpen,

@@ -35,7 +35,7 @@ TEST_F(SqliteDatabase, OpensADatabase) {
     EXPECT_EQ(reasonFor(folder.file("a.db")), "");
 }
 
-TEST_F(SqliteDatabase, SaysWhatIsNoFile) {
+TEST_F(SqliteDatabase, RejectsWhatIsNotAFile) {
     EXPECT_EQ(reasonFor(folder.file("none.db")), "there is no such file");
     EXPECT_EQ(reasonFor(folder.file("none/a.db")), "there is no such file");
     EXPECT_EQ(reasonFor(folder.file("")), "it is a directory");
@@ -72,7 +72,7 @@ class SqliteWalInAClosedFolder : public SqliteDatabase {
     }
     ~SqliteWalInAClosedFolder() override { open(); }
 
-    // Nobody may write, not even the superuser, who is another user until open().
+    // No user may write, not even the superuser, who is another user until open().
     void close() {
         fs::permissions(folder.file("closed"), fs::perms(0555));
         ASSERT_EQ(seteuid(user == 0 ? 65534 : user), 0);
@@ -103,7 +103,7 @@ TEST_F(SqliteWalInAClosedFolder, ItsNameIsTakenLiterally) {
     EXPECT_EQ(reasonFor(odd), "");
 }
 
-TEST_F(SqliteWalInAClosedFolder, AChangeWhileItIsReadIsTold) {
+TEST_F(SqliteWalInAClosedFolder, AChangeWhileItIsReadIsReported) {
     close();
     Pane pane(path, settings);
     pane.query("Sum", "t", "SUM(a)").query("Count", "t", "COUNT(*)");
@@ -117,7 +117,7 @@ TEST_F(SqliteWalInAClosedFolder, AChangeWhileItIsReadIsTold) {
     EXPECT_EQ(pane.value("/Sum"), "42");
 }
 
-TEST_F(SqliteWalInAClosedFolder, PendingChangesAreNotPassedOver) {
+TEST_F(SqliteWalInAClosedFolder, PendingChangesAreNotIgnored) {
     fs::copy_file(path, folder.file("other.db"));
     const Writer writer(folder.file("other.db"));
     writer.run("INSERT INTO t VALUES (39)");
@@ -127,7 +127,7 @@ TEST_F(SqliteWalInAClosedFolder, PendingChangesAreNotPassedOver) {
     EXPECT_NE(reasonFor(path), "");
 }
 
-TEST_F(SqliteDatabase, SaysWhatIsNoDatabase) {
+TEST_F(SqliteDatabase, RejectsWhatIsNotADatabase) {
     std::ofstream(folder.file("text")) << std::string(5000, 'x');
     EXPECT_EQ(reasonFor(folder.file("text")), "the file is not an SQLite database");
     std::ofstream(folder.file("short")) << "SQLite format 3";
@@ -136,7 +136,7 @@ TEST_F(SqliteDatabase, SaysWhatIsNoDatabase) {
     EXPECT_EQ(reasonFor(folder.file("empty")), "it is empty");
 }
 
-TEST_F(SqliteDatabase, NoticesThatAFileIsCutShort) {
+TEST_F(SqliteDatabase, DetectsATruncatedFile) {
     const std::string path = folder.file("a.db");
     makeDatabase(path, numbersTable("t", 10000));
     fs::resize_file(path, fs::file_size(path) / 2);

@@ -43,7 +43,7 @@ class SqliteFunctions : public testing::Test {
     Memory bounded;
 };
 
-TEST_F(SqliteFunctions, AnswerWhatSqlitesOwnAnswer) {
+TEST_F(SqliteFunctions, ReturnWhatSqlitesOwnReturn) {
     const std::vector<std::string> values{"NULL",
                                           "''",
                                           "'a'",
@@ -82,7 +82,7 @@ TEST_F(SqliteFunctions, AnswerWhatSqlitesOwnAnswer) {
         }
 }
 
-TEST_F(SqliteFunctions, AnswerTheSameForRandomTexts) {
+TEST_F(SqliteFunctions, ReturnTheSameForRandomTexts) {
     std::mt19937 random(3);
     const std::vector<std::string> pieces{"a", "b", "ab", "\u00E9", "\u20AC", "\U0001F600", " "};
     const auto text = [&] {

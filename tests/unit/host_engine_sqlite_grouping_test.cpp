@@ -119,7 +119,7 @@ class SqliteGrouping : public testing::Test {
 };
 
 // The heart of it: what questions get together is what each gets by itself.
-TEST_F(SqliteGrouping, GroupsAnswerWhatSingleStatementsAnswer) {
+TEST_F(SqliteGrouping, GroupsGiveWhatSingleStatementsGive) {
     int compared = 0;
     for (unsigned seed = 1; seed <= 110; ++seed) {
         std::mt19937 random(seed);
@@ -154,7 +154,7 @@ TEST_F(SqliteGrouping, GroupsAnswerWhatSingleStatementsAnswer) {
 }
 
 // From end to end, with tables that are large enough for grouping to be chosen.
-TEST_F(SqliteGrouping, APaneAnswersTheSameForManyAndForFewReferences) {
+TEST_F(SqliteGrouping, APaneGetsTheSameForManyAndForFewReferences) {
     for (unsigned seed = 1; seed <= 11; ++seed) {
         std::mt19937 random(seed);
         const Shape& shape = shapes[seed % shapes.size()];
@@ -177,7 +177,7 @@ TEST_F(SqliteGrouping, APaneAnswersTheSameForManyAndForFewReferences) {
     }
 }
 
-// Asks for all of these key values at once.
+// Queries all of these key values at once.
 std::vector<std::optional<CellValue>> together(const SnapshotUse& use, const Selection& selection,
                                                const std::vector<KeyValues>& keys,
                                                std::uint64_t maxWork = noLimit) {
@@ -216,7 +216,7 @@ TEST_F(SqliteGrouping, KeysWithoutRowsHaveTheValueOverNoRows) {
               (Values{CellValue(std::int64_t{1}), CellValue(std::int64_t{0})}));
 }
 
-TEST_F(SqliteGrouping, ABudgetThatIsUsedUpOrAFailureIsNoAnswer) {
+TEST_F(SqliteGrouping, AFailureOrAnExceededBudgetLeavesValuesEmpty) {
     makeDatabase(
         folder.file("a.db"),
         numbersTable("n", 50000) + "INSERT INTO n VALUES (9223372036854775807, 0), (9223372036854775807, 0)");
@@ -242,7 +242,7 @@ TEST_F(SqliteGrouping, ABudgetThatIsUsedUpOrAFailureIsNoAnswer) {
     EXPECT_EQ(pane.value("/Q/17"), "8.5");
 }
 
-TEST_F(SqliteGrouping, QuestionsAboutSeveralSelectionsAreAnsweredInTheirOrder) {
+TEST_F(SqliteGrouping, ValuesOfSeveralSelectionsComeInTheOrderOfTheQuestions) {
     makeDatabase(folder.file("a.db"), numbersTable("n", 1000));
     Pane pane(folder.file("a.db"));
     pane.query("Sum", "n", "SUM(x)", {{"key", "i"}}).query("Max", "n", "MAX(i)", {{"key", "i"}});
@@ -307,7 +307,7 @@ TEST_F(SqliteGrouping, ThePlanOfManyQuestionsNamesBothStatements) {
     EXPECT_EQ(rejected.error().text, "no such column: x");
 }
 
-TEST_F(SqliteGrouping, ManyReferencesAreAnsweredTogether) {
+TEST_F(SqliteGrouping, ManyReferencesShareAStatement) {
     makeDatabase(folder.file("a.db"), "CREATE TABLE t(k TEXT, v REAL);" + numbersTable("n", 20000) +
                                           "INSERT INTO t SELECT 'key ' || i, x FROM n");
     Pane pane(folder.file("a.db"));

@@ -78,7 +78,7 @@ TEST_F(SqliteSecurity, ConditionsAndFiltersCannotEither) {
               "query \"F\": filter \"selection\" closes a parenthesis that it did not open (at character 2)");
 }
 
-TEST_F(SqliteSecurity, OtherStatementsAreNoExpressions) {
+TEST_F(SqliteSecurity, OtherStatementsAreNotExpressions) {
     for (const char* sql :
          {"ATTACH DATABASE 'x.db' AS x", "PRAGMA user_version = 7", "DELETE FROM t", "VACUUM",
           "INSERT INTO t VALUES (1, 2)", "CREATE TABLE u(a)", "BEGIN", "DROP TABLE t"})

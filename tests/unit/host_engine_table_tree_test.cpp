@@ -27,7 +27,7 @@ class SqliteEngine : public testing::Test {
     Pane pane{path};
 };
 
-TEST_F(SqliteEngine, AnswersWithFormattedValues) {
+TEST_F(SqliteEngine, ReturnsFormattedValues) {
     pane.query("Rate", "flows", "SUM(bytes) / SUM(seconds)",
                {{"key", "src dst"}, {"format", "si:3"}, {"unit", "B/s"}})
         .query("Errors", "flows", "COUNT(*)", {{"where", "status >= 500"}})

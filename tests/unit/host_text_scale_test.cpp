@@ -41,7 +41,7 @@ TEST(TextScale, DeepBagsGoThroughJson) {
 
 TEST(TextScale, IndentationStopsGrowing) {
     const variant_bag_t bag = deepBag();
-    // A level has at most five lines or two tags, each with no more than 80 blanks.
+    // A level has at most five lines or two tags, each with no more than 80 spaces.
     EXPECT_LT(toJson(bag, JsonForm::indented).size(), depth * std::size_t{6 * 100});
     EXPECT_LT(toXml(bag).size(), depth * std::size_t{2 * 120});
 }

@@ -73,7 +73,7 @@ TEST(XmlWriter, ANumberAsOwnText) {
     EXPECT_EQ(toXml(bag), head + "<bag>42</bag>\n");
 }
 
-TEST(XmlWriter, EmptyOwnTextIsNone) {
+TEST(XmlWriter, AnEmptyOwnTextIsLeftOut) {
     EXPECT_EQ(withText(""), head + "<bag/>\n");
 }
 

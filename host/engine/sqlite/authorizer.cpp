@@ -71,7 +71,7 @@ int Authorizer::decide(int action, std::string_view first, std::string_view seco
         case SQLITE_READ:
             return decideRead(first, database);
         case SQLITE_FUNCTION:
-            // Asked for billions of characters they cannot be stopped before they have made them all.
+            // They can make billions of characters, and cannot be stopped meanwhile.
             if (view.empty() && (foldName(second) == "printf" || foldName(second) == "format"))
                 return refuse(
                     "the function " + quoted(second) +

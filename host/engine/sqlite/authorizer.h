@@ -34,8 +34,8 @@ class Authorizer {
     }
 
     // `mayRecurse`: recursive queries inside of the database's own views are allowed. False when the
-    // document's text has common table expressions of its own, because SQLite does not tell these
-    // from a view's.
+    // document's text has common table expressions of its own, because SQLite reports these and a view's
+    // alike.
     void guard(bool mayRecurse);
     void release() noexcept { m_isGuarding = false; }
     [[nodiscard]] bool isGuarding() const noexcept { return m_isGuarding; }

@@ -43,7 +43,7 @@ std::size_t findPart(std::string_view text, std::string_view part, std::size_t f
                  : std::string_view::npos;
 }
 
-void answer(sqlite3_context* context, std::string_view text) {
+void returnText(sqlite3_context* context, std::string_view text) {
     sqlite3_result_text64(context, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
 }
 
@@ -85,7 +85,7 @@ void replace(sqlite3_context* context, int, sqlite3_value** arguments) {
         result.append(text.substr(done, at - done)).append(replacement);
         if (result.size() > limit) return sqlite3_result_error_toobig(context);
     }
-    answer(context, result.append(text.substr(done)));
+    returnText(context, result.append(text.substr(done)));
 }
 
 class CharacterSet {
@@ -123,7 +123,7 @@ void trim(sqlite3_context* context, int, sqlite3_value** arguments) {
         text.remove_prefix(size);
     while (right && (size = set.match(text, true)) > 0)
         text.remove_suffix(size);
-    answer(context, text);
+    returnText(context, text);
 }
 
 // For COUNT(*) of a whole table SQLite has one instruction that cannot be interrupted until it has seen all

@@ -112,8 +112,8 @@ int Connection::openFile(const std::string& path, Access access) {
         sqlite3_db_config(m_database, each.id, each.value, nullptr);
     m_enforcer.install(m_database);
     m_authorizer.install(m_database);
-    // The file may come from anybody: look at every page's own structure, and do not map what might be cut
-    // short.
+    // The file is not trusted: check the structure of every page, and do not map a file that might be
+    // truncated.
     return sqlite3_exec(m_database, "PRAGMA cell_size_check = ON; PRAGMA mmap_size = 0", nullptr, nullptr,
                         nullptr);
 }

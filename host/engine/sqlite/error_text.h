@@ -7,7 +7,7 @@
 
 namespace tessera_host {
 
-// The text of a failed call on `database` that answered `code`, on one line.
+// The text of a failed call on `database` that returned `code`, on one line.
 [[nodiscard]] std::string errorText(sqlite3* database, int code);
 
 // True when the connection cannot be used any more: it should be opened again.

@@ -1,4 +1,4 @@
-// The selections that were asked on a connection.
+// The selections of a connection that had a question.
 #pragma once
 
 #include <cstddef>

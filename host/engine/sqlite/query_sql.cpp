@@ -24,7 +24,7 @@ std::string parameter(std::size_t number) {
 }
 
 // Indexes serve the first comparison, in which SQLite first converts the value to what the column usually
-// holds. The second one, behind the plus sign, sees both as they are: the text '05' does not match the
+// holds. The second one, after the plus sign, sees both as they are: the text '05' does not match the
 // number 5 that it became. With IS, and not =, the first is left alone by the optimizer, which would put the
 // parameter into the second.
 std::string textTerm(const std::string& column, std::size_t key) {

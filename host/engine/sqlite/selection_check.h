@@ -1,4 +1,4 @@
-// What is wrong with a selection, found without running it.
+// Checks a selection without running it.
 #pragma once
 
 #include <string>
@@ -14,7 +14,8 @@ namespace tessera_host {
 // An error when the filter cannot stand in a statement, whatever the table. Uses no database.
 [[nodiscard]] Expected<void> checkFilterText(const NamedFilter& filter);
 
-// The fragments of the selection that cannot be put into SQL. Its filters are not among them. Uses no database.
+// The fragments of the selection that cannot be put into SQL. Its filters are not among them. Uses no
+// database.
 [[nodiscard]] std::vector<std::string> fragmentProblems(const Selection& selection);
 
 // An error when the expression has a value for each row and not one for all rows. REQUIRES: the statement of

@@ -18,11 +18,11 @@ struct SqlFragment {
 // - no parenthesis closes one that the text did not open, and none stays open,
 // - there is no ";", no NUL and no parameter (?, :name, @name, $name, #name),
 // - there is more than white space and comments.
-// A -- comment reaches the end of its line at most. Whether the text is an expression at all is the database's
-// to say.
+// A -- comment reaches the end of its line at most. Whether the text is an expression at all is the
+// database's to say.
 //
-// The text of the error completes "the expression ..."; its position is in `sql`, with columns in bytes, as if
-// that were one line. Linear time.
+// The text of the error completes "the expression ..."; its position is in `sql`, with columns in bytes, as
+// if that were one line. Linear time.
 [[nodiscard]] Expected<SqlFragment> scanSql(std::string_view sql);
 
 }  // namespace tessera_host

@@ -12,13 +12,15 @@
 
 namespace tessera_host {
 
-// Whom the messages are for.
+// What the messages are for; it decides about their severity and about what they advise.
 enum class CycleReport : std::uint8_t {
     check,    // every cycle, an error each, with what the layering makes of it
     drawing,  // a warning each, with what helps; at most `maxCycleMessages` of each kind, then their number
 };
 
 inline constexpr std::size_t maxCycleMessages = 10;
+
+// Messages are single sentences; ids in them are quoted and shortened.
 
 // A message for each cyclic component, which names a shortest cycle through the first of its links, and one
 // for each loop, at the positions of those links. Linear time. Incomplete once `token` is cancelled.

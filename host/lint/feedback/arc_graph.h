@@ -8,24 +8,27 @@
 
 namespace tessera_host {
 
+// Leads from one node to another, which are numbers below ArcGraph::nodeCount().
 struct Arc {
     std::size_t from;
     std::size_t to;
 };
 
 // Arcs between the nodes 0 to nodeCount - 1, by number and by the nodes that they leave and enter. Several
-// may join the same two nodes.
+// may join the same two nodes. Does not change once made, so any thread may use it; spans and references that
+// it returns are valid as long as it.
 class ArcGraph {
   public:
     using Index = std::size_t;
 
-    // REQUIRES: no arc leaves and enters the same node.
+    // Arcs keep their numbers: arc i is arcs[i]. Linear time. REQUIRES: the nodes of the arcs are below
+    // `nodeCount`, and no arc leaves and enters the same node.
     ArcGraph(std::size_t nodeCount, std::vector<Arc> arcs);
 
     [[nodiscard]] std::size_t nodeCount() const noexcept { return m_leaving.first.size() - 1; }
     [[nodiscard]] std::size_t arcCount() const noexcept { return m_arcs.size(); }
     [[nodiscard]] const Arc& operator[](Index arc) const { return m_arcs[arc]; }
-    // In ascending order.
+    // The numbers of the arcs that leave or enter a node, in ascending order.
     [[nodiscard]] std::span<const Index> leaving(Index node) const { return m_leaving.of(node); }
     [[nodiscard]] std::span<const Index> entering(Index node) const { return m_entering.of(node); }
 

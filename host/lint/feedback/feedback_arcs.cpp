@@ -12,7 +12,7 @@ using Index = std::size_t;
 using Order = std::vector<Index>;
 
 constexpr Index maxTries = 200;    // to improve an order, for each graph
-constexpr Index effort = 200'000;  // nodes and arcs that all tries together may go over
+constexpr Index effort = 200'000;  // nodes and arcs that all tries may visit, in total
 
 std::vector<Index> arcsAgainst(const ArcGraph& graph, const Order& order) {
     std::vector<Index> place(order.size());

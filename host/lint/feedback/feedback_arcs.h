@@ -13,7 +13,7 @@ using tessera_support::CancelToken;
 // A feedback arc set of each graph: the arcs to reverse so that no cycle is left, in ascending order. In a
 // graph of at most `maxExactNodes` nodes it is a smallest one. In a larger graph it is small and minimal:
 // restoring any single arc would close a cycle again, except where a graph is so large that finding this out
-// takes too long. The smaller the graphs are together, the more orders are tried. n log n time; the same
+// takes too long. The smaller the graphs are in total, the more orders are tried. n log n time; the same
 // graphs give the same arcs. Incomplete once `token` is cancelled.
 //
 // REQUIRES: each graph is strongly connected.

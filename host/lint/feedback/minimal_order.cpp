@@ -9,7 +9,7 @@ namespace {
 
 using Index = std::size_t;
 
-// Steps that may be taken for each node and arc of the graph together, on average.
+// Steps per node and arc of the graph, on average.
 constexpr Index patience = 40;
 
 // A topological order of the arcs that run forwards, which takes up one arc after the other where that closes

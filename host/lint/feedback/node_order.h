@@ -20,14 +20,15 @@ using tessera_support::CancelToken;
 [[nodiscard]] std::vector<std::size_t> siftedOrder(const ArcGraph& graph, std::vector<std::size_t> order,
                                                    const CancelToken& token);
 
-// An order with the same forward arcs, and otherwise as much like the reverse of `order` as they allow, so that
-// many of its backward arcs become forward arcs. n log n time.
+// An order with the same forward arcs, and otherwise as much like the reverse of `order` as they allow, so
+// that many of its backward arcs become forward arcs. n log n time.
 [[nodiscard]] std::vector<std::size_t> reversedOrder(const ArcGraph& graph,
                                                      const std::vector<std::size_t>& order,
                                                      const CancelToken& token);
 
-// An order that keeps the forward arcs of `order` and adds as many others as it can: every backward arc closes
-// a cycle with forward arcs. Ends early when that takes more than a number of steps for each node and arc.
+// An order that keeps the forward arcs of `order` and adds as many others as it can: every backward arc
+// closes a cycle with forward arcs. Ends early when that takes more than a number of steps for each node and
+// arc.
 [[nodiscard]] std::vector<std::size_t> minimalOrder(const ArcGraph& graph,
                                                     const std::vector<std::size_t>& order,
                                                     const CancelToken& token);
