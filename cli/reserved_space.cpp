@@ -67,6 +67,10 @@ Reservation measureReservedSpace(const Input& input) {
     const tessera_host::ReservedSpace space(input.viewpoint, *input.catalogs);
     Reservation reservation;
     Measure measure;
+    double modeWidth = 0;
+    for (const std::string_view mode : tessera_host::displayModeNames)
+        modeWidth = std::max(modeWidth, tessera_draw::measureText(mode, 1, Weight::bold).width);
+    reservation.setModeWidth(modeWidth);
     for (const auto& node : space.nodes())
         reservation.node(node.id).widen(measure.rows(node.rows));
     // As much as the widest of the display modes needs.

@@ -45,7 +45,13 @@ class Reservation {
     RowSpace& node(std::string_view id) { return at(m_nodes, id); }
     RowSpace& link(std::string_view id, Place place) { return placeOf(at(m_links, id), place); }
 
-    // For layOut(). Ids are compared byte by byte. Constant time on average. Null when the id is absent. A link that is present has all three places; those not set hold no rows.
+    // The width in em, bold, of the widest name of a display mode. The heading keeps space for it.
+    static constexpr double usualModeWidth = 5.5;  // a word of nine letters
+    void setModeWidth(double width) noexcept { m_modeWidth = width; }
+    [[nodiscard]] double modeWidth() const noexcept { return m_modeWidth; }
+
+    // For layOut(). Ids are compared byte by byte. Constant time on average. Null when the id is absent. A
+    // link that is present has all three places; those not set hold no rows.
     [[nodiscard]] const RowSpace* findNode(std::string_view id) const {
         const auto found = m_nodes.find(id);
         return found == m_nodes.end() ? nullptr : &found->second;
@@ -80,6 +86,7 @@ class Reservation {
         return place == Place::from ? spaces.from : place == Place::to ? spaces.to : spaces.center;
     }
 
+    double m_modeWidth = usualModeWidth;
     Table<RowSpace> m_nodes;
     Table<LinkSpaces> m_links;
 };

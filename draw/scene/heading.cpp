@@ -25,27 +25,25 @@ constexpr double legendBetween = 20;
 constexpr double maxLegendText = 180;
 constexpr std::size_t maxLegendEntries = 24;
 
-// Wide enough for the longest of the usual modes, so that a change of mode moves nothing.
-double badgeWidth() {
-    const TextStyle& style = styleOf(TextRole::badge);
-    return std::ceil(measureText("bandwidth", style.size, style.weight).width) + 28;
-}
-
 }  // namespace
 
 std::string_view titleOf(const Diagram& diagram) {
     return diagram.name.empty() ? diagram.id : diagram.name;
 }
 
-double headingWidth(const Diagram& diagram) {
-    const TextStyle& style = styleOf(TextRole::heading);
-    const double title = fitText(titleOf(diagram), maxHeading, style.size, style.weight).width;
-    return std::max(title, minHeading) + 24 + badgeWidth();
+double badgeWidth(double modeWidth) {
+    return std::ceil(modeWidth * styleOf(TextRole::badge).size) + 28;
 }
 
-void drawHeading(SceneBuilder& builder, const Diagram& diagram, std::string_view mode, double width) {
+double headingWidth(const Diagram& diagram, double badge) {
+    const TextStyle& style = styleOf(TextRole::heading);
+    const double title = fitText(titleOf(diagram), maxHeading, style.size, style.weight).width;
+    return std::max(title, minHeading) + 24 + badge;
+}
+
+void drawHeading(SceneBuilder& builder, const Diagram& diagram, std::string_view mode, double badge,
+                 double width) {
     builder.begin(Element::Kind::heading, {});
-    const double badge = badgeWidth();
     builder.text({margin, headingLine}, TextRole::heading, titleOf(diagram), width - 2 * margin - 24 - badge);
     if (!titleOf(diagram).empty()) builder.tooltip(titleOf(diagram));
     if (mode.empty()) return;

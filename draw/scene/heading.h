@@ -10,13 +10,17 @@ namespace tessera_draw {
 // The diagram's name, or its id if the name is empty; a view into the diagram's texts.
 [[nodiscard]] std::string_view titleOf(const Diagram& diagram);
 
-// The width that the heading needs, without the drawing's margins. Includes space for the badge of any usual
-// display mode, so that a change of mode moves nothing.
-[[nodiscard]] double headingWidth(const Diagram& diagram);
+// The width of the badge that shows the display mode: enough for every mode, so that a change of mode moves
+// nothing. `modeWidth` is Reservation::modeWidth().
+[[nodiscard]] double badgeWidth(double modeWidth);
 
-// Draws the title, and the display mode as a badge on the right. `width` is that of the whole drawing. No
-// badge for an empty `mode`. The texts of diagram and mode must outlive the scene.
-void drawHeading(SceneBuilder& builder, const Diagram& diagram, std::string_view mode, double width);
+// The width that the heading needs with such a badge, without the drawing's margins.
+[[nodiscard]] double headingWidth(const Diagram& diagram, double badge);
+
+// Draws the title, and the display mode as a badge on the right. `badge` is the badge's width, `width` that of
+// the whole drawing. No badge for an empty `mode`. The texts of diagram and mode must outlive the scene.
+void drawHeading(SceneBuilder& builder, const Diagram& diagram, std::string_view mode, double badge,
+                 double width);
 
 // Draws the display types and their symbols below `top`, in as many lines as they need; beyond 24 entries the
 // rest is counted ("+3 more"). Returns the legend's height, 0 if there are no types.

@@ -114,7 +114,7 @@ void adopt(LayoutData& data, Placement placement, SceneInput& input) {
             makeLine(std::move(placement.lines[i]), data.linkPaths.paths[data.pathOfLine[i]].direction));
     data.isEmpty = placement.boxes.empty();
     data.content = data.isEmpty ? emptySize : placement.size;
-    data.width = std::max(data.content.width, headingWidth(data.structure)) + 2 * sceneMargin;
+    data.width = std::max(data.content.width, headingWidth(data.structure, data.badge)) + 2 * sceneMargin;
 }
 
 }  // namespace
@@ -133,6 +133,8 @@ LayoutPointer layOut(const basekit2::variant_bag_t& bag, const LayoutOptions& op
     SceneInput input = makeInput(diagram, data->linkPaths, data->kinds, data->sizes, options.direction);
     Placement placement = placeInput(input, options.direction, options.cancel);
     if (placement.boxes.size() != input.input.boxes.size()) return nullptr;  // cancelled
+    data->badge = badgeWidth(options.reservation == nullptr ? Reservation::usualModeWidth
+                                                            : options.reservation->modeWidth());
     adopt(*data, std::move(placement), input);
     data->containers = containersOf(*data);
     return std::make_shared<Layout>(std::move(data));

@@ -34,6 +34,7 @@ struct LayoutData {
     std::vector<Index> pathOfLine;      // by line: its link path
     std::vector<Container> containers;  // outer ones before what they contain
     Size content;                       // extent of all boxes and lines
+    double badge = 0;                   // width of the badge in the heading
     double width = 0;                   // of the whole drawing, margins included
     bool isEmpty = false;               // only the heading and a note are drawn
 };

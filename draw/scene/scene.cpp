@@ -122,7 +122,7 @@ Scene fill(const LayoutPointer& layout, const basekit2::variant_bag_t& bag, Diff
     scene.mode = drawing.values.displayMode;
     scene.lines = data.lines;
     scene.size.width = data.width;
-    drawHeading(drawing.builder, data.structure, scene.mode, scene.size.width);
+    drawHeading(drawing.builder, data.structure, scene.mode, data.badge, scene.size.width);
     if (data.isEmpty)
         drawNothing(drawing.builder,
                     {sceneMargin, contentTop, scene.size.width - 2 * sceneMargin, data.content.height});
