@@ -25,7 +25,7 @@ namespace tessera_host {
 // cancelled request reports nothing and returns Cancelled.
 //
 // Cancellation within a statement needs the token: the progress sink of a request should be a TokenProgress.
-// Any other sink is asked before each request only.
+// Any other sink is looked at before each request only.
 class InputData final : public basekit2::ref_counted_t<qlib_1::IInputData> {
   public:
     // `messenger` may be null and otherwise outlives the engine.

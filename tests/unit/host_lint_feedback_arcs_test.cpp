@@ -104,8 +104,8 @@ Index fewestBackwards(const ArcGraph& graph) {
             Index backwards = fewest[first];
             for (Index other = 0; other < count; ++other)
                 if ((first >> other & 1U) != 0) backwards += between[node][other];
-            Index& behind = fewest[first | Index{1} << node];
-            behind = std::min(behind, backwards);
+            Index& extended = fewest[first | Index{1} << node];
+            extended = std::min(extended, backwards);
         }
     return fewest.back();
 }
