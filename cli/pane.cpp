@@ -50,7 +50,7 @@ using CatalogSource = std::shared_ptr<const optstore2::IMessageCatalogSource>;
 
 // The catalogues that the options name, or the source without catalogues.
 CatalogSource catalogsOf(const Options& options, relay2::IMessenger& messages) {
-    const CatalogSource none = optstore2::getMessageCatalogSource();
+    CatalogSource none = optstore2::getMessageCatalogSource();
     if (options.catalogs.empty()) return none;
     const auto catalogs = tessera_host::readCatalogs(options.catalogs, options.locale);
     if (!catalogs) {
