@@ -21,7 +21,7 @@ struct Size {
     friend bool operator==(const Size&, const Size&) = default;
 };
 
-// A rectangle by its upper left corner and its extent.
+// A rectangle by its upper left corner and its extent. Two that share a side do not overlap.
 struct Rect {
     double x = 0;
     double y = 0;

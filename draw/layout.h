@@ -19,11 +19,10 @@ enum class Direction : std::uint8_t { leftToRight, topToBottom };
 
 struct LayoutOptions {
     Direction direction = Direction::leftToRight;
-    // Space to reserve for values. Not owned, read during the call only. Null:
-    // every box reserves a usual space.
+    // Space to reserve for values. Not owned, read during the call only. Null: every box reserves a usual space.
     const Reservation* reservation = nullptr;
     // Checked between steps; see layOut(). The default is never cancelled.
-    tessera_support::CancelToken cancel = {};
+    tessera_support::CancelToken cancel{};
 };
 
 struct LayoutData;  // draw/scene/layout_data.h

@@ -18,7 +18,7 @@ struct PictureOptions {
     // PNG only: pixels of the picture for each pixel of the scene, greater than 0.
     double scale = 1;
     // Checked before each element. What the output has taken by then is not a whole picture.
-    tessera_support::CancelToken cancel = {};
+    tessera_support::CancelToken cancel{};
 };
 
 struct PictureResult {

@@ -40,8 +40,8 @@ class Reservation {
     // The part of a link that a label belongs to.
     enum class Place : std::uint8_t { from, center, to };
 
-    // For the caller that fills it: the space of a node or group, of a label; inserted empty if absent. References stay valid as long as
-    // the reservation, also when further entries are inserted.
+    // For the caller that fills it: the space of a node or group, of a label; inserted empty if absent.
+    // References stay valid as long as the reservation, also when further entries are inserted.
     RowSpace& node(std::string_view id) { return at(m_nodes, id); }
     RowSpace& link(std::string_view id, Place place) { return placeOf(at(m_links, id), place); }
 
@@ -62,11 +62,13 @@ class Reservation {
     }
 
   private:
+    // One for each Place.
     struct LinkSpaces {
         RowSpace from;
         RowSpace center;
         RowSpace to;
     };
+    // Finds ids without copying them into strings.
     struct Hash {
         using is_transparent = void;
         std::size_t operator()(std::string_view text) const noexcept {

@@ -34,9 +34,9 @@ class TextArena {
         m_next = m_blocks.emplace_back(new char[m_free]).get();
     }
 
-    std::vector<std::unique_ptr<char[]>> m_blocks;
-    char* m_next = nullptr;
-    std::size_t m_free = 0;
+    std::vector<std::unique_ptr<char[]>> m_blocks;  // full ones and, as the last, the current one
+    char* m_next = nullptr;                         // in the current block
+    std::size_t m_free = 0;                         // bytes from there to its end
 };
 
 }  // namespace tessera_draw

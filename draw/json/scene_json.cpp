@@ -24,6 +24,7 @@ class BlockStream {
         if (m_block.size() >= blockSize) Flush();
     }
     void Flush() {  // NOLINT(readability-identifier-naming)
+        // After a failure the output is not called again; what follows is dropped.
         if (m_isGood && !m_block.empty()) m_isGood = m_output.write(m_block);
         m_block.clear();
     }
@@ -31,6 +32,7 @@ class BlockStream {
     [[nodiscard]] bool isGood() const noexcept { return m_isGood; }
 
   private:
+    // In bytes.
     static constexpr std::size_t blockSize = 65536;
 
     Output& m_output;
@@ -73,6 +75,7 @@ class JsonSceneWriter {
     void element(const Element& element) {
         m_json.StartObject();
         member("kind", nameOf(element.kind));
+        // The heading, the legend and notes stand for nothing in the diagram and have no id.
         if (element.index != nothing) member("id", element.id);
         if (element.kind == Element::Kind::line) {
             member("from", element.from);
@@ -83,8 +86,10 @@ class JsonSceneWriter {
         memberUnlessEmpty("type", element.type);
         shapes("boxes", element.boxes, m_scene.boxes, [&](const BoxShape& shape) { box(shape); });
         shapes("symbols", element.symbols, m_scene.symbols, [&](const SymbolShape& shape) { symbol(shape); });
+        // The builder gives an element one line at most.
         if (element.lines.count > 0) line(m_scene.lines[element.lines.first]);
         shapes("texts", element.texts, m_scene.texts, [&](const TextShape& shape) { text(shape); });
+        // Rows name their texts by number within the element, so that it can be read without the others.
         shapes("rows", element.rows, m_scene.rows,
                [&](const RowShape& shape) { row(shape, element.texts.first); });
         shapes("tooltips", element.tooltips, m_scene.tooltips, [&](const TooltipLine& shape) {
@@ -115,6 +120,7 @@ class JsonSceneWriter {
         m_json.EndObject();
     }
 
+    // As the data of an SVG path, which scripts can use as it is.
     void line(const LineShape& line) {
         PathOutput path;
         SvgText text(path);
@@ -143,6 +149,7 @@ class JsonSceneWriter {
         member("width", text.width);
         member("maxWidth", text.maxWidth);
         member("text", text.text);
+        // Flags are written only where they are true.
         if (text.isShortened) flag("isShortened");
         if (!text.isExact) flag("isClipped");
         m_json.EndObject();
@@ -154,6 +161,7 @@ class JsonSceneWriter {
         count("number", row.number);
         member("name", row.name);
         member("value", row.value);
+        // Left out for texts that only the tooltip shows.
         if (row.nameText != nothing) count("nameText", row.nameText - firstText);
         if (row.valueText != nothing) count("valueText", row.valueText - firstText);
         m_json.EndObject();
@@ -177,6 +185,7 @@ class JsonSceneWriter {
         m_json.Key(name.data(), static_cast<rapidjson::SizeType>(name.size()));
     }
     void string(std::string_view text) {
+        // The repaired text is valid, so this calls itself once at most.
         if (!tessera_support::isValidUtf8(text)) {
             string(tessera_support::repairUtf8(text));
             return;
@@ -192,6 +201,7 @@ class JsonSceneWriter {
     }
     void member(std::string_view name, double number) {
         key(name);
+        // JSON has neither infinity nor NaN.
         m_json.Double(std::isfinite(number) ? number : 0);
     }
     void count(std::string_view name, std::size_t number) {

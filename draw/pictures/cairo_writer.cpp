@@ -54,6 +54,7 @@ class CairoWriter final : public PictureWriter {
         const double width = std::ceil(scene.size.width);
         const double height = std::ceil(scene.size.height);
         PictureResult result;
+        // The limits bound memory: an image has four bytes for each pixel.
         result.scale = std::min({options.scale, maxPngSide / width, maxPngSide / height,
                                  std::sqrt(maxPngPixels / width / height)});
         const auto pixels = [&](double length) {
@@ -86,6 +87,7 @@ class CairoWriter final : public PictureWriter {
         cairo_scale(cairo.get(), pointsPerPixel * result.scale, pointsPerPixel * result.scale);
         const bool isPainted = paintScene(cairo.get(), scene, options, result.missingCharacters);
         cairo_show_page(cairo.get());
+        // Finished before the status is read: the last bytes are written now.
         cairo_surface_finish(surface.get());
         if (!isPainted) return {};
         for (const auto status : {cairo_status(cairo.get()), cairo_surface_status(surface.get())})

@@ -1,9 +1,14 @@
 #include "draw/pictures/painter.h"
 
+#include <algorithm>
 #include <array>
 #include <numbers>
+#include <span>
+#include <utility>
+#include <vector>
 
 #include "draw/pictures/text_painter.h"
+#include "draw/scene/layout_data.h"
 #include "draw/scene/shapes.h"
 
 namespace tessera_draw {
@@ -13,6 +18,7 @@ constexpr double outlineWidth = 2;  // of symbols
 
 // The path of a box. Cairo joins the arcs by straight lines.
 void roundedRect(cairo_t* cairo, const Rect& rect, double radius) {
+    // A quarter of a turn, in radians.
     constexpr double right = std::numbers::pi / 2;
     cairo_new_sub_path(cairo);
     cairo_arc(cairo, rect.right() - radius, rect.y + radius, radius, -right, 0);
@@ -42,15 +48,43 @@ void tracePath(cairo_t* cairo, const Outline& outline) {
     }
 }
 
+// The boxes of groups, by the group around them. A group is not painted where one of them covers it: a thousand
+// groups inside each other would be a thousand paintings of the whole picture.
+class InnerBoxes {
+  public:
+    using Entry = std::pair<Index, Rect>;
+
+    explicit InnerBoxes(const Scene& scene) {
+        if (scene.layout == nullptr) return;
+        const LayoutData& data = scene.layout->data();
+        for (const auto& [node, depth] : data.containers)
+            if (data.structure.nodes[node].group != nothing)
+                m_entries.emplace_back(data.structure.nodes[node].group, data.boxes[node]);
+        std::sort(m_entries.begin(), m_entries.end(),
+                  [](const Entry& a, const Entry& b) { return a.first < b.first; });
+    }
+
+    [[nodiscard]] std::span<const Entry> of(const Element& element) const {
+        if (element.kind != Element::Kind::group) return {};
+        const auto [begin, end] =
+            std::equal_range(m_entries.begin(), m_entries.end(), Entry{element.index, {}},
+                             [](const Entry& a, const Entry& b) { return a.first < b.first; });
+        return {begin, end};
+    }
+
+  private:
+    std::vector<Entry> m_entries;
+};
+
 // Draws elements in the order of the scene: what comes later is on top.
 class Painter {
   public:
-    Painter(cairo_t* cairo, const Palette& palette)
-        : m_cairo(cairo), m_palette(palette), m_text(cairo, palette) {}
+    Painter(cairo_t* cairo, const Palette& palette, const Scene& scene)
+        : m_cairo(cairo), m_palette(palette), m_innerBoxes(scene), m_text(cairo, palette) {}
 
     void paint(const Scene& scene, const Element& element) {
         for (std::uint32_t i = 0; i < element.boxes.count; ++i)
-            box(scene.boxes[element.boxes.first + i]);
+            box(scene.boxes[element.boxes.first + i], m_innerBoxes.of(element));
         for (std::uint32_t i = 0; i < element.symbols.count; ++i)
             symbol(scene.symbols[element.symbols.first + i]);
         for (std::uint32_t i = 0; i < element.lines.count; ++i)
@@ -68,11 +102,16 @@ class Painter {
         cairo_fill(m_cairo);
     }
 
-    void box(const BoxShape& box) {
+    void box(const BoxShape& box, std::span<const InnerBoxes::Entry> innerBoxes) {
         const BoxStyle& style = styleOf(box.role);
         roundedRect(m_cairo, box.rect, style.radius);
+        // Each becomes a hole, because the fill rule is even-odd.
+        for (const auto& [group, rect] : innerBoxes)
+            cutOut(rect, style.radius + boxStrokeWidth);
         setColor(m_cairo, m_palette, style.fill);
-        cairo_fill_preserve(m_cairo);
+        cairo_fill(m_cairo);
+        roundedRect(m_cairo, box.rect, style.radius);
+        // The border is a path of its own, without the holes.
         setColor(m_cairo, m_palette, style.stroke);
         cairo_set_line_width(m_cairo, boxStrokeWidth);
         const std::array<double, 2> dashes = {dashLength, dashGap};
@@ -80,6 +119,14 @@ class Painter {
         cairo_stroke(m_cairo);
         cairo_set_dash(m_cairo, nullptr, 0, 0);  // for what is drawn next
         if (box.bar != ColorRole::none) fill(barOf(box.rect, style.radius), box.bar);
+    }
+
+    // Leaves the rectangle out of the path, but for its margin: corners are round and edges are smoothed.
+    void cutOut(const Rect& rect, double margin) {
+        const double width = rect.width - 2 * margin;
+        const double height = rect.height - 2 * margin;
+        if (width > 0 && height > 0)
+            cairo_rectangle(m_cairo, rect.x + margin, rect.y + margin, width, height);
     }
 
     void symbol(const SymbolShape& symbol) {
@@ -113,6 +160,7 @@ class Painter {
 
     cairo_t* m_cairo;
     const Palette& m_palette;
+    const InnerBoxes m_innerBoxes;
     TextPainter m_text;
 };
 
@@ -126,9 +174,12 @@ void setColor(cairo_t* cairo, const Palette& palette, ColorRole color) {
 bool paintScene(cairo_t* cairo, const Scene& scene, const PictureOptions& options, std::size_t& missing) {
     const Palette& palette = options.theme == Theme::dark ? darkPalette() : lightPalette();
     setColor(cairo, palette, ColorRole::ground);
+    // The ground covers everything: pictures are not transparent.
     cairo_paint(cairo);
     cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
-    Painter painter(cairo, palette);
+    // For the holes of Painter::cutOut().
+    cairo_set_fill_rule(cairo, CAIRO_FILL_RULE_EVEN_ODD);
+    Painter painter(cairo, palette, scene);
     for (const Element& element : scene.elements) {
         if (options.cancel.isCancelled()) return false;
         painter.paint(scene, element);

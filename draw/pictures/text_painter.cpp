@@ -55,12 +55,14 @@ void TextPainter::paint(const TextShape& text) {
     pango_layout_set_text(layout, m_shown.data(), static_cast<int>(m_shown.size()));
     PangoRectangle extents;
     pango_layout_get_extents(layout, nullptr, &extents);
+    // Wider than measured, as with another font: shortened once more instead of drawn over its neighbours.
     if (extents.width > (text.maxWidth + 1) * PANGO_SCALE) {
         pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
         pango_layout_set_width(layout, static_cast<int>(text.maxWidth * PANGO_SCALE));
     }
     PangoLayoutLine* line = pango_layout_get_line_readonly(layout, 0);
     if (line == nullptr) return;
+    // Pango draws a box with the code for each of these.
     m_missing += static_cast<std::size_t>(pango_layout_get_unknown_glyphs_count(layout));
     pango_layout_line_get_extents(line, nullptr, &extents);
     const double width = extents.width / static_cast<double>(PANGO_SCALE);

@@ -9,6 +9,7 @@ namespace {
 double distance(const LayeredGraph& graph, Index a, Index b, const Spacing& spacing) {
     const bool isPointA = a >= graph.boxCount;
     const bool isPointB = b >= graph.boxCount;
+    // Ports and dummy vertices are points of lines, which may be closer together than boxes.
     if (isPointA || isPointB) return spacing.betweenLines;
     if (graph.isOnLine[a] != 0 && graph.isOnLine[b] != 0) return spacing.betweenBoxes / 2;
     return spacing.betweenBoxes;
@@ -64,6 +65,7 @@ class BlockGraphFiller {
     BlockGraph& m_blockGraph;
     const LayeredGraph& m_graph;
     Index m_begin;
+    // 1 when the title's vertex comes first, else 0.
     Index m_shift;
 };
 

@@ -29,6 +29,7 @@ class GeometryBuilder {
     }
 
     ContainerGeometry build() {
+        // From the inside out, as outer containers have lower numbers: a size needs those of the members.
         for (Index container = m_nesting.containerCount(); container-- > 0 && !m_cancel.isCancelled();)
             place(container);
         return std::move(m_geometry);
@@ -68,6 +69,7 @@ class GeometryBuilder {
         for (Index i = m_nesting.memberBegin[container]; i < m_nesting.memberBegin[container + 1]; ++i) {
             const Index box = m_nesting.members[i];
             Rect& rect = m_geometry.boxes[box];
+            // Containers among the members have their size already.
             if (m_nesting.containerOf[box] == nothing)
                 rect = {0, 0, m_boxes[box].size.width, m_boxes[box].size.height};
             m_graph.height[box] = rect.height;
@@ -77,6 +79,7 @@ class GeometryBuilder {
         m_offsets.set(container);
         fillBlockGraph(m_blockGraph, m_graph, container, limits.header.height, m_spacing);
         std::vector<double> tops = alignedTops(m_blockGraph, m_cancel);
+        // The title's vertex is the first; it starts at the height of the topmost one.
         if (limits.header.height > 0) tops.front() = *std::min_element(tops.begin(), tops.end());
         relax(m_blockGraph, tops, m_cancel);
         Rect& own = m_geometry.boxes[m_nesting.boxOf[container]];
@@ -127,6 +130,7 @@ class GeometryBuilder {
         const auto last = [&](Index edge) { return m_graph.layer[m_graph.edges[edge + 1].head]; };
         std::sort(lanes.begin(), lanes.end(),
                   [&](Index a, Index b) { return first(a) != first(b) ? first(a) < first(b) : a < b; });
+        // Lanes in use, the one that ends first on top: n log n for n lines.
         using EndAndLane = std::pair<Index, Index>;
         std::priority_queue<EndAndLane, std::vector<EndAndLane>, std::greater<>> used;
         Index count = 0;
@@ -145,6 +149,7 @@ class GeometryBuilder {
     }
 
     void collectGap(Index layer) {
+        // All edges that may bend between this layer and the next one.
         m_gap.clear();
         const Index begin = m_graph.layerBegin[layer];
         for (Index i = begin; i < m_graph.layerBegin[layer + 1]; ++i) {
@@ -200,6 +205,7 @@ class GeometryBuilder {
             all += width + m_geometry.layerWidth[layer];
         }
         const double spare = std::max(limits.minSize.width - all, 0.0);
+        // What the minimum leaves is divided between both sides, so that the contents are centered.
         widths.front() += spare / 2;
         widths.back() += spare / 2;
         double x = 0;

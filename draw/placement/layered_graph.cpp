@@ -91,6 +91,7 @@ class LayeredGraphBuilder {
     void placeInLayers() {
         m_graph.firstLayer.push_back(0);
         for (const Index count : m_layers.inContainer)
+            // Two more for the hierarchical ports, before and after the boxes.
             m_graph.firstLayer.push_back(m_graph.firstLayer.back() + count + 2);
         m_graph.layer.resize(m_graph.firstDummyVertex);
         for (Index box = 0; box < m_graph.boxCount; ++box)

@@ -100,6 +100,7 @@ class FreeRanks {
     }
 
     void pullBack(Index box) {
+        // Boxes that no box with a level leads to move next to what they lead to, which shortens their lines.
         if (!m_isFree[box] || m_isAnchored[box]) return;
         Rank nearest = std::numeric_limits<Rank>::max();
         for (Index i = m_begin[box]; i < m_begin[box + 1]; ++i)
@@ -133,6 +134,7 @@ Index compress(Members& members, const std::vector<BoxToPlace>& boxes, std::vect
     return static_cast<Index>(next);
 }
 
+// If all boxes of a border are in the outermost rank, they stay; else they get one beyond it.
 void moveToBorders(const Members& members, const std::vector<BoxToPlace>& boxes, std::vector<Rank>& ranks) {
     using Border = BoxToPlace::Border;
     Rank first = std::numeric_limits<Rank>::max();

@@ -44,6 +44,7 @@ class ContainerOrdering {
         std::vector<Index> order;
         for (const Walk walk : {Walk::depthFirst, Walk::depthFirstFromEnd, Walk::breadthFirst}) {
             if (fewest == 0 || (walk == Walk::breadthFirst && !isSmall)) break;
+            // There are at most three walks, so each has a third.
             const double end = spent() + work / 3;
             walkThrough(walk);
             sweep();
@@ -146,6 +147,7 @@ class ContainerOrdering {
 
     // Runs a few sweeps and keeps the best order.
     void sweep() {
+        // Bounds the time, together with the number of failures below.
         constexpr int maxWalks = 8;
         m_bestCrossings = countAll();
         keep();
@@ -155,6 +157,7 @@ class ContainerOrdering {
             const std::uint64_t crossings = countAll();
             ++failures;
             if (crossings >= m_bestCrossings) continue;
+            // A gain below one percent is kept, but does not prolong the search.
             if (crossings < m_bestCrossings - m_bestCrossings / 100) failures = 0;
             m_bestCrossings = crossings;
             keep();
@@ -184,6 +187,7 @@ class ContainerOrdering {
     void sweepOnce(bool isForwards, bool mayFlip) {
         for (Index k = 1; k <= m_last - m_first; ++k)
             reorder(isForwards ? m_first + k : m_last - k, isForwards, mayFlip);
+        // In comparisons, as sifting counts its work: ten for each vertex and edge.
         m_sweepWork += static_cast<double>(m_size) * 10;
     }
 
@@ -206,6 +210,7 @@ class ContainerOrdering {
             const double mean = isForwards ? meanOfTails(vertex) : meanOfHeads(vertex);
             if (mean < 0) continue;
             m_stops.push_back(i);
+            // With mayFlip, ties are broken in another order, which can lead out of a local minimum.
             m_sorted.push_back({mean, mayFlip ? begin - i : i, vertex});
         }
         std::sort(m_sorted.begin(), m_sorted.end(), [](const Sorted& a, const Sorted& b) {

@@ -21,6 +21,7 @@ bool flagOf(const variant_t& value) {
     return value.can_get<bool>() && value.get<bool>();
 }
 
+// -1 is a node without a level; other negative levels count as none, too.
 std::int32_t levelOf(const variant_t& value) {
     if (!value.can_get<std::int64_t>()) return -1;
     constexpr std::int64_t last = std::numeric_limits<std::int32_t>::max();
@@ -74,6 +75,7 @@ void cutCycles(std::vector<Node>& nodes) {
     for (Index start = 0; start < nodes.size(); ++start) {
         Index at = start;
         for (; at != nothing && walks[at] == notSeen; at = nodes[at].group)
+            // Each node is entered by one walk only, so all walks together take linear time.
             walks[at] = start;
         if (at == nothing || walks[at] != start) continue;
         while (at != nothing)
@@ -96,6 +98,7 @@ void setGroups(std::vector<Node>& nodes, const NodeIds& ids, const std::vector<s
         if (groups[i] != latestId) {
             latestId = groups[i];
             latest = groupIds.find(latestId);
+            // A node that is not marked as a group can be one by having members.
             if (latest == nothing) latest = ids.find(latestId);
         }
         nodes[i].group = latest;

@@ -5,6 +5,7 @@
 #include <map>
 #include <utility>
 
+#include "draw/scene/display_types.h"
 #include "draw/text_width.h"
 #include "draw/theme.h"
 
@@ -29,6 +30,7 @@ constexpr RowSpace usualNode = {2, 0, 5.6, 6.6};
 constexpr RowSpace usualLabel = {1, 6, 0, 5.8};
 constexpr RowSpace usualGroup = {1, 0, 6, 6.6};
 
+// With an even width, the middle of a box is on a whole pixel.
 double even(double length) {
     return 2 * std::ceil(length / 2);
 }
@@ -38,10 +40,7 @@ double captionWidth(const Node& node, double maxWidth) {
     return fitText(captionOf(node), maxWidth, style.size, style.weight).width;
 }
 
-bool hasLook(const Node& node) {
-    return !node.displayType.empty() && node.displayType != "none";
-}
-
+// Values come first, up to 60 % of the width; names get what is left. One pixel more covers rounding.
 void setColumns(BoxSize& box, const RowSpace& space, double nameSize, double valueSize, double maxWidth) {
     box.valueColumn = std::min(space.valueWidth * valueSize + 1, maxWidth * 0.6);
     box.nameColumn =
@@ -51,7 +50,7 @@ void setColumns(BoxSize& box, const RowSpace& space, double nameSize, double val
 BoxSize cardSize(const Node& node, const RowSpace& space) {
     BoxSize box;
     box.rows = std::min(space.rows, maxCardRows);
-    double inner = captionWidth(node, maxCard - symbolSpace) + (hasLook(node) ? symbolSpace : 0);
+    double inner = captionWidth(node, maxCard - symbolSpace) + (isMarked(node.displayType) ? symbolSpace : 0);
     if (box.rows > 0) {
         setColumns(box, space, styleOf(TextRole::rowName).size, styleOf(TextRole::rowValue).size, maxCard);
         inner = std::max(inner, box.nameColumn + columnGap + box.valueColumn);
@@ -68,6 +67,7 @@ BoxSize labelSize(const RowSpace& space) {
     box.rows = std::clamp<std::uint32_t>(space.rows, 1, maxLabelRows);
     setColumns(box, space, nameSize, valueSize, maxLabel);
     double inner = space.titleWidth * nameSize;
+    // A single value is drawn below its title, so the widest text decides, and not their sum.
     if (box.rows == 1) {
         inner = std::max({inner, space.nameWidth * nameSize, space.valueWidth * valueSize});
         box.size.height = 34;
@@ -82,7 +82,8 @@ BoxSize labelSize(const RowSpace& space) {
 BoxSize containerSize(const Node& node, const RowSpace& space) {
     BoxSize box;
     box.rows = std::min(space.rows, maxCardRows);
-    double inner = captionWidth(node, maxGroupTitle) + (hasLook(node) ? symbolSpace : 0);
+    // The size is a lower limit: what the group contains usually needs more.
+    double inner = captionWidth(node, maxGroupTitle) + (isMarked(node.displayType) ? symbolSpace : 0);
     double top = groupTop;
     if (box.rows > 0) {
         setColumns(box, space, styleOf(TextRole::rowName).size, styleOf(TextRole::rowValue).size,
@@ -101,12 +102,14 @@ Reservation::Place placeOf(std::string_view location) {
     return location == "to" ? Reservation::Place::to : Reservation::Place::center;
 }
 
+// A reservation without an entry for a node says that the node has no rows.
 RowSpace orNothing(const RowSpace* space) {
     return space == nullptr ? RowSpace{} : *space;
 }
 
 // Makes cards of one layer as wide as the widest of them, so that their texts are in columns.
 void evenOut(const Diagram& diagram, const BoxKinds& kinds, std::vector<BoxSize>& sizes) {
+    // By group and level: each group has layers of its own.
     std::map<std::pair<Index, std::int32_t>, double> widest;
     const auto layerOf = [&](std::size_t at) {
         return std::pair(diagram.nodes[at].group, diagram.nodes[at].level);
@@ -133,6 +136,7 @@ BoxKinds findKinds(const Diagram& diagram) {
         result.groupInfos[node.group] = static_cast<Index>(i);
     }
     for (std::size_t i = 0; i < count; ++i) {
+        // A second pass, because a group may come after its members; it overrides every other kind.
         if (diagram.nodes[i].isGroup) result.kinds[i] = BoxKind::container;
         if (diagram.nodes[i].group != nothing) result.kinds[diagram.nodes[i].group] = BoxKind::container;
     }

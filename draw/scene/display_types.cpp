@@ -1,5 +1,6 @@
 #include "draw/scene/display_types.h"
 
+#include <algorithm>
 #include <array>
 
 namespace tessera_draw {
@@ -9,11 +10,13 @@ constexpr std::array symbols = {Symbol::disc,     Symbol::square, Symbol::diamon
                                 Symbol::triangle, Symbol::ring,   Symbol::cross};
 constexpr std::array accents = {ColorRole::accent1, ColorRole::accent2, ColorRole::accent3,
                                 ColorRole::accent4};
-constexpr TypeLook interfaceLook = {Symbol::ring, ColorRole::accent4};
-
-bool isPlain(std::string_view type) {
-    return type.empty() || type == "none";
-}
+// The types that drawings know by name. All others are marked in turn.
+constexpr std::array<TypeRule, 3> rules = {{
+    {"", {}, BoxRole::card, false},
+    {"none", {}, BoxRole::card, false},
+    {"interface", {Symbol::ring, ColorRole::accent4}, BoxRole::interfaceCard, true},
+}};
+constexpr TypeRule otherTypes = {"", {}, BoxRole::card, false};
 
 // Six shapes and four colours give 12 pairs before they repeat; the next 12 shift the colours by one.
 TypeLook lookAt(std::size_t place) {
@@ -22,19 +25,29 @@ TypeLook lookAt(std::size_t place) {
 
 }  // namespace
 
+const TypeRule& ruleOf(std::string_view type) noexcept {
+    const auto* const rule =
+        std::find_if(rules.begin(), rules.end(), [&](const TypeRule& each) { return each.type == type; });
+    return rule == rules.end() ? otherTypes : *rule;
+}
+
+bool isMarked(std::string_view type) noexcept {
+    const TypeRule& rule = ruleOf(type);
+    return &rule == &otherTypes || rule.look.symbol != Symbol::none;
+}
+
 DisplayTypes::DisplayTypes(const Diagram& diagram) {
     std::size_t place = 0;
     for (const Node& node : diagram.nodes) {
-        if (isPlain(node.displayType)) continue;
+        if (!isMarked(node.displayType)) continue;
         if (!m_places.emplace(node.displayType, m_entries.size()).second) continue;
-        const bool isInterface = node.displayType == "interface";
-        m_entries.push_back({node.displayType, isInterface ? interfaceLook : lookAt(place)});
-        if (!isInterface) ++place;
+        const TypeLook& known = ruleOf(node.displayType).look;
+        m_entries.push_back({node.displayType, known.symbol != Symbol::none ? known : lookAt(place++)});
     }
 }
 
 TypeLook DisplayTypes::lookOf(std::string_view type) const {
-    if (isPlain(type)) return {};  // most nodes
+    if (!isMarked(type)) return {};  // most nodes
     const auto found = m_places.find(type);
     return found == m_places.end() ? TypeLook{} : m_entries[found->second].look;
 }

@@ -20,11 +20,26 @@ struct TypeLook {
     ColorRole accent = ColorRole::none;
 };
 
+// What drawings know of a display type by its name.
+struct TypeRule {
+    std::string_view type;  // compared byte by byte
+    TypeLook look;          // without a symbol: the type is not marked
+    BoxRole card = BoxRole::card;
+    bool isAtBorder = false;  // its nodes stand at the border of their group
+};
+
+// The rule of the type; for a type of the document's own, one that has a plain card and no look yet.
+[[nodiscard]] const TypeRule& ruleOf(std::string_view type) noexcept;
+
+// Whether nodes of this type have a symbol, a bar and an entry in the legend. "none" and "" have not.
+[[nodiscard]] bool isMarked(std::string_view type) noexcept;
+
 // Gives each display type of a diagram a look, in the order in which the types first occur among its nodes.
-// "interface" always has the same look. It and the first 22 other types all differ; later ones repeat looks.
-// "none" and "" have none.
+// Types with a rule always have the look of their rule. They and the first 22 other types all differ; later ones
+// repeat looks.
 class DisplayTypes {
   public:
+    // A type, as the document spells it, and how it is marked.
     struct Entry {
         std::string_view type;
         TypeLook look;
@@ -34,7 +49,7 @@ class DisplayTypes {
     // Keeps views: the diagram's texts must outlive this object.
     explicit DisplayTypes(const Diagram& diagram);
 
-    // Returns the default look for a type that the diagram lacks.
+    // Constant time. Returns the default look for a type that the diagram lacks.
     [[nodiscard]] TypeLook lookOf(std::string_view type) const;
     // The types with a look, in order of first occurrence, for the legend.
     [[nodiscard]] const std::vector<Entry>& entries() const noexcept { return m_entries; }

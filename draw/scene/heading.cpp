@@ -31,6 +31,7 @@ std::string_view titleOf(const Diagram& diagram) {
     return diagram.name.empty() ? diagram.id : diagram.name;
 }
 
+// 28 pixels are for the margins left and right of the text.
 double badgeWidth(double modeWidth) {
     return std::ceil(modeWidth * styleOf(TextRole::badge).size) + 28;
 }
@@ -69,6 +70,7 @@ double drawLegend(SceneBuilder& builder, const DisplayTypes& types, double top, 
         return x - itemWidth - legendBetween;
     };
     const std::size_t all = types.entries().size();
+    // A single entry more is shown itself: "+1 more" would take the same place.
     const std::size_t shown = all <= maxLegendEntries + 1 ? all : maxLegendEntries;
     for (std::size_t i = 0; i < shown; ++i) {
         const auto& [type, look] = types.entries()[i];

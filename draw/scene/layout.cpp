@@ -12,8 +12,10 @@
 namespace tessera_draw {
 namespace {
 
+// In pixels: the space of the note that replaces a diagram without boxes.
 constexpr Size emptySize = {440, 132};
 
+// The bag may end before the layout does, so the layout copies its texts.
 void own(TextArena& texts, std::string_view& text) {
     text = texts.add(text);
 }
@@ -28,6 +30,7 @@ class FewTexts {
         for (const std::string_view known : m_known)
             if (known == text) return void(text = known);
         tessera_draw::own(m_texts, text);
+        // Bounds the search: beyond this many, texts are copied each time.
         constexpr std::size_t maxKnown = 16;
         if (m_known.size() < maxKnown) m_known.push_back(text);
     }
@@ -61,6 +64,7 @@ std::vector<std::uint32_t> depthsOf(const Diagram& diagram) {
     std::vector<Index> path;
     for (std::size_t i = 0; i < depths.size(); ++i) {
         auto at = static_cast<Index>(i);
+        // Up to a node of known depth: each node is on one such path, so the time is linear.
         for (; at != nothing && depths[at] == unknown; at = diagram.nodes[at].group)
             path.push_back(at);
         std::uint32_t depth = at == nothing ? 0 : depths[at] + 1;
@@ -149,6 +153,7 @@ Size Layout::size() const noexcept {
 }
 
 std::optional<Rect> Layout::boxOf(std::string_view nodeId) const {
+    // From the end: of several nodes with one id the last counts.
     for (std::size_t i = m_data->boxes.size(); i-- > 0;)
         if (m_data->structure.nodes[i].id == nodeId && m_data->kinds.kinds[i] != BoxKind::none)
             return m_data->boxes[i];

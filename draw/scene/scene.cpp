@@ -36,6 +36,7 @@ void drawContainers(Drawing& drawing) {
     }
 }
 
+// After the lines, so that titles stay readable where lines pass.
 void drawHeaders(Drawing& drawing) {
     for (const auto& [at, depth] : drawing.data.containers) {
         const Node& node = drawing.data.structure.nodes[at];
@@ -111,6 +112,7 @@ void drawLabels(Drawing& drawing) {
 
 Scene fill(const LayoutPointer& layout, const basekit2::variant_bag_t& bag, Differences* differences) {
     const LayoutData& data = layout->data();
+    // readValues() always reports differences; here they go where the caller wants none.
     Differences unused;
     Scene scene;
     scene.layout = layout;
@@ -131,6 +133,7 @@ Scene fill(const LayoutPointer& layout, const basekit2::variant_bag_t& bag, Diff
     drawHeaders(drawing);
     drawCards(drawing);
     drawLabels(drawing);
+    // The legend comes last: its height depends on how many lines its entries take.
     const double bottom = contentTop + data.content.height;
     scene.size.height =
         bottom + drawLegend(drawing.builder, data.types, bottom, scene.size.width) + sceneMargin;
@@ -140,6 +143,7 @@ Scene fill(const LayoutPointer& layout, const basekit2::variant_bag_t& bag, Diff
 
 Scene makeScene(const basekit2::variant_bag_t& bag, const SceneOptions& options) {
     const LayoutPointer layout = layOut(bag, options);
+    // A cancelled layout has no scene.
     return layout == nullptr ? Scene{} : fill(layout, bag);
 }
 

@@ -42,6 +42,7 @@ void drawRows(SceneBuilder& builder, const std::vector<Row>& rows, std::uint32_t
               const Columns& columns) {
     if (maxRows == 0) return;
     const bool allFit = rows.size() <= maxRows;
+    // The last line then says how many rows are not shown.
     const std::size_t shown = allFit ? rows.size() : maxRows - 1;
     const auto lineOf = [&](std::size_t row) {
         return columns.firstLine + columns.step * static_cast<double>(row);
@@ -56,6 +57,7 @@ void drawRows(SceneBuilder& builder, const std::vector<Row>& rows, std::uint32_t
 // A single row is shown without its own name: the title above the value is enough.
 void drawSingleValue(SceneBuilder& builder, const Info& info, const Rect& rect) {
     const double middle = rect.x + rect.width / 2;
+    // A centered text may come 4 pixels closer to each border than rows do.
     const double maxWidth = rect.width - 2 * labelSide + 8;
     const Row& row = info.rows.front();
     std::string_view title = info.name.empty() ? row.name : info.name;
@@ -77,8 +79,8 @@ void drawSingleValue(SceneBuilder& builder, const Info& info, const Rect& rect) 
 void drawCard(SceneBuilder& builder, const Node& node, const Info& info, const BoxSize& size,
               const Rect& rect, TypeLook look) {
     builder.rows(info);
-    const bool isInterface = node.displayType == "interface";
-    builder.box(rect, isInterface ? BoxRole::interfaceCard : BoxRole::card,
+    // Without an accent, the bar has the neutral color of borders.
+    builder.box(rect, ruleOf(node.displayType).card,
                 look.accent == ColorRole::none ? ColorRole::labelBorder : look.accent);
     const double left = rect.x + cardLeft;
     const double right = rect.right() - cardRight;
@@ -124,6 +126,7 @@ void drawContainer(SceneBuilder& builder, const Node& node, const Info& info, co
 void drawHeader(SceneBuilder& builder, const Node& node, const Info& info, const BoxSize& size,
                 const Rect& rect, TypeLook look, bool isInner) {
     builder.rows(info);
+    // Headers are drawn above lines, which the halo keeps off the letters.
     builder.setTextHalo(styleOf(isInner ? BoxRole::innerContainer : BoxRole::container).fill);
     double left = rect.x + groupSide;
     const double line = rect.y + groupTitleLine;

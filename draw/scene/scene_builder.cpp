@@ -37,6 +37,7 @@ Element& SceneBuilder::begin(Element::Kind kind, std::string_view id, Index inde
 void SceneBuilder::end() {
     if (!m_isOpen) return;
     m_isOpen = false;
+    // A halo is for one element only.
     m_textHalo = ColorRole::none;
     Element& element = m_scene.elements.back();
     close(element.boxes, m_scene.boxes);

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <utility>
 
+#include "draw/scene/display_types.h"
+
 namespace tessera_draw {
 namespace {
 
@@ -71,7 +73,7 @@ std::vector<Layers> layersOf(const Diagram& diagram, const BoxKinds& kinds) {
 
 // Interfaces are on the border of their group, on the side that their layer is at.
 Border borderOf(const Node& node, const std::vector<Layers>& layers) {
-    if (node.displayType != "interface" || node.group == nothing || node.level < 0) return Border::none;
+    if (!ruleOf(node.displayType).isAtBorder || node.group == nothing || node.level < 0) return Border::none;
     if (node.level == layers[node.group].last) return Border::end;
     return node.level == layers[node.group].first ? Border::start : Border::none;
 }
@@ -101,6 +103,7 @@ void addLine(const Diagram& diagram, const LinkPaths& linkPaths, const BoxKinds&
         const PathStop& stop = linkPaths.stops[path.firstStop + i];
         if (stop.node == nothing || kinds.kinds[stop.node] != BoxKind::label) continue;
         BoxToPlace& box = result.input.boxes[result.boxOfNode[stop.node]];
+        // A label belongs to the first line that passes through it.
         if (box.isLabel) continue;
         box.isLabel = true;
         box.group = stop.group == nothing ? nothing : result.boxOfNode[stop.group];
@@ -115,6 +118,7 @@ void addLine(const Diagram& diagram, const LinkPaths& linkPaths, const BoxKinds&
 // Enlarges cards so that the ends of their lines are far enough apart to be distinguished.
 void growForLineEnds(const Diagram& diagram, const LinkPaths& linkPaths, const BoxKinds& kinds,
                      SceneInput& result) {
+    // In pixels. Beyond maxEnds, at 3000 pixels, cards stop growing and the ends come closer.
     constexpr double between = 7.5;
     constexpr double aroundEnds = 16;
     constexpr std::uint32_t maxEnds = 400;
@@ -146,6 +150,7 @@ SceneInput makeInput(const Diagram& diagram, const LinkPaths& linkPaths, const B
     result.boxOfNode.assign(diagram.nodes.size(), nothing);
     Index next = 0;
     for (std::size_t i = 0; i < diagram.nodes.size(); ++i)
+        // Numbered before boxes are made, because a node's group may follow it.
         if (kinds.kinds[i] != BoxKind::none) result.boxOfNode[i] = next++;
     result.input.boxes.reserve(next);
     const std::vector<Layers> layers = layersOf(diagram, kinds);

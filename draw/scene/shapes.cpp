@@ -96,6 +96,7 @@ Outline outlineOf(const SymbolShape& symbol) {
     return {};
 }
 
+// REQUIRES: the direction has length 1. Turned by a right angle it is (-y, x).
 Outline outlineOf(const ArrowHead& head) {
     const Point d = head.direction;
     const Point base = {head.tip.x - d.x * arrowLength, head.tip.y - d.y * arrowLength};

@@ -19,7 +19,7 @@ namespace tessera_draw {
     return code;
 }
 
-// Whether the character is in a block of Hebrew, Arabic or another script that is written from right to left.
+// For hasRightToLeft(). Whether the character is in a block of Hebrew, Arabic or another script that is written from right to left.
 [[nodiscard]] inline bool isRightToLeft(char32_t code) noexcept {
     return (code >= 0x590 && code <= 0x8FF) || (code >= 0xFB1D && code <= 0xFDFF) ||
            (code >= 0xFE70 && code <= 0xFEFC) || (code >= 0x10800 && code <= 0x10FFF) ||

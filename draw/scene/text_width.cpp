@@ -12,6 +12,7 @@ namespace {
 
 using tessera_support::decodeUtf8;
 
+// Font units to the em. Emoji come from a font that is not known here; 1.4 em is a typical width.
 constexpr std::uint16_t em = 2048;
 constexpr std::uint16_t emojiAdvance = em * 7 / 5;
 constexpr char32_t ellipsis = 0x2026;
@@ -54,6 +55,7 @@ Advance advanceOf(char32_t code, Weight weight) noexcept {
 // Whether the character extends the one before it, whose last code point is `before`.
 bool extends(char32_t code, char32_t before, std::uint16_t units) noexcept {
     const bool isSkinTone = code >= 0x1F3FB && code <= 0x1F3FF;
+    // Vowels and final consonants, which are drawn into the syllable that a consonant begins.
     const bool isHangulEnd = code >= 0x1160 && code <= 0x11FF;
     return units == 0 || isSkinTone || isHangulEnd || before == joiner;
 }
@@ -63,10 +65,10 @@ bool isFlagLetter(char32_t code) noexcept {
 }
 
 std::string_view trimmed(std::string_view text) noexcept {
-    constexpr std::string_view blanks = " \t\n\r";
-    const std::size_t first = text.find_first_not_of(blanks);
+    constexpr std::string_view whiteSpace = " \t\n\r";
+    const std::size_t first = text.find_first_not_of(whiteSpace);
     if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+    return text.substr(first, text.find_last_not_of(whiteSpace) - first + 1);
 }
 
 // Iterates over what people see as characters.
@@ -85,6 +87,7 @@ class Walk {
         const std::size_t end = m_at + maxBytes;
         while (!atEnd() && m_at < end) {
             const char32_t code = shownAs(decodeUtf8(m_text.substr(m_at)).code);
+            // Below U+0300 no character extends another; this ends the step for almost all texts at once.
             if (code < 0x300) return;
             const bool isFlag = wantsFlagLetter && isFlagLetter(code);
             if (!isFlag && !extends(code, before, advanceOf(code, m_weight).units)) return;
@@ -129,6 +132,7 @@ FittedText fitText(std::string_view text, double maxWidth, double size, Weight w
     while (!walk.atEnd()) {
         walk.next();
         const double width = static_cast<double>(walk.units()) * unit;
+        // The time depends on the space, not on the length of the text.
         if (width > maxWidth || walk.at() > maxBytes) break;
         if (width + dots <= maxWidth)
             shortened = {text.substr(0, walk.at()), true, width + dots, walk.isExact()};

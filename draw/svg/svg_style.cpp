@@ -41,6 +41,7 @@ void addColours(std::string& sheet, std::string_view scope, const Palette& palet
     rule(sheet, "a", "fill:" + hex(palette, ColorRole::line));
     rule(sheet, "o1", "stroke:" + hex(palette, ColorRole::container));
     rule(sheet, "o2", "stroke:" + hex(palette, ColorRole::innerContainer));
+    // labelBorder is the fallback of bars and symbols without an accent: class "f0" or "s0".
     for (const ColorRole color : {ColorRole::accent1, ColorRole::accent2, ColorRole::accent3,
                                   ColorRole::accent4, ColorRole::labelBorder}) {
         rule(sheet, fillClassOf(color), "fill:" + hex(palette, color));
@@ -131,6 +132,7 @@ std::string styleSheet(Theme theme) {
     std::string sheet;
     addShapes(sheet);
     addColours(sheet, classOf(theme), theme == Theme::dark ? darkPalette() : lightPalette());
+    // Only on screens: on paper, the automatic theme is always the light one.
     if (theme == Theme::automatic) {
         sheet += "@media screen and (prefers-color-scheme:dark){\n";
         addColours(sheet, classOf(theme), darkPalette());

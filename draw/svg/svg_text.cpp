@@ -10,6 +10,7 @@ namespace tessera_draw {
 namespace {
 
 constexpr std::size_t blockSize = 65536;
+// Bytes that one number may take; 1e9 with sign and two decimals needs 14.
 constexpr std::size_t maxDigits = 24;
 
 }  // namespace
@@ -40,6 +41,7 @@ SvgText& SvgText::number(double value) {
     constexpr double max = 1e9;
     constexpr double half = 0.5;
     const double within = std::isnan(value) ? 0 : std::clamp(value, -max, max);
+    // A hundredth of a pixel cannot be seen; more digits would only make files larger.
     const auto hundredths = static_cast<std::uint64_t>(std::abs(within) * 100 + half);
     if (available() < maxDigits) handOn();
     if (within < 0 && hundredths > 0) *m_at++ = '-';

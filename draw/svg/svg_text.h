@@ -44,8 +44,8 @@ class SvgText {
     [[nodiscard]] std::size_t available() const noexcept {
         return static_cast<std::size_t>(m_block.data() + m_block.size() - m_at);
     }
-    SvgText& rawInPieces(std::string_view text);
-    void handOn();
+    SvgText& rawInPieces(std::string_view text);  // for text that the block cannot hold
+    void handOn();                                // empties the block
 
     Output& m_output;
     std::vector<char> m_block;

@@ -30,6 +30,7 @@ std::string idOf(const Scene& scene, Theme theme) {
     const auto add = [&](std::string_view text) {
         for (const char c : text)
             hash = (hash ^ static_cast<unsigned char>(c)) * 16777619;
+        // 0xFF is not in any UTF-8 text: it keeps "ab", "c" apart from "a", "bc".
         hash = (hash ^ 0xFF) * 16777619;
     };
     add(classOf(theme));
@@ -59,6 +60,7 @@ class SvgWriter {
 
   private:
     void begin() {
+        // In whole pixels, as in the other formats.
         const double width = std::ceil(m_scene.size.width);
         const double height = std::ceil(m_scene.size.height);
         m_text.raw("<svg xmlns=\"http://www.w3.org/2000/svg\" class=\"tessera-diagram ");
@@ -92,7 +94,7 @@ class SvgWriter {
             m_text.attribute("data-from", element.from).attribute("data-to", element.to);
         if (!element.link.empty()) m_text.attribute("data-link", element.link);
         if (!element.place.empty()) m_text.attribute("data-place", element.place);
-        if (!element.type.empty() && element.type != "none") m_text.attribute("data-type", element.type);
+        if (isMarked(element.type)) m_text.attribute("data-type", element.type);
         m_text.raw(">");
         tooltips(element);
         for (std::uint32_t i = 0; i < element.boxes.count; ++i)
@@ -108,10 +110,12 @@ class SvgWriter {
 
     void tooltips(const Element& element) {
         if (element.tooltips.count == 0) return;
+        // As the first child of its element, where viewers look for a tooltip.
         m_text.raw("<title>");
         for (std::uint32_t i = 0; i < element.tooltips.count; ++i) {
             const TooltipLine& tooltip = m_scene.tooltips[element.tooltips.first + i];
             if (i > 0) m_text.raw("\n");
+            // Isolates are needed only where one of two parts runs from right to left.
             const bool isMixed =
                 !tooltip.second.empty() && (hasRightToLeft(tooltip.first) || hasRightToLeft(tooltip.second));
             tooltipPart(tooltip.first, isMixed);
@@ -143,6 +147,7 @@ class SvgWriter {
     }
 
     void symbol(const SymbolShape& symbol) {
+        // Rings and crosses are strokes; the other symbols are filled.
         const bool isOutline = isOutlined(symbol.look.symbol);
         m_text.raw("<path class=\"");
         m_text.raw(isOutline ? strokeClassOf(symbol.look.accent) : fillClassOf(symbol.look.accent))
@@ -176,6 +181,7 @@ class SvgWriter {
     }
 
     void line(const LineShape& line) {
+        // A path without data would be valid, but of no use.
         if (line.stretches.empty()) return;
         m_text.raw("<path class=\"l\" d=\"").path(line).raw("\"/>");
         if (line.hasFromHead) head(line.fromHead);
@@ -194,6 +200,7 @@ class SvgWriter {
         double x = text.at.x;
         double y = text.at.y;
         if (!text.isExact) {
+            // The nested <svg> clips, from 1.2 font sizes above the base line to 0.4 below it.
             const double left = leftOf(text);
             m_text.raw("<svg overflow=\"hidden\"").attribute("x", left);
             m_text.attribute("y", y - 1.2 * style.size).attribute("width", text.maxWidth);

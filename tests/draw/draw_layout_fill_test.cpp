@@ -3,10 +3,13 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
+#include "core/vocabulary.h"
 #include "draw/layout.h"
 #include "draw/scene.h"
 #include "draw/scene_json.h"
@@ -72,6 +75,21 @@ TEST(DrawLayoutFill, OneLayoutTakesAnyValues) {
         for (std::size_t i = 0; i < first.boxes.size(); ++i)
             ASSERT_EQ(first.boxes[i].rect, second.boxes[i].rect);
         ASSERT_EQ(first.lines.data(), second.lines.data());
+    }
+}
+
+// The badge's width is the same in all modes, so that none of them moves the rest of the heading.
+TEST(DrawLayoutFill, TheBadgeHasSpaceForEachDisplayMode) {
+    const LayoutPointer layout = layOut(smallDrawing("1").bag, {});
+    for (const std::string_view mode : tessera_1::displayModeNames) {
+        variant_bag_t bag;
+        bag.add_variant_bag("diagram").put("displayMode", mode);
+        const Scene scene = fill(layout, bag);
+        const auto badge = std::find_if(scene.texts.begin(), scene.texts.end(),
+                                        [](const TextShape& text) { return text.role == TextRole::badge; });
+        ASSERT_NE(badge, scene.texts.end());
+        EXPECT_EQ(badge->text, mode);
+        EXPECT_FALSE(badge->isShortened) << mode;
     }
 }
 
