@@ -28,7 +28,8 @@ namespace tessera_1 {
 // Destroy the handler after its requests have ended: drop the last pointer on any thread.
 //
 // Cancellation: a "create" that is cancelled while values are fetched keeps the diagram, and the next
-// "refresh" fetches the values. One that is cancelled inside a pass of the layout returns the cancellation
+// "refresh" fetches the values. Labels of links are made only for values that were there: a host that wants
+// the diagram whole makes another handler. One that is cancelled inside a pass of the layout returns the cancellation
 // error; the next request finishes the layout first.
 [[nodiscard]] TESSERA_EXPORT std::shared_ptr<panelcore_1::IRequestHandler> createDiagramViewRequestHandler(
     basekit2::sptr_t<qlib_1::IQueryLibrary> queryLibrary, basekit2::sptr_t<qlib_1::IInputData> inputData,

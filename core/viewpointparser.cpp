@@ -31,10 +31,8 @@ std::string getAttrAndLocalize(const basekit2::variant_bag_t& bag, std::string n
 std::string getMessageFromCatalog(const std::string& key) {
     for (const std::string_view catalogName : optstore2::catalogNames) {
         const auto source = optstore2::getMessageCatalogSource();
-        const auto catalog = source->getCatalog(std::string(catalogName));
-        if (!catalog || !catalog->has_message(key)) continue;
-        const auto text = catalog->message(key).as_ustring(RTBASE_2_18::generic::varg_list{});
-        if (!text.empty()) return text.str();
+        std::string text = optstore2::textIn(source->getCatalog(std::string(catalogName)), key);
+        if (!text.empty()) return text;
     }
     return key;
 }

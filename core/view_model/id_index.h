@@ -25,17 +25,17 @@ class IdIndex {
     // The position with that text, or `nowhere`. `textAt` returns the text at a position.
     template <class TextAt>
     [[nodiscard]] std::uint32_t find(std::string_view id, std::uint32_t hash, TextAt textAt) const {
-        if (m_slots.empty()) return nowhere;
+        if (m_buckets.empty()) return nowhere;
         for (std::size_t at = hash & mask();; at = (at + 1) & mask()) {
-            const Slot& slot = m_slots[at];
-            if (slot.position == nowhere) return nowhere;
-            if (slot.hash == hash && textAt(slot.position) == id) return slot.position;
+            const Bucket& bucket = m_buckets[at];
+            if (bucket.position == nowhere) return nowhere;
+            if (bucket.hash == hash && textAt(bucket.position) == id) return bucket.position;
         }
     }
 
     // REQUIRES: the text is not in the table yet, and the position is not `nowhere`.
     void add(std::uint32_t hash, std::uint32_t position) {
-        if (2 * (m_count + 1) > m_slots.size()) grow(std::max<std::size_t>(16, 2 * m_slots.size()));
+        if (2 * (m_count + 1) > m_buckets.size()) grow(std::max<std::size_t>(16, 2 * m_buckets.size()));
         place({hash, position});
         ++m_count;
     }
@@ -43,16 +43,16 @@ class IdIndex {
     // REQUIRES: the position was added with that hash.
     void remove(std::uint32_t hash, std::uint32_t position) {
         std::size_t hole = hash & mask();
-        while (m_slots[hole].position != position)
+        while (m_buckets[hole].position != position)
             hole = next(hole);
         // Later entries of the same run move up, as far as their hashes allow.
-        for (std::size_t at = next(hole); m_slots[at].position != nowhere; at = next(at)) {
-            const std::size_t home = m_slots[at].hash & mask();
+        for (std::size_t at = next(hole); m_buckets[at].position != nowhere; at = next(at)) {
+            const std::size_t home = m_buckets[at].hash & mask();
             if (((at - home) & mask()) < ((at - hole) & mask())) continue;
-            m_slots[hole] = m_slots[at];
+            m_buckets[hole] = m_buckets[at];
             hole = at;
         }
-        m_slots[hole] = Slot();
+        m_buckets[hole] = Bucket();
         --m_count;
     }
 
@@ -60,38 +60,38 @@ class IdIndex {
         std::size_t size = 16;
         while (size < 2 * count)
             size *= 2;
-        if (size > m_slots.size()) grow(size);
+        if (size > m_buckets.size()) grow(size);
     }
 
     void clear() {
-        m_slots.clear();
+        m_buckets.clear();
         m_count = 0;
     }
 
   private:
-    struct Slot {
+    struct Bucket {
         std::uint32_t hash = 0;
         std::uint32_t position = nowhere;
     };
 
-    [[nodiscard]] std::size_t mask() const noexcept { return m_slots.size() - 1; }
+    [[nodiscard]] std::size_t mask() const noexcept { return m_buckets.size() - 1; }
     [[nodiscard]] std::size_t next(std::size_t at) const noexcept { return (at + 1) & mask(); }
 
-    void place(Slot slot) {
-        std::size_t at = slot.hash & mask();
-        while (m_slots[at].position != nowhere)
+    void place(Bucket bucket) {
+        std::size_t at = bucket.hash & mask();
+        while (m_buckets[at].position != nowhere)
             at = next(at);
-        m_slots[at] = slot;
+        m_buckets[at] = bucket;
     }
 
     void grow(std::size_t size) {
-        std::vector<Slot> old(size);
-        old.swap(m_slots);
-        for (const Slot& slot : old)
-            if (slot.position != nowhere) place(slot);
+        std::vector<Bucket> old(size);
+        old.swap(m_buckets);
+        for (const Bucket& bucket : old)
+            if (bucket.position != nowhere) place(bucket);
     }
 
-    std::vector<Slot> m_slots;  // a power of two
+    std::vector<Bucket> m_buckets;  // a power of two
     std::size_t m_count = 0;
 };
 

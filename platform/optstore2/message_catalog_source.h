@@ -18,6 +18,13 @@ namespace optstore2 {
 // has a text for the key wins, unless the text is empty; a key that none has is shown as it stands.
 inline constexpr std::array<std::string_view, 3> catalogNames{"slicer2", "viewpoint", "storeiface1"};
 
+// The catalogue's text for the key; "" when it has none, and for a null catalogue.
+[[nodiscard]] inline std::string textIn(const std::shared_ptr<const RTBASE_2_18::i18n::catalog_t>& catalog,
+                                        const std::string& key) {
+    if (!catalog || !catalog->has_message(key)) return {};
+    return catalog->message(key).as_ustring(RTBASE_2_18::generic::varg_list{}).str();
+}
+
 // Hands out catalogues by name. Implemented by the host and shared by all panes of the process, so every
 // member may be called on any thread at once. Calls come under the lock of the handler that reads its
 // viewpoint: an implementation must not send a request, and should have its files read already.

@@ -3,8 +3,9 @@
 // Needs:  the dummy links between groups.
 // Leaves: along every link between two members of a group the target is in a deeper layer, unless they are
 //         on a cycle or after one; each layer lists its nodes in the order in which they came to it.
-//         Members that no root leads to are in no layer. A null entry stays where a node has moved on, less
-//         the first of each layer; a group in which these would exceed the WalkBudget has none.
+//         Members that no root leads to are in no layer. Where a node has moved on, a null entry
+//         stays, except for the first one of each layer. A group in which these would exceed the
+//         WalkBudget has none.
 // Order:  after the dummy links, before the label dummies.
 // Fails:  with the false code at the first group with a cycle that a root leads to: its nodes keep the deep
 //         layers that they have reached, and the groups after it get no layers.
@@ -35,7 +36,7 @@ constexpr const char* signatureOfAll =
     "basekit2::error_code_t tessera_1::view_model::Graph::calculateHierarchicalLevels()";
 constexpr const char* signatureOfOne =
     "basekit2::error_code_t tessera_1::view_model::Graph::calculateHierarchicalLevelsForGroup("
-    "const std::shared_ptr<Node>&)";
+    "const std::shared_ptr<tessera_1::view_model::Node>&)";
 
 basekit2::error_t cycleError() {
     return bk2::error::IsNot.Valid.Range(_U("The layers have no end: there is a cycle of links"));
