@@ -30,6 +30,7 @@ struct Error {
     // The place in the document; line 0 when there is none.
     basekit2::source_position_t position = {};
 
+    // Callers that print errors ask this first: the user has stopped the work and needs no message.
     [[nodiscard]] bool isCancelled() const noexcept { return kind == ErrorKind::cancelled; }
 
     friend bool operator==(const Error&, const Error&) = default;
@@ -40,23 +41,30 @@ struct Error {
     return {ErrorKind::cancelled, "cancelled", {}};
 }
 
-// "file:line:column: text", or "file: text" when the error has no position. `file` is what the user called
-// it.
+// "file:line:column", or "file" when there is no position. `file` is what the user called it.
+[[nodiscard]] inline std::string placeIn(std::string_view file, basekit2::source_position_t position) {
+    std::string place(file);
+    if (position.line != 0)
+        place += ':' + std::to_string(position.line) + ':' + std::to_string(position.column);
+    return place;
+}
+
+// "file:line:column: text", or "file: text" when the error has no position.
 [[nodiscard]] inline std::string describe(const Error& error, std::string_view file) {
-    std::string line(file);
-    if (error.position.line != 0)
-        line += ':' + std::to_string(error.position.line) + ':' + std::to_string(error.position.column);
-    return line + ": " + error.text;
+    return placeIn(file, error.position) + ": " + error.text;
 }
 
 // A value, or the error because of which there is none. Returned by functions that can fail; the caller hands
 // the error on with `return result.error();` or `return std::move(result).error();`.
+// Moving from it leaves a value or an error that may only be destroyed or assigned to.
 template <class T>
 class [[nodiscard]] Expected {
   public:
+    // Implicit, so that a function may return either as it is.
     Expected(T value) : m_content(std::in_place_index<0>, std::move(value)) {}      // NOLINT: implicit
     Expected(Error error) : m_content(std::in_place_index<1>, std::move(error)) {}  // NOLINT: implicit
 
+    // True when there is a value. `if (const auto result = ...)` asks the same.
     [[nodiscard]] bool hasValue() const noexcept { return m_content.index() == 0; }
     explicit operator bool() const noexcept { return hasValue(); }
 
@@ -97,6 +105,7 @@ class [[nodiscard]] Expected<void> {
     Expected() noexcept = default;
     Expected(Error error) : m_error(std::move(error)) {}  // NOLINT: implicit
 
+    // True when the work succeeded.
     [[nodiscard]] bool hasValue() const noexcept { return !m_error.has_value(); }
     explicit operator bool() const noexcept { return hasValue(); }
 

@@ -11,6 +11,7 @@ namespace {
 
 using basekit2::variant_bag_t;
 
+// White space of XML separates; there are no empty words.
 std::vector<std::string> splitAtSpaces(std::string_view text) {
     constexpr std::string_view spaces = " \t\r\n";
     std::vector<std::string> words;
@@ -56,6 +57,7 @@ Error failure(std::string text) {
 Expected<std::vector<std::string>> decodeKeys(std::string_view segments) {
     std::vector<std::string> keys;
     while (!segments.empty()) {
+        // Every segment begins with its "/".
         segments.remove_prefix(1);
         const std::size_t end = std::min(segments.find('/'), segments.size());
         const std::string_view segment = segments.substr(0, end);
@@ -85,6 +87,7 @@ void Declarations::readQuery(const variant_bag_t& element) {
         report(element, "query without an id");
         return;
     }
+    // The index is the position in m_queries; a query that is left out has none.
     query.index = m_queries.size();
     query.from = element.get_text("from");
     query.expression = element.get_text("");
@@ -93,6 +96,7 @@ void Declarations::readQuery(const variant_bag_t& element) {
     query.unit = element.get_text("unit");
     query.position = element.position();
     const std::string_view format = element.get_text("format");
+    // With an unknown format the query stays usable: its values are shown as plain ones.
     if (const auto parsed = CellFormat::parse(format))
         query.format = *parsed;
     else
@@ -110,6 +114,7 @@ void Declarations::readFilter(const variant_bag_t& element) {
         setFilter(m_filters, name, {std::string(element.get_text("")), element.position()});
 }
 
+// Only when all queries are read, because the keys view the ids in m_queries. Of equal ids the last counts.
 void Declarations::buildIndex() {
     m_byId.reserve(m_queries.size());
     for (const QueryDeclaration& query : m_queries)
@@ -128,12 +133,14 @@ const QueryDeclaration* Declarations::find(std::string_view id) const {
 Expected<Reference> Declarations::parseReference(std::string_view text) const {
     if (text.empty() || text.front() != '/') return failure("it does not begin with \"/\"");
     text.remove_prefix(1);
+    // The id of a query without keys may contain "/", so the whole text is tried first.
     if (const QueryDeclaration* whole = find(text); whole && whole->keys.empty()) return Reference{whole, {}};
 
     const std::size_t idEnd = std::min(text.find('/'), text.size());
     const QueryDeclaration* declaration = find(text.substr(0, idEnd));
     if (declaration == nullptr) return failure("there is no query " + quoted(text.substr(0, idEnd)));
     const std::string_view segments = text.substr(idEnd);
+    // Each key value begins with "/"; one inside a value is percent-encoded.
     const auto given = static_cast<std::size_t>(std::count(segments.begin(), segments.end(), '/'));
     if (given != declaration->keys.size()) return failure(countReason(*declaration, given));
     auto keys = decodeKeys(segments);

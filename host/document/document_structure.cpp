@@ -10,6 +10,7 @@ using tessera_support::CancelToken;
 
 namespace {
 
+// Any other location, and none, counts as the center.
 LabelPlace placeOf(const variant_bag_t& label) {
     const std::string_view location = label.get_text("location");
     return location == "from" ? LabelPlace::from : location == "to" ? LabelPlace::to : LabelPlace::center;
@@ -73,9 +74,11 @@ class DocumentReader {
             Index node;
             variant_bag_t::iterator_t child;
         };
+        // A stack of its own instead of recursion: groups may nest to any depth.
         std::vector<OpenGroup> open{{addNode(top, DocumentStructure::topLevel), top.begin()}};
         while (!open.empty() && !m_token.isCancelled()) {
             OpenGroup& group = open.back();
+            // A group is entered after its members, so it replaces a member that has the same id.
             if (group.child.at_end()) {
                 replaceLast(m_out.m_nodes, m_out.m_nodeIndex, m_out.m_nodes[group.node].id, group.node);
                 open.pop_back();
@@ -93,6 +96,7 @@ class DocumentReader {
         return m_out.m_nodes.size() - 1;
     }
 
+    // Ends are looked up now: a link connects only nodes that the document declares before it.
     void readLink(const variant_bag_t& element) {
         const auto end = [&](std::string_view name) {
             return m_out.findNode(element.get_text(name)).value_or(DocumentStructure::topLevel);
@@ -112,6 +116,7 @@ class DocumentReader {
 
     void readNodeEntry(const variant_bag_t& element) {
         const std::string_view id = element.get_text("id");
+        // An entry reaches only a node that is declared before it.
         const Index node = m_out.findNode(id).value_or(none);
         m_out.m_nodeEntries.push_back({&element, id, node, readRowSets(element)});
         if (node != none)
@@ -121,6 +126,8 @@ class DocumentReader {
     void readLinkEntry(const variant_bag_t& element) {
         const std::string_view id = element.get_text("id");
         const Index link = m_out.findLink(id).value_or(none);
+        // Entries of one link share their labels: a later label replaces the earlier one at its place only.
+        // Labels of an entry that reaches no link replace just each other.
         Labels own = noLabels;
         Labels& last = link == none ? own : m_labelsOfLink.try_emplace(link, noLabels).first->second;
         const Index begin = m_out.m_labels.size();
@@ -133,6 +140,7 @@ class DocumentReader {
     }
 
     void readLabel(const variant_bag_t& label, Labels& lastLabels) {
+        // The modes of one label are next to each other in m_modes, so a range tells which they are.
         std::array<Index, displayModeNames.size()> lastModes{none, none, none};
         const Index begin = m_out.m_modes.size();
         forEachChild(label, [&](std::string_view name, const variant_bag_t& transfer) {

@@ -110,6 +110,7 @@ class DocumentStructure {
     // structure is incomplete, and the caller discards it.
     DocumentStructure(const basekit2::variant_bag_t& viewpoint, const tessera_support::CancelToken& token);
 
+    // Lists and the elements in them are valid as long as this object and its bag. The <diagram> elements:
     [[nodiscard]] const std::vector<Element>& diagrams() const noexcept { return m_diagrams; }
     // The <graph> elements of the graph sections, and those of the display sections, which name the diagram.
     [[nodiscard]] const std::vector<Element>& graphs() const noexcept { return m_graphs; }
@@ -150,7 +151,7 @@ class DocumentStructure {
     std::vector<ModeValues> m_modes;
     std::vector<RowSet> m_rowSets;
     std::vector<Row> m_rows;
-    IdIndex m_nodeIndex;
+    IdIndex m_nodeIndex;  // the last object of each id, as in the next one
     IdIndex m_linkIndex;
 };
 

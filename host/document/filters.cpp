@@ -7,10 +7,7 @@
 namespace tessera_host {
 
 std::string filterNameList() {
-    std::string text;
-    for (std::size_t i = 0; i < filterNames.size(); ++i)
-        text += (i == 0 ? "" : i + 1 == filterNames.size() ? " and " : ", ") + quoted(filterNames[i]);
-    return text;
+    return listed(filterNames, " and ", quoted);
 }
 
 void setFilter(Filters& filters, const std::string& name, Filter filter) {

@@ -22,6 +22,7 @@ std::optional<std::string> percentDecode(std::string_view text) {
             decoded.push_back(text[i]);
             continue;
         }
+        // A "%" and two hexadecimal digits of either case.
         if (text.size() - i < 3) return std::nullopt;
         unsigned char byte = 0;
         const char* end = text.data() + i + 3;

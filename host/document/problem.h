@@ -11,6 +11,7 @@
 
 namespace tessera_host {
 
+// One finding. Warnings leave the document usable as it is; errors mean that something will be missing.
 struct Problem {
     basekit2::source_position_t position;  // line 0: about the document as a whole
     std::string text;                      // one sentence without a full stop, for people
@@ -22,6 +23,7 @@ struct Problem {
 // Collects the problems of several checks, in any order. One thread at a time.
 class ProblemList {
   public:
+    // Each adds one problem; none is thrown away, also when it was found twice.
     void error(basekit2::source_position_t position, std::string text) {
         add(position, std::move(text), relay2::severity_t::error);
     }

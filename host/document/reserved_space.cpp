@@ -27,6 +27,7 @@ class SpaceReader {
         for (const auto& entry : m_structure.nodeEntries())
             if (entry.node != none && entry.replacedBy == none)
                 m_out.m_nodes.push_back({entry.id, rowsOf(entry.rowSets)});
+        // Labels of a replaced entry still count: labels are replaced one by one.
         for (const auto& entry : m_structure.linkEntries()) {
             if (entry.link == none) continue;
             for (Index label = entry.labels.begin; label < entry.labels.end; ++label)
@@ -75,11 +76,8 @@ class SpaceReader {
 
     // The first catalogue that has a text for the key decides; "" when none has.
     std::string messageOf(const std::string& key) {
-        for (const auto& catalog : m_catalogs) {
-            if (!catalog || !catalog->has_message(key)) continue;
-            std::string text = catalog->message(key).as_ustring({}).str();
-            if (!text.empty()) return text;
-        }
+        for (const auto& catalog : m_catalogs)
+            if (std::string text = optstore2::textIn(catalog, key); !text.empty()) return text;
         return {};
     }
 
@@ -95,6 +93,7 @@ ReservedSpace::ReservedSpace(Viewpoint::Pointer viewpoint, const optstore2::IMes
     SpaceReader(*this, source).read();
 }
 
+// Of the usual length for the format. All digits have one width in the drawing's font, so any digit serves.
 std::string typicalValue(const QueryDeclaration& query) {
     const auto digits = [](int count) {
         return std::string(static_cast<std::size_t>(std::max(count, 0)), '8');

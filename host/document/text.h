@@ -1,6 +1,8 @@
 // Text from documents and databases, made fit for messages and cells.
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -12,6 +14,19 @@ namespace tessera_host {
 
 // `bytes` as one line between double quotes, to name something in a message.
 [[nodiscard]] std::string quoted(std::string_view bytes);
+
+// "a, b or c" for " or " as `last`: what `show` makes of each entry of a list, in its order.
+template <class List, class Show = std::identity>
+[[nodiscard]] std::string listed(const List& list, std::string_view last, Show show = {}) {
+    std::string text;
+    std::size_t left = list.size();
+    for (const auto& entry : list) {
+        if (!text.empty()) text += left == 1 ? last : ", ";
+        text += show(entry);
+        --left;
+    }
+    return text;
+}
 
 // True when there is nothing but spaces, tabs and line ends.
 [[nodiscard]] bool isBlank(std::string_view text);

@@ -12,7 +12,7 @@ namespace {
 // Sorting rows into groups takes about as long as a dozen looks at all of them, so fewer references than
 // this are not worth it; nor is work of a few milliseconds.
 constexpr std::uint64_t minReferences = 16;
-constexpr std::uint64_t minWork = 100'000;
+constexpr std::uint64_t minWork = 100'000;  // of Answer::work
 
 bool isCancelled(const CellText& text) {
     return !text && text.error().isCancelled();
@@ -32,6 +32,7 @@ const CellText& DeclaredQuery::value(const ReferenceQuery& reference, const RunP
         if (grouped != m_values.end()) return grouped->second;
     }
     CellText text = queryOne(reference, place);
+    // Not remembered as the value: the next request tries again.
     if (isCancelled(text)) return m_cancelled.emplace(std::move(text));
     return m_values.emplace(reference.keyText(), std::move(text)).first->second;
 }
@@ -52,6 +53,7 @@ bool DeclaredQuery::isWorthGrouping(const ReferenceQuery& reference, std::uint64
     if (m_isGroupingTried || m_query.keys.empty() || m_singleRuns == 0) return false;
     const std::uint64_t known = reference.siblings().size();
     const std::uint64_t remaining = known - std::min<std::uint64_t>(known, m_values.size());
+    // What the remaining references cost one by one, at the mean of those so far. Also grouping's limit.
     cost = remaining * (m_singleWork / m_singleRuns);
     return remaining >= minReferences && cost >= minWork;
 }

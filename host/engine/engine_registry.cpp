@@ -8,6 +8,7 @@
 namespace tessera_host {
 namespace {
 
+// ASCII only: the choice must not depend on the locale.
 char toSmall(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
@@ -42,6 +43,7 @@ std::string EngineRegistry::descriptions() const {
     return text;
 }
 
+// The first that applies decides: the engine's name, the scheme, the contents, the file's ending, the order.
 Expected<const Engine*> EngineRegistry::choose(const std::string& address, const OpenOptions& options) const {
     const auto firstThat = [this](const auto& isRight) -> const Engine* {
         const auto found = std::find_if(m_engines.begin(), m_engines.end(), isRight);
@@ -80,6 +82,7 @@ Expected<std::shared_ptr<IResult>> EngineRegistry::open(const std::string& addre
     if (!engine) return std::move(engine).error();
     auto result = (*engine)->open(address, options, cancel);
     if (result || result.error().isCancelled()) return result;
+    // Whatever went wrong, to the user the result could not be opened.
     return Error{ErrorKind::cannotOpen, result.error().text};
 }
 

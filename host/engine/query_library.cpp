@@ -14,6 +14,7 @@ using qlib_1::IQuery;
 
 constexpr const char* rootGroupingName = "RootGrouping";
 
+// The grouping that makes a single row of all values; no other is supported.
 class RootGrouping final : public basekit2::ref_counted_t<IQuery> {
   public:
     sptr_t<basekit2::IObject> queryInterface(basekit2::type_id_t id) override {
@@ -43,6 +44,7 @@ sptr_t<basekit2::IObject> QueryLibrary::queryInterface(basekit2::type_id_t id) {
 }
 
 Expected<sptr_t<IQuery>> QueryLibrary::find(std::string_view text) {
+    // Equal references are one object, so that each is parsed once. The keys view the objects' identifiers.
     if (text.starts_with('/'))
         if (const auto it = m_references.find(text.substr(1)); it != m_references.end()) return it->second;
     auto reference = m_pool->declarations->parseReference(text);
@@ -60,6 +62,7 @@ sptr_t<IQuery> QueryLibrary::buildQuery(const basekit2::variant_bag_t& definitio
         if (child.get_name() != "queryRef") continue;
         const std::string_view text = child.get_value().get_text("");
         if (text.empty()) continue;
+        // One wrong reference leaves the whole row set without values; only the first is reported.
         auto member = find(text);
         if (!member) {
             tellWrong(messenger, child.get_value(), member.error().text);
@@ -73,11 +76,13 @@ sptr_t<IQuery> QueryLibrary::buildQuery(const basekit2::variant_bag_t& definitio
 sptr_t<IQuery> QueryLibrary::getQuery(const std::string& name) {
     if (name == rootGroupingName) return m_rootGrouping;
     const QueryDeclaration* declaration = m_pool->declarations->find(name);
+    // A name alone gives no key values.
     if (declaration == nullptr || !declaration->keys.empty()) return nullptr;
     auto query = find("/" + name);
     return query ? *std::move(query) : nullptr;
 }
 
+// A query of the document may be called "RootGrouping", too, so the name alone does not decide.
 bool isRootGrouping(const sptr_t<IQuery>& query) {
     if (query.is_null() || query->getIdentifier() != rootGroupingName) return false;
     return basekit2::object_registry_t::process().query<ReferenceQuery>(query).is_null();

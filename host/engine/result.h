@@ -38,19 +38,19 @@ struct RunOptions {
 // A value, unformatted, and what it cost.
 struct Answer {
     CellValue value;
-    // How much the engine had to do, in units of about 30 ns: what a step of SQLite's machine takes. It is
-    // compared with other figures of the same engine only, to choose between plans. 0 when it is not known.
+    // How much the engine had to do, as it counts it, in units of about 30 ns: compared with other figures of
+    // the same engine, and with what is worth planning for. 0 when it is not known.
     std::uint64_t work = 0;
 };
 
 // How an engine would answer questions: one statement.
 struct StatementPlan {
     enum class Method {
-        lookUp,    // one run of the statement for each choice of key values
+        oneByOne,  // one run of the statement for each choice of key values
         together,  // one run for all of them
     };
 
-    Method method = Method::lookUp;
+    Method method = Method::oneByOne;
     std::size_t questions = 0;      // how many of the questions it answers
     std::string sql;                // as it is sent to the database
     std::vector<std::string> plan;  // the database's own description, a line each

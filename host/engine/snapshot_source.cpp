@@ -6,6 +6,7 @@ void SnapshotSource::begin(const RunOptions& options) {
     ++m_uses;
     if (m_snapshot || m_error) return;
     ++m_number;
+    // An error is kept like a snapshot: all uses until the end of a hold fail for the same reason.
     auto snapshot = m_result->begin(options);
     if (snapshot)
         m_snapshot = *std::move(snapshot);
@@ -23,6 +24,7 @@ void SnapshotSource::endHold() {
     endUnlessNeeded();
 }
 
+// A hold keeps the snapshot between uses, so that all of them see one state.
 void SnapshotSource::endUnlessNeeded() {
     if (m_uses > 0 || m_holds > 0) return;
     m_snapshot.reset();

@@ -28,17 +28,18 @@ class SnapshotSource {
     friend class SnapshotUse;
     friend class SnapshotHold;
 
+    // Called by uses and holds as they are made and destroyed.
     void begin(const RunOptions& options);
     void endUse();
     void endHold();
-    void endUnlessNeeded();
+    void endUnlessNeeded();  // ends the snapshot with the last of them
 
     const std::shared_ptr<IResult> m_result;
-    std::unique_ptr<ISnapshot> m_snapshot;
-    std::optional<Error> m_error;  // why the present snapshot could not be begun
+    std::unique_ptr<ISnapshot> m_snapshot;  // null while none is needed, or when it could not be begun
+    std::optional<Error> m_error;           // why the present snapshot could not be begun
     std::uint64_t m_number = 0;
-    int m_uses = 0;
-    int m_holds = 0;
+    int m_uses = 0;   // that are alive
+    int m_holds = 0;  // that are alive
 };
 
 // While it lives, all questions see the database as it was when the first use was made. A use within another

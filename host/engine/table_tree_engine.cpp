@@ -17,6 +17,7 @@ namespace {
 using basekit2::error_code_t;
 using basekit2::sptr_t;
 
+// `line` is the caller's: it is a part of the error's origin.
 error_code_t raise(const bk2::error::entry_t& error, const std::string& text, int line) {
     return error_code_t::raise(error(_U(text)), "run", "host/engine/table_tree_engine", line);
 }
@@ -52,6 +53,7 @@ class TableTreeEngine final : public basekit2::ref_counted_t<slicekit_1_0::ITabl
     const std::shared_ptr<SnapshotSource> m_source;
     const sptr_t<FilterRegistry> m_filters;
     relay2::IMessenger* const m_messenger;
+    // They hold for each statement of a request, not for the request as a whole.
     const QueryLimits m_limits;
     QueryRunner m_runner;
     std::uint64_t m_reportedSnapshot = 0;
@@ -64,6 +66,7 @@ error_code_t TableTreeEngine::run(const slicekit_1_0::table_tree_request_t& requ
     if (const auto accepted = accept(request); !accepted) return fail(accepted.error().text, {}, true);
 
     const RunOptions options{tokenOf(progress), m_limits};
+    // All columns are read from one snapshot, so they fit together.
     const SnapshotUse use(*m_source, options);
     if (const auto state = use.state(); !state) return failSnapshot(state.error());
     std::vector<std::string> cells;
@@ -90,6 +93,7 @@ Expected<void> TableTreeEngine::accept(const slicekit_1_0::table_tree_request_t&
     return {};
 }
 
+// Stops at the first column that fails: a table is complete or is not made.
 error_code_t TableTreeEngine::fillCells(const slicekit_1_0::table_tree_request_t& request,
                                         const RunPlace& place, std::vector<std::string>& cells) {
     for (std::size_t i = 0; i < request.columns->size(); ++i) {
@@ -106,6 +110,7 @@ error_code_t TableTreeEngine::fillCells(const slicekit_1_0::table_tree_request_t
     return {};
 }
 
+// A cancelled request is not a mistake of the document, so no message is posted for it.
 error_code_t TableTreeEngine::failQuery(const QueryDeclaration& declaration, DeclaredQuery& query,
                                         const Error& error) {
     if (error.isCancelled()) return raise(bk2::error::Cancelled, error.text, __LINE__);
@@ -115,10 +120,12 @@ error_code_t TableTreeEngine::failQuery(const QueryDeclaration& declaration, Dec
 
 error_code_t TableTreeEngine::failSnapshot(const Error& error) {
     if (error.isCancelled()) return raise(bk2::error::Cancelled, error.text, __LINE__);
+    // One message per snapshot: every table of a request fails for the same reason.
     const bool isNew = std::exchange(m_reportedSnapshot, m_source->number()) != m_source->number();
     return fail(error.text, {}, isNew);
 }
 
+// Posts the text if it is new; the error is returned to the caller each time.
 error_code_t TableTreeEngine::fail(const std::string& text, basekit2::source_position_t position,
                                    bool isNew) {
     if (isNew && m_messenger) m_messenger->post(relay2::severity_t::error, text, position);

@@ -12,6 +12,7 @@ class TokenProgress : public relay2::IProgress {
   public:
     explicit TokenProgress(tessera_support::CancelToken token) : m_token(std::move(token)) {}
 
+    // Called by the library between steps, and by engines.
     [[nodiscard]] bool isCancelled() const override { return m_token.isCancelled(); }
     // The token itself, for work that looks at it by itself, such as a running SQL statement.
     [[nodiscard]] const tessera_support::CancelToken& token() const noexcept { return m_token; }

@@ -32,6 +32,7 @@ class Row final : public basekit2::ref_counted_t<qlib_1::ITableRow> {
     const std::vector<std::string> m_cells;
 };
 
+// A single row without groups; cells and columns have the same indices.
 class TotalTree final : public basekit2::ref_counted_t<qlib_1::ITableTree> {
   public:
     TotalTree(sptr_t<qlib_1::IVectorQuery> columns, std::vector<std::string> cells)

@@ -36,6 +36,7 @@ void checkRows(const DocumentStructure& structure, DocumentStructure::Range rows
     }
 }
 
+// Of queries with equal ids the last counts, so each earlier one is reported at the one that follows it.
 void checkQueries(const Declarations& declarations, ProblemList& problems, const CancelToken& token) {
     Positions seen;
     for (const QueryDeclaration& query : declarations.queries()) {
@@ -48,6 +49,7 @@ void checkQueries(const Declarations& declarations, ProblemList& problems, const
     }
 }
 
+// Of filters with equal names the last is applied.
 void checkFilter(const variant_bag_t& element, Positions& seen, ProblemList& problems) {
     const std::string_view name = element.get_text("name");
     if (name.empty()) return;  // reported with the declarations

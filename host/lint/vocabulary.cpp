@@ -17,6 +17,7 @@ using tessera_support::CancelToken;
 
 struct ElementRule;
 
+// A name that a child element may have, and the rule for it.
 struct ChildRule {
     std::string_view name;
     const ElementRule* element;
@@ -29,6 +30,7 @@ struct ElementRule {
     bool hasText = false;
 };
 
+// The values of an attribute that mean something; where they are fewer than four, the last is repeated.
 struct ValueRule {
     std::string_view attribute;
     std::string_view what;
@@ -66,6 +68,7 @@ constexpr ElementRule display{"<display>", {}, displayChildren};
 constexpr std::array idAttributes{"id"sv};
 constexpr std::array linkAttributes{"id"sv, "from"sv, "to"sv, "direction"sv};
 constexpr ElementRule link{"<link>", linkAttributes, {}};
+// Declared before its children, which refer to it.
 extern const ElementRule node;
 constexpr std::array nodeChildren{ChildRule{"node", &node}};
 constexpr ElementRule node{"<node>", idAttributes, nodeChildren};
@@ -85,6 +88,7 @@ constexpr std::array rootChildren{ChildRule{"queries", &queries}, ChildRule{"fil
                                   ChildRule{"diagram", &diagram}};
 constexpr ElementRule root{"the document", {}, rootChildren};
 
+// Found by the address of the rule, so <link> and the display <link> are kept apart.
 constexpr std::array valueRules{
     std::pair{&link,
               ValueRule{"direction", "is kept but means nothing", {"forward", "back", "both", "none"}}},
@@ -117,6 +121,7 @@ void checkValues(const variant_bag_t& bag, const ElementRule& rule, ProblemList&
         const basekit2::variant_t* value = bag.get(values.attribute);
         if (value == nullptr) continue;
         const auto text = value->get<std::string_view>();
+        // An empty value counts as not given.
         if (text.empty() ||
             std::find(values.values.begin(), values.values.end(), text) != values.values.end())
             continue;
@@ -129,6 +134,7 @@ void checkAttributes(const variant_bag_t& bag, const ElementRule& rule, ProblemL
                      const CancelToken& token) {
     for (auto value = bag.begin_values(); !value.at_end() && !token.isCancelled(); value.next()) {
         const std::string name(value.get_name());
+        // The value without a name is the element's text.
         if (name.empty()) {
             if (!rule.hasText)
                 problems.warning(bag.position(), "the text of " + std::string(rule.what) + " is not read");
@@ -161,6 +167,7 @@ void checkVocabulary(const variant_bag_t& viewpoint, ProblemList& problems, cons
         const variant_bag_t* bag;
         const ElementRule* rule;
     };
+    // A stack of its own instead of recursion: documents may nest to any depth.
     std::vector<Open> open{{&viewpoint, &root}};
     while (!open.empty()) {
         const Open element = open.back();
@@ -169,6 +176,7 @@ void checkVocabulary(const variant_bag_t& viewpoint, ProblemList& problems, cons
         for (auto child = element.bag->begin(); !child.at_end(); child.next()) {
             if (token.isCancelled()) return;
             const auto& children = element.rule->children;
+            // Rules have few children, so a search from the first costs less than a map.
             const auto it = std::find_if(children.begin(), children.end(), [&](const ChildRule& rule) {
                 return rule.name == child.get_name();
             });

@@ -113,10 +113,11 @@ Pane::~Pane() = default;
 error_code_t Pane::request(const std::string& name, const variant_bag_t& in, variant_bag_t& out,
                            const RequestOptions& options) {
     std::unique_lock lock(m_requestMutex, std::defer_lock);
-    while (!lock.try_lock_for(waitStep))
+    do {
         if (options.cancel.isCancelled())
-            return error_code_t::raise(bk2::error::Cancelled(_U("Cancelled while another request ran")),
+            return error_code_t::raise(bk2::error::Cancelled(_U("Cancelled before the request began")),
                                        __func__, "host/pane/pane", __LINE__);
+    } while (!lock.try_lock_for(waitStep));
     applyFilters();
     const Messages::Target target(*m_messages, options.messages);
     const SnapshotHold hold(*m_source);

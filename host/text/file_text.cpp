@@ -15,6 +15,7 @@ namespace {
 using tessera_support::CancelToken;
 
 constexpr std::size_t smallestPiece = std::size_t{64} * 1024;
+// The longest time until a cancelled wait ends.
 constexpr int pollMilliseconds = 50;
 
 class Descriptor {
@@ -79,6 +80,7 @@ Expected<std::string> readFileText(const std::string& path, const CancelToken& t
     std::string text(std::max(expected + 1, smallestPiece), '\0');  // one byte more, to meet the end
     while (waitForInput(file.get(), token)) {
         if (used > maxFileText) return tooLong();
+        // Doubled, so that the copies of a long pipe cost time proportional to its length.
         if (used == text.size()) text.resize(2 * text.size());
         const ssize_t count = ::read(file.get(), text.data() + used, text.size() - used);
         if (count > 0) {

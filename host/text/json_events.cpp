@@ -22,6 +22,7 @@ std::size_t JsonEvents::errorOffset() const noexcept {
     return at == std::string_view::npos ? m_text.size() : at;
 }
 
+// Bags hold arrays of objects only: a value in an array would have no name.
 bool JsonEvents::acceptsValue() {
     if (m_levels.empty()) return fail("the outermost value must be an object");
     if (m_levels.back().isInArray) return fail("an array may hold objects only");
@@ -81,6 +82,7 @@ bool JsonEvents::String(const char* text, rapidjson::SizeType size, bool) {
 
 bool JsonEvents::RawNumber(const char* digits, rapidjson::SizeType size, bool) {
     if (!acceptsValue()) return false;
+    // Bags have no type for real numbers.
     if (std::string_view(digits, size).find_first_of(".eE") != std::string_view::npos)
         return fail("a number must be an integer, without fraction and exponent");
     std::int64_t number = 0;

@@ -60,12 +60,14 @@ Expected<variant_bag_t> readJson(std::string_view text) {
     if (const std::size_t nul = text.find('\0'); nul != std::string_view::npos)
         return errorAt(text, nul, "a NUL character must be written as an escape");
 
+    // A byte order mark is skipped, but counts in positions of errors.
     const std::size_t start = text.starts_with("\xEF\xBB\xBF") ? 3 : 0;
     const std::string_view json = text.substr(start);
     rapidjson::MemoryStream stream(json.data(), json.size());
     variant_bag_t root;
     JsonEvents events(json, stream, root);
     rapidjson::Reader reader;
+    // Iterative, because texts may nest to any depth; numbers as strings, so that 64 bits stay exact.
     const rapidjson::ParseResult result =
         reader.Parse<rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag>(stream, events);
 

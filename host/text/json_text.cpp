@@ -16,6 +16,7 @@ using tessera_support::bytesEqual;
 using tessera_support::loadWord;
 using tessera_support::word_t;
 
+// JSON requires an escape for exactly the others.
 constexpr bool isPlain(unsigned char c) {
     return c >= 0x20 && c != '"' && c != '\\';
 }
@@ -23,6 +24,7 @@ constexpr bool isPlain(unsigned char c) {
 // How many bytes at the beginning can be written as they are.
 std::size_t plainPrefix(std::string_view text) noexcept {
     std::size_t at = 0;
+    // Eight bytes at a time, since most texts need no escape.
     for (; text.size() - at >= sizeof(word_t); at += sizeof(word_t)) {
         const word_t word = loadWord(text.data() + at);
         if ((bytesBelow(word, 0x20) | bytesEqual(word, '"') | bytesEqual(word, '\\')) != 0) break;
@@ -48,6 +50,7 @@ void JsonText::open(char bracket) {
 
 void JsonText::close(char bracket) {
     --m_depth;
+    // An empty object or array keeps its brackets on one line.
     if (m_isIndented && !m_isFirst) beginLine(m_sink, m_depth);
     m_sink.put(bracket);
     m_isFirst = false;
@@ -61,6 +64,7 @@ void JsonText::key(std::string_view name) {
 
 void JsonText::string(std::string_view text) {
     std::string repaired;
+    // Texts are copied only where they need repair.
     if (!tessera_support::isValidUtf8(text)) text = repaired = tessera_support::repairUtf8(text);
 
     m_sink.put('"');
@@ -100,6 +104,7 @@ void JsonText::escape(char c) {
         default:
             break;
     }
+    // Only control characters arrive here; all are below 0x20, so two digits are enough.
     constexpr std::string_view digits = "0123456789abcdef";
     const auto code = static_cast<unsigned char>(c);
     m_sink.write("\\u00");

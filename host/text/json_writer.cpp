@@ -48,6 +48,7 @@ bool isCalled(std::string_view name, const variant_t* arrayOf) {
 
 void BagWriter::write(const variant_bag_t& root) {
     openObject(root);
+    // m_levels instead of recursion: bags may nest to any depth.
     while (!m_levels.empty() && m_sink.good()) {
         if (m_levels.back().next == m_levels.back().end)
             closeObject();
@@ -84,6 +85,7 @@ void BagWriter::writeNextChild() {
     Level& level = m_levels.back();
     const std::size_t at = level.next++;
     const NamedBag child = m_children[at];
+    // The first child of its name. Several of one name are an array, as is a single one that arrayOf names.
     if (at == level.begin || m_children[at - 1].name != child.name) {
         if (level.isInArray) m_text.close(']');
         m_text.key(child.name);

@@ -22,6 +22,7 @@ void TextPosition::rewind() noexcept {
 }
 
 basekit2::source_position_t TextPosition::at(std::size_t offset) noexcept {
+    // Ascending offsets pass through the text once; a smaller one starts again.
     if (offset < m_offset) rewind();
     if (offset > m_offset) advance(offset);
     return m_position;
@@ -39,6 +40,7 @@ bool TextPosition::advanceByWord(std::size_t end) noexcept {
     if ((highBytes(word) | bytesEqual(word, '\r')) != 0) return false;
 
     const std::size_t count = std::min(end - m_offset, sizeof(word_t));
+    // The bytes up to `end`; the first byte is the lowest one of the word.
     const word_t counted = ~word_t{0} >> (64 - 8 * count);
     const word_t lineEnds = bytesEqual(word, '\n') & counted;
     if (lineEnds == 0) {

@@ -20,7 +20,8 @@ class TextSink {
     TextSink& operator=(const TextSink&) = delete;
     virtual ~TextSink() = default;
 
-    // These two return good(). They take any bytes; writers of text pass UTF-8.
+    // These two return good(). They take any bytes; writers of text pass UTF-8. Most calls only copy into the
+    // block; one that fills it waits for the target.
     bool put(char c) {
         if (m_used == blockSize) flush();
         m_block[m_used++] = c;
@@ -37,7 +38,7 @@ class TextSink {
     // Passes on everything written so far; returns good(). The caller of a writer calls it once, at the end.
     bool flush();
 
-    // False once something could not be passed on.
+    // False once something could not be passed on. What was passed on before stays where it is.
     [[nodiscard]] bool good() const noexcept { return m_good; }
 
   protected:
@@ -74,7 +75,8 @@ class FileSink final : public TextSink {
     // fails with EINTR); -1 for none.
     explicit FileSink(int descriptor, int wake = -1) : m_descriptor(descriptor), m_wake(wake) {}
 
-    // The errno of the write that failed, 0 when none has.
+    // The errno of the write that failed, 0 when none has: for the message of the caller, who knows the name
+    // of the file.
     [[nodiscard]] int error() const noexcept { return m_error; }
 
   protected:
@@ -83,7 +85,7 @@ class FileSink final : public TextSink {
   private:
     [[nodiscard]] bool isWoken() const;
 
-    int m_descriptor;
+    int m_descriptor;  // not owned, as the next one
     int m_wake;
     int m_error = 0;
 };

@@ -33,6 +33,7 @@ std::string mismatchedTag(const XmlStop& stop) {
     return tag + " does not match " + openElement(stop);
 }
 
+// The parser has one code for all of these; the document's bytes tell which mistake it is.
 std::string unexpectedCharacter(const XmlStop& stop) {
     const std::string_view rest = stop.document.substr(stop.offset);
     if (!stop.isUtf8 || rest.empty()) return "this is not well-formed XML";

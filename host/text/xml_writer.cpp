@@ -47,6 +47,7 @@ class ElementWriter {
 // The element's own text, or null.
 const variant_t* ownText(const variant_bag_t& bag) {
     const variant_t* text = bag.get("");
+    // An empty text counts as none, so that the element can be written as "<name/>".
     const bool isNothing = !text || text->type() == variant_t::type_t::none ||
                            (text->can_get<std::string_view>() && text->get<std::string_view>().empty());
     return isNothing ? nullptr : text;
@@ -56,6 +57,7 @@ Expected<void> ElementWriter::write(const variant_bag_t& root, std::string_view 
     m_sink.write(R"(<?xml version="1.0" encoding="UTF-8"?>)");
     beginLine(m_sink, m_levels.size());
     openElement(rootName, root);
+    // m_levels instead of recursion: bags may nest to any depth.
     while (!m_levels.empty() && !m_error && m_sink.good()) {
         Level& level = m_levels.back();
         if (level.next.at_end()) {
@@ -80,6 +82,7 @@ void ElementWriter::openElement(std::string_view name, const variant_bag_t& bag)
     if (!writeAttributes(bag)) return;
 
     const variant_t* text = ownText(bag);
+    // Closed at once; the element needs no level.
     if (!text && bag.begin().at_end()) {
         m_sink.write("/>");
         return;
@@ -102,6 +105,7 @@ void ElementWriter::closeElement() {
 bool ElementWriter::writeAttributes(const variant_bag_t& bag) {
     for (auto it = bag.begin_values(); !it.at_end(); it.next()) {
         const std::string_view name = it.get_name();
+        // The value without a name is the element's text, not an attribute.
         if (name.empty()) continue;
         if (!checkName(name, "attribute")) return false;
         m_sink.put(' ');
@@ -134,6 +138,7 @@ void ElementWriter::writeValue(const variant_t& value, XmlPlace place) {
     }
 }
 
+// Names of bags may be any text, those of XML may not. The error ends write().
 bool ElementWriter::checkName(std::string_view name, const char* what) {
     if (m_names.isName(name)) return true;
     m_error = Error{ErrorKind::failed,

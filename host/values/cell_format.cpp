@@ -26,6 +26,7 @@ constexpr std::array<FormatName, 6> formatNames{{{"plain", Kind::plain, 0},
                                                  {"binary", Kind::binary, 3},
                                                  {"percent", Kind::percent, 1},
                                                  {"duration", Kind::duration, 3}}};
+// 17 significant digits tell any two doubles apart; more would be noise.
 constexpr int maxDigits = 17;
 
 using Prefixes = std::array<std::string_view, 6>;
@@ -57,6 +58,7 @@ bool isWithinReach(const Decimal& decimal) {
 std::string siText(const Number& number, int digits, std::string_view unit) {
     const Decimal rounded = roundToSignificant(number, digits);
     if (!isWithinReach(rounded)) return withSuffix(scientificText(rounded), unit);
+    // Numbers below 1 stay without prefix: there are none for milli and smaller.
     const int power = rounded.exponent < 0 ? 0 : rounded.exponent / 3;
     const std::size_t index = std::min(static_cast<std::size_t>(power), lastPrefix);
     return withPrefixedUnit(positionalText(rounded, 3 * static_cast<int>(index)), siPrefixes[index], unit);
@@ -74,6 +76,7 @@ std::string binaryText(const Number& number, int digits, std::string_view unit) 
     double scaled = std::visit([](auto value) { return static_cast<double>(value); }, number);
     std::size_t index = 0;
     for (; index < lastPrefix && (std::abs(scaled) >= 1024 || reachesNextBinaryPrefix(rounded)); ++index) {
+        // Exact, because 1024 is a power of two.
         scaled /= 1024;
         if (std::abs(scaled) < 1)
             scaled = std::copysign(1.0, scaled);  // it was rounded up to the next prefix
@@ -97,6 +100,7 @@ std::string percentText(const Number& number, int places) {
 
 std::string plainText(double value) {
     std::array<char, 64> buffer{};
+    // Also for -0.0, whose sign means nothing to a reader.
     if (value == 0) return "0";
     const char* end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
     return {buffer.data(), static_cast<std::size_t>(end - buffer.data())};
@@ -132,6 +136,7 @@ std::string formatNumber(const Number& number, const CellFormat& format, std::st
     return {};
 }
 
+// Databases keep numbers as text, too. Other texts have a unit in the plain format only.
 std::string formatText(const std::string& text, const CellFormat& format, std::string_view unit) {
     if (text.empty()) return {};
     if (format.kind == Kind::plain) return withSuffix(text, unit);
@@ -152,12 +157,14 @@ std::optional<CellFormat> CellFormat::parse(std::string_view text) {
         const auto [end, error] = std::from_chars(count.data(), count.data() + count.size(), digits);
         const bool isWhole = error == std::errc() && end == count.data() + count.size();
         if (!isWhole || format.kind == Kind::plain || count.size() > 2) return std::nullopt;
+        // std::from_chars reads "-0" as 0, but a count has no sign.
         if (digits < 0 || digits > maxDigits || count.front() == '-') return std::nullopt;
         return CellFormat{format.kind, digits};
     }
     return std::nullopt;
 }
 
+// A NULL is an empty cell. Numbers are repaired, too, since their unit may be any bytes.
 std::string formatCell(const CellValue& value, const CellFormat& format, std::string_view unit) {
     if (const auto* integer = std::get_if<std::int64_t>(&value))
         return tessera_support::repairUtf8(formatNumber(*integer, format, unit));

@@ -41,12 +41,14 @@ bool increment(std::string& digits) {
     return true;
 }
 
+// Half to even, as std::to_chars rounds reals. REQUIRES: neither text is empty.
 bool roundsUp(std::string_view kept, std::string_view dropped) {
     if (dropped.front() != '5') return dropped.front() > '5';
     if (dropped.find_first_not_of('0', 1) != std::string_view::npos) return true;
     return (kept.back() - '0') % 2 == 1;
 }
 
+// On decimal digits: a double would lose digits of integers beyond 2^53.
 Decimal roundInteger(std::int64_t value, std::size_t count) {
     Decimal result{value < 0, integerDigits(magnitude(value)), 0};
     result.exponent = static_cast<int>(result.digits.size()) - 1;
@@ -56,6 +58,7 @@ Decimal roundInteger(std::int64_t value, std::size_t count) {
     }
     const std::string dropped = result.digits.substr(count);
     result.digits.resize(count);
+    // As when 999 becomes 1000: the last zero is one digit too many.
     if (roundsUp(result.digits, dropped) && increment(result.digits)) {
         result.digits.pop_back();
         ++result.exponent;
@@ -108,6 +111,7 @@ std::string scientificText(const Decimal& decimal) {
     if (text.size() > 1) text.insert(1, 1, '.');
     const std::string exponent = integerDigits(magnitude(decimal.exponent));
     text += decimal.exponent < 0 ? "e-" : "e+";
+    // At least two digits, as printf writes exponents.
     if (exponent.size() < 2) text += '0';
     return signOf(decimal) + text + exponent;
 }
@@ -123,6 +127,7 @@ std::string fixedText(const Number& number, int places) {
                                     std::chars_format::fixed, places)
                           .ptr;
     std::string text(buffer.data(), sizeOf(buffer, end));
+    // A small negative number may be rounded to "-0.00".
     const bool isZero = text.find_first_of("123456789") == std::string::npos;
     if (isZero && text.front() == '-') text.erase(0, 1);
     return text;

@@ -46,6 +46,7 @@ bool isNumeric(std::string_view text) noexcept {
 
 std::optional<Number> readNumber(std::string_view text) noexcept {
     if (!isNumeric(text)) return std::nullopt;
+    // std::from_chars accepts "-" only. Integers that do not fit into 64 bits become real numbers.
     if (text.front() == '+') text.remove_prefix(1);
     if (const auto integer = readWhole<std::int64_t>(text)) return *integer;
     if (const auto real = readWhole<double>(text)) return *real;
@@ -56,6 +57,7 @@ bool isCanonicalInteger(std::string_view text) noexcept {
     std::string_view digits = text;
     const bool isNegative = takeOneOf(digits, "-");
     if (digits.empty() || digits.front() == '+' || digits.front() == '-') return false;
+    // "05" and "-0" have the values of other texts.
     if (digits.front() == '0' && (digits.size() > 1 || isNegative)) return false;
     return readWhole<std::int64_t>(text).has_value();
 }

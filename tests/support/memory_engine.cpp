@@ -70,7 +70,7 @@ class Snapshot final : public ISnapshot {
     Expected<std::vector<StatementPlan>> explain(std::span<const Question> questions,
                                                  const RunOptions& /*options*/) override {
         const Selection& selection = *questions.front().selection;
-        return std::vector<StatementPlan>{{StatementPlan::Method::lookUp,
+        return std::vector<StatementPlan>{{StatementPlan::Method::oneByOne,
                                            questions.size(),
                                            selection.expression,
                                            {"scan " + selection.from}}};

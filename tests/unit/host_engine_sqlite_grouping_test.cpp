@@ -291,14 +291,14 @@ TEST_F(SqliteGrouping, ThePlanOfManyQuestionsNamesBothStatements) {
     const auto plans = snapshot.snapshot().explain(questions, {});
     ASSERT_TRUE(plans) << plans.error().text;
     ASSERT_EQ(plans->size(), 3U);
-    EXPECT_EQ((*plans)[0].method, StatementPlan::Method::lookUp);
+    EXPECT_EQ((*plans)[0].method, StatementPlan::Method::oneByOne);
     EXPECT_EQ((*plans)[0].questions, 2U);
     EXPECT_EQ((*plans)[0].sql.find("GROUP BY"), std::string::npos);
     ASSERT_EQ((*plans)[0].plan.size(), 1U);
     EXPECT_NE((*plans)[0].plan[0].find("SEARCH t USING INDEX by_k"), std::string::npos);
     EXPECT_EQ((*plans)[1].method, StatementPlan::Method::together);
     EXPECT_NE((*plans)[1].sql.find("GROUP BY \"k\""), std::string::npos);
-    EXPECT_EQ((*plans)[2].method, StatementPlan::Method::lookUp);
+    EXPECT_EQ((*plans)[2].method, StatementPlan::Method::oneByOne);
     EXPECT_EQ((*plans)[2].questions, 1U);
     EXPECT_EQ((*plans)[2].plan, std::vector<std::string>{"SCAN t USING COVERING INDEX by_k"});
     const std::vector<Question> wrong{{&bad, &none}};

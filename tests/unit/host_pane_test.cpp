@@ -161,6 +161,17 @@ TEST_F(PaneTest, ARequestIsCancelledByItsToken) {
     EXPECT_TRUE(pane.request("create", {}, out, {before.token(), nullptr}).is(bk2::error::Cancelled));
 }
 
+TEST_F(PaneTest, ARequestThatIsCancelledBeforeItBeginsHasDoneNothing) {
+    Pane pane(read(), store, {});
+    CancelSource source;
+    source.cancel();
+    variant_bag_t out;
+    EXPECT_TRUE(pane.request("create", {}, out, {source.token(), nullptr}).is(bk2::error::Cancelled));
+    EXPECT_TRUE(out.is_empty());
+    EXPECT_EQ(store->snapshots, 0);
+    EXPECT_TRUE(has(valuesAfter(pane, "create"), "4001"));
+}
+
 // The first request runs until the test cancels it, so only its own token can end the second one.
 TEST_F(PaneTest, ARequestThatWaitsForAnotherIsCancelledByItsToken) {
     using namespace std::chrono_literals;

@@ -7,6 +7,7 @@
 namespace tessera_host {
 namespace {
 
+// SQLite passes null for an argument that the action does not have.
 std::string_view viewOf(const char* text) {
     return text ? std::string_view(text) : std::string_view();
 }
@@ -103,6 +104,7 @@ int Authorizer::decideRead(std::string_view table, std::string_view database) {
 }
 
 int Authorizer::refuse(std::string text) {
+    // The first refusal is the cause; later ones follow from it.
     if (m_refusal.empty()) m_refusal = std::move(text);
     return SQLITE_DENY;
 }

@@ -69,6 +69,7 @@ void instr(sqlite3_context* context, int, sqlite3_value** arguments) {
     sqlite3_result_int64(context, static_cast<sqlite3_int64>(at) - inside + 1);
 }
 
+// The size is checked after each replacement, so the result stays within a few times SQLite's limit.
 void replace(sqlite3_context* context, int, sqlite3_value** arguments) {
     if (isNull(arguments[0]) || isNull(arguments[1])) return;
     const std::string_view text = textOf(arguments[0]);
@@ -97,6 +98,7 @@ class CharacterSet {
             if (static_cast<unsigned char>(characters.front()) >= 0xC0)
                 while (size < characters.size() && isContinuation(characters[size]))
                     ++size;
+            // A set, so that the time grows with the sum of both lengths and not with their product.
             if (size <= maxCharacterBytes) m_characters.insert(characters.substr(0, size));
             characters.remove_prefix(size);
         }
@@ -133,6 +135,7 @@ void countStep(sqlite3_context* context, int, sqlite3_value**) {
     if (count != nullptr) ++*count;
 }
 
+// For window frames, which rows leave again.
 void countInverse(sqlite3_context* context, int, sqlite3_value**) {
     auto* count = static_cast<sqlite3_int64*>(sqlite3_aggregate_context(context, sizeof(sqlite3_int64)));
     if (count != nullptr) --*count;

@@ -34,6 +34,7 @@ std::string systemText(int error) {
 std::optional<FileState> fileStateOf(const std::string& path) {
     struct stat status {};
     if (stat(path.c_str(), &status) != 0) return std::nullopt;
+    // In nanoseconds since 1970; enough for 64 bits until 2262.
     const std::int64_t modified =
         std::int64_t{status.st_mtim.tv_sec} * 1'000'000'000 + status.st_mtim.tv_nsec;
     return FileState{status.st_dev, status.st_ino, status.st_size, modified};
@@ -42,6 +43,8 @@ std::optional<FileState> fileStateOf(const std::string& path) {
 bool hasSqliteHeader(const std::string& path) {
     using namespace std::string_view_literals;
     constexpr std::string_view header = "SQLite format 3\0"sv;
+    // Read through SQLite's file system: closing a descriptor of one's own would end all locks that this
+    // process holds on the file.
     sqlite3_vfs* files = sqlite3_vfs_find(nullptr);
     if (files == nullptr || !checkDatabaseFile(path)) return false;
     struct FreeName {
@@ -67,6 +70,7 @@ bool hasSqliteHeader(const std::string& path) {
 bool isSettledInClosedFolder(const std::string& path) {
     const std::string folder = std::filesystem::path(path).parent_path().string();
     if (faccessat(AT_FDCWD, folder.empty() ? "." : folder.c_str(), W_OK, AT_EACCESS) == 0) return false;
+    // Where one of these has contents, the main file alone may not be the last committed state.
     for (const char* ending : {"-wal", "-journal"}) {
         struct stat status {};
         if (stat((path + ending).c_str(), &status) == 0 && status.st_size > 0) return false;

@@ -13,12 +13,14 @@ namespace {
 // What a run costs beyond its steps: binding, starting and ending.
 constexpr std::uint64_t stepsPerRun = 50;
 
+// A numeric key may also match numbers in its column, which takes the longer statement.
 KeyMatch matchOf(const KeyValues& keys) {
     return std::any_of(keys.begin(), keys.end(), [](const std::string& key) { return isNumeric(key); })
                ? KeyMatch::number
                : KeyMatch::text;
 }
 
+// Parameters 1 to n are the keys as text; n + 1 to 2 n tell, for the form with numbers, which are numeric.
 void bindKeys(StatementRun& run, const KeyValues& keys, KeyMatch match) {
     const int count = static_cast<int>(keys.size());
     for (int i = 0; i < count; ++i) {
@@ -69,6 +71,7 @@ Expected<Answer> PreparedSelection::answer(Connection& connection, const KeyValu
     if (const auto& accepted = acceptance(connection); !accepted) return accepted.error();
     const KeyMatch match = matchOf(keys);
     Statement& statement = match == KeyMatch::text ? m_text : m_number;
+    // The form for numbers is prepared when a numeric key first comes.
     if (!statement) {
         auto prepared = connection.prepare(singleSql(m_selection, match), mayRecurse(m_selection));
         if (!prepared) return std::move(prepared).error();
@@ -89,6 +92,7 @@ bool PreparedSelection::mayGroup(Connection& connection, const RunOptions& optio
 Expected<void> PreparedSelection::answerTogether(Connection& connection, std::span<const Question> questions,
                                                  const RunLimits& limits,
                                                  std::span<std::optional<CellValue>> values) {
+    // Values that stay empty are looked up one by one by the caller, which also reports their errors.
     if (m_selection.keys.empty()) return {};
     if (!acceptance(connection) || !mayGroup(connection, limits.options)) return {};
     auto groups = GroupedValues::load(connection, m_selection, questions, limits);
@@ -101,8 +105,10 @@ Expected<void> PreparedSelection::answerTogether(Connection& connection, std::sp
         const KeyValues& keys = *questions[i].keys;
         if (!GroupedValues::canServe(keys)) continue;
         const GroupedValues::Found found = groups->find(keys);
+        // Several groups may share a text, as 5 and '5' do: only the single statement has the value over all.
         if (found.count == 1) values[i] = *found.value;
         if (found.count != 0) continue;
+        // Computed once and on demand: an aggregate over no rows has a value as well, such as 0 for COUNT.
         if (!noRows) {
             auto value = valueOverNoRows(connection, limits.options);
             if (!value && value.error().isCancelled()) return std::move(value).error();
@@ -132,7 +138,7 @@ Expected<std::vector<StatementPlan>> PreparedSelection::explain(Connection& conn
         plans.push_back({method, questions, std::move(sql), *std::move(plan)});
         return {};
     };
-    if (auto added = add(StatementPlan::Method::lookUp, singleSql(m_selection, KeyMatch::text)); !added)
+    if (auto added = add(StatementPlan::Method::oneByOne, singleSql(m_selection, KeyMatch::text)); !added)
         return std::move(added).error();
     if (questions > 1 && !m_selection.keys.empty() && mayGroup(connection, options))
         if (auto added = add(StatementPlan::Method::together, groupedSql(m_selection)); !added)

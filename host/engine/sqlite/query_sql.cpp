@@ -78,6 +78,7 @@ std::string singleSql(const Selection& selection, KeyMatch match) {
     return valueFrom(selection, terms);
 }
 
+// The term "0" is false for every row.
 std::string noRowsSql(const Selection& selection) {
     std::vector<std::string> terms = rowTerms(selection);
     terms.emplace_back("0");

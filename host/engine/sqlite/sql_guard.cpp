@@ -67,6 +67,7 @@ class Scanner {
         }
     }
 
+    // Parameters are for keys only, and SQLite takes a ";" or a NUL as the end of the statement.
     void scanMeaningful(char c) {
         switch (c) {
             case '\'':
@@ -107,6 +108,7 @@ class Scanner {
         fail(start, std::string("has a ") + opening + " that is never closed");
     }
 
+    // Without this check a fragment could close the parentheses that are put around it.
     void scanClosing() {
         if (m_open.empty()) {
             fail(m_at, "closes a parenthesis that it did not open");

@@ -29,6 +29,7 @@ Expected<std::shared_ptr<SqliteResult>> SqliteResult::open(const std::string& pa
                                                            std::chrono::milliseconds lockWait,
                                                            const CancelToken& cancel) {
     std::shared_ptr<SqliteResult> result(new SqliteResult(path, lockWait));
+    // Opens the first connection now, so that a wrong file is reported here and not by the first request.
     auto database = std::make_unique<Database>(path, lockWait);
     if (auto opened = database->open({cancel, {}}); !opened) return std::move(opened).error();
     result->giveBack(std::move(database));
@@ -38,6 +39,7 @@ Expected<std::shared_ptr<SqliteResult>> SqliteResult::open(const std::string& pa
 std::unique_ptr<Database> SqliteResult::takeDatabase() {
     const std::scoped_lock lock(m_mutex);
     if (m_idle.empty()) return std::make_unique<Database>(m_path, m_lockWait);
+    // The one used last, whose page cache is most likely still valid.
     std::unique_ptr<Database> database = std::move(m_idle.back());
     m_idle.pop_back();
     return database;

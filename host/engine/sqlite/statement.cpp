@@ -8,9 +8,11 @@ StatementRun::StatementRun(Connection& connection, Statement& statement, const R
     : m_connection(connection), m_statement(statement.m_statement.get()) {
     m_connection.m_enforcer.arm(limits);
     m_connection.m_authorizer.guard(statement.m_mayRecurse);
+    // Sets the counter of steps to 0 for this run.
     sqlite3_stmt_status(m_statement, SQLITE_STMTSTATUS_VM_STEP, 1);
 }
 
+// The bindings refer to texts of the caller, which may end with the run.
 StatementRun::~StatementRun() {
     sqlite3_reset(m_statement);
     sqlite3_clear_bindings(m_statement);
@@ -28,6 +30,7 @@ void StatementRun::bindFlag(int parameter, bool flag) {
 
 Expected<bool> StatementRun::step() {
     const int code = sqlite3_step(m_statement);
+    // Checked before the row is used: without locks it may mix states from before and after a change.
     if (!m_connection.isUnchanged())
         return Error{ErrorKind::failed, "the database was changed while it was read"};
     if (code == SQLITE_ROW) return true;
@@ -51,6 +54,7 @@ std::string_view StatementRun::columnText(int column) const {
     const void* text = sqlite3_column_type(m_statement, column) == SQLITE_BLOB
                            ? sqlite3_column_blob(m_statement, column)
                            : sqlite3_column_text(m_statement, column);
+    // The size is valid only after the call that fixes the representation.
     const int size = sqlite3_column_bytes(m_statement, column);
     return text ? std::string_view(static_cast<const char*>(text), static_cast<std::size_t>(size))
                 : std::string_view();
@@ -70,6 +74,7 @@ CellValue StatementRun::columnValue(int column) const {
 }
 
 std::uint64_t StatementRun::steps() const {
+    // SQLite counts in 32 bits without sign, but returns an int.
     return static_cast<std::uint32_t>(sqlite3_stmt_status(m_statement, SQLITE_STMTSTATUS_VM_STEP, 0));
 }
 

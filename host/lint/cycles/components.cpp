@@ -15,6 +15,7 @@ std::vector<std::size_t> componentsOf(std::size_t nodeCount, const GroupEdges& e
         Index edge;
     };
     std::vector<Index> component(nodeCount, noIndex), order(nodeCount, noIndex), low(nodeCount);
+    // Entered nodes whose component is not yet known.
     std::vector<Index> waiting;
     std::vector<Open> open;
     Index nextOrder = 0;
@@ -28,6 +29,7 @@ std::vector<std::size_t> componentsOf(std::size_t nodeCount, const GroupEdges& e
         if (order[root] != noIndex) continue;
         enter(root);
         while (!open.empty()) {
+            // Nodes whose component is not known by then keep `noIndex`.
             if (token.isCancelled()) return component;
             const Index node = open.back().node;
             if (open.back().edge < edges.end(node)) {

@@ -25,6 +25,7 @@ std::vector<Index> originsOf(Index nodeCount, const GroupEdges& edges, const Can
         origin[node] = node;
         reached.push_back(node);
     }
+    // Breadth first from all origins at once: every node and edge is visited once.
     for (Index next = 0; next < reached.size() && !token.isCancelled(); ++next) {
         const Index from = reached[next];
         for (Index e = edges.begin(from); e < edges.end(from); ++e) {
@@ -72,6 +73,7 @@ class CycleFinder {
         std::sort(m_onCycles.begin(), m_onCycles.end(), byLink);
     }
 
+    // Only components that have an edge; all other nodes are components by themselves.
     void addComponents() {
         m_place.assign(m_structure.nodes().size(), noIndex);
         for (const GroupEdge& edge : m_onCycles) {

@@ -25,6 +25,7 @@ class ArcGraph {
     // `nodeCount`, and no arc leaves and enters the same node.
     ArcGraph(std::size_t nodeCount, std::vector<Arc> arcs);
 
+    // Constant time, all that follows.
     [[nodiscard]] std::size_t nodeCount() const noexcept { return m_leaving.first.size() - 1; }
     [[nodiscard]] std::size_t arcCount() const noexcept { return m_arcs.size(); }
     [[nodiscard]] const Arc& operator[](Index arc) const { return m_arcs[arc]; }
@@ -33,15 +34,17 @@ class ArcGraph {
     [[nodiscard]] std::span<const Index> entering(Index node) const { return m_entering.of(node); }
 
   private:
+    // The arcs of node n are arcs[first[n]] to arcs[first[n + 1] - 1].
     struct ArcsByNode {
-        std::vector<Index> first;
-        std::vector<Index> arcs;
+        std::vector<Index> first;  // one entry more than there are nodes
+        std::vector<Index> arcs;   // by node, in ascending order for each
 
         [[nodiscard]] std::span<const Index> of(Index node) const {
             return {arcs.data() + first[node], first[node + 1] - first[node]};
         }
     };
 
+    // By the node at that end: Arc::from or Arc::to. A counting sort.
     [[nodiscard]] ArcsByNode sorted(std::size_t nodeCount, Index Arc::*end) const;
 
     std::vector<Arc> m_arcs;

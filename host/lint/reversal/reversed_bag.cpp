@@ -18,6 +18,8 @@ void copyChildren(const variant_bag_t& from, variant_bag_t& to) {
         to.add_variant_bag(child.get_name()) = child.get_value();
 }
 
+// With both ends, the values are exchanged, which keeps the order of the attributes; an end that is alone
+// is renamed.
 void reverseLink(const variant_bag_t& link, variant_bag_t& to) {
     to.set_position(link.position());
     const bool hasBothEnds = link.get("from") != nullptr && link.get("to") != nullptr;
@@ -53,6 +55,7 @@ void copyEntry(const variant_bag_t& entry, const ReversedElements& elements, var
     }
 }
 
+// In a graph section links are reversed, in a display section the labels of their entries.
 void copySection(const variant_bag_t& section, bool isGraph, const ReversedElements& elements,
                  variant_bag_t& to) {
     copyValues(section, to);
@@ -74,6 +77,7 @@ variant_bag_t reversedBag(const variant_bag_t& viewpoint, const ReversedElements
     copyValues(viewpoint, document);
     for (auto child = viewpoint.begin(); !child.at_end(); child.next()) {
         variant_bag_t& diagram = document.add_variant_bag(child.get_name());
+        // Queries and filters do not depend on directions.
         if (child.get_name() != "diagram") {
             diagram = child.get_value();
             continue;
