@@ -22,23 +22,10 @@ using tessera_host::ErrorKind;
 using tessera_host::Problem;
 using tessera_host::Viewpoint;
 
-const char* nameOf(relay2::severity_t severity) {
-    switch (severity) {
-        case relay2::severity_t::note:
-            return "note";
-        case relay2::severity_t::warning:
-            return "warning";
-        case relay2::severity_t::error:
-            break;
-    }
-    return "error";
-}
-
+// "FILE:LINE:COLUMN: ..." is the form that editors recognize.
 std::string lineOf(const std::string& document, const Problem& problem) {
-    const auto& [position, text, severity] = problem;
-    if (position.line == 0) return fmt::format("{}: {}: {}\n", document, nameOf(severity), text);
-    return fmt::format("{}:{}:{}: {}: {}\n", document, position.line, position.column, nameOf(severity),
-                       text);
+    return fmt::format("{}: {}: {}\n", tessera_host::placeIn(document, problem.position),
+                       nameOf(problem.severity), problem.text);
 }
 
 // Prints the problems; returns whether an error is among them.
@@ -93,6 +80,7 @@ int check(const Options& options) {
         result = *std::move(opened);
     }
     OutputFile file;
+    // Opened before links are reversed: a place that cannot be written is known at once.
     if (options.fix) {
         if (const auto opened = file.open(options.output); !opened) return reportError(opened.error());
         auto fixed =

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "cli/commands.h"
+#include "host/document/text.h"
 
 namespace tessera_cli {
 namespace {
@@ -28,10 +29,7 @@ std::span<const Command> commands() {
 }
 
 std::string commandNames() {
-    std::string text;
-    for (std::size_t i = 0; i < all.size(); ++i)
-        text.append(i == 0 ? "" : i + 1 == all.size() ? " and " : ", ").append(all[i].name);
-    return text;
+    return tessera_host::listed(all, " and ", [](const Command& command) { return command.name; });
 }
 
 }  // namespace tessera_cli

@@ -29,14 +29,22 @@ class FileOutput final : public tessera_draw::Output {
     tessera_host::TextSink& m_sink;
 };
 
-tessera_draw::Theme themeOf(const std::string& name) {
-    if (name == "dark") return tessera_draw::Theme::dark;
-    return name == "light" ? tessera_draw::Theme::light : tessera_draw::Theme::automatic;
+tessera_draw::Theme themeOf(std::string_view wanted) {
+    for (const auto& [name, theme] : themeNames)
+        if (name == wanted) return theme;
+    return tessera_draw::Theme::automatic;  // without the option
+}
+
+tessera_draw::Direction directionOf(std::string_view wanted) {
+    for (const auto& [name, direction] : directionNames)
+        if (name == wanted) return direction;
+    return tessera_draw::Direction::leftToRight;  // without the option
 }
 
 using WritePicture = tessera_draw::PictureResult (tessera_draw::PictureWriter::*)(
     const tessera_draw::Scene&, const tessera_draw::PictureOptions&, tessera_draw::Output&);
 
+// Messages on what the picture lacks; they do not change the exit status.
 void reportPicture(const tessera_draw::PictureResult& result, const tessera_draw::Scene& scene,
                    const Options& options) {
     if (result.scale < options.scale)
@@ -71,7 +79,7 @@ Expected<tessera_draw::Scene> sceneOf(const Options& options, const basekit2::va
                                       const tessera_draw::Reservation& reservation) {
     tessera_draw::SceneOptions sceneOptions;
     sceneOptions.reservation = &reservation;
-    if (options.direction == "tb") sceneOptions.direction = tessera_draw::Direction::topToBottom;
+    sceneOptions.direction = directionOf(options.direction);
     sceneOptions.cancel = interruptToken();
     if (isInterrupted()) return tessera_host::cancelledError();
     tessera_draw::Scene scene = tessera_draw::makeScene(diagram, sceneOptions);

@@ -1,12 +1,32 @@
 // Diagrams as pictures.
 #pragma once
 
+#include <array>
+#include <string_view>
+
 #include "cli/options.h"
 #include "cli/output_file.h"
+#include "draw/layout.h"
 #include "draw/reservation.h"
+#include "draw/theme.h"
 #include "platform/basekit2/variant_bag.h"
 
 namespace tessera_cli {
+
+// The values of --theme and --direction.
+struct ThemeName {
+    std::string_view name;
+    tessera_draw::Theme theme;
+};
+inline constexpr std::array<ThemeName, 3> themeNames{{{"light", tessera_draw::Theme::light},
+                                                      {"dark", tessera_draw::Theme::dark},
+                                                      {"auto", tessera_draw::Theme::automatic}}};
+struct DirectionName {
+    std::string_view name;
+    tessera_draw::Direction direction;
+};
+inline constexpr std::array<DirectionName, 2> directionNames{
+    {{"lr", tessera_draw::Direction::leftToRight}, {"tb", tessera_draw::Direction::topToBottom}}};
 
 // Draw `diagram` as the options say, and write it as an OutputFormat does. PNG and PDF need a library that is
 // loaded for them; the error has the kind cannotOpen when it is missing. A picture that was scaled down or

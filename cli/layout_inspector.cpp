@@ -26,6 +26,7 @@ tessera_host::Expected<void> LayoutInspector::prepare() const {
     const auto& stages = tessera_1::layoutStages();
     for (std::size_t i = 0; i < stages.size(); ++i) {
         const std::string path = dumpPath(i + 1, stages[i]);
+        // Compared as paths, since the dump may not exist yet, and as files, which finds hard links.
         for (const std::string& used : {m_options.document, m_options.database, m_options.output}) {
             if (used.empty() || used == "-") continue;
             std::error_code ignored;
@@ -43,6 +44,7 @@ std::string LayoutInspector::dumpPath(std::size_t number, const std::string& sta
     return std::filesystem::path(m_options.dumpFolder) / fmt::format("{:02}-{}.txt", number, stage);
 }
 
+// Times are recorded first: their number is that of the stage in the dump's name.
 bool LayoutInspector::stageEnded(const tessera_1::LayoutStage& stage) {
     m_times.emplace_back(stage.name, stage.took);
     m_isTruncated = stage.isTruncated;
@@ -57,9 +59,11 @@ bool LayoutInspector::stageEnded(const tessera_1::LayoutStage& stage) {
 }
 
 void LayoutInspector::writeDump(const std::string& stage, const tessera_1::view_model::Graph& graph) {
+    // After one failure no further dumps are tried: the reason would be the same.
     if (!m_isDumped) return;
     const std::string path = dumpPath(m_times.size(), stage);
     std::error_code ignored;
+    // A symbolic link is replaced, not followed: it may lead out of the folder.
     if (std::filesystem::is_symlink(path, ignored)) std::filesystem::remove(path, ignored);
     std::ofstream file(path, std::ios::binary);
     tessera_1::writeGraphText(graph, file);
@@ -83,6 +87,7 @@ void LayoutInspector::reportTimes() const {
 }
 
 void LayoutInspector::reportTruncation() {
+    // Reported once in a session, whose later diagrams stop at the same limits.
     if (!m_isTruncated || std::exchange(m_isTruncationReported, true)) return;
     printMessage(
         fmt::format("{}: the diagram is incomplete: the layout stopped at a limit (--max-elements {} "

@@ -24,6 +24,7 @@ using tessera_host::Expected;
 void logToStandardError() {
     const log4cplus::SharedAppenderPtr appender(new log4cplus::ConsoleAppender(true, true));
     appender->setLayout(std::make_unique<log4cplus::PatternLayout>(LOG4CPLUS_TEXT("%p %c - %m%n")));
+    // Only the root has an appender: all loggers pass their events on to it.
     log4cplus::Logger root = log4cplus::Logger::getRoot();
     root.removeAllAppenders();
     root.addAppender(appender);

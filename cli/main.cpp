@@ -27,17 +27,20 @@ int run(const Options& options) {
 
 }  // namespace
 
+// The order matters: files opened before the standard descriptors are filled could take their numbers.
 int main(int argc, char** argv) try {
     fillStandardDescriptors();
     installInterruptHandler();
     const auto options = parseCommandLine(argc, argv);
     if (!options) return reportCommandLine(options.error());
+    // Help or the version was printed.
     if (!*options) return exitDone;
     const int exitStatus = run(**options);
     closeLog();
     if (exitStatus == exitInterrupted) printMessageWithoutWaiting("interrupted");
     return exitStatus;
 } catch (const std::bad_alloc&) {
+    // Failures are returned as errors; only what the standard library throws for want of memory arrives.
     printMessage("there is not enough memory");
     return exitFailed;
 } catch (const std::length_error&) {

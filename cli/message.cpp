@@ -11,6 +11,7 @@
 namespace tessera_cli {
 
 void printMessage(std::string_view text) {
+    // All lines are written at once, so that those of other processes do not come between them.
     std::string lines;
     while (true) {
         const std::size_t end = text.find('\n');
@@ -23,6 +24,7 @@ void printMessage(std::string_view text) {
 }
 
 void printMessageWithoutWaiting(std::string_view text) {
+    // Without a timeout: a reader that has stopped reading must not keep an interrupted program alive.
     pollfd ready{STDERR_FILENO, POLLOUT, 0};
     if (::poll(&ready, 1, 0) == 1 && (ready.revents & POLLOUT) != 0) printMessage(text);
 }
@@ -36,22 +38,23 @@ tessera_host::Expected<void> printToStdout(std::string_view text) {
         {}};
 }
 
-void ConsoleMessenger::post(relay2::severity_t severity, const std::string& text,
-                            basekit2::source_position_t position) {
-    std::string line = m_document;
-    if (position.line > 0) line += fmt::format(":{}:{}", position.line, position.column);
+std::string_view nameOf(relay2::severity_t severity) noexcept {
     switch (severity) {
-        case relay2::severity_t::error:
-            ++m_errors;
-            line += ": error: ";
-            break;
-        case relay2::severity_t::warning:
-            line += ": warning: ";
-            break;
         case relay2::severity_t::note:
-            line += ": ";
+            return "note";
+        case relay2::severity_t::warning:
+            return "warning";
+        case relay2::severity_t::error:
             break;
     }
+    return "error";
+}
+
+void ConsoleMessenger::post(relay2::severity_t severity, const std::string& text,
+                            basekit2::source_position_t position) {
+    if (severity == relay2::severity_t::error) ++m_errors;
+    std::string line = tessera_host::placeIn(m_document, position) + ": ";
+    if (severity != relay2::severity_t::note) line.append(nameOf(severity)).append(": ");
     printMessage(line + text);
 }
 

@@ -19,8 +19,11 @@ void printMessageWithoutWaiting(std::string_view text);
 // Prints data to standard output. The error has the kind cannotOpen when that is closed or full.
 [[nodiscard]] tessera_host::Expected<void> printToStdout(std::string_view text);
 
+// "note", "warning" or "error".
+[[nodiscard]] std::string_view nameOf(relay2::severity_t severity) noexcept;
+
 // Prints the messages of the library and the host as "DOCUMENT:LINE:COLUMN: SEVERITY: TEXT", without the
-// position where there is none. One thread at a time.
+// position where there is none; a note has no severity either. One thread at a time.
 class ConsoleMessenger final : public relay2::IMessenger {
   public:
     explicit ConsoleMessenger(std::string document) : m_document(std::move(document)) {}

@@ -7,11 +7,13 @@
 #include <vector>
 
 #include "cli/command_table.h"
+#include "cli/drawing.h"
 #include "cli/message.h"
 #include "cli/output_format.h"
 #include "core/layout_watch.h"
 #include "host/document/display_mode.h"
 #include "host/document/filters.h"
+#include "host/document/text.h"
 
 namespace tessera_cli {
 namespace {
@@ -31,6 +33,7 @@ struct RawOptions {
     CLI::Option* scale = nullptr;
 };
 
+// An empty name, as of an unset shell variable, would otherwise mean standard output.
 std::string isNotEmpty(const std::string& text) {
     return text.empty() ? "the name of a file is empty" : "";
 }
@@ -40,14 +43,12 @@ template <class Names>
 std::vector<std::string> listOf(const Names& names) {
     return {names.begin(), names.end()};
 }
-
-// "bandwidth, ratio or size"
-template <class Names>
-std::string alternatives(const Names& names) {
-    std::string text;
-    for (std::size_t i = 0; i < names.size(); ++i)
-        text.append(i == 0 ? "" : i + 1 == names.size() ? " or " : ", ").append(names[i]);
-    return text;
+template <class Table>
+std::vector<std::string> namesOf(const Table& table) {
+    std::vector<std::string> names;
+    for (const auto& entry : table)
+        names.emplace_back(entry.name);
+    return names;
 }
 
 void addCommon(CLI::App& command, RawOptions& raw) {
@@ -57,9 +58,11 @@ void addCommon(CLI::App& command, RawOptions& raw) {
         ->check(isNotEmpty);
     command
         .add_option("--filter", raw.filters,
-                    "Replaces a filter of the document (" + alternatives(tessera_host::filterNames) +
+                    "Replaces a filter of the document (" +
+                        tessera_host::listed(tessera_host::filterNames, " or ") +
                         "); without SQL, removes it")
         ->type_name("NAME=SQL")
+        // May be given several times, each with one value: the next word can be VIEWPOINT.
         ->take_all()
         ->allow_extra_args(false);
     CLI::Option* locale =
@@ -68,6 +71,7 @@ void addCommon(CLI::App& command, RawOptions& raw) {
     CLI::Option* catalogs =
         command.add_option("--catalogs", options.catalogs, "Folder of the message catalogues")
             ->type_name("DIR");
+    // The folder has catalogues of several languages, so one option without the other says too little.
     locale->needs(catalogs);
     catalogs->needs(locale);
     command
@@ -83,12 +87,14 @@ void addCommon(CLI::App& command, RawOptions& raw) {
         ->type_name("SECONDS")
         ->check([](const std::string& text) {
             double seconds = 0;
+            // The comparisons below are false for "nan", which is a number to the conversion.
             const bool isNumber = CLI::detail::lexical_cast(text, seconds);
             return isNumber && seconds >= 0.001 && seconds <= 1e9 ? "" : text + " is not from 0.001 to 1e9";
         });
 }
 
 void addLimits(CLI::App& command, RawOptions& raw) {
+    // At most 15 digits: every such number fits into 64 bits, so no overflow has to be looked for.
     const auto isCount = [](const std::string& text) {
         const bool isNumber =
             !text.empty() && text.size() <= 15 &&
@@ -99,7 +105,7 @@ void addLimits(CLI::App& command, RawOptions& raw) {
     };
     command
         .add_option("--max-elements", raw.options.limits.maxElements,
-                    "The most nodes and links of a diagram, those included that the layout adds "
+                    "The most nodes and links that a diagram may have, with those that the layout adds "
                     "(default 5000000)")
         ->type_name("N")
         ->check(isCount);
@@ -145,12 +151,16 @@ void addInspection(CLI::App& command, RawOptions& raw) {
     command.add_flag("--verify", options.verify, "Checks the graph after each stage");
 }
 
+// Returns the option, so that commands that cannot do without a result can require it.
 CLI::Option& addResult(CLI::App& command, RawOptions& raw) {
-    return *command.add_option("--db", raw.options.database, "The result database (SQLite); it is only read")
+    return *command
+                .add_option("--db", raw.options.database,
+                            "The result database, an SQLite file; it is only read")
                 ->type_name("RESULT")
                 ->check(isNotEmpty);
 }
 
+// Whether the format fits the file's ending is checked later, when both are known.
 void addOutput(CLI::App& command, RawOptions& raw) {
     std::vector<std::string> names;
     for (const OutputFormat& format : outputFormats())
@@ -165,11 +175,13 @@ void addOutput(CLI::App& command, RawOptions& raw) {
         ->check(CLI::IsMember(names));
 }
 
+// Read as a string; finishOptions() puts it into the optional of Options, which is empty by default.
 void addMode(CLI::App& command, RawOptions& raw) {
     const auto& names = tessera_host::displayModeNames;
     command
         .add_option("--mode", raw.mode,
-                    "The display mode: " + alternatives(names) + " (default: " + std::string(names[0]) + ")")
+                    "The display mode: " + tessera_host::listed(names, " or ") +
+                        " (default: " + std::string(names[0]) + ")")
         ->check(CLI::IsMember(listOf(names)));
 }
 
@@ -178,11 +190,11 @@ void addPicture(CLI::App& command, RawOptions& raw) {
     command
         .add_option("--theme", options.theme,
                     "The colors of a picture: light, dark, or auto (the default: as the reader's screen)")
-        ->check(CLI::IsMember({"light", "dark", "auto"}));
+        ->check(CLI::IsMember(namesOf(themeNames)));
     command
         .add_option("--direction", options.direction,
                     "The direction of a picture: lr (left to right, the default) or tb (top to bottom)")
-        ->check(CLI::IsMember({"lr", "tb"}));
+        ->check(CLI::IsMember(namesOf(directionNames)));
     raw.scale =
         command
             .add_option("--scale", options.scale, "The size of a picture in pixels, as a factor (default 1)")
@@ -220,6 +232,7 @@ void addGroup(OptionGroup group, CLI::App& command, RawOptions& raw) {
     }
 }
 
+// Usage errors have an exit status of their own.
 Error usageError(std::string text) {
     return {ErrorKind::usage, std::move(text)};
 }
@@ -242,6 +255,7 @@ Expected<void> checkPicture(const Options& options, bool hasScale) {
 Expected<std::map<std::string, std::string>> readFilters(const std::vector<std::string>& texts) {
     std::map<std::string, std::string> filters;
     for (const std::string& text : texts) {
+        // The first "=" separates: names have none, and SQL may have many.
         const std::size_t equals = text.find('=');
         if (equals == std::string::npos || equals == 0)
             return usageError("--filter " + text + ": expected NAME=SQL");
@@ -276,12 +290,14 @@ Expected<void> finishOptions(RawOptions& raw) {
     auto filters = readFilters(raw.filters);
     if (!filters) return std::move(filters).error();
     options.filters = *std::move(filters);
+    // A command that reads requests from standard input needs its document elsewhere.
     if (options.document == "-") {
         if (!options.command->readsDocumentFromInput)
             return usageError(std::string(options.command->name) +
                               " reads requests from standard input; VIEWPOINT must be a file");
         options.document = "/dev/stdin";
     }
+    // What follows concerns commands that write a diagram.
     if (!hasGroup(*options.command, OptionGroup::output)) return {};
     const auto format = chooseFormat(raw);
     if (!format) return format.error();
@@ -296,6 +312,7 @@ Expected<void> finishParsing(const CLI::App& app, const CLI::ParseError& error, 
         return usageError("there is no command " + command + "; there are " + commandNames());
     if (error.get_exit_code() != 0) return usageError(error.what());
     std::ostringstream text;
+    // Formed in memory, because only printToStdout() reports that standard output takes no more.
     (void)app.exit(error, text, text);
     return printToStdout(text.str());
 }
@@ -311,6 +328,7 @@ Expected<std::optional<Options>> parseCommandLine(int argc, const char* const* a
         CLI::App* parser = app.add_subcommand(std::string(command.name), command.help);
         for (const OptionGroup group : command.groups)
             addGroup(group, *parser, raw);
+        // Runs for the subcommand that the command line names, and for no other.
         parser->final_callback([&raw, &command] { raw.options.command = &command; });
     }
     try {

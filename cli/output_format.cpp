@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/drawing.h"
+#include "host/document/text.h"
 #include "host/text/json_writer.h"
 #include "host/text/xml_writer.h"
 
@@ -16,6 +17,8 @@ using basekit2::variant_bag_t;
 using tessera_draw::Reservation;
 using tessera_host::Expected;
 
+// The data formats hold the diagram as it is, so options of pictures do not concern them. Failures of the
+// file are reported by its commit().
 Expected<void> writeJson(const Options& /*options*/, const variant_bag_t& diagram,
                          const Reservation& /*reservation*/, OutputFile& file) {
     tessera_host::writeJson(diagram, file.sink(), tessera_host::JsonForm::indented);
@@ -57,6 +60,7 @@ const OutputFormat* formatOfFile(const std::string& path) {
     if (isStandardOutput(path)) return &formats.front();
     const std::size_t dot = path.rfind('.');
     std::string ending = dot == std::string::npos ? "" : path.substr(dot + 1);
+    // "PICTURE.PNG" names the same format as "picture.png".
     std::transform(ending.begin(), ending.end(), ending.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return findOutputFormat(ending);
@@ -66,10 +70,7 @@ std::string formatNames(bool picturesOnly) {
     std::vector<std::string_view> names;
     for (const OutputFormat& format : formats)
         if (format.isPicture() || !picturesOnly) names.push_back(format.name);
-    std::string text;
-    for (std::size_t i = 0; i < names.size(); ++i)
-        text.append(i == 0 ? "" : i + 1 == names.size() ? " or " : ", ").append(names[i]);
-    return text;
+    return tessera_host::listed(names, " or ");
 }
 
 }  // namespace tessera_cli

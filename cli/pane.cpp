@@ -40,6 +40,7 @@ Expected<Viewpoint::Pointer> treatCycles(const Viewpoint::Pointer& viewpoint, co
     return treated.viewpoint;
 }
 
+// A folder that does not exist is a mistake of the command line; catalogues that it lacks are warnings.
 Expected<void> requireCatalogFolder(const Options& options) {
     std::error_code unknown;
     if (options.catalogs.empty() || std::filesystem::is_directory(options.catalogs, unknown)) return {};

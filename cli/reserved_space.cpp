@@ -49,6 +49,7 @@ class Measure {
 
   private:
     [[nodiscard]] double valueWidth(const QueryDeclaration* query) {
+        // A row whose reference is wrong never has a value.
         if (query == nullptr) return 0;
         const auto [known, isNew] = m_values.try_emplace(query, 0);
         if (isNew)
@@ -57,6 +58,7 @@ class Measure {
         return known->second;
     }
 
+    // Widths in em. The names are those of the ReservedSpace, which lives longer than the Measure.
     std::unordered_map<std::string_view, double> m_names;
     std::unordered_map<const QueryDeclaration*, double> m_values;
 };
@@ -67,6 +69,7 @@ Reservation measureReservedSpace(const Input& input) {
     const tessera_host::ReservedSpace space(input.viewpoint, *input.catalogs);
     Reservation reservation;
     Measure measure;
+    // The badge shows any of the modes, so the widest decides.
     double modeWidth = 0;
     for (const std::string_view mode : tessera_host::displayModeNames)
         modeWidth = std::max(modeWidth, tessera_draw::measureText(mode, 1, Weight::bold).width);

@@ -59,6 +59,7 @@ class Session {
     [[nodiscard]] Expected<void> respond(const LineReader& reader) {
         ++m_lineNumber;
         variant_bag_t response;
+        // Put first, so that every response has this member, also where the line is not a request.
         response.put("request", "");
         if (const auto done = runRequest(reader, response); !done) {
             response.put("code", bk2::error::IsNot.Valid.Data.name);
@@ -88,6 +89,7 @@ class Session {
     }
 
     static Expected<void> write(const variant_bag_t& response) {
+        // Flushed after each response: the client waits for it before its next request.
         FileSink sink(STDOUT_FILENO, interruptDescriptor());
         tessera_host::writeJson(response, sink, tessera_host::JsonForm::compact);
         sink.put('\n');
