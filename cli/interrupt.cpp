@@ -39,6 +39,7 @@ void installInterruptHandler() {
     sigaction(SIGHUP, nullptr, &hangUp);
     if (hangUp.sa_handler != SIG_IGN) sigaction(SIGHUP, &action, nullptr);  // "nohup" is to hold
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 tessera_support::CancelToken interruptToken() noexcept {

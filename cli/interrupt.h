@@ -6,8 +6,8 @@
 namespace tessera_cli {
 
 // From now on SIGINT, SIGTERM and SIGHUP cancel the running work; a second one ends the program at once.
-// SIGPIPE is ignored, so that closed output is an error of its write. Called once, by main, before any thread
-// is started.
+// SIGPIPE and SIGXFSZ are ignored, so that closed output and a limit on the size of files are errors of a write.
+// Called once, by main, before any thread is started.
 void installInterruptHandler();
 
 // Cancelled by the first of these signals. All work of the program gets it.

@@ -5,8 +5,10 @@
 #include <fmt/format.h>
 
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <poll.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -38,6 +40,18 @@ std::optional<int> descriptorNamed(const fs::path& path) {
     return isNumber ? std::optional(number) : std::nullopt;
 }
 
+std::string folderOf(const std::string& path) {
+    const fs::path folder = fs::path(path).parent_path();
+    return folder.empty() ? "." : folder.string();
+}
+
+// Whether the folder shows the system's own objects: its links lead to files that the user did not name, such as the
+// program that runs.
+bool isOfTheSystem(const std::string& folder) {
+    struct statfs status {};
+    return statfs(folder.c_str(), &status) == 0 && status.f_type == PROC_SUPER_MAGIC;
+}
+
 // Follows the links that `path` ends in, also to a file that does not exist yet, but not those that represent
 // descriptors: a link stays a link, and what it points to is written. Returns 0, or the errno.
 int followLinks(std::string& path) {
@@ -45,14 +59,10 @@ int followLinks(std::string& path) {
         std::error_code noLink;
         const fs::path target = fs::read_symlink(path, noLink);
         if (noLink || descriptorNamed(path)) return 0;
+        if (isOfTheSystem(folderOf(path))) return EPERM;
         path = (fs::path(path).parent_path() / target).string();
     }
     return ELOOP;
-}
-
-std::string folderOf(const std::string& path) {
-    const fs::path folder = fs::path(path).parent_path();
-    return folder.empty() ? "." : folder.string();
 }
 
 // Where the system keeps the name of an open file that has no other.
@@ -92,7 +102,8 @@ OutputFile::Outcome OutputFile::open(const std::string& path) {
     if (auto opened = openBeside(); !opened) return opened;
     const mode_t mask = umask(0);
     umask(mask);
-    fchmod(m_descriptor, exists ? status.st_mode & 07777U : 0666U & ~mask);
+    // Content of another's document must not gain the rights that the old file gave to whoever runs it.
+    fchmod(m_descriptor, exists ? status.st_mode & 0777U : 0666U & ~mask);
     m_sink = std::make_unique<tessera_host::FileSink>(m_descriptor);
     return {};
 }

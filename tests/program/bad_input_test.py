@@ -251,6 +251,31 @@ class Outputs(Case):
         self.assertEqual(done.returncode, 3)
         self.assertIn('No space left', done.stderr)
 
+    def test_a_limit_on_the_size_of_files(self):
+        rows = ''.join(f'<node id="{"n" * 100}{at}"/>' for at in range(100))
+        viewpoint, database = self.write('v.xml', document(f'<graph id="g">{rows}</graph>')), self.database()
+        done = self.run_program('render', viewpoint, '--db', database, '-o', self.folder / 'out.json',
+                                preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (4096, 4096)))
+        self.assert_clean_failure(done, 3, 'File too large')
+        self.assertEqual(sorted(each.name for each in self.folder.iterdir()), ['result.db', 'v.xml'])
+
+    def test_a_new_file_gains_no_rights_of_the_old_one(self):
+        target = self.write('out.json', 'earlier')
+        target.chmod(0o6755)
+        done = self.run_program('render', self.write('v.xml', GOOD), '--db', self.database(), '-o', target)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertEqual(target.stat().st_mode & 0o7777, 0o755)
+
+    def test_the_program_is_not_written_over(self):
+        before = os.stat(program.PROGRAM).st_ino
+        done = self.run_program('render', self.write('v.xml', GOOD), '--db', self.database(), '-o', '/proc/self/exe')
+        self.assertEqual(os.stat(program.PROGRAM).st_ino, before)
+        self.assert_clean_failure(done, 2, '--format')
+        done = self.run_program('render', self.write('v.xml', GOOD), '--db', self.database(), '-o', '/proc/self/exe',
+                                '--format', 'json')
+        self.assert_clean_failure(done, 3, '/proc/self/exe: cannot write')
+        self.assertEqual(os.stat(program.PROGRAM).st_ino, before)
+
     def test_folder_that_does_not_exist(self):
         done = self.run_program('render', self.write('v.xml', GOOD), '--db', self.database(), '-o', self.folder / 'no/out.json')
         self.assert_clean_failure(done, 3, 'out.json: cannot write')
