@@ -38,6 +38,16 @@ std::string isNotEmpty(const std::string& text) {
     return text.empty() ? "the name of a file is empty" : "";
 }
 
+// A language such as "de", "de_AT.UTF-8" or "sr@latin", never a path.
+std::string isLanguage(const std::string& text) {
+    const auto isPart = [](unsigned char c) {
+        return std::isalnum(c) != 0 || c == '_' || c == '-' || c == '.' || c == '@';
+    };
+    const bool isName = !text.empty() && std::isalpha(static_cast<unsigned char>(text.front())) != 0 &&
+                        std::all_of(text.begin(), text.end(), isPart);
+    return isName ? "" : "\"" + text + "\" is not the name of a language, such as de or de_AT";
+}
+
 // Names of a table, as CLI11 takes them.
 template <class Names>
 std::vector<std::string> listOf(const Names& names) {
@@ -67,7 +77,8 @@ void addCommon(CLI::App& command, RawOptions& raw) {
         ->allow_extra_args(false);
     CLI::Option* locale =
         command.add_option("--locale", options.locale, "Language of the message catalogues, for example de")
-            ->type_name("NAME");
+            ->type_name("NAME")
+            ->check(isLanguage);
     CLI::Option* catalogs =
         command.add_option("--catalogs", options.catalogs, "Folder of the message catalogues")
             ->type_name("DIR");

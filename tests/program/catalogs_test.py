@@ -1,4 +1,5 @@
 """Display names from message catalogues made by msgfmt."""
+import os
 import subprocess
 
 import program
@@ -54,6 +55,38 @@ class Catalogs(Case):
             self.assertEqual(done.returncode, 0, done.stderr)
             self.assertIn('Übersicht', done.stdout)
             self.assertIn('slicer2.mo', done.stderr)
+
+    def test_a_damaged_hash_table_does_no_harm(self):
+        self.catalog('de', 'viewpoint', {'title': 'Übersicht', 'both': 'beide'})
+        path = self.folder / 'de/LC_MESSAGES/viewpoint.mo'
+        whole = path.read_bytes()
+        table = int.from_bytes(whole[24:28], 'little')
+        for at, content in ((20, (1).to_bytes(4, 'little')), (20, (2).to_bytes(4, 'little')), (20, b'\x7f\0\0\0'),
+                            (24, bytes(4)), (24, b'\xff' * 4), (table, b'\xff' * 8)):
+            path.write_bytes(whole[:at] + content + whole[at + len(content):])
+            self.assertEqual(self.names('de')[:2], ['Übersicht', 'beide'], (at, content))
+
+    def test_what_the_library_could_not_end_is_refused(self):
+        folder = self.folder / 'de/LC_MESSAGES'
+        self.catalog('de', 'viewpoint', {'title': 'Übersicht'})
+        plural = '(' * 100_000 + 'n' + ')' * 100_000
+        header = f'Content-Type: text/plain; charset=UTF-8\nPlural-Forms: nplurals=1; plural={plural};\n'.encode()
+        start = 28 + 2 * 8
+        deep = b''.join(word.to_bytes(4, 'little') for word in (0x950412de, 0, 1, 28, 36, 0, 0, 0, start, len(header), start + 1))
+        (folder / 'slicer2.mo').write_bytes(deep + b'\0' + header + b'\0')
+        os.mkfifo(folder / 'storeiface1.mo')
+        done = self.run_program('render', self.write('v.xml', DOCUMENT), '--db', self.database(), '--catalogs', self.folder,
+                                '--locale', 'de', '--format', 'xml')
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertIn('Übersicht', done.stdout)
+        for name in ('slicer2.mo', 'storeiface1.mo'):
+            self.assertIn(name + ': is not a message catalogue that can be read', done.stderr)
+
+    def test_a_locale_is_a_language_and_not_a_path(self):
+        document, database = self.write('v.xml', DOCUMENT), self.database()
+        for locale in ('', '../de', '/de', 'de/..', '.', 'd e'):
+            done = self.run_program('render', document, '--db', database, '--catalogs', self.folder, '--locale', locale)
+            self.assert_clean_failure(done, 2, 'is not the name of a language')
 
 
 if __name__ == '__main__':
