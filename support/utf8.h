@@ -35,6 +35,12 @@ namespace detail {
     return detail::decodeLongUtf8(text);
 }
 
+// Whether Unicode has set the code aside for ever: two at the end of each plane, and a range of 32. Texts should
+// not have them; some libraries take them for errors.
+[[nodiscard]] constexpr bool isNoncharacter(char32_t code) noexcept {
+    return (code & 0xFFFE) == 0xFFFE || (code >= 0xFDD0 && code <= 0xFDEF);
+}
+
 // How many bytes at the beginning of `text` are valid UTF-8. Reads eight bytes at once where they are ASCII.
 [[nodiscard]] std::size_t validUtf8Prefix(std::string_view text) noexcept;
 

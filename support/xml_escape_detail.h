@@ -69,8 +69,7 @@ template <XmlPlace place>
     if (!character.isValid || code == 0xFFFE || code == 0xFFFF) return replacementText;
     if constexpr (place == XmlPlace::drawing) {
         if (code == 0x85 || code == 0x2028 || code == 0x2029) return " ";
-        const bool isNoncharacter = (code & 0xFFFE) == 0xFFFE;
-        if (code < 0xA0 || isNoncharacter) return replacementText;
+        if (code < 0xA0 || isNoncharacter(code)) return replacementText;
     }
     return {};
 }

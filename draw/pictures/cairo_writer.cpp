@@ -9,6 +9,7 @@
 
 #include "draw/picture_writer.h"
 #include "draw/pictures/painter.h"
+#include "draw/scene/shown_text.h"
 
 namespace tessera_draw {
 namespace {
@@ -40,11 +41,11 @@ PictureResult failure(cairo_status_t status) {
     return result;
 }
 
-// The title for the PDF's metadata: limited in length, without control characters.
+// The title for the PDF's metadata, limited in length. A PDF with text that is not valid cannot be finished.
 std::string titleOf(const Scene& scene) {
+    constexpr std::size_t maxBytes = 200;
     std::string title;
-    for (const char c : scene.name.substr(0, 200))
-        title += static_cast<unsigned char>(c) < 0x20 || c == 0x7F ? ' ' : c;
+    appendShown(title, scene.name.substr(0, tessera_support::truncatedUtf8Length(scene.name, maxBytes)));
     return title;
 }
 

@@ -5,23 +5,6 @@
 #include "draw/scene/shown_text.h"
 
 namespace tessera_draw {
-namespace {
-
-// The text as it is shown: valid, on one line.
-void appendShown(std::string& shown, std::string_view text) {
-    while (!text.empty()) {
-        const auto [code, length, isValid] = tessera_support::decodeUtf8(text);
-        const char32_t character = shownAs(code);
-        if (isValid && character == code)
-            shown += text.substr(0, length);
-        else
-            shown += character == ' ' ? " " : tessera_support::replacementText;
-        text.remove_prefix(length);
-    }
-}
-
-}  // namespace
-
 TextPainter::TextPainter(cairo_t* cairo, const Palette& palette)
     : m_cairo(cairo), m_palette(palette), m_layout(pango_cairo_create_layout(cairo)) {
     // Without hinting, glyphs keep their positions at every scale.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 #include "support/utf8.h"
@@ -14,9 +15,22 @@ namespace tessera_draw {
     if (code >= 0x20 && code < 0x7F) return code;
     if (code == '\t' || code == '\n' || code == '\r' || code == 0x85 || code == 0x2028 || code == 0x2029)
         return ' ';
-    if (code < 0x20 || (code >= 0x7F && code < 0xA0) || (code & 0xFFFE) == 0xFFFE)
+    if (code < 0x20 || (code >= 0x7F && code < 0xA0) || tessera_support::isNoncharacter(code))
         return tessera_support::replacementCode;
     return code;
+}
+
+// Appends the text as it is shown: valid UTF-8 on one line. Linear time.
+inline void appendShown(std::string& shown, std::string_view text) {
+    while (!text.empty()) {
+        const auto [code, length, isValid] = tessera_support::decodeUtf8(text);
+        const char32_t character = shownAs(code);
+        if (isValid && character == code)
+            shown += text.substr(0, length);
+        else
+            shown += character == ' ' ? " " : tessera_support::replacementText;
+        text.remove_prefix(length);
+    }
 }
 
 // For hasRightToLeft(). Whether the character is in a block of Hebrew, Arabic or another script that is written from right to left.

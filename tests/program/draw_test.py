@@ -280,6 +280,12 @@ class Pdf(Drawing):
         self.assertTrue(first.startswith(b'%PDF-'))
         self.assertEqual(first, self.draw(name='y.pdf').read_bytes())
 
+    def test_any_title_and_name_can_be_written(self):
+        long = 'x' + 150 * 'ü'  # 301 bytes: the title ends at 200, inside a character
+        for name in (long, 'a&#xFDD0;b', 'a&#xFFFD;&#x1FFFF;', 'a&#9;b&#127;c'):
+            text = document(f'<graph id="g"><node id="{name}"/></graph><display><graph displayName="{name}"/></display>')
+            self.assertTrue(self.draw(text=text, name='x.pdf').read_bytes().rstrip().endswith(b'%%EOF'), name)
+
 
 class Usage(Drawing):
     def fails(self, *arguments):

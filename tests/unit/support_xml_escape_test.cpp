@@ -29,6 +29,7 @@ TEST(XmlEscape, ReplacesWhatXmlCannotCarry) {
 TEST(XmlEscape, DrawingsShowNoControlCharacters) {
     EXPECT_EQ(escaped("\x7F\u0085\u009F\u2028\u2029\U0001FFFE", XmlPlace::drawing), "\uFFFD \uFFFD  \uFFFD");
     EXPECT_EQ(escaped("\x7F\u009F\U0001FFFE", XmlPlace::text), "\x7F\u009F\U0001FFFE");
+    EXPECT_EQ(escaped("\uFDCF\uFDD0\uFDEF\uFDF0", XmlPlace::drawing), "\uFDCF\uFFFD\uFFFD\uFDF0");
 }
 
 // Wherever a character stands among others, whether they are read one by one or eight at once.
