@@ -4,6 +4,7 @@
 #include <log4cplus/loggingmacros.h>
 
 #include <chrono>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -20,7 +21,7 @@ using basekit2::variant_bag_t;
 
 // How often a request that waits for another one looks at its token. No signal could wake it: tokens are
 // cancelled in signal handlers, too, which may not notify.
-constexpr std::chrono::milliseconds waitStep{20};
+constexpr std::chrono::milliseconds waitStep{5};
 
 log4cplus::Logger logger() {
     return log4cplus::Logger::getInstance("tessera.host");
@@ -113,11 +114,14 @@ Pane::~Pane() = default;
 error_code_t Pane::request(const std::string& name, const variant_bag_t& in, variant_bag_t& out,
                            const RequestOptions& options) {
     std::unique_lock lock(m_requestMutex, std::defer_lock);
-    do {
+    // Not a timed lock: the thread sanitizer does not know it.
+    while (true) {
         if (options.cancel.isCancelled())
             return error_code_t::raise(bk2::error::Cancelled(_U("Cancelled before the request began")),
                                        __func__, "host/pane/pane", __LINE__);
-    } while (!lock.try_lock_for(waitStep));
+        if (lock.try_lock()) break;
+        std::this_thread::sleep_for(waitStep);
+    }
     applyFilters();
     const Messages::Target target(*m_messages, options.messages);
     const SnapshotHold hold(*m_source);

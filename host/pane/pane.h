@@ -71,8 +71,8 @@ class Pane {
     const std::unique_ptr<Messages> m_messages;
     const basekit2::sptr_t<InputData> m_inputData;
     const std::shared_ptr<panelcore_1::IRequestHandler> m_handler;
-    std::timed_mutex m_requestMutex;  // one request at a time
-    std::mutex m_filterMutex;         // of the next member
+    std::mutex m_requestMutex;  // one request at a time
+    std::mutex m_filterMutex;   // of the next member
     std::optional<Filters> m_nextFilters;
 };
 
