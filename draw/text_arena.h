@@ -14,8 +14,9 @@ namespace tessera_draw {
 // Texts cannot be removed one by one. Not safe for two threads at once.
 class TextArena {
   public:
-    // Returns the copy of `text`, which may itself be a view into this arena, without a terminating null; an empty view for "". Equal texts are copied
-    // again. Linear in the length; allocates only when the current block is full.
+    // Returns the copy of `text`, which may itself be a view into this arena, without a terminating null; an
+    // empty view for "". Equal texts are copied again. Linear in the length; allocates only when the current
+    // block is full.
     std::string_view add(std::string_view text) {
         if (text.empty()) return {};
         if (text.size() > m_free) grow(text.size());

@@ -24,9 +24,9 @@ namespace detail {
 [[nodiscard]] Utf8Character decodeLongUtf8(std::string_view text) noexcept;
 }  // namespace detail
 
-// The character that `text` begins with; a loop removes its `length` bytes and calls again. Surrogates, overlong forms and codes above U+10FFFF are not valid;
-// then `length` is the number of bytes that one U+FFFD replaces: the longest piece that could have begun a
-// character, or a single byte.
+// The character that `text` begins with; a loop removes its `length` bytes and calls again. Surrogates,
+// overlong forms and codes above U+10FFFF are not valid; then `length` is the number of bytes that one U+FFFD
+// replaces: the longest piece that could have begun a character, or a single byte.
 //
 // REQUIRES: !text.empty().
 [[nodiscard]] inline Utf8Character decodeUtf8(std::string_view text) noexcept {

@@ -9,8 +9,8 @@
 
 namespace tessera_draw {
 
-// Returns the character as drawings show it, for measuring texts and for formats that take characters: line breaks and tabs as a space, control characters and what XML
-// does not allow as U+FFFD.
+// Returns the character as drawings show it, for measuring texts and for formats that take characters: line
+// breaks and tabs as a space, control characters and what XML does not allow as U+FFFD.
 [[nodiscard]] inline char32_t shownAs(char32_t code) noexcept {
     if (code >= 0x20 && code < 0x7F) return code;
     if (code == '\t' || code == '\n' || code == '\r' || code == 0x85 || code == 0x2028 || code == 0x2029)
@@ -33,7 +33,8 @@ inline void appendShown(std::string& shown, std::string_view text) {
     }
 }
 
-// For hasRightToLeft(). Whether the character is in a block of Hebrew, Arabic or another script that is written from right to left.
+// For hasRightToLeft(). Whether the character is in a block of Hebrew, Arabic or another script that is
+// written from right to left.
 [[nodiscard]] inline bool isRightToLeft(char32_t code) noexcept {
     return (code >= 0x590 && code <= 0x8FF) || (code >= 0xFB1D && code <= 0xFDFF) ||
            (code >= 0xFE70 && code <= 0xFEFC) || (code >= 0x10800 && code <= 0x10FFF) ||

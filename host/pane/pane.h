@@ -50,10 +50,10 @@ class Pane {
     // Sends a request to the handler: "create", "refresh" or "changeDisplayMode". All its queries see the
     // database as it is at one moment; a request without queries waits for no lock. `out` gets what the
     // handler writes. The code is the handler's: FailedTo for an unknown name, Cancelled when the token was
-    // cancelled. Cancelled before it began, it has done nothing and `out` is untouched; cancelled while values
-    // were fetched, a "create" leaves a diagram without some of its labels, for ever (core/factory.h). A query that fails
-    // is reported to `options.messages` and leaves the earlier values in place. Any thread; never called from
-    // within a request of the same pane, or from a watcher.
+    // cancelled. Cancelled before it began, it has done nothing and `out` is untouched; cancelled while
+    // values were fetched, a "create" leaves a diagram without some of its labels, for ever (core/factory.h).
+    // A query that fails is reported to `options.messages` and leaves the earlier values in place. Any
+    // thread; never called from within a request of the same pane, or from a watcher.
     [[nodiscard]] basekit2::error_code_t request(const std::string& name, const basekit2::variant_bag_t& in,
                                                  basekit2::variant_bag_t& out, const RequestOptions& options);
 
