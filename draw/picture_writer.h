@@ -39,17 +39,26 @@ class PictureWriter {
     PictureWriter& operator=(const PictureWriter&) = delete;
     virtual ~PictureWriter() = default;
 
-    // Writes one PNG of at most maxPngPixels pixels, with sides of at most maxPngSide; scales down otherwise.
+    // Writes one PNG of at most maxPngPixels pixels, with sides of at most maxPngSide; scales down otherwise. A
+    // drawing whose texts could not be read then gets at most maxOverviewPixels; one that would be scaled by
+    // less than minPngScale is an error.
     virtual PictureResult writePng(const Scene& scene, const PictureOptions& options, Output& output) = 0;
     // Writes one PDF page of the drawing's size at 96 pixels per inch, scaled down when a side exceeds
-    // maxPdfSide, because readers do not show larger pages. Its text can be selected and searched. The same
-    // scene gives the same bytes on one machine.
+    // maxPdfSide, because readers do not show larger pages. Its text can be selected and searched. A drawing that
+    // would be scaled by less than minPdfScale is an error. The same scene gives the same bytes on one machine.
     virtual PictureResult writePdf(const Scene& scene, const PictureOptions& options, Output& output) = 0;
 };
 
 inline constexpr double maxPngPixels = 50e6;  // width times height, about 200 MB while it is painted
 inline constexpr double maxPngSide = 32000;   // pixels
 inline constexpr double maxPdfSide = 14400;   // points, 1/72 inch
+// Below this, letters are three pixels high or less.
+inline constexpr double minReadableScale = 0.25;
+// Of a PNG that had to be scaled down further than that: it only shows the shape of the drawing.
+inline constexpr double maxOverviewPixels = 12e6;
+inline constexpr double minPngScale = 0.01;  // boxes are one or two pixels wide
+// Readers enlarge 64 times at most, and then a text cannot be read either.
+inline constexpr double minPdfScale = minReadableScale / 64;
 
 // Loads the library that holds the writer and returns the writer. The library stays loaded
 // and owns the writer; further calls return the same one. Null when it cannot be loaded;

@@ -3,7 +3,9 @@
 #include <cairo.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstdio>
 #include <memory>
 #include <string>
 
@@ -41,6 +43,25 @@ PictureResult failure(cairo_status_t status) {
     return result;
 }
 
+// The largest scale that keeps a PNG within its limits. They bound memory, which is four bytes for each pixel, and time.
+double pngScale(double width, double height, double wanted) {
+    const auto fitting = [&](double pixels) { return std::sqrt(pixels / width / height); };
+    const double fit = std::min({maxPngSide / width, maxPngSide / height, fitting(maxPngPixels)});
+    if (wanted <= fit) return wanted;
+    return fit < minReadableScale ? std::min(fit, fitting(maxOverviewPixels)) : fit;
+}
+
+PictureResult tooLarge(double width, double height, double scale) {
+    std::array<char, 160> text{};
+    (void)std::snprintf(text.data(), text.size(),
+                        "the drawing is %.0f by %.0f: it would be scaled by %.2g and could not be read; "
+                        "svg has no limit",
+                        width, height, scale);
+    PictureResult result;
+    result.error = text.data();
+    return result;
+}
+
 // The title for the PDF's metadata, limited in length. A PDF with text that is not valid cannot be finished.
 std::string titleOf(const Scene& scene) {
     constexpr std::size_t maxBytes = 200;
@@ -55,16 +76,15 @@ class CairoWriter final : public PictureWriter {
         const double width = std::ceil(scene.size.width);
         const double height = std::ceil(scene.size.height);
         PictureResult result;
-        // The limits bound memory: an image has four bytes for each pixel.
-        result.scale = std::min({options.scale, maxPngSide / width, maxPngSide / height,
-                                 std::sqrt(maxPngPixels / width / height)});
+        result.scale = pngScale(width, height, options.scale);
+        if (result.scale < std::min(minPngScale, options.scale)) return tooLarge(width, height, result.scale);
         const auto pixels = [&](double length) {
             return std::max(1, static_cast<int>(std::lround(length * result.scale)));
         };
         const Surface surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, pixels(width), pixels(height)));
         const Context cairo(cairo_create(surface.get()));
         cairo_scale(cairo.get(), result.scale, result.scale);
-        if (!paintScene(cairo.get(), scene, options, result.missingCharacters)) return {};
+        if (!paintScene(cairo.get(), scene, options, result)) return {};
         if (const auto status = cairo_status(cairo.get()); status != CAIRO_STATUS_SUCCESS)
             return failure(status);
         const auto status = cairo_surface_write_to_png_stream(surface.get(), handOn, &output);
@@ -78,6 +98,8 @@ class CairoWriter final : public PictureWriter {
         const double height = std::ceil(scene.size.height) * pointsPerPixel;
         PictureResult result;
         result.scale = std::min({1.0, maxPdfSide / width, maxPdfSide / height});
+        if (result.scale < minPdfScale)
+            return tooLarge(std::ceil(scene.size.width), std::ceil(scene.size.height), result.scale);
         const Surface surface(cairo_pdf_surface_create_for_stream(handOn, &output, width * result.scale,
                                                                   height * result.scale));
         const std::string title = titleOf(scene);
@@ -86,7 +108,7 @@ class CairoWriter final : public PictureWriter {
         cairo_pdf_surface_set_metadata(surface.get(), CAIRO_PDF_METADATA_CREATE_DATE, "1970-01-01T00:00:00Z");
         const Context cairo(cairo_create(surface.get()));
         cairo_scale(cairo.get(), pointsPerPixel * result.scale, pointsPerPixel * result.scale);
-        const bool isPainted = paintScene(cairo.get(), scene, options, result.missingCharacters);
+        const bool isPainted = paintScene(cairo.get(), scene, options, result);
         cairo_show_page(cairo.get());
         // Finished before the status is read: the last bytes are written now.
         cairo_surface_finish(surface.get());

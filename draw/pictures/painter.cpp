@@ -79,8 +79,8 @@ class InnerBoxes {
 // Draws elements in the order of the scene: what comes later is on top.
 class Painter {
   public:
-    Painter(cairo_t* cairo, const Palette& palette, const Scene& scene)
-        : m_cairo(cairo), m_palette(palette), m_innerBoxes(scene), m_text(cairo, palette) {}
+    Painter(cairo_t* cairo, const Palette& palette, const Scene& scene, double scale)
+        : m_cairo(cairo), m_palette(palette), m_innerBoxes(scene), m_text(cairo, palette, scale) {}
 
     void paint(const Scene& scene, const Element& element) {
         for (std::uint32_t i = 0; i < element.boxes.count; ++i)
@@ -171,7 +171,7 @@ void setColor(cairo_t* cairo, const Palette& palette, ColorRole color) {
     cairo_set_source_rgb(cairo, colour.red / 255.0, colour.green / 255.0, colour.blue / 255.0);
 }
 
-bool paintScene(cairo_t* cairo, const Scene& scene, const PictureOptions& options, std::size_t& missing) {
+bool paintScene(cairo_t* cairo, const Scene& scene, const PictureOptions& options, PictureResult& result) {
     const Palette& palette = options.theme == Theme::dark ? darkPalette() : lightPalette();
     setColor(cairo, palette, ColorRole::ground);
     // The ground covers everything: pictures are not transparent.
@@ -179,12 +179,12 @@ bool paintScene(cairo_t* cairo, const Scene& scene, const PictureOptions& option
     cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
     // For the holes of Painter::cutOut().
     cairo_set_fill_rule(cairo, CAIRO_FILL_RULE_EVEN_ODD);
-    Painter painter(cairo, palette, scene);
+    Painter painter(cairo, palette, scene, result.scale);
     for (const Element& element : scene.elements) {
         if (options.cancel.isCancelled()) return false;
         painter.paint(scene, element);
     }
-    missing = painter.missing();
+    result.missingCharacters = painter.missing();
     return true;
 }
 

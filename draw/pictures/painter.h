@@ -9,10 +9,11 @@
 
 namespace tessera_draw {
 
-// Paints the whole scene with its background, in the scene's coordinates: the caller has scaled the surface.
-// Sets `missing` to the number of characters that no font has. Returns false when cancelled; the surface then
-// holds a part of the scene. Errors of cairo stay in the context, where the caller checks them.
-bool paintScene(cairo_t* cairo, const Scene& scene, const PictureOptions& options, std::size_t& missing);
+// Paints the whole scene with its background, in the scene's coordinates: the caller has scaled the surface,
+// and says in `result` by how much. Sets the number of characters that no font has. Returns false when
+// cancelled; the surface then holds a part of the scene. Errors of cairo stay in the context, where the caller
+// checks them.
+bool paintScene(cairo_t* cairo, const Scene& scene, const PictureOptions& options, PictureResult& result);
 
 // Makes the palette's colour for this role the source of further painting.
 void setColor(cairo_t* cairo, const Palette& palette, ColorRole color);

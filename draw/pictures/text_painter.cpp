@@ -1,12 +1,16 @@
 #include "draw/pictures/text_painter.h"
 
+#include "draw/picture_writer.h"
 #include "draw/pictures/painter.h"
 #include "draw/scene/shapes.h"
 #include "draw/scene/shown_text.h"
 
 namespace tessera_draw {
-TextPainter::TextPainter(cairo_t* cairo, const Palette& palette)
-    : m_cairo(cairo), m_palette(palette), m_layout(pango_cairo_create_layout(cairo)) {
+TextPainter::TextPainter(cairo_t* cairo, const Palette& palette, double scale)
+    : m_cairo(cairo),
+      m_palette(palette),
+      m_hasHalos(scale >= minReadableScale),
+      m_layout(pango_cairo_create_layout(cairo)) {
     // Without hinting, glyphs keep their positions at every scale.
     cairo_font_options_t* options = cairo_font_options_create();
     cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_NONE);
@@ -52,7 +56,7 @@ void TextPainter::paint(const TextShape& text) {
     const Anchor anchor = styleOf(text.role).anchor;
     const double back = anchor == Anchor::start ? 0 : anchor == Anchor::middle ? width / 2 : width;
     cairo_move_to(m_cairo, text.at.x - back, text.at.y);
-    if (text.textHalo != ColorRole::none) {
+    if (m_hasHalos && text.textHalo != ColorRole::none) {
         pango_cairo_layout_line_path(m_cairo, line);
         setColor(m_cairo, m_palette, text.textHalo);
         cairo_set_line_width(m_cairo, textHaloWidth);

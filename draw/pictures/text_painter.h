@@ -16,7 +16,9 @@ namespace tessera_draw {
 // context and palette must outlive this object.
 class TextPainter {
   public:
-    TextPainter(cairo_t* cairo, const Palette& palette);
+    // `scale` is that of the surface. Below minReadableScale texts have no halo: its outlines of all letters
+    // would be most of a picture's data, and show nothing.
+    TextPainter(cairo_t* cairo, const Palette& palette, double scale);
 
     // Paints one text. If the fonts make it wider than its maxWidth, it is shortened with "…".
     void paint(const TextShape& text);
@@ -32,6 +34,7 @@ class TextPainter {
 
     cairo_t* m_cairo;
     const Palette& m_palette;
+    const bool m_hasHalos;
     std::unique_ptr<PangoLayout, Freed> m_layout;
     std::array<std::unique_ptr<PangoFontDescription, Freed>, textRoleCount> m_fonts;
     std::string m_shown;

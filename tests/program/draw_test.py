@@ -40,6 +40,12 @@ DIAGRAM = ('<graph id="d"><node id="g"><node id="a"/><node id="b"/></node><node 
            '</link></display>')
 
 
+def nested(depth):
+    """Returns a document of groups in each other, with one node in the innermost."""
+    opening = ''.join(f'<node id="g{at}" type="group">' for at in range(depth))
+    return document(f'<graph id="d">{opening}<node id="a"/>{"</node>" * depth}</graph>')
+
+
 class Drawing(Case):
     def draw(self, *arguments, text=None, sql=None, name='x.svg'):
         viewpoint = self.write('viewpoint.xml', text or document(DIAGRAM, QUERIES))
@@ -252,6 +258,26 @@ class Png(Drawing):
         self.assertLessEqual(width * height, 51_000_000)
         self.assertLessEqual(max(width, height), 32_000)
 
+    def test_one_that_cannot_be_read_is_small(self):
+        # 40 by 60 for each group: 40,168 by 60,138 in all, whose texts 50 million pixels could not show.
+        viewpoint = self.write('viewpoint.xml', nested(1000))
+        done = self.run_program('render', viewpoint, '--db', self.database(), '-o', self.folder / 'x.png', timeout=20 * program.SLOW)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertRegex(done.stderr, r'scaled by 0\.07\d* to fit into a png')
+        width, height = self.size(self.folder / 'x.png')
+        self.assertAlmostEqual(width * height / 12e6, 1, delta=0.01)
+        self.assertAlmostEqual(height / width, 60138 / 40168, delta=0.01)
+
+    def test_one_that_could_not_show_a_box_is_refused_at_once(self):
+        viewpoint = self.write('viewpoint.xml', nested(20_000))
+        database = self.database()
+        for name in ('x.png', 'x.pdf'):
+            target = self.folder / name
+            if name == 'x.pdf':
+                viewpoint = self.write('viewpoint.xml', nested(100_000))
+            done = self.run_program('render', viewpoint, '--db', database, '-o', target, timeout=20 * program.SLOW)
+            self.assert_clean_failure(done, 3, f'{name[2:]}: the drawing is', 'could not be read; svg has no limit')
+            self.assertFalse(target.exists())
 
     def test_characters_without_a_font_are_reported(self):
         (self.folder / 'fonts').mkdir()
@@ -279,6 +305,14 @@ class Pdf(Drawing):
         first = self.draw(name='x.pdf').read_bytes()
         self.assertTrue(first.startswith(b'%PDF-'))
         self.assertEqual(first, self.draw(name='y.pdf').read_bytes())
+
+    def test_one_that_is_scaled_far_down_has_no_outlines_of_letters(self):
+        # With them it takes 20 MB and 15 s.
+        target = self.folder / 'x.pdf'
+        viewpoint = self.write('viewpoint.xml', nested(20_000))
+        done = self.run_program('render', viewpoint, '--db', self.database(), '-o', target, timeout=20 * program.SLOW)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertLess(target.stat().st_size, 5_000_000)
 
     def test_any_title_and_name_can_be_written(self):
         long = 'x' + 150 * 'ü'  # 301 bytes: the title ends at 200, inside a character
