@@ -26,6 +26,25 @@ set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/${TESSERA_LIB_FROM_BIN}")
 # Otherwise CMake puts an empty entry into the build tree's run path, and an empty entry means the current folder.
 set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
 
+# Programs are linked as position-independent ones.
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES CXX)
+
+# Makes mistakes in memory harder to exploit; tests/program/hardening_test.py checks the result. The sanitizers find such mistakes
+# themselves, and some of these options are in their way.
+function(tessera_harden name)
+  if(TESSERA_SANITIZE)
+    return()
+  endif()
+  target_compile_options(${name} PRIVATE -fstack-protector-strong -fstack-clash-protection
+    # The compiler may come with another level. Without optimisation there is none.
+    "SHELL:$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3>")
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+    target_compile_options(${name} PRIVATE -fcf-protection=full)
+  endif()
+  target_link_options(${name} PRIVATE LINKER:-z,relro,-z,now,-z,noexecstack)
+endfunction()
+
 function(tessera_target name)
   target_compile_features(${name} PUBLIC cxx_std_20)
   target_include_directories(${name} PUBLIC
@@ -41,6 +60,7 @@ function(tessera_target name)
     CXX_VISIBILITY_PRESET hidden
     VISIBILITY_INLINES_HIDDEN ON
     POSITION_INDEPENDENT_CODE ON)
+  tessera_harden(${name})
   if(TESSERA_FUZZ)
     target_compile_options(${name} PRIVATE -fsanitize=fuzzer-no-link)
   endif()
@@ -55,9 +75,11 @@ function(tessera_target name)
 endfunction()
 
 # A library that is loaded on demand. Its file name contains the version, because its interface fits only the program that was
-# built with it.
+# built with it. It exports the functions whose C names begin with "tessera".
 function(tessera_module name)
   add_library(${name} MODULE ${ARGN})
   set_target_properties(${name} PROPERTIES OUTPUT_NAME "${name}-${PROJECT_VERSION}" INSTALL_RPATH "$ORIGIN")
   tessera_target(${name})
+  target_link_options(${name} PRIVATE "LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/module_exports.map")
+  set_target_properties(${name} PROPERTIES LINK_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/module_exports.map")
 endfunction()
