@@ -2,7 +2,7 @@
 # Everything that has to pass. Asks no questions, runs from any folder, needs neither git nor root when the packages are there.
 #
 #   ./scripts/test.sh              the optimised build, all tests, an installation used by another build: 8 minutes at most
-#   ./scripts/test.sh --all        that, then sanitizers, a minute of fuzzing, headers alone, clang-tidy on what changed
+#   ./scripts/test.sh --all        that, then sanitizers, half a minute of each fuzzer, headers alone, clang-tidy on what changed
 #   ./scripts/test.sh --nightly    as --all, with clang-tidy on everything
 #   ./scripts/test.sh NAME         the tests whose name contains NAME, as in "sqlite", "Viewpoint" or "program.check"
 #
@@ -70,7 +70,7 @@ if [ "${groups[-1]}" != all ]; then exit; fi
 
 step "Address, leak and undefined-behaviour sanitizers: build"
 build asan-ubsan
-step "Address, leak and undefined-behaviour sanitizers: tests, and a minute of fuzzing"
+step "Address, leak and undefined-behaviour sanitizers: tests, and half a minute of each fuzzer"
 check asan-ubsan
 
 # Kernels that scatter a program widely in memory leave the thread sanitizer no space for its own.

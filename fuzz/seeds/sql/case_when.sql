@@ -1,0 +1,3 @@
+CASE WHEN count(*) > 1 THEN total(a) ELSE avg(a) END
+%%
+b LIKE 'x%' ESCAPE '!'

@@ -1,0 +1,3 @@
+sum(a)
+%%
+1 GROUP BY b HAVING 1

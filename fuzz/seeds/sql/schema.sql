@@ -1,0 +1,1 @@
+(SELECT group_concat(sql) FROM sqlite_master)

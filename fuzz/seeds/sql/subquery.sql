@@ -1,0 +1,1 @@
+(SELECT max(n) FROM v WHERE v.a = min(t.a))

@@ -1,0 +1,5 @@
+COUNT(DISTINCT b)
+%%
+a > 1 AND b IS NOT NULL
+%%
+b <> 'z'
