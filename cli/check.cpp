@@ -95,7 +95,8 @@ int check(const Options& options) {
     const tessera_host::Filters filters = filtersOf(viewpoint, options);
     // Without a result, the SQL is checked as for the first engine.
     const std::vector<Problem> sqlProblems =
-        result ? tessera_host::checkAgainstResult(*result, declarations, filters, interruptToken())
+        result ? tessera_host::checkAgainstResult(*result, declarations, filters,
+                                                  {interruptToken(), queryLimitsOf(options)})
                : tessera_host::checkWithoutResult(EngineRegistry::builtIn().engines().front(), declarations,
                                                   filters, interruptToken());
     const auto problems = tessera_host::checkDocument(viewpoint, sqlProblems, interruptToken());

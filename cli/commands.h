@@ -37,6 +37,9 @@ struct Input {
 [[nodiscard]] tessera_host::Filters filtersOf(const tessera_host::Viewpoint& viewpoint,
                                               const Options& options);
 
+// How much the queries may use.
+[[nodiscard]] tessera_host::QueryLimits queryLimitsOf(const Options& options);
+
 // A pane on the input. `watcher` may be null and otherwise outlives the pane.
 [[nodiscard]] std::unique_ptr<tessera_host::Pane> makePane(const Input& input, const Options& options,
                                                            tessera_1::ILayoutWatcher* watcher = nullptr);

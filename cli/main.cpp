@@ -1,4 +1,5 @@
 #include <new>
+#include <optional>
 #include <stdexcept>
 
 #include "cli/command_table.h"
@@ -31,11 +32,12 @@ int run(const Options& options) {
 int main(int argc, char** argv) try {
     fillStandardDescriptors();
     installInterruptHandler();
-    const auto options = parseCommandLine(argc, argv);
-    if (!options) return reportCommandLine(options.error());
+    const auto parsed = parseCommandLine(argc, argv);
+    if (!parsed) return reportCommandLine(parsed.error());
+    const std::optional<Options>& options = *parsed;
     // Help or the version was printed.
-    if (!*options) return exitDone;
-    const int exitStatus = run(**options);
+    if (!options) return exitDone;
+    const int exitStatus = run(*options);
     closeLog();
     if (exitStatus == exitInterrupted) printMessageWithoutWaiting("interrupted");
     return exitStatus;

@@ -56,6 +56,7 @@ std::vector<std::string> listOf(const Names& names) {
 template <class Table>
 std::vector<std::string> namesOf(const Table& table) {
     std::vector<std::string> names;
+    names.reserve(table.size());
     for (const auto& entry : table)
         names.emplace_back(entry.name);
     return names;
@@ -101,6 +102,19 @@ void addCommon(CLI::App& command, RawOptions& raw) {
             // The comparisons below are false for "nan", which is a number to the conversion.
             const bool isNumber = CLI::detail::lexical_cast(text, seconds);
             return isNumber && seconds >= 0.001 && seconds <= 1e9 ? "" : text + " is not from 0.001 to 1e9";
+        });
+    command
+        .add_option(
+            "--max-memory", options.maxMemory,
+            "The most memory for the values and queries of a request, such as 512M or 4G (default 1G)")
+        ->type_name("SIZE")
+        ->transform(CLI::AsSizeValue(false))
+        ->check([](const std::string& text) {
+            std::uint64_t bytes = 0;
+            const bool isNumber = CLI::detail::lexical_cast(text, bytes);
+            return isNumber && bytes >= (1U << 20U) && bytes <= (std::uint64_t{1} << 50U)
+                       ? ""
+                       : text + " bytes are not from 1M to 1024T";
         });
 }
 

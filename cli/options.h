@@ -1,11 +1,13 @@
 // The command line of the program.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
 
 #include "core/layout_options.h"
+#include "host/engine/result.h"
 #include "host/error.h"
 
 namespace tessera_cli {
@@ -26,6 +28,7 @@ struct Options {
     std::string logConfig;
     std::string logLevel;
     double queryTimeout = 600;  // seconds
+    std::uint64_t maxMemory = tessera_host::QueryLimits().memory;
     bool acyclic = false;
     bool fix = false;
     tessera_1::LayoutLimits limits{5'000'000, std::size_t{1} << 30U};

@@ -94,10 +94,14 @@ tessera_host::Filters filtersOf(const Viewpoint& viewpoint, const Options& optio
     return filters;
 }
 
+tessera_host::QueryLimits queryLimitsOf(const Options& options) {
+    return {std::chrono::milliseconds(static_cast<std::int64_t>(options.queryTimeout * 1000)),
+            options.maxMemory};
+}
+
 std::unique_ptr<tessera_host::Pane> makePane(const Input& input, const Options& options,
                                              tessera_1::ILayoutWatcher* watcher) {
-    const std::chrono::milliseconds time(static_cast<std::int64_t>(options.queryTimeout * 1000));
-    const tessera_host::PaneOptions settings{{time}, {options.limits, watcher}};
+    const tessera_host::PaneOptions settings{queryLimitsOf(options), {options.limits, watcher}};
     return std::make_unique<tessera_host::Pane>(input.viewpoint, input.result,
                                                 filtersOf(*input.viewpoint, options), settings);
 }

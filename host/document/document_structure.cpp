@@ -128,7 +128,7 @@ class DocumentReader {
         const Index link = m_out.findLink(id).value_or(none);
         // Entries of one link share their labels: a later label replaces the earlier one at its place only.
         // Labels of an entry that reaches no link replace just each other.
-        Labels own = noLabels;
+        Labels own = noLabels;  // NOLINT(misc-const-correctness): the reference below changes it
         Labels& last = link == none ? own : m_labelsOfLink.try_emplace(link, noLabels).first->second;
         const Index begin = m_out.m_labels.size();
         forEachChild(element, [&](std::string_view name, const variant_bag_t& label) {

@@ -31,14 +31,14 @@ std::vector<Problem> collect(const Declarations& declarations, const Filters& fi
 }  // namespace
 
 std::vector<Problem> checkAgainstResult(IResult& result, const Declarations& declarations,
-                                        const Filters& filters, const CancelToken& cancel) {
-    auto begun = result.begin({cancel, {}});
+                                        const Filters& filters, const RunOptions& options) {
+    auto begun = result.begin(options);
     if (!begun) return {{{}, begun.error().text}};
     ISnapshot& snapshot = **begun;
     return collect(
-        declarations, filters, cancel,
+        declarations, filters, options.cancel,
         [&](const NamedFilter& filter) { return snapshot.checkFilter(filter); },
-        [&](const Selection& selection) { return snapshot.check(selection); });
+        [&](const Selection& selection) { return snapshot.check(selection, options); });
 }
 
 std::vector<Problem> checkWithoutResult(const Engine& engine, const Declarations& declarations,

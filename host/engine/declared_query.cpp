@@ -20,6 +20,13 @@ bool isCancelled(const CellText& text) {
 
 }  // namespace
 
+Error tooManyValues(const ValueBudget& budget) {
+    constexpr CellFormat binary{CellFormat::Kind::binary, 3};
+    return {ErrorKind::failed, "the values of this request need more than " +
+                                   formatCell(static_cast<std::int64_t>(budget.limit()), binary, "B") +
+                                   " of memory, half of what a request may take"};
+}
+
 const CellText& DeclaredQuery::value(const ReferenceQuery& reference, const RunPlace& place) {
     if (place.snapshotNumber != m_snapshotNumber) startSnapshot(place.snapshotNumber);
     const auto known = m_values.find(reference.keyText());
@@ -34,13 +41,22 @@ const CellText& DeclaredQuery::value(const ReferenceQuery& reference, const RunP
     CellText text = queryOne(reference, place);
     // Not remembered as the value: the next request tries again.
     if (isCancelled(text)) return m_cancelled.emplace(std::move(text));
-    return m_values.emplace(reference.keyText(), std::move(text)).first->second;
+    return remember(reference.keyText(), std::move(text), place.budget);
+}
+
+const CellText& DeclaredQuery::remember(const KeyText& name, CellText text, ValueBudget& budget) {
+    if (text && !budget.takeValue(text->size())) {
+        m_isTooLarge = true;
+        text = tooManyValues(budget);
+    }
+    return m_values.emplace(name, std::move(text)).first->second;
 }
 
 void DeclaredQuery::startSnapshot(std::uint64_t snapshotNumber) {
     m_snapshotNumber = snapshotNumber;
     m_values.clear();
     m_isGroupingTried = false;
+    m_isTooLarge = false;
     m_singleRuns = 0;
     m_singleWork = 0;
 }
@@ -71,11 +87,12 @@ Expected<void> DeclaredQuery::queryTogether(const ReferenceQuery& reference, con
     if (!values) return std::move(values).error();
     m_values.reserve(m_values.size() + names.size());
     for (std::size_t i = 0; i < names.size(); ++i)
-        if (const auto& value = (*values)[i]) m_values.emplace(*names[i], textOf(*value));
+        if (const auto& value = (*values)[i]) remember(*names[i], textOf(*value), place.budget);
     return {};
 }
 
 CellText DeclaredQuery::queryOne(const ReferenceQuery& reference, const RunPlace& place) {
+    if (m_isTooLarge) return tooManyValues(place.budget);
     auto answer = place.snapshot.answer({&m_selection, &reference.keys()}, place.options);
     if (!answer) return std::move(answer).error();
     ++m_singleRuns;

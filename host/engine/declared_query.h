@@ -8,17 +8,22 @@
 
 #include "host/engine/reference_query.h"
 #include "host/engine/result.h"
+#include "host/engine/value_budget.h"
 
 namespace tessera_host {
 
 // The text of a cell, or why there is none.
 using CellText = Expected<std::string>;
 
+// The error of a query whose values are too much.
+[[nodiscard]] Error tooManyValues(const ValueBudget& budget);
+
 // Where and how a query is run: in the snapshot of this number.
 struct RunPlace {
     ISnapshot& snapshot;
     std::uint64_t snapshotNumber;
     const RunOptions& options;
+    ValueBudget& budget;
 };
 
 // Used by one thread at a time. Equal references are queried once a snapshot.
@@ -43,6 +48,7 @@ class DeclaredQuery {
     [[nodiscard]] bool isWorthGrouping(const ReferenceQuery& reference, std::uint64_t& cost) const;
     [[nodiscard]] Expected<void> queryTogether(const ReferenceQuery& reference, const RunPlace& place,
                                                std::uint64_t maxWork);
+    const CellText& remember(const KeyText& name, CellText text, ValueBudget& budget);
     [[nodiscard]] CellText queryOne(const ReferenceQuery& reference, const RunPlace& place);
     [[nodiscard]] std::string textOf(const CellValue& value) const;
 
@@ -54,6 +60,7 @@ class DeclaredQuery {
     std::uint64_t m_snapshotNumber = 0;
     std::unordered_map<KeyText, CellText> m_values;
     bool m_isGroupingTried = false;
+    bool m_isTooLarge = false;  // a value exceeded the budget; the query is not run again
     std::uint64_t m_singleRuns = 0;
     std::uint64_t m_singleWork = 0;
     std::optional<CellText> m_cancelled;

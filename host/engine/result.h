@@ -23,10 +23,13 @@ namespace tessera_host {
 using tessera_support::CancelSource;
 using tessera_support::CancelToken;
 
-// How much one statement may use. A statement that reaches a limit fails with an error that names the limit.
-// A limit of another kind is a further member, with a default that means none.
+// How much may be used. What reaches a limit fails with an error that names it; all else stays as it is.
 struct QueryLimits {
-    std::chrono::milliseconds time{600'000};  // from the start of the statement
+    // For one call of a snapshot, the compiling of its statements included.
+    std::chrono::milliseconds time{600'000};
+    // Bytes. A request may take half of them for its values, a call of a snapshot the other half inside of the
+    // database, and as many as all for temporary files.
+    std::uint64_t memory = std::uint64_t{1} << 30U;
 };
 
 // Given with each call that may take long. Calls of one snapshot may have different options.
@@ -86,9 +89,11 @@ class ISnapshot {
     // An error when the filter cannot stand in any statement, whatever the table; its text is a clause for
     // people that names the filter. Nothing is run.
     [[nodiscard]] virtual Expected<void> checkFilter(const NamedFilter& filter) = 0;
-    // Everything that the engine rejects in the selection, as clauses for people; nothing is run. REQUIRES:
+    // Everything that the engine rejects in the selection, as clauses for people; nothing is run. When a limit
+    // is reached, that is the last one; when the call is cancelled, the list ends early. REQUIRES:
     // checkFilter() accepts each of its filters.
-    [[nodiscard]] virtual std::vector<std::string> check(const Selection& selection) = 0;
+    [[nodiscard]] virtual std::vector<std::string> check(const Selection& selection,
+                                                         const RunOptions& options) = 0;
 
     // The statements that could answer the questions; nothing is run. A selection that is not acceptable is
     // an error.

@@ -30,6 +30,7 @@ class TableTreeEngine final : public basekit2::ref_counted_t<slicekit_1_0::ITabl
           m_filters(std::move(filters)),
           m_messenger(messenger),
           m_limits(limits),
+          m_budget(limits.memory),
           m_runner(std::move(declarations)) {}
 
     sptr_t<basekit2::IObject> queryInterface(basekit2::type_id_t id) override {
@@ -53,8 +54,8 @@ class TableTreeEngine final : public basekit2::ref_counted_t<slicekit_1_0::ITabl
     const std::shared_ptr<SnapshotSource> m_source;
     const sptr_t<FilterRegistry> m_filters;
     relay2::IMessenger* const m_messenger;
-    // They hold for each statement of a request, not for the request as a whole.
     const QueryLimits m_limits;
+    ValueBudget m_budget;
     QueryRunner m_runner;
     std::uint64_t m_reportedSnapshot = 0;
 };
@@ -70,7 +71,9 @@ error_code_t TableTreeEngine::run(const slicekit_1_0::table_tree_request_t& requ
     const SnapshotUse use(*m_source, options);
     if (const auto state = use.state(); !state) return failSnapshot(state.error());
     std::vector<std::string> cells;
-    const error_code_t error = fillCells(request, {use.snapshot(), m_source->number(), options}, cells);
+    m_budget.startSnapshot(m_source->number());
+    const RunPlace place{use.snapshot(), m_source->number(), options, m_budget};
+    const error_code_t error = fillCells(request, place, cells);
     if (!error.is_success()) return error;
     tree = makeTotalTree(request.columns, std::move(cells));
     return {};
@@ -105,6 +108,8 @@ error_code_t TableTreeEngine::fillCells(const slicekit_1_0::table_tree_request_t
         DeclaredQuery& query = m_runner.queryFor(*reference);
         const CellText& text = query.value(*reference, place);
         if (!text) return failQuery(reference->declaration(), query, text.error());
+        if (!m_budget.takeCell(text->size()))
+            return failQuery(reference->declaration(), query, tooManyValues(m_budget));
         cells.push_back(*text);
     }
     return {};

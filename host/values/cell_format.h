@@ -1,6 +1,7 @@
 // How the values of a query are written for people.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -11,6 +12,12 @@ namespace tessera_host {
 
 // What a query yields: NULL, an integer, a real, or text (any bytes).
 using CellValue = std::variant<std::monostate, std::int64_t, double, std::string>;
+
+// The bytes of its text; 0 for a value of another kind.
+[[nodiscard]] inline std::size_t sizeOf(const CellValue& value) noexcept {
+    const auto* text = std::get_if<std::string>(&value);
+    return text == nullptr ? 0 : text->size();
+}
 
 // The form of numbers, written NAME or NAME:N with N from 0 to 17:
 //   plain       as they stand; takes no N

@@ -29,7 +29,7 @@ class Tables(Case):
 
     def test_subcommands_have_the_options_of_their_groups(self):
         options = {name: set(re.findall(r'--[a-z-]+', self.help(name))) for name in ('render', 'session', 'check')}
-        common = {'--help', '--filter', '--locale', '--catalogs', '--log-config', '--log-level', '--query-timeout', '--db'}
+        common = {'--help', '--filter', '--locale', '--catalogs', '--log-config', '--log-level', '--query-timeout', '--max-memory', '--db'}
         layout = {'--acyclic', '--max-elements', '--max-id-bytes'}
         self.assertEqual(options['check'] - {'--version'}, common | {'--fix', '--output'})
         self.assertEqual(options['session'] - {'--version'}, common | layout)

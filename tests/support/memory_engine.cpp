@@ -58,7 +58,7 @@ class Snapshot final : public ISnapshot {
         return failed("filter \"" + filter.name + "\" is not \"COLUMN = NUMBER\"");
     }
 
-    std::vector<std::string> check(const Selection& selection) override {
+    std::vector<std::string> check(const Selection& selection, const RunOptions& /*options*/) override {
         const auto table = tableOf(selection);
         if (!table) return {table.error().text};
         const auto words = wordsOf(selection.expression);

@@ -127,7 +127,7 @@ TEST_F(SqliteCancel, CountingRowsCanBeStopped) {
     Connection& connection = Pane::connection(snapshot);
     auto explain = connection.prepare(sql, false);
     ASSERT_TRUE(explain) << explain.error().text;
-    StatementRun run(connection, *explain, {});
+    StatementRun run(connection, *explain);
     auto hasRow = run.step();
     for (; hasRow && *hasRow; hasRow = run.step())
         EXPECT_NE(run.columnText(1), "Count");

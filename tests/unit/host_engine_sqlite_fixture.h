@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -133,10 +134,11 @@ class Progress : private OwnSource, public TokenProgress {
     std::jthread m_timer;
 };
 
-// How long to wait for a lock, and how long a statement may run.
+// How long to wait for a lock, and how much queries may use.
 struct Settings {
     std::chrono::milliseconds busy{5'000};
     std::chrono::milliseconds query{600'000};
+    std::uint64_t memory = QueryLimits().memory;
 };
 
 using Attributes = std::vector<std::pair<std::string, std::string>>;
@@ -251,7 +253,7 @@ class Pane {
         m_declarations = Declarations::read(m_document);
         m_library = basekit2::make_counted<QueryLibrary>(m_declarations);
         m_inputData = basekit2::make_counted<InputData>(m_source, m_declarations, m_filters, &messenger,
-                                                        QueryLimits{m_settings.query});
+                                                        QueryLimits{m_settings.query, m_settings.memory});
     }
 
     const std::string m_path;

@@ -268,8 +268,7 @@ TEST_F(SqliteGrouping, AnotherOrderOfTheRowsIsNoticed) {
         .query("Other", "u", "SUM(x)", {{"key", "k l"}});
     const SnapshotUse snapshot(pane.source(), {});
     const auto isSameOrder = [&](std::size_t query) {
-        return hasSameOrder(Pane::connection(snapshot), Selection(pane.declarations().queries()[query], {}),
-                            {});
+        return hasSameOrder(Pane::connection(snapshot), Selection(pane.declarations().queries()[query], {}));
     };
     EXPECT_TRUE(isSameOrder(0));   // both by the index
     EXPECT_TRUE(isSameOrder(1));   // both by row number

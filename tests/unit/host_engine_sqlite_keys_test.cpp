@@ -120,7 +120,7 @@ TEST_F(SqliteKeys, IndexesAreUsed) {
     const SnapshotUse snapshot(pane.source(), {});
     const auto plan = [&](std::size_t query, KeyMatch match) {
         const std::string sql = singleSql(Selection(pane.declarations().queries()[query], {}), match);
-        const auto lines = queryPlan(Pane::connection(snapshot), sql, false, {});
+        const auto lines = queryPlan(Pane::connection(snapshot), sql, false);
         EXPECT_TRUE(lines);
         EXPECT_EQ(lines->size(), 1U);
         return lines->front();

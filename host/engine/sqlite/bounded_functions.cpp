@@ -7,6 +7,11 @@
 #include <string_view>
 #include <unordered_set>
 
+#include "host/engine/sqlite/json_group_functions.h"
+#include "host/engine/sqlite/limit_enforcer.h"
+#include "host/engine/sqlite/pattern_functions.h"
+#include "host/engine/sqlite/printf_function.h"
+
 namespace tessera_host {
 namespace {
 
@@ -43,6 +48,14 @@ std::size_t findPart(std::string_view text, std::string_view part, std::size_t f
                  : std::string_view::npos;
 }
 
+// True, with an error for the statement, when the request is to end.
+bool mustEnd(sqlite3_context* context, std::string_view text, std::string_view part) {
+    LimitEnforcer* const enforcer = LimitEnforcer::current();
+    if (enforcer == nullptr || !enforcer->isDueAfter(text.size() + part.size())) return false;
+    sqlite3_result_error(context, "it was stopped", -1);
+    return true;
+}
+
 void returnText(sqlite3_context* context, std::string_view text) {
     sqlite3_result_text64(context, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
 }
@@ -62,6 +75,7 @@ void instr(sqlite3_context* context, int, sqlite3_value** arguments) {
     const std::string_view text = areBlobs ? blobOf(arguments[0]) : textOf(arguments[0]);
     const std::string_view part = areBlobs ? blobOf(arguments[1]) : textOf(arguments[1]);
     if (part.empty()) return sqlite3_result_int(context, 1);
+    if (mustEnd(context, text, part)) return;
     const std::size_t at = areBlobs ? findPart(text, part, 0) : findCharacters(text, part);
     if (at == std::string_view::npos) return sqlite3_result_int(context, 0);
     const std::string_view before = text.substr(0, at).substr(at > 0 ? 1 : 0);
@@ -75,7 +89,7 @@ void replace(sqlite3_context* context, int, sqlite3_value** arguments) {
     const std::string_view text = textOf(arguments[0]);
     const std::string_view part = textOf(arguments[1]);
     if (part.empty() || part.front() == '\0') return sqlite3_result_value(context, arguments[0]);
-    if (isNull(arguments[2])) return;
+    if (isNull(arguments[2]) || mustEnd(context, text, part)) return;
     const std::string_view replacement = textOf(arguments[2]);
     const auto limit =
         static_cast<std::size_t>(sqlite3_limit(sqlite3_context_db_handle(context), SQLITE_LIMIT_LENGTH, -1));
@@ -119,6 +133,7 @@ template <bool left, bool right>
 void trim(sqlite3_context* context, int, sqlite3_value** arguments) {
     if (isNull(arguments[0]) || isNull(arguments[1])) return;
     std::string_view text = textOf(arguments[0]);
+    if (mustEnd(context, text, textOf(arguments[1]))) return;
     const CharacterSet set(textOf(arguments[1]));
     std::size_t size = 0;
     while (left && (size = set.match(text, false)) > 0)
@@ -166,8 +181,12 @@ int registerBoundedFunctions(sqlite3* database) {
                                                     nullptr, function.call, nullptr, nullptr, nullptr);
         if (code != SQLITE_OK) return code;
     }
-    return sqlite3_create_window_function(database, "count", 0, flags, nullptr, countStep, countValue,
-                                          countValue, countInverse, nullptr);
+    const int code = sqlite3_create_window_function(database, "count", 0, flags, nullptr, countStep,
+                                                    countValue, countValue, countInverse, nullptr);
+    if (code != SQLITE_OK) return code;
+    for (int (*const add)(sqlite3*) : {registerPatterns, registerPrintf, registerJsonGroups})
+        if (const int added = add(database); added != SQLITE_OK) return added;
+    return SQLITE_OK;
 }
 
 }  // namespace tessera_host

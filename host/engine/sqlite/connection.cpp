@@ -1,5 +1,8 @@
 #include "host/engine/sqlite/connection.h"
 
+#include <log4cplus/logger.h>
+#include <log4cplus/loggingmacros.h>
+
 #include <initializer_list>
 #include <utility>
 #include <vector>
@@ -7,7 +10,9 @@
 #include "host/engine/sqlite/bounded_functions.h"
 #include "host/engine/sqlite/database_file.h"
 #include "host/engine/sqlite/error_text.h"
+#include "host/engine/sqlite/heap.h"
 #include "host/engine/sqlite/query_sql.h"
+#include "host/engine/sqlite/temporary_files.h"
 #include "host/values/cell_format.h"
 
 namespace tessera_host {
@@ -18,13 +23,13 @@ struct Setting {
     int value;
 };
 
-// Enough for any honest query. Each keeps a hostile one from using up memory, or time where a running
-// statement does not check its limits: comparing a text with a pattern takes time in proportion to both
-// lengths, in one step.
+// Enough for any honest query. Each keeps a hostile one from using up memory, or time where a statement does not
+// check its limits: finding equal aggregates takes time in proportion to the square of their number, and a long
+// row of calls, each with a long text, has no loop in which it could be interrupted.
 constexpr std::initializer_list<Setting> limits{
-    {SQLITE_LIMIT_LENGTH, 500'000},          {SQLITE_LIMIT_SQL_LENGTH, 500'000},
+    {SQLITE_LIMIT_LENGTH, 500'000},          {SQLITE_LIMIT_SQL_LENGTH, 100'000},
     {SQLITE_LIMIT_EXPR_DEPTH, 1'000},        {SQLITE_LIMIT_COMPOUND_SELECT, 100},
-    {SQLITE_LIMIT_VDBE_OP, 1'000'000},       {SQLITE_LIMIT_ATTACHED, 0},
+    {SQLITE_LIMIT_VDBE_OP, 50'000},          {SQLITE_LIMIT_ATTACHED, 0},
     {SQLITE_LIMIT_LIKE_PATTERN_LENGTH, 100}, {SQLITE_LIMIT_WORKER_THREADS, 0},
 };
 
@@ -51,12 +56,19 @@ std::string secondsText(std::chrono::milliseconds time) {
     return formatCell(static_cast<double>(time.count()) / 1000, CellFormat(), "s");
 }
 
+std::string bytesText(std::uint64_t bytes) {
+    return formatCell(static_cast<std::int64_t>(bytes), {CellFormat::Kind::binary, 3}, "B");
+}
+
 }  // namespace
 
 Expected<std::unique_ptr<Connection>> Connection::open(const std::string& path,
                                                        std::chrono::milliseconds lockWait,
                                                        const RunOptions& options) {
     if (auto checked = checkDatabaseFile(path); !checked) return std::move(checked).error();
+    if (!isHeapBounded())
+        LOG4CPLUS_WARN(log4cplus::Logger::getInstance("tessera.host"),
+                       "SQLite was used before it could be given a limit on memory");
     std::unique_ptr<Connection> connection(new Connection(lockWait));
     auto started = connection->start(path, Access::locked, options);
     if (!started && connection->isLost() && isSettledInClosedFolder(path)) {
@@ -68,6 +80,8 @@ Expected<std::unique_ptr<Connection>> Connection::open(const std::string& path,
 }
 
 Expected<void> Connection::start(const std::string& path, Access access, const RunOptions& options) {
+    // Reading the schema compiles all that it has.
+    const LimitScope limits(m_enforcer, {options});
     int code = openFile(path, access);
     if (code == SQLITE_OK) code = loadBuiltIns();
     if (code != SQLITE_OK) return errorOf(code);
@@ -99,11 +113,12 @@ int Connection::openFile(const std::string& path, Access access) {
     constexpr int flags = SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
     int code = SQLITE_OK;
     if (access == Access::locked) {
-        code = sqlite3_open_v2(literalPath(path).c_str(), &m_database, flags, nullptr);
+        code = sqlite3_open_v2(literalPath(path).c_str(), &m_database, flags, boundedFileSystem());
     } else {
         m_unlockedPath = path;
         m_unlockedState = fileStateOf(path);
-        code = sqlite3_open_v2(immutableUri(path).c_str(), &m_database, flags | SQLITE_OPEN_URI, nullptr);
+        code = sqlite3_open_v2(immutableUri(path).c_str(), &m_database, flags | SQLITE_OPEN_URI,
+                               boundedFileSystem());
     }
     if (code != SQLITE_OK) return code;
     for (const Setting& limit : limits)
@@ -184,15 +199,12 @@ int Connection::beginReading() {
 }
 
 Expected<void> Connection::beginSnapshot(const RunOptions& options) {
-    m_enforcer.arm({options});
+    const LimitScope limits(m_enforcer, {options});
     const int code = beginReading();
-    Expected<void> begun;
-    if (code != SQLITE_OK) {
-        begun = errorOf(code);
-        endSnapshot();
-    }
-    m_enforcer.disarm();
-    return begun;
+    if (code == SQLITE_OK) return {};
+    Error error = errorOf(code);
+    endSnapshot();
+    return error;
 }
 
 void Connection::endSnapshot() noexcept {
@@ -202,22 +214,47 @@ void Connection::endSnapshot() noexcept {
 Expected<Statement> Connection::prepare(const std::string& sql, bool mayRecurse) {
     sqlite3_stmt* statement = nullptr;
     m_authorizer.guard(mayRecurse);
+    m_enforcer.setCompiling(true);
     const int code = sqlite3_prepare_v3(m_database, sql.data(), static_cast<int>(sql.size()),
                                         SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
+    m_enforcer.setCompiling(false);
     Expected<Statement> prepared = Statement(statement, mayRecurse);
     if (code != SQLITE_OK) prepared = errorOf(code);
     m_authorizer.release();
     return prepared;
 }
 
+std::optional<Error> Connection::stopError() const {
+    using Stop = LimitEnforcer::Stop;
+    const QueryLimits& limits = m_enforcer.limits();
+    switch (m_enforcer.stop()) {
+        case Stop::cancelled:
+            return Error{ErrorKind::cancelled, "the request was cancelled"};
+        case Stop::timeout:
+            return Error{ErrorKind::failed, "it was stopped after " + secondsText(limits.time)};
+        case Stop::memory:
+            return Error{ErrorKind::failed, "it was stopped because the database needs more than " +
+                                                bytesText(limits.memory / 2) +
+                                                " of memory for it, half of what a request may take"};
+        case Stop::temporaryFiles:
+            return Error{ErrorKind::failed, "it was stopped because it needs temporary files of more than " +
+                                                bytesText(limits.memory)};
+        case Stop::budget:  // nobody sees this: the questions are asked one by one then
+            return Error{ErrorKind::failed, "it takes too many steps"};
+        case Stop::none:
+            break;
+    }
+    return std::nullopt;
+}
+
 Error Connection::errorOf(int code) {
     if (isLossOfDatabase(code)) m_isLost = true;
-    const LimitEnforcer::Stop stop = m_enforcer.stop();
-    if (stop == LimitEnforcer::Stop::cancelled) return {ErrorKind::cancelled, "the request was cancelled"};
-    if (stop == LimitEnforcer::Stop::timeout)
-        return {ErrorKind::failed, "it was stopped after " + secondsText(m_enforcer.timeLimit())};
+    if (auto stopped = stopError()) return *std::move(stopped);
     if (m_authorizer.isGuarding() && !m_authorizer.refusal().empty())
         return {ErrorKind::failed, m_authorizer.refusal()};
+    // SQLite says the same when a statement becomes too long while it is compiled.
+    if (code == SQLITE_NOMEM && isHeapBounded() && !m_enforcer.isMemoryShort())
+        return {ErrorKind::failed, "it is too long"};
     return {ErrorKind::failed, errorText(m_database, code)};
 }
 

@@ -39,6 +39,11 @@ class Connection {
     // Changes with the tables and views. Statements prepared under another one have to be prepared again.
     [[nodiscard]] std::int64_t schemaVersion() const noexcept { return m_schemaVersion; }
 
+    // Whose limits hold for what is prepared and run: see LimitScope.
+    [[nodiscard]] LimitEnforcer& enforcer() noexcept { return m_enforcer; }
+    // Why everything in the present scope fails from now on; none while no limit is reached.
+    [[nodiscard]] std::optional<Error> stopError() const;
+
     // Prepares SQL made of a document's fragments. `mayRecurse` is the authorizer's. Best inside of a
     // snapshot, so that the schema it sees is the one that the run will see.
     [[nodiscard]] Expected<Statement> prepare(const std::string& sql, bool mayRecurse);

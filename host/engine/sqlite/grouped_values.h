@@ -20,11 +20,13 @@ class GroupedValues {
     [[nodiscard]] static bool canServe(const KeyValues& keys);
 
     // Runs the statement and keeps the groups that the questions name. An error when the limits ended the
-    // run, something failed, or the request was cancelled. REQUIRES: all questions are about `selection`,
-    // which has keys.
+    // run, the values are too large to be kept, something failed, or the request was cancelled. REQUIRES: all
+    // questions are about `selection`, which has keys.
     [[nodiscard]] static Expected<GroupedValues> load(Connection& connection, const Selection& selection,
-                                                      std::span<const Question> questions,
-                                                      const RunLimits& limits);
+                                                      std::span<const Question> questions);
+
+    // The most bytes that the values of one call may have: those that nobody may take are not worth more.
+    [[nodiscard]] static std::uint64_t maxBytes(Connection& connection);
 
     struct Found {
         std::size_t count = 0;             // of groups; several may share a text, as 5 and '5' do
@@ -39,7 +41,8 @@ class GroupedValues {
         CellValue value;
     };
 
-    void insertRow(const StatementRun& run, std::size_t keyCount);
+    // Returns the bytes of the value that was kept.
+    std::uint64_t insertRow(const StatementRun& run, std::size_t keyCount);
 
     std::unordered_map<KeyText, Group> m_groups;  // of all questions, also without rows
 };

@@ -37,6 +37,13 @@ Expected<CellValue> valueOf(StatementRun& run) {
     return run.columnValue(0);
 }
 
+// An error when the call was cancelled; nothing else that failed is one.
+Expected<void> whyCancelled(const Connection& connection) {
+    auto stopped = connection.stopError();
+    if (stopped && stopped->isCancelled()) return *std::move(stopped);
+    return {};
+}
+
 }  // namespace
 
 void PreparedSelection::dropStatements() {
@@ -57,6 +64,7 @@ Expected<void> PreparedSelection::prepareText(Connection& connection) {
     for (const NamedFilter& filter : m_selection.filters)
         if (auto checked = checkFilterText(filter); !checked) return checked;
     auto prepared = connection.prepare(singleSql(m_selection, KeyMatch::text), mayRecurse(m_selection));
+    if (auto stopped = connection.stopError()) return *std::move(stopped);
     if (!prepared) {
         const auto problems = databaseProblems(connection, m_selection);
         return Error{ErrorKind::failed, problems.empty() ? prepared.error().text : problems.front()};
@@ -66,8 +74,7 @@ Expected<void> PreparedSelection::prepareText(Connection& connection) {
     return {};
 }
 
-Expected<Answer> PreparedSelection::answer(Connection& connection, const KeyValues& keys,
-                                           const RunOptions& options) {
+Expected<Answer> PreparedSelection::answer(Connection& connection, const KeyValues& keys) {
     if (const auto& accepted = acceptance(connection); !accepted) return accepted.error();
     const KeyMatch match = matchOf(keys);
     Statement& statement = match == KeyMatch::text ? m_text : m_number;
@@ -77,31 +84,31 @@ Expected<Answer> PreparedSelection::answer(Connection& connection, const KeyValu
         if (!prepared) return std::move(prepared).error();
         statement = *std::move(prepared);
     }
-    StatementRun run(connection, statement, {options});
+    StatementRun run(connection, statement);
     bindKeys(run, keys, match);
     auto value = valueOf(run);
     if (!value) return std::move(value).error();
     return Answer{*std::move(value), run.steps() + stepsPerRun};
 }
 
-bool PreparedSelection::mayGroup(Connection& connection, const RunOptions& options) {
-    if (!m_mayGroup) m_mayGroup = hasSameOrder(connection, m_selection, options);
-    return *m_mayGroup;
+// What was found out under a limit that was reached says nothing about the next time.
+bool PreparedSelection::mayGroup(Connection& connection) {
+    if (m_mayGroup) return *m_mayGroup;
+    const bool isSame = hasSameOrder(connection, m_selection);
+    if (!connection.stopError()) m_mayGroup = isSame;
+    return isSame;
 }
 
 Expected<void> PreparedSelection::answerTogether(Connection& connection, std::span<const Question> questions,
-                                                 const RunLimits& limits,
                                                  std::span<std::optional<CellValue>> values) {
     // Values that stay empty are looked up one by one by the caller, which also reports their errors.
     if (m_selection.keys.empty()) return {};
-    if (!acceptance(connection) || !mayGroup(connection, limits.options)) return {};
-    auto groups = GroupedValues::load(connection, m_selection, questions, limits);
-    if (!groups) {
-        if (groups.error().isCancelled()) return std::move(groups).error();
-        return {};
-    }
+    if (!acceptance(connection) || !mayGroup(connection)) return whyCancelled(connection);
+    auto groups = GroupedValues::load(connection, m_selection, questions);
+    if (!groups) return whyCancelled(connection);
     std::optional<CellValue> noRows;
-    for (std::size_t i = 0; i < questions.size(); ++i) {
+    std::uint64_t bytes = 0;
+    for (std::size_t i = 0; i < questions.size() && bytes <= GroupedValues::maxBytes(connection); ++i) {
         const KeyValues& keys = *questions[i].keys;
         if (!GroupedValues::canServe(keys)) continue;
         const GroupedValues::Found found = groups->find(keys);
@@ -110,37 +117,36 @@ Expected<void> PreparedSelection::answerTogether(Connection& connection, std::sp
         if (found.count != 0) continue;
         // Computed once and on demand: an aggregate over no rows has a value as well, such as 0 for COUNT.
         if (!noRows) {
-            auto value = valueOverNoRows(connection, limits.options);
-            if (!value && value.error().isCancelled()) return std::move(value).error();
-            if (!value) return {};
+            auto value = valueOverNoRows(connection);
+            if (!value) return whyCancelled(connection);
             noRows = *std::move(value);
         }
         values[i] = *noRows;
+        bytes += sizeOf(*noRows);
     }
     return {};
 }
 
-Expected<CellValue> PreparedSelection::valueOverNoRows(Connection& connection,
-                                                       const RunOptions& options) const {
+Expected<CellValue> PreparedSelection::valueOverNoRows(Connection& connection) const {
     auto statement = connection.prepare(noRowsSql(m_selection), mayRecurse(m_selection));
     if (!statement) return std::move(statement).error();
-    StatementRun run(connection, *statement, {options});
+    StatementRun run(connection, *statement);
     return valueOf(run);
 }
 
-Expected<std::vector<StatementPlan>> PreparedSelection::explain(Connection& connection, std::size_t questions,
-                                                                const RunOptions& options) {
+Expected<std::vector<StatementPlan>> PreparedSelection::explain(Connection& connection,
+                                                                std::size_t questions) {
     if (const auto& accepted = acceptance(connection); !accepted) return accepted.error();
     std::vector<StatementPlan> plans;
     const auto add = [&](StatementPlan::Method method, std::string sql) -> Expected<void> {
-        auto plan = queryPlan(connection, sql, mayRecurse(m_selection), options);
+        auto plan = queryPlan(connection, sql, mayRecurse(m_selection));
         if (!plan) return std::move(plan).error();
         plans.push_back({method, questions, std::move(sql), *std::move(plan)});
         return {};
     };
     if (auto added = add(StatementPlan::Method::oneByOne, singleSql(m_selection, KeyMatch::text)); !added)
         return std::move(added).error();
-    if (questions > 1 && !m_selection.keys.empty() && mayGroup(connection, options))
+    if (questions > 1 && !m_selection.keys.empty() && mayGroup(connection))
         if (auto added = add(StatementPlan::Method::together, groupedSql(m_selection)); !added)
             return std::move(added).error();
     return plans;

@@ -14,22 +14,19 @@
 namespace tessera_host {
 
 // Good for one connection and one state of its schema. REQUIRES, for all calls: a snapshot is open on the
-// connection.
+// connection. The limits are those of the LimitScope around the call.
 class PreparedSelection {
   public:
     // `selection` outlives this object.
     explicit PreparedSelection(const Selection& selection) : m_selection(selection) {}
 
     // See ISnapshot.
-    [[nodiscard]] Expected<Answer> answer(Connection& connection, const KeyValues& keys,
-                                          const RunOptions& options);
+    [[nodiscard]] Expected<Answer> answer(Connection& connection, const KeyValues& keys);
     // Fills the elements of `values` that one grouped statement can give; the only error is cancellation.
     [[nodiscard]] Expected<void> answerTogether(Connection& connection, std::span<const Question> questions,
-                                                const RunLimits& limits,
                                                 std::span<std::optional<CellValue>> values);
     // The plans for as many questions.
-    [[nodiscard]] Expected<std::vector<StatementPlan>> explain(Connection& connection, std::size_t questions,
-                                                               const RunOptions& options);
+    [[nodiscard]] Expected<std::vector<StatementPlan>> explain(Connection& connection, std::size_t questions);
 
     // A selection that was not acceptable is looked at again in the next snapshot.
     void startSnapshot() {
@@ -37,14 +34,14 @@ class PreparedSelection {
     }
     [[nodiscard]] bool hasStatements() const noexcept { return m_text || m_number; }
     [[nodiscard]] bool isRejected() const noexcept { return m_acceptance && !*m_acceptance; }
+    [[nodiscard]] std::size_t bytes() const { return m_text.bytes() + m_number.bytes(); }
     void dropStatements();
 
   private:
     [[nodiscard]] const Expected<void>& acceptance(Connection& connection);
     [[nodiscard]] Expected<void> prepareText(Connection& connection);
-    [[nodiscard]] bool mayGroup(Connection& connection, const RunOptions& options);
-    [[nodiscard]] Expected<CellValue> valueOverNoRows(Connection& connection,
-                                                      const RunOptions& options) const;
+    [[nodiscard]] bool mayGroup(Connection& connection);
+    [[nodiscard]] Expected<CellValue> valueOverNoRows(Connection& connection) const;
 
     const Selection& m_selection;
     Statement m_text;    // KeyMatch::text

@@ -24,7 +24,10 @@ class PreparedSelections {
     void dropStatements();
 
     std::unordered_map<Selection, std::unique_ptr<PreparedSelection>, SelectionHash> m_selections;
-    std::size_t m_withStatements = 0;  // at most so many have statements
+    // How many may have statements, and the bytes of those that had a question before the last one.
+    std::size_t m_withStatements = 0;
+    std::size_t m_bytes = 0;
+    const PreparedSelection* m_last = nullptr;  // its bytes are not counted yet; null for none
 };
 
 }  // namespace tessera_host

@@ -21,9 +21,8 @@ std::string orderOf(std::string line) {
 }
 
 // The order in which `sql` visits rows, or "" when there is no plan.
-std::string planOrder(Connection& connection, const std::string& sql, bool recursion,
-                      const RunOptions& options) {
-    const auto plan = queryPlan(connection, sql, recursion, options);
+std::string planOrder(Connection& connection, const std::string& sql, bool recursion) {
+    const auto plan = queryPlan(connection, sql, recursion);
     if (!plan) return {};
     std::string order;
     for (const std::string& line : *plan)
@@ -33,12 +32,12 @@ std::string planOrder(Connection& connection, const std::string& sql, bool recur
 
 }  // namespace
 
-Expected<std::vector<std::string>> queryPlan(Connection& connection, const std::string& sql, bool mayRecurse,
-                                             const RunOptions& options) {
+Expected<std::vector<std::string>> queryPlan(Connection& connection, const std::string& sql,
+                                             bool mayRecurse) {
     constexpr int detailColumn = 3;
     auto explain = connection.prepare("EXPLAIN QUERY PLAN " + sql, mayRecurse);
     if (!explain) return std::move(explain).error();
-    StatementRun run(connection, *explain, {options});
+    StatementRun run(connection, *explain);
     std::vector<std::string> lines;
     auto hasRow = run.step();
     for (; hasRow && *hasRow; hasRow = run.step())
@@ -47,12 +46,12 @@ Expected<std::vector<std::string>> queryPlan(Connection& connection, const std::
     return lines;
 }
 
-bool hasSameOrder(Connection& connection, const Selection& selection, const RunOptions& options) {
+bool hasSameOrder(Connection& connection, const Selection& selection) {
     const bool recursion = mayRecurse(selection);
-    const std::string grouped = planOrder(connection, groupedSql(selection), recursion, options);
+    const std::string grouped = planOrder(connection, groupedSql(selection), recursion);
     return !grouped.empty() &&
-           grouped == planOrder(connection, singleSql(selection, KeyMatch::text), recursion, options) &&
-           grouped == planOrder(connection, singleSql(selection, KeyMatch::number), recursion, options);
+           grouped == planOrder(connection, singleSql(selection, KeyMatch::text), recursion) &&
+           grouped == planOrder(connection, singleSql(selection, KeyMatch::number), recursion);
 }
 
 }  // namespace tessera_host

@@ -59,7 +59,9 @@ Expected<void> checkAggregate(Connection& connection, const Selection& selection
     const bool recursion = mayRecurse(selection);
     if (tryPrepare(connection, predicateSql(selection, selection.expression), recursion))
         return notAnAggregate("it has a value for every row, not one for all");
+    if (auto stopped = connection.stopError()) return *std::move(stopped);
     const auto asCondition = tryPrepare(connection, havingSql(selection), recursion);
+    if (auto stopped = connection.stopError()) return *std::move(stopped);
     if (!asCondition) return notAnAggregate(asCondition.error().text);
     return {};
 }
@@ -73,6 +75,7 @@ std::vector<std::string> databaseProblems(Connection& connection, const Selectio
     std::vector<std::string> problems;
     // `subject` is "" for a part that needs no name.
     const auto accepts = [&](const std::string& subject, const std::string& sql) {
+        if (connection.stopError()) return false;
         const auto prepared = tryPrepare(connection, sql, recursion);
         if (!prepared) problems.push_back((subject.empty() ? "" : subject + ": ") + prepared.error().text);
         return prepared.hasValue();

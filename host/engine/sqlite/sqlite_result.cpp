@@ -70,15 +70,17 @@ Expected<void> SqliteSnapshot::state() const {
 }
 
 Expected<Answer> SqliteSnapshot::answer(const Question& question, const RunOptions& options) {
-    return m_database->selections().find(*question.selection).answer(connection(), *question.keys, options);
+    const LimitScope limits(connection().enforcer(), {options});
+    return m_database->selections().find(*question.selection).answer(connection(), *question.keys);
 }
 
 Expected<std::vector<std::optional<CellValue>>> SqliteSnapshot::answerTogether(
     std::span<const Question> questions, std::uint64_t maxWork, const RunOptions& options) {
     std::vector<std::optional<CellValue>> values(questions.size());
     auto done = forEachSelection(questions, [&](std::size_t first, std::size_t count) {
+        const LimitScope limits(connection().enforcer(), {options, maxWork});
         PreparedSelection& selection = m_database->selections().find(*questions[first].selection);
-        return selection.answerTogether(connection(), questions.subspan(first, count), {options, maxWork},
+        return selection.answerTogether(connection(), questions.subspan(first, count),
                                         std::span(values).subspan(first, count));
     });
     if (!done) return std::move(done).error();
@@ -89,7 +91,8 @@ Expected<void> SqliteSnapshot::checkFilter(const NamedFilter& filter) {
     return checkFilterText(filter);
 }
 
-std::vector<std::string> SqliteSnapshot::check(const Selection& selection) {
+std::vector<std::string> SqliteSnapshot::check(const Selection& selection, const RunOptions& options) {
+    const LimitScope limits(connection().enforcer(), {options});
     std::vector<std::string> problems = fragmentProblems(selection);
     for (std::string& problem : databaseProblems(connection(), selection))
         problems.push_back(std::move(problem));
@@ -100,8 +103,9 @@ Expected<std::vector<StatementPlan>> SqliteSnapshot::explain(std::span<const Que
                                                              const RunOptions& options) {
     std::vector<StatementPlan> plans;
     auto done = forEachSelection(questions, [&](std::size_t first, std::size_t count) -> Expected<void> {
+        const LimitScope limits(connection().enforcer(), {options});
         PreparedSelection& selection = m_database->selections().find(*questions[first].selection);
-        auto some = selection.explain(connection(), count, options);
+        auto some = selection.explain(connection(), count);
         if (!some) return std::move(some).error();
         for (StatementPlan& plan : *some)
             plans.push_back(std::move(plan));

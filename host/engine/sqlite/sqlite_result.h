@@ -53,7 +53,8 @@ class SqliteSnapshot final : public ISnapshot {
     [[nodiscard]] Expected<std::vector<std::optional<CellValue>>> answerTogether(
         std::span<const Question> questions, std::uint64_t maxWork, const RunOptions& options) override;
     [[nodiscard]] Expected<void> checkFilter(const NamedFilter& filter) override;
-    [[nodiscard]] std::vector<std::string> check(const Selection& selection) override;
+    [[nodiscard]] std::vector<std::string> check(const Selection& selection,
+                                                 const RunOptions& options) override;
     [[nodiscard]] Expected<std::vector<StatementPlan>> explain(std::span<const Question> questions,
                                                                const RunOptions& options) override;
 

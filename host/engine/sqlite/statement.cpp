@@ -4,9 +4,13 @@
 
 namespace tessera_host {
 
-StatementRun::StatementRun(Connection& connection, Statement& statement, const RunLimits& limits)
+std::size_t Statement::bytes() const {
+    if (!m_statement) return 0;
+    return static_cast<std::size_t>(sqlite3_stmt_status(m_statement.get(), SQLITE_STMTSTATUS_MEMUSED, 0));
+}
+
+StatementRun::StatementRun(Connection& connection, Statement& statement)
     : m_connection(connection), m_statement(statement.m_statement.get()) {
-    m_connection.m_enforcer.arm(limits);
     m_connection.m_authorizer.guard(statement.m_mayRecurse);
     // Sets the counter of steps to 0 for this run.
     sqlite3_stmt_status(m_statement, SQLITE_STMTSTATUS_VM_STEP, 1);
@@ -17,7 +21,6 @@ StatementRun::~StatementRun() {
     sqlite3_reset(m_statement);
     sqlite3_clear_bindings(m_statement);
     m_connection.m_authorizer.release();
-    m_connection.m_enforcer.disarm();
 }
 
 void StatementRun::bindText(int parameter, std::string_view text) {

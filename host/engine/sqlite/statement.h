@@ -3,6 +3,7 @@
 
 #include <sqlite3.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string_view>
@@ -22,6 +23,8 @@ class Statement {
     Statement(sqlite3_stmt* statement, bool mayRecurse) : m_statement(statement), m_mayRecurse(mayRecurse) {}
 
     explicit operator bool() const noexcept { return m_statement != nullptr; }
+    // What it takes of memory, in bytes, while it is not run; 0 for nothing.
+    [[nodiscard]] std::size_t bytes() const;
 
   private:
     friend class StatementRun;
@@ -33,12 +36,12 @@ class Statement {
     bool m_mayRecurse = false;
 };
 
-// One run of a statement, under guard and within limits from its making to its end; only one at a time exists
-// on a connection. REQUIRES: the statement is one of this connection and not empty; bound texts live as long
-// as the run.
+// One run of a statement, under guard from its making to its end, and within the limits of the LimitScope
+// around it; only one at a time exists on a connection. REQUIRES: the statement is one of this connection and
+// not empty; bound texts live as long as the run.
 class StatementRun {
   public:
-    StatementRun(Connection& connection, Statement& statement, const RunLimits& limits);
+    StatementRun(Connection& connection, Statement& statement);
     ~StatementRun();
     StatementRun(const StatementRun&) = delete;
     StatementRun& operator=(const StatementRun&) = delete;
