@@ -64,6 +64,7 @@ SmallResult::SmallResult() {
 tessera_host::PaneOptions smallLimits() {
     tessera_host::PaneOptions options;
     options.queryLimits.time = std::chrono::milliseconds(50);
+    options.queryLimits.memory = std::uint64_t{32} << 20U;
     options.layout.limits.maxElements = 2'000;
     return options;
 }
