@@ -5,6 +5,7 @@
 #include "cli/interrupt.h"
 #include "cli/message.h"
 #include "cli/output_file.h"
+#include "cli/terminal_text.h"
 #include "host/engine/declaration_check.h"
 #include "host/engine/engine_registry.h"
 #include "host/lint/document_check.h"
@@ -24,8 +25,8 @@ using tessera_host::Viewpoint;
 
 // "FILE:LINE:COLUMN: ..." is the form that editors recognize.
 std::string lineOf(const std::string& document, const Problem& problem) {
-    return fmt::format("{}: {}: {}\n", tessera_host::placeIn(document, problem.position),
-                       nameOf(problem.severity), problem.text);
+    return terminalText(fmt::format("{}: {}: {}\n", tessera_host::placeIn(document, problem.position),
+                                    nameOf(problem.severity), problem.text));
 }
 
 // Prints the problems; returns whether an error is among them.

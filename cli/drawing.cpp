@@ -2,11 +2,16 @@
 
 #include <fmt/format.h>
 
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
 #include <utility>
 
+#include "cli/child_process.h"
 #include "cli/interrupt.h"
 #include "cli/message.h"
 #include "cli/output_format.h"
+#include "cli/pdf_check.h"
 #include "draw/picture_writer.h"
 #include "draw/scene.h"
 #include "draw/svg_writer.h"
@@ -29,6 +34,19 @@ class FileOutput final : public tessera_draw::Output {
     tessera_host::TextSink& m_sink;
 };
 
+// Keeps everything, so that a picture is looked at before it is written.
+class MemoryOutput final : public tessera_draw::Output {
+  public:
+    bool write(std::string_view piece) override {
+        m_bytes += piece;
+        return !isInterrupted();
+    }
+    [[nodiscard]] const std::string& bytes() const { return m_bytes; }
+
+  private:
+    std::string m_bytes;
+};
+
 tessera_draw::Theme themeOf(std::string_view wanted) {
     for (const auto& [name, theme] : themeNames)
         if (name == wanted) return theme;
@@ -44,9 +62,16 @@ tessera_draw::Direction directionOf(std::string_view wanted) {
 using WritePicture = tessera_draw::PictureResult (tessera_draw::PictureWriter::*)(
     const tessera_draw::Scene&, const tessera_draw::PictureOptions&, tessera_draw::Output&);
 
+// What a child reports of its picture: the numbers, and the text of the error after them.
+struct Report {
+    bool isLoaded = false;
+    int writeError = 0;
+    double scale = 1;
+    std::size_t missingCharacters = 0;
+};
+
 // Messages on what the picture lacks; they do not change the exit status.
-void reportPicture(const tessera_draw::PictureResult& result, const tessera_draw::Scene& scene,
-                   const Options& options) {
+void reportPicture(const Report& result, const tessera_draw::Scene& scene, const Options& options) {
     if (result.scale < options.scale)
         printMessage(fmt::format(
             "the drawing is {:.0f} by {:.0f}: it was scaled by {:.3g} to fit into a {}; svg has no limit",
@@ -58,19 +83,54 @@ void reportPicture(const tessera_draw::PictureResult& result, const tessera_draw
                         result.missingCharacters));
 }
 
+std::string packed(const Report& report, const std::string& error) {
+    std::string bytes(sizeof report, '\0');
+    std::memcpy(bytes.data(), &report, sizeof report);
+    return bytes + error;
+}
+
 // PNG and PDF, by a library that is loaded for them.
-Expected<void> writePicture(const Options& options, const tessera_draw::Scene& scene, WritePicture write,
-                            tessera_draw::Output& output) {
-    const std::string_view format = options.format->name;
+std::string drawInChild(const Options& options, const tessera_draw::Scene& scene, WritePicture write,
+                        OutputFile& file, const std::function<void()>& willWrite) {
+    // A font that cannot be read is only a warning to the libraries, and the picture lacks its text. Read
+    // when they are loaded.
+    setenv("G_DEBUG", "fatal-warnings", 1);  // NOLINT(concurrency-mt-unsafe): this process has one thread
     std::string reason;
     tessera_draw::PictureWriter* writer = tessera_draw::loadPictureWriter(reason);
-    if (writer == nullptr)
-        return Error{ErrorKind::cannotOpen, fmt::format("{} cannot be written here: {}", format, reason)};
+    if (writer == nullptr) return packed({}, reason);
     const tessera_draw::PictureOptions request{themeOf(options.theme), options.scale, interruptToken()};
-    const tessera_draw::PictureResult result = (writer->*write)(scene, request, output);
-    if (!result.error.empty())
-        return Error{ErrorKind::cannotOpen, fmt::format("{}: {}", format, result.error)};
-    if (result.isWritten) reportPicture(result, scene, options);
+    MemoryOutput output;
+    errno = 0;
+    tessera_draw::PictureResult result = (writer->*write)(scene, request, output);
+    // The libraries leave out a letter or a kerning for which there was no memory, and report nothing.
+    const bool isShort = errno == ENOMEM;
+    const bool isPdf = options.format->kind == OutputFormat::Kind::vectors;
+    if (result.isWritten && (isShort || (isPdf && !isWholePdf(output.bytes()))))
+        result.error = "the drawing is not whole; there may not be enough memory";
+    willWrite();
+    if (result.error.empty()) (void)file.sink().write(output.bytes());  // flush() says what failed
+    return packed({true, file.flush(), result.scale, result.missingCharacters}, result.error);
+}
+
+// In a process of its own, because the libraries end it when memory is short.
+Expected<void> writePicture(const Options& options, const tessera_draw::Scene& scene, WritePicture write,
+                            OutputFile& file) {
+    const std::string_view format = options.format->name;
+    const auto done = runInChild([&](const std::function<void()>& willWrite) {
+        return drawInChild(options, scene, write, file, willWrite);
+    });
+    if (!done && done.error().isCancelled()) return done.error();
+    if (!done) return Error{ErrorKind::cannotOpen, fmt::format("{}: {}", format, done.error().text)};
+    Report report;
+    if (done->size() < sizeof report)
+        return Error{ErrorKind::cannotOpen, fmt::format("{}: the drawing ended without a result", format)};
+    std::memcpy(&report, done->data(), sizeof report);
+    const std::string error = done->substr(sizeof report);
+    if (!report.isLoaded)
+        return Error{ErrorKind::cannotOpen, fmt::format("{} cannot be written here: {}", format, error)};
+    if (!error.empty()) return Error{ErrorKind::cannotOpen, fmt::format("{}: {}", format, error)};
+    file.noteFailure(report.writeError);
+    if (report.writeError == 0) reportPicture(report, scene, options);
     return {};
 }
 
@@ -92,8 +152,7 @@ Expected<void> writeDrawing(const Options& options, const basekit2::variant_bag_
                             OutputFile& file) {
     auto scene = sceneOf(options, diagram, reservation);
     if (!scene) return std::move(scene).error();
-    FileOutput output(file.sink());
-    return writePicture(options, *scene, write, output);
+    return writePicture(options, *scene, write, file);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <csignal>
 
@@ -16,8 +17,22 @@ tessera_support::CancelSource interruption;  // NOLINT(cert-err58-cpp)
 
 int wakePipe[2] = {-1, -1};
 
+constexpr std::array interruptSignals{SIGINT, SIGTERM, SIGHUP};
+
+// The next one of these signals ends the program. SIGHUP stays ignored where it is.
+void endWithNextSignal() {
+    for (const int number : interruptSignals) {
+        struct sigaction now {};
+        if (sigaction(number, nullptr, &now) != 0 || now.sa_handler == SIG_IGN) continue;
+        now = {};
+        now.sa_handler = SIG_DFL;
+        sigaction(number, &now, nullptr);
+    }
+}
+
 void interrupt(int) {
     const int savedErrno = errno;
+    endWithNextSignal();
     interruption.cancel();
     // Nothing ever reads from it, so one byte is enough and a full pipe does no harm.
     [[maybe_unused]] const ssize_t written = write(wakePipe[1], "!", 1);
@@ -31,8 +46,10 @@ void installInterruptHandler() {
         wakePipe[0] = wakePipe[1] = -1;  // waiting then ends a line later
     struct sigaction action {};
     action.sa_handler = interrupt;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
     sigemptyset(&action.sa_mask);
+    // One handler at a time, so that the second signal finds the default action.
+    for (const int number : interruptSignals)
+        sigaddset(&action.sa_mask, number);
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
     struct sigaction hangUp {};
@@ -52,6 +69,12 @@ bool isInterrupted() noexcept {
 
 int orInterrupted(int status) noexcept {
     return isInterrupted() ? exitInterrupted : status;
+}
+
+void becomeChild() noexcept {
+    // What remains is the end that the parent wakes; a signal to the child alone must not wake the parent.
+    if (wakePipe[1] >= 0) close(wakePipe[1]);
+    wakePipe[1] = -1;
 }
 
 int interruptDescriptor() noexcept {

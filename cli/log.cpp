@@ -7,12 +7,14 @@
 #include <log4cplus/logger.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <fstream>
+#include <cctype>
+#include <exception>
 #include <iostream>
 #include <sstream>
-#include <system_error>
 #include <utility>
+
+#include "cli/interrupt.h"
+#include "cli/log_settings.h"
 
 namespace tessera_cli {
 namespace {
@@ -62,19 +64,31 @@ bool hasAppender() {
                        [](log4cplus::Logger& each) { return !each.getAllAppenders().empty(); });
 }
 
-// The error has a line for each mistake in the file.
-Expected<void> configureFrom(const std::string& file) {
-    errno = 0;
-    if (std::ifstream stream(file); !stream || stream.peek() == std::ifstream::traits_type::eof())
-        return Error{ErrorKind::cannotOpen,
-                     file + ": cannot read the log configuration: " +
-                         (errno ? std::generic_category().message(errno) : "it is empty")};
-    const HeldMessages messages;
-    log4cplus::helpers::Properties settings(file);
+// Throws what the library throws.
+void applySettings(const std::string& text) {
+    std::istringstream stream(text);
+    log4cplus::helpers::Properties settings(stream);
     keepOffStandardOutput(settings);
     log4cplus::PropertyConfigurator(settings).configure();
-    std::istringstream lines(messages.text());
-    std::string problems = hasAppender() ? "" : file + ": no logger has an appender";
+}
+
+// What the library says against the settings, a line for each mistake.
+std::string configure(const std::string& text) {
+    const HeldMessages messages;
+    try {
+        applySettings(text);
+    } catch (const std::exception& error) {
+        return messages.text() + error.what() + '\n';
+    }
+    return messages.text() + (hasAppender() ? "" : "no logger has an appender\n");
+}
+
+// The error has a line for each mistake in the file.
+Expected<void> configureFrom(const std::string& file) {
+    const auto settings = readLogSettings(file, interruptToken());
+    if (!settings) return settings.error();
+    std::istringstream lines(configure(*settings));
+    std::string problems;
     for (std::string line; std::getline(lines, line);)
         problems.append(problems.empty() ? "" : "\n").append(file).append(": ").append(line);
     if (!problems.empty()) return Error{ErrorKind::cannotOpen, std::move(problems)};

@@ -6,6 +6,8 @@
 
 #include <system_error>
 
+#include "cli/standard_descriptors.h"
+#include "cli/terminal_text.h"
 #include "host/text/text_sink.h"
 
 namespace tessera_cli {
@@ -15,7 +17,7 @@ void printMessage(std::string_view text) {
     std::string lines;
     while (true) {
         const std::size_t end = text.find('\n');
-        lines += fmt::format("tessera: {}\n", text.substr(0, end));
+        lines += fmt::format("tessera: {}\n", terminalText(text.substr(0, end)));
         if (end == std::string_view::npos || end + 1 == text.size()) break;
         text.remove_prefix(end + 1);
     }
@@ -30,7 +32,7 @@ void printMessageWithoutWaiting(std::string_view text) {
 }
 
 tessera_host::Expected<void> printToStdout(std::string_view text) {
-    tessera_host::FileSink sink(STDOUT_FILENO);
+    tessera_host::FileSink sink(dataOutput());
     if (sink.write(text) && sink.flush()) return {};
     return tessera_host::Error{
         tessera_host::ErrorKind::cannotOpen,

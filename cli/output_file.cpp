@@ -1,10 +1,7 @@
 #include "cli/output_file.h"
 
-#include "cli/interrupt.h"
-
-#include <fmt/format.h>
-
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <linux/magic.h>
 #include <poll.h>
 #include <sys/stat.h>
@@ -12,12 +9,15 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <charconv>
 #include <cstdlib>
 #include <filesystem>
-#include <optional>
 #include <random>
 #include <system_error>
+#include <utility>
+
+#include "cli/interrupt.h"
+#include "cli/standard_descriptors.h"
+#include "host/text/descriptor_name.h"
 
 namespace tessera_cli {
 namespace {
@@ -27,26 +27,13 @@ namespace fs = std::filesystem;
 constexpr int maxLinks = 40;  // as many as the kernel follows
 constexpr int readerWaitMilliseconds = 50;
 
-// The number of the descriptor of this program that a path such as /dev/stdout or /dev/fd/3 names, in the
-// end.
-std::optional<int> descriptorNamed(const fs::path& path) {
-    std::error_code none;
-    const fs::path folder = fs::canonical(path.parent_path(), none);
-    if (none || folder != fs::canonical("/proc/self/fd", none)) return std::nullopt;
-    const std::string name = path.filename().string();
-    int number = -1;
-    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), number);
-    const bool isNumber = error == std::errc() && end == name.data() + name.size();
-    return isNumber ? std::optional(number) : std::nullopt;
-}
-
 std::string folderOf(const std::string& path) {
     const fs::path folder = fs::path(path).parent_path();
     return folder.empty() ? "." : folder.string();
 }
 
-// Whether the folder shows the system's own objects: its links lead to files that the user did not name, such as the
-// program that runs.
+// Whether the folder shows the system's own objects: its links lead to files that the user did not name, such
+// as the program that runs.
 bool isOfTheSystem(const std::string& folder) {
     struct statfs status {};
     return statfs(folder.c_str(), &status) == 0 && status.f_type == PROC_SUPER_MAGIC;
@@ -58,7 +45,7 @@ int followLinks(std::string& path) {
     for (int links = 0; links < maxLinks; ++links) {
         std::error_code noLink;
         const fs::path target = fs::read_symlink(path, noLink);
-        if (noLink || descriptorNamed(path)) return 0;
+        if (noLink || tessera_host::descriptorNamed(path)) return 0;
         if (isOfTheSystem(folderOf(path))) return EPERM;
         path = (fs::path(path).parent_path() / target).string();
     }
@@ -73,7 +60,7 @@ std::string descriptorPath(int descriptor) {
 }  // namespace
 
 OutputFile::~OutputFile() {
-    if (m_descriptor > STDERR_FILENO) close(m_descriptor);
+    if (m_descriptor >= 0 && m_descriptor != dataOutput()) close(m_descriptor);
     if (!m_temporary.empty()) unlink(m_temporary.c_str());
 }
 
@@ -86,13 +73,13 @@ tessera_host::Error OutputFile::failure(int number) const {
 
 OutputFile::Outcome OutputFile::open(const std::string& path) {
     if (path.empty() || path == "-") {
-        m_descriptor = STDOUT_FILENO;
+        m_descriptor = dataOutput();
         m_sink = std::make_unique<tessera_host::FileSink>(m_descriptor, interruptDescriptor());
         return {};
     }
     m_path = path;
     if (const int number = followLinks(m_path); number != 0) return failure(number);
-    if (const auto descriptor = descriptorNamed(m_path)) return openAgain(*descriptor);
+    if (const auto descriptor = tessera_host::descriptorNamed(m_path)) return openAgain(*descriptor);
 
     struct stat status {};
     const bool exists = stat(m_path.c_str(), &status) == 0;
@@ -110,7 +97,8 @@ OutputFile::Outcome OutputFile::open(const std::string& path) {
 
 // Opening its name would begin anew at the start of a file that others have written to.
 OutputFile::Outcome OutputFile::openAgain(int descriptor) {
-    m_descriptor = fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    const int meant = descriptor == STDOUT_FILENO ? dataOutput() : descriptor;
+    m_descriptor = fcntl(meant, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     if (m_descriptor < 0) return failure(errno);
     m_sink = std::make_unique<tessera_host::FileSink>(m_descriptor, interruptDescriptor());
     return {};
@@ -140,7 +128,7 @@ OutputFile::Outcome OutputFile::openBeside() {
     std::string name = folderOf(m_path) + "/.tessera-XXXXXX";
     m_descriptor = mkostemp(name.data(), O_CLOEXEC);
     if (m_descriptor < 0) return failure(errno);
-    m_temporary = name;
+    m_temporary = std::move(name);  // takes no memory, which may be short
     return {};
 }
 
@@ -149,17 +137,22 @@ bool OutputFile::nameUnnamed() {
     std::random_device random;
     const std::string source = descriptorPath(m_descriptor);
     while (true) {
-        const std::string name = fmt::format("{}/.tessera-{:08x}", folderOf(m_path), random());
+        std::string name = fmt::format("{}/.tessera-{:08x}", folderOf(m_path), random());
         if (linkat(AT_FDCWD, source.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0) {
-            m_temporary = name;
+            m_temporary = std::move(name);  // takes no memory, which may be short
             return true;
         }
         if (errno != EEXIST) return false;
     }
 }
 
+int OutputFile::flush() {
+    return m_sink->flush() ? 0 : m_sink->error();
+}
+
 OutputFile::Outcome OutputFile::commit() {
-    if (!m_sink->flush()) return failure(m_sink->error());
+    const int number = m_failure != 0 ? m_failure : flush();
+    if (number != 0) return failure(number);
     if (m_temporary.empty() && !m_unnamed) return {};
     if (fsync(m_descriptor) != 0) return failure(errno);
     if (m_unnamed && !nameUnnamed()) return failure(errno);

@@ -24,6 +24,10 @@ class OutputFile {
     [[nodiscard]] tessera_host::Expected<void> open(const std::string& path);
     // REQUIRES: open() succeeded.
     [[nodiscard]] tessera_host::TextSink& sink() { return *m_sink; }
+    // Passes on what the sink has collected; returns 0 or the errno. For a copy of this process that writes:
+    // the original then calls noteFailure() with what was returned, and commit(). REQUIRES: open() succeeded.
+    [[nodiscard]] int flush();
+    void noteFailure(int number) { m_failure = number; }
     // Makes what was written the file's content. Fails when anything written so far failed.
     [[nodiscard]] tessera_host::Expected<void> commit();
 
@@ -40,6 +44,7 @@ class OutputFile {
     std::string m_temporary;  // what is to be renamed or removed; "" when there is none
     bool m_unnamed = false;   // the file has no name yet
     int m_descriptor = -1;
+    int m_failure = 0;  // of another process
     std::unique_ptr<tessera_host::FileSink> m_sink;
 };
 

@@ -9,10 +9,12 @@
 
 namespace tessera_host {
 
-// The most bytes that a file may have. No document is that long, but a device may never end.
-inline constexpr std::size_t maxFileText = std::size_t{1} << 30U;
+// The most bytes that a file may have. No document is that long, but a pipe may never end.
+inline constexpr std::size_t maxFileText = std::size_t{256} << 20U;
 
-// Reads `path` to its end, which may be a pipe or /dev/stdin. While nothing arrives it looks at `token`,
+// Reads the regular file `path` to its end. A path such as /dev/stdin or /dev/fd/N, which represents an open
+// descriptor, may also be a pipe, a socket or a terminal, and is read from where it stands. Other pipes and
+// devices are refused at once: opening one can wait for ever. While nothing arrives it looks at `token`,
 // every 50 milliseconds. The bytes are returned as they are, whatever their encoding; an empty file is the
 // empty string. The error has the kind cannotOpen, also when the file is longer than `maxFileText`, or
 // cancelled. Its text does not name the file.

@@ -2,6 +2,10 @@
 
 #include <rapidjson/reader.h>
 
+#include <algorithm>
+#include <cstring>
+#include <new>
+
 #include "host/text/json_events.h"
 #include "host/text/text_position.h"
 #include "support/utf8.h"
@@ -10,6 +14,25 @@ namespace tessera_host {
 namespace {
 
 using basekit2::variant_bag_t;
+
+// For the stack of the parser, whose usual allocator returns null when memory is short, which the parser
+// takes for memory.
+class ThrowingAllocator {
+  public:
+    static constexpr bool kNeedFree = true;
+
+    // The names are those that the parser calls. Throws std::bad_alloc.
+    void* Malloc(std::size_t size) { return size == 0 ? nullptr : ::operator new(size); }
+    void* Realloc(void* old, std::size_t oldSize, std::size_t newSize) {
+        void* moved = Malloc(newSize);
+        if (oldSize != 0 && moved != nullptr) std::memcpy(moved, old, std::min(oldSize, newSize));
+        Free(old);
+        return moved;
+    }
+    static void Free(void* memory) noexcept { ::operator delete(memory); }
+};
+
+using Parser = rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, ThrowingAllocator>;
 
 // The grammar's errors in words.
 std::string_view syntaxText(rapidjson::ParseErrorCode code) {
@@ -66,7 +89,7 @@ Expected<variant_bag_t> readJson(std::string_view text) {
     rapidjson::MemoryStream stream(json.data(), json.size());
     variant_bag_t root;
     JsonEvents events(json, stream, root);
-    rapidjson::Reader reader;
+    Parser reader;
     // Iterative, because texts may nest to any depth; numbers as strings, so that 64 bits stay exact.
     const rapidjson::ParseResult result =
         reader.Parse<rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag>(stream, events);

@@ -4,6 +4,7 @@
 #include <strings.h>
 
 #include <algorithm>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -53,6 +54,10 @@ class BagParser {
         std::size_t textStart;  // of its own text in m_text
     };
 
+    // Runs a handler of the parser, which is C, so that no exception may pass through it: parse() throws it
+    // again.
+    template <class Handler>
+    static void handle(void* self, const Handler& handler) noexcept;
     void watchEvents();
     void startElement(const char* name, const char** attributes);
     void checkReferences();
@@ -81,6 +86,7 @@ class BagParser {
     std::string m_rootName;
     std::string m_encoding;
     std::optional<Error> m_error;
+    std::exception_ptr m_exception;  // of a handler
     bool m_isUtf8;
     bool m_hasExternalDoctype = false;
 };
@@ -93,9 +99,22 @@ BagParser::BagParser(std::string_view document, variant_bag_t& root, const Cance
       m_root(root),
       m_token(token),
       m_isUtf8(m_units == XmlUnits::bytes) {
+    if (!m_parser) return;
     XML_SetUserData(m_parser.get(), this);
     XML_SetParamEntityParsing(m_parser.get(), XML_PARAM_ENTITY_PARSING_NEVER);
     watchEvents();
+}
+
+template <class Handler>
+void BagParser::handle(void* self, const Handler& handler) noexcept {
+    auto& parser = *static_cast<BagParser*>(self);
+    if (parser.m_exception) return;
+    try {
+        handler(parser);
+    } catch (...) {
+        parser.m_exception = std::current_exception();
+        XML_StopParser(parser.m_parser.get(), XML_FALSE);
+    }
 }
 
 void BagParser::watchEvents() {
@@ -103,29 +122,32 @@ void BagParser::watchEvents() {
     XML_SetElementHandler(
         parser,
         [](void* self, const char* name, const char** attributes) {
-            static_cast<BagParser*>(self)->startElement(name, attributes);
+            handle(self, [&](BagParser& reader) { reader.startElement(name, attributes); });
         },
-        [](void* self, const char*) { static_cast<BagParser*>(self)->endElement(); });
+        [](void* self, const char*) { handle(self, [](BagParser& reader) { reader.endElement(); }); });
     XML_SetCharacterDataHandler(parser, [](void* self, const char* text, int size) {
-        static_cast<BagParser*>(self)->addText({text, static_cast<std::size_t>(size)});
+        handle(self, [&](BagParser& reader) { reader.addText({text, static_cast<std::size_t>(size)}); });
     });
     XML_SetXmlDeclHandler(parser, [](void* self, const char*, const char* encoding, int) {
-        static_cast<BagParser*>(self)->declareEncoding(encoding);
+        handle(self, [&](BagParser& reader) { reader.declareEncoding(encoding); });
     });
-    XML_SetStartDoctypeDeclHandler(parser,
-                                   [](void* self, const char*, const char* systemId, const char*, int) {
-                                       static_cast<BagParser*>(self)->startDoctype(systemId);
-                                   });
+    XML_SetStartDoctypeDeclHandler(
+        parser, [](void* self, const char*, const char* systemId, const char*, int) {
+            handle(self, [&](BagParser& reader) { reader.startDoctype(systemId); });
+        });
     XML_SetEndDoctypeDeclHandler(parser, [](void* self) {
         XML_SetDefaultHandler(static_cast<BagParser*>(self)->m_parser.get(), nullptr);
     });
     // Called instead of an error where an external DTD might have declared the entity.
     XML_SetSkippedEntityHandler(parser, [](void* self, const char* name, int) {
-        static_cast<BagParser*>(self)->failHere("the entity '" + std::string(name) + "' is not known");
+        handle(self, [&](BagParser& reader) {
+            reader.failHere("the entity '" + std::string(name) + "' is not known");
+        });
     });
 }
 
 Expected<void> BagParser::parse() {
+    if (!m_parser) return Error{ErrorKind::failed, "there is not enough memory to read it", {}};
     checkToken();
     std::size_t done = 0;
     while (done < m_document.size() && !m_error) {
@@ -133,6 +155,7 @@ Expected<void> BagParser::parse() {
         done += piece.size();
         const int isFinal = done == m_document.size();
         const auto status = XML_Parse(m_parser.get(), piece.data(), static_cast<int>(piece.size()), isFinal);
+        if (m_exception) std::rethrow_exception(m_exception);
         if (status != XML_STATUS_OK && !m_error) m_error = parserError();
     }
     if (m_error) return *std::move(m_error);
@@ -188,7 +211,9 @@ void BagParser::addText(std::string_view piece) {
 void BagParser::startDoctype(const char* systemId) {
     m_hasExternalDoctype = systemId != nullptr;
     XML_SetDefaultHandler(m_parser.get(), [](void* self, const char* token, int size) {
-        static_cast<BagParser*>(self)->addDoctypeToken({token, static_cast<std::size_t>(size)});
+        handle(self, [&](BagParser& reader) {
+            reader.addDoctypeToken({token, static_cast<std::size_t>(size)});
+        });
     });
 }
 

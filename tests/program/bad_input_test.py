@@ -367,31 +367,6 @@ class Usage(Case):
             self.assertEqual((done.returncode, done.stderr), (0, ''))
             self.assertIn('tessera', done.stdout)
 
-    def test_log_configuration_that_is_not_there(self):
-        done = self.run_program('render', self.write('v.xml', GOOD), '--db', self.database(), '--log-config', 'none.properties')
-        self.assert_clean_failure(done, 3, 'none.properties')
-
-    def test_log_configuration_with_mistakes(self):
-        settings = self.write('log.properties', 'log4cplus.rootLogger=LOUD, A\nlog4cplus.appender.A=log4cplus::Nothing\n')
-        done = self.run_program('render', self.write('v.xml', GOOD), '--db', self.database(), '--log-config', settings)
-        self.assert_clean_failure(done, 3, f'{settings}: ', 'Nothing')
-        self.assertTrue(all(line.startswith('tessera: ') for line in done.stderr.splitlines()), done.stderr)
-
-    def test_log_configuration_that_configures_nothing(self):
-        settings = self.write('log.properties', 'something=else\n')
-        done = self.run_program('render', self.write('v.xml', GOOD), '--db', self.database(), '--log-config', settings)
-        self.assert_clean_failure(done, 3, f'{settings}: no logger has an appender')
-
-    def test_log_stays_off_standard_output(self):
-        settings = self.write('log.properties', 'log4cplus.rootLogger=DEBUG, A\n'
-                              'log4cplus.appender.A=log4cplus::ConsoleAppender\n'
-                              'log4cplus.appender.A.layout=log4cplus::PatternLayout\n'
-                              'log4cplus.appender.A.layout.ConversionPattern=[%c] %m%n\n')
-        done = self.run_program('render', self.write('v.xml', GOOD), '--db', self.database(), '--log-config', settings)
-        self.assertEqual(done.returncode, 0, done.stderr)
-        self.assertEqual(shown_value(json.loads(done.stdout)), '1')
-        self.assertIn('[tessera.host] ', done.stderr)
-
     def test_folder_of_catalogues_that_is_not_there(self):
         done = self.run_program('render', self.write('v.xml', GOOD), '--db', self.database(), '--locale', 'de',
                                 '--catalogs', self.folder / 'none')

@@ -88,15 +88,38 @@ TEST_F(XmlFile, SaysThatPermissionIsMissing) {
     EXPECT_EQ(read.error().text, "there is no permission to read the file");
 }
 
-TEST_F(XmlFile, OneWithoutEndIsRefused) {
-    const auto read = readXmlFile("/dev/zero");
+TEST_F(XmlFile, WhatIsNotAFileIsRefusedAtOnce) {
+    EXPECT_EQ(readXmlFile("/dev/zero").error().text, "this is a device, not a file");
+    const std::string pipe = path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const auto read = readXmlFile(pipe);
     ASSERT_FALSE(read);
     EXPECT_EQ(read.error().kind, ErrorKind::cannotOpen);
-    EXPECT_EQ(read.error().text, "the file has more than 1 GiB, the most that is read");
+    EXPECT_EQ(read.error().text, "this is a named pipe, not a file");
+}
 
+TEST_F(XmlFile, TooLongOneIsRefused) {
     const std::string large = fileWith("<r/>");
-    std::filesystem::resize_file(large, (std::uintmax_t{1} << 30U) + 1);
-    EXPECT_EQ(readXmlFile(large).error().text, read.error().text);
+    std::filesystem::resize_file(large, (std::uintmax_t{256} << 20U) + 1);
+    const auto read = readXmlFile(large);
+    ASSERT_FALSE(read);
+    EXPECT_EQ(read.error().kind, ErrorKind::cannotOpen);
+    EXPECT_EQ(read.error().text, "the file has more than 256 MiB, the most that is read");
+}
+
+// An open descriptor may lead to a device by another name.
+TEST_F(XmlFile, AnOpenDescriptorIsReadFromWhereItStands) {
+    const int file = open(fileWith("12345<r/>").c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_GE(file, 0);
+    ASSERT_EQ(lseek(file, 5, SEEK_SET), 5);
+    EXPECT_TRUE(readXmlFile("/dev/fd/" + std::to_string(file)));
+    close(file);
+    const int zero = open("/dev/zero", O_RDONLY | O_CLOEXEC);
+    const auto read = readXmlFile("/proc/self/fd/" + std::to_string(zero));
+    close(zero);
+    ASSERT_FALSE(read);
+    EXPECT_EQ(read.error().text, "this is a device, not a file");
+    EXPECT_EQ(readXmlFile("/dev/fd/" + std::to_string(zero)).error().text, "there is no such file");
 }
 
 TEST_F(XmlFile, ErrorsOfTheContentHaveAPosition) {
