@@ -9,6 +9,7 @@
 #include "core/check.h"
 #include "core/layout_watch.h"
 #include "core/pane_provider.h"
+#include "core/view_model/output/unknown_mode.h"
 
 namespace tessera_1 {
 
@@ -186,6 +187,7 @@ error_code_t DataProvider::getMetadata(variant_bag_t& out, relay2::IProgress* pr
     m_graph->dumpTotalInfo(out);
     m_graph->dumpNodes(out);
     m_graph->dumpLinks(out);
+    view_model::forgetUnknownMode(*m_graph);
     if (progress && progress->isCancelled())
         return TESSERA_RAISE(bk2::error::Cancelled(_U("Cancelled after the diagram was written")));
     return {};

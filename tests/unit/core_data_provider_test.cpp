@@ -225,7 +225,13 @@ TEST_F(Provider, UnknownDisplayModeIsTakenAsItIsAndCanBeLeftAgain) {
     EXPECT_TRUE(provider->changeDisplayMode(modeRequest("Ratio"), unknown, nullptr).is_success());
     EXPECT_EQ(textAt(unknown, "diagram", "displayMode"), "Ratio");
     EXPECT_EQ(totalOf(unknown), "");
-    // The look-up has left an empty entry under that mode; fetching and writing pass over it.
+    // The look-up has left nothing behind.
+    for (const auto& node : provider->m_graph->m_nodeList)
+        EXPECT_FALSE(node->m_dataTransfers.contains("Ratio")) << node->m_id;
+    for (const auto& link : provider->m_graph->m_linkList)
+        for (const auto* table : {&link->m_displayInfo.m_fromInfo, &link->m_displayInfo.m_toInfo,
+                                  &link->m_displayInfo.m_totalInfo})
+            EXPECT_FALSE(table->contains("Ratio")) << link->m_id;
     EXPECT_TRUE(provider->getData(nullptr).is_success());
     EXPECT_TRUE(provider->changeDisplayMode(modeRequest("ratio"), again, nullptr).is_success());
     EXPECT_EQ(totalOf(again), "0.5");
