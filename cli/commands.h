@@ -37,6 +37,10 @@ struct Input {
 [[nodiscard]] tessera_host::Filters filtersOf(const tessera_host::Viewpoint& viewpoint,
                                               const Options& options);
 
+// How large the diagram may become: what the options say, otherwise by what the document declares.
+[[nodiscard]] tessera_1::LayoutLimits layoutLimitsOf(const Options& options,
+                                                     const tessera_host::Viewpoint& viewpoint);
+
 // How much the queries may use.
 [[nodiscard]] tessera_host::QueryLimits queryLimitsOf(const Options& options);
 

@@ -89,10 +89,10 @@ void LayoutInspector::reportTimes() const {
 void LayoutInspector::reportTruncation() {
     // Reported once in a session, whose later diagrams stop at the same limits.
     if (!m_isTruncated || std::exchange(m_isTruncationReported, true)) return;
-    printMessage(
-        fmt::format("{}: the diagram is incomplete: the layout stopped at a limit (--max-elements {} "
-                    "or --max-id-bytes {}); the log says at which",
-                    m_options.document, m_options.limits.maxElements, m_options.limits.maxIdBytes));
+    printMessage(fmt::format(
+        "{}: the diagram is incomplete: the layout stopped at a limit; the log says at which, and "
+        "--max-elements or --max-id-bytes raises it",
+        m_options.document));
 }
 
 int LayoutInspector::exitStatus() const {

@@ -131,12 +131,13 @@ void addLimits(CLI::App& command, RawOptions& raw) {
     command
         .add_option("--max-elements", raw.options.limits.maxElements,
                     "The most nodes and links that a diagram may have, with those that the layout adds "
-                    "(default 5000000)")
+                    "(default 1000000, and 10 for each of a larger document)")
         ->type_name("N")
         ->check(isCount);
     command
         .add_option("--max-id-bytes", raw.options.limits.maxIdBytes,
-                    "The most bytes in the ids of all nodes and links (default 1073741824)")
+                    "The most bytes in the ids of all nodes and links "
+                    "(default 268435456, and 2048 for each of a larger document)")
         ->type_name("N")
         ->check(isCount);
 }

@@ -31,12 +31,12 @@ struct Options {
     std::uint64_t maxMemory = tessera_host::QueryLimits().memory;
     bool acyclic = false;
     bool fix = false;
-    tessera_1::LayoutLimits limits{5'000'000, std::size_t{1} << 30U};
-    std::string stopAfter;   // a stage of "create"; "" is none
-    std::string dumpFolder;  // where the graph is written after each stage; "" is none
-    std::string theme;       // of a picture: "light", "dark" or "auto"
-    std::string direction;   // of a picture: "lr" or "tb"
-    double scale = 1;        // pixels of a PNG for one of the drawing
+    tessera_1::LayoutLimits limits{0, 0};  // 0: by the size of the document
+    std::string stopAfter;                 // a stage of "create"; "" is none
+    std::string dumpFolder;                // where the graph is written after each stage; "" is none
+    std::string theme;                     // of a picture: "light", "dark" or "auto"
+    std::string direction;                 // of a picture: "lr" or "tb"
+    double scale = 1;                      // pixels of a PNG for one of the drawing
     bool timePasses = false;
     bool verify = false;
 };

@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <system_error>
@@ -99,9 +101,22 @@ tessera_host::QueryLimits queryLimitsOf(const Options& options) {
             options.maxMemory};
 }
 
+tessera_1::LayoutLimits layoutLimitsOf(const Options& options, const Viewpoint& viewpoint) {
+    // A diagram that reaches one of the first numbers takes less than 2 GiB; a document that declares more than those
+    // is large itself.
+    const auto& structure = viewpoint.structure();
+    const std::size_t declared = structure.nodes().size() + structure.links().size();
+    tessera_1::LayoutLimits limits = options.limits;
+    if (limits.maxElements == 0) limits.maxElements = std::max<std::size_t>(1'000'000, 10 * declared);
+    if (limits.maxIdBytes == 0)
+        limits.maxIdBytes = std::max<std::size_t>(std::size_t{1} << 28U, 2048 * declared);
+    return limits;
+}
+
 std::unique_ptr<tessera_host::Pane> makePane(const Input& input, const Options& options,
                                              tessera_1::ILayoutWatcher* watcher) {
-    const tessera_host::PaneOptions settings{queryLimitsOf(options), {options.limits, watcher}};
+    const tessera_host::PaneOptions settings{queryLimitsOf(options),
+                                             {layoutLimitsOf(options, *input.viewpoint), watcher}};
     return std::make_unique<tessera_host::Pane>(input.viewpoint, input.result,
                                                 filtersOf(*input.viewpoint, options), settings);
 }

@@ -22,8 +22,9 @@ using tessera_host::ErrorKind;
 using tessera_host::Expected;
 using tessera_host::FileSink;
 
-// A longer line is not a request; the longest sensible one has a few hundred bytes.
-constexpr std::size_t maxLine = 16U << 20U;
+// A longer line is not a request; the longest sensible one has a few hundred bytes. Read as JSON, a line takes up to
+// a hundred times its length.
+constexpr std::size_t maxLine = 1U << 20U;
 
 Error notARequest(std::string text) {
     return {ErrorKind::failed, std::move(text)};

@@ -35,6 +35,15 @@ bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
+bool isFlag(char c) {
+    return std::string_view("-+ #!0,").find(c) != std::string_view::npos;
+}
+
+// Whether more than the type may follow a width.
+bool continues(char c) {
+    return c == '.' || c == 'l';
+}
+
 class Printer {
   public:
     Printer(sqlite3_context* context, std::span<sqlite3_value*> arguments)
@@ -94,16 +103,16 @@ class Printer {
         Conversion conversion;
         bool isNegative = false;
         for (;; ++m_at) {
-            if (std::string_view("-+ #!0,").find(*m_at) != std::string_view::npos && *m_at != '\0') {
+            if (isFlag(*m_at)) {
                 conversion.flags += *m_at;
             } else if (isDigit(*m_at)) {
                 conversion.width = readNumber();
-                if (*m_at != '.' && *m_at != 'l') break;
+                if (!continues(*m_at)) break;
                 --m_at;
             } else if (*m_at == '*') {
                 conversion.width = readArgument(isNegative);
                 if (isNegative) conversion.flags += '-';
-                if (m_at[1] != '.' && m_at[1] != 'l') {
+                if (!continues(m_at[1])) {
                     ++m_at;
                     break;
                 }

@@ -1,0 +1,118 @@
+"""Documents and databases that ask for more time or memory than they get: the program stops them, says so, and stays small."""
+import json
+import os
+import random
+import subprocess
+import sys
+import time
+
+import program
+from program import Case, document, showing
+
+MEBIBYTE = 1 << 20
+# A sanitizer takes memory of its own, and time; only the messages are looked at then.
+IS_MEASURED = not os.environ.get('TESSERA_SANITIZED')
+HALF = 'half of what a request may take'
+DATA = 'CREATE TABLE t(a, b); INSERT INTO t VALUES (1, 2), (3, 4), (5, 6), (7, 8), (9, 10), (11, 12);'
+
+
+def doubling(levels):
+    """An expression whose compiling takes twice the time and memory with each level."""
+    steps = ['a0 AS (SELECT 1 AS x)']
+    for i in range(levels):
+        steps.append(f'a{i + 1} AS (SELECT x FROM a{i} UNION ALL SELECT x FROM a{i})')
+    return f'SUM(b) + (WITH {", ".join(steps)} SELECT COUNT(*) FROM a{levels})'
+
+
+class Limits(Case):
+    def measured(self, *arguments, seconds, mebibytes=1024, status=1):
+        """Runs the program; its time and its largest memory stay below these. The times are many times what is wanted and a
+        part of what it takes without limits, which is minutes or for ever: the machine may be busy."""
+        code = ('import resource, subprocess, sys; done = subprocess.run(sys.argv[1:]); '
+                'print("peak", resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss, file=sys.stderr); '
+                'sys.exit(done.returncode % 256)')
+        begin = time.monotonic()
+        done = subprocess.run([sys.executable, '-c', code, program.PROGRAM, *map(str, arguments)], capture_output=True, text=True,
+                              encoding='utf-8', timeout=60 * program.SLOW)
+        took = time.monotonic() - begin
+        self.assertEqual(done.returncode, status, done.stderr)
+        if IS_MEASURED:
+            self.assertLess(took, seconds)
+            self.assertLess(int(done.stderr.split()[-1]) / 1024, mebibytes)
+        return done
+
+    def stopped(self, viewpoint, database, *texts, seconds=10, arguments=('--query-timeout', '1')):
+        """The value is missing, with a message, and the diagram is written."""
+        done = self.measured('render', self.write('document.xml', viewpoint), '--db', database, *arguments, seconds=seconds)
+        for text in texts:
+            self.assertIn(text, done.stderr)
+        self.assertEqual(json.loads(done.stdout)['nodes']['node'][0]['info'], {})
+
+    def test_compiling_is_stopped(self):
+        database = self.database(DATA)
+        for levels in (18, 20, 40):
+            with self.subTest(levels):
+                self.stopped(showing(doubling(levels)), database, 'query "q": it was stopped ')
+
+    def test_compiling_is_stopped_by_check(self):
+        path = self.write('document.xml', showing(doubling(40)))
+        done = self.measured('check', path, '--db', self.database(DATA), '--query-timeout', '1', seconds=10)
+        self.assertIn('query "q": it was stopped ', done.stderr)
+
+    def test_collecting_is_stopped(self):
+        parts = '+'.join(f'length(json_group_{kind}hex(zeroblob(249000)) || {i}))'
+                         for i, kind in enumerate(('array(', 'object(u.a, ', 'array(', 'object(u.b, ')))
+        expression = f'MAX((SELECT {parts} FROM t u, t v, t w, t x, t y, t z))'
+        self.stopped(showing(expression), self.database(DATA), 'a value has more than 500000 bytes')
+
+    def test_temporary_files_are_bounded(self):
+        expression = ('MAX((SELECT COUNT(*) FROM (SELECT zeroblob(499000) AS z, random() AS r FROM t u, t v, t w, t x, t y, t z '
+                      'ORDER BY r LIMIT -1 OFFSET 1)))')
+        self.stopped(showing(expression), self.database(DATA), 'it needs temporary files of more than 64.0 MiB', seconds=10,
+                     arguments=('--max-memory', '64M'))
+
+    def test_large_values_are_bounded_together(self):
+        references = ''.join(f'<queryRef>/q/{i}</queryRef>' for i in range(3000))
+        viewpoint = document(f'<graph><node id="n"/></graph><display><node id="n"><rowSet>{references}</rowSet></node></display>',
+                             '<query id="q" from="t" key="a">hex(zeroblob(249900)) || COUNT(*)</query>')
+        database = self.database(DATA)
+        self.stopped(viewpoint, database, 'the values of this request need more than 512 MiB of memory, ' + HALF)
+        self.stopped(viewpoint, database, 'need more than 50.0 MiB of memory, ' + HALF,
+                     arguments=('--max-memory', '100M'))
+
+    def test_printf_in_a_view_is_bounded(self):
+        calls = '+'.join(f"length(printf('%.*c', {2000000000 + i}, 'x'))" for i in range(20))
+        database = self.database(DATA + f'CREATE VIEW bombs AS SELECT {calls} AS a FROM t;')
+        self.stopped(showing('MAX(a)', **{'from': 'bombs'}), database, 'a value has more than 500000 bytes')
+
+    def test_printf_in_a_view_is_of_use(self):
+        database = self.database(DATA + "CREATE VIEW texts AS SELECT printf('%05.1f|%-4s|', b, 'x') AS a FROM t;")
+        diagram = self.render(self.write('document.xml', showing('MIN(a)', **{'from': 'texts'})), database)
+        self.assertEqual(program.shown_value(diagram), '002.0|x   |')
+
+    def test_a_small_document_stays_small(self):
+        if not IS_MEASURED:
+            return  # it is memory that counts here
+        numbers = random.Random(1)
+        nodes = ''.join(f'<node id="{i}"/>' for i in range(1000))
+        links = ''.join(f'<link id="{i}" from="{numbers.randrange(1000)}" to="{numbers.randrange(1000)}"/>' for i in range(2500))
+        path = self.write('document.xml', document(f'<graph>{nodes}{links}</graph>'))
+        self.assertLess(path.stat().st_size, 1000000)
+        done = self.measured('render', path, '--db', self.database(DATA), '--stop-after', 'label_dummies', '-o',
+                             self.folder / 'diagram.json', seconds=60, mebibytes=2048)
+        self.assertIn('does not get all of its dummy nodes: the limit is ', done.stderr)
+        self.assertIn('--max-elements or --max-id-bytes raises it', done.stderr)
+
+    def test_sizes(self):
+        path, database = self.write('document.xml', showing('SUM(b)')), self.database(DATA)
+        for size in ('1M', '1MB', '1 GiB', '1048576', '2g'):
+            with self.subTest(size):
+                self.render(path, database, '--max-memory', size)
+        for size in ('0', '-1', '1K', 'much', '', '99999999999999999999', '5000T'):
+            with self.subTest(size):
+                done = self.run_program('render', path, '--db', database, f'--max-memory={size}')
+                self.assert_clean_failure(done, 2, '--max-memory')
+
+
+if __name__ == '__main__':
+    program.main()
