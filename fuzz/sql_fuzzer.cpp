@@ -135,7 +135,7 @@ tessera_host::ISnapshot& openSnapshot(tessera_host::IResult& result) {
 
 // Such a problem says nothing about the text: the limits come sooner when the machine is busy.
 bool isLimit(const std::string& problem) {
-    return problem.starts_with("it was stopped");
+    return problem.find("it was stopped") != std::string::npos;
 }
 
 void runSelection(tessera_host::ISnapshot& snapshot, const tessera_host::Selection& selection) {
