@@ -49,8 +49,6 @@ int start(int argc, char** argv) {
     const std::optional<Options>& options = *parsed;
     // Help or the version was printed.
     if (!options) return exitDone;
-    // "session" still writes to the number of standard output.
-    if (options->command->name != "session") keepOutputForData();
     return run(*options);
 }
 

@@ -9,6 +9,7 @@
 #include "cli/line_reader.h"
 #include "cli/message.h"
 #include "cli/program_end.h"
+#include "cli/standard_descriptors.h"
 #include "host/text/json_reader.h"
 #include "host/text/json_writer.h"
 
@@ -91,7 +92,7 @@ class Session {
 
     static Expected<void> write(const variant_bag_t& response) {
         // Flushed after each response: the client waits for it before its next request.
-        FileSink sink(STDOUT_FILENO, interruptDescriptor());
+        FileSink sink(dataOutput(), interruptDescriptor());
         tessera_host::writeJson(response, sink, tessera_host::JsonForm::compact);
         sink.put('\n');
         if (sink.flush()) return {};

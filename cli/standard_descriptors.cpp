@@ -27,12 +27,9 @@ void prepareStandardDescriptors() {
         const int copy = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, from);
         if (copy < 0) continue;
         output = copy;
+        (void)dup2(STDERR_FILENO, STDOUT_FILENO);
         return;
     }
-}
-
-void keepOutputForData() {
-    if (output != STDOUT_FILENO) (void)dup2(STDERR_FILENO, STDOUT_FILENO);
 }
 
 int dataOutput() noexcept {

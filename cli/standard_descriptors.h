@@ -5,12 +5,9 @@ namespace tessera_cli {
 
 // Opens /dev/null for each standard descriptor that the program was started without, so that no file opened
 // later gets its number and is read or written by mistake. Input is empty then, writing output is an error,
-// and messages are lost. Then sets standard output aside for the program's data. REQUIRES: nothing has been
-// opened yet.
+// and messages are lost. Then sets standard output aside for the program's data: what a library prints on its
+// number goes to standard error. REQUIRES: nothing has been opened yet.
 void prepareStandardDescriptors();
-
-// From now on what is printed on the number of standard output goes to standard error.
-void keepOutputForData();
 
 // The descriptor of standard output as the program was started with it. All data goes there. Never closed.
 [[nodiscard]] int dataOutput() noexcept;
