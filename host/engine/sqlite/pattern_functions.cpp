@@ -81,8 +81,8 @@ class Pattern {
             }
             if (part < m_parts.size() && m_parts[part].kind == Kind::any) {
                 partAfterAny = ++part;
-                afterAny = text;
                 if (part == m_parts.size()) return Result::matches;
+                text = afterAny = candidate(text, m_parts[part]);
                 continue;
             }
             const unsigned char* next = text;
@@ -94,7 +94,7 @@ class Pattern {
             } else {
                 if (c == 0 || afterAny == nullptr) return Result::differs;
                 (void)readCharacter(afterAny);
-                text = afterAny;
+                text = afterAny = candidate(afterAny, m_parts[partAfterAny]);
                 part = partAfterAny;
             }
         }
@@ -139,6 +139,14 @@ class Pattern {
         }
         if (c == 0) part.kind = Kind::nothing;
         m_parts.push_back(std::move(part));
+    }
+
+    // Where `part` may match first, at `text` or after it. No byte of another character is one of ASCII.
+    [[nodiscard]] const unsigned char* candidate(const unsigned char* text, const Part& part) const {
+        if (part.kind != Kind::character || part.character >= 0x80) return text;
+        while (*text != 0 && (m_ignoresCase ? toSmall(*text) : *text) != part.character)
+            ++text;
+        return text;
     }
 
     [[nodiscard]] bool matches(const Part& part, Character c) const {
