@@ -58,6 +58,20 @@ Expected<void> checkThreads(const std::string& file, std::string_view line) {
     return refused(file, "log4cplus.threadPoolSize is not from 0 to " + std::to_string(maxThreads));
 }
 
+// The logging library would fill up to any width, and nothing could stop it.
+Expected<void> checkWidths(const std::string& file, std::string_view line) {
+    constexpr std::size_t maxDigits = 4;
+    std::size_t digits = 0;  // of the number at the end of what was seen, when it follows a "%"
+    bool isConversion = false;
+    for (const char c : line) {
+        const bool isDigit = std::isdigit(static_cast<unsigned char>(c)) != 0;
+        isConversion = c == '%' || (isConversion && (isDigit || c == '-' || c == '.'));
+        digits = isConversion && isDigit ? digits + 1 : 0;
+        if (digits > maxDigits) return refused(file, "a width in a layout is larger than 9999");
+    }
+    return {};
+}
+
 // The files that are being read: each includes the next one.
 class Reading {
   public:
@@ -88,6 +102,7 @@ class Reading {
         open.next = end + 1;
         if (const auto included = includedBy(line)) return begin(*included);
         if (auto good = checkThreads(open.name, line); !good) return good;
+        if (auto good = checkWidths(open.name, line); !good) return good;
         m_result.append(line).append("\n");
         if (m_result.size() > maxSettings) return refused(open.name, "there is more than 1 MiB of it");
         return {};

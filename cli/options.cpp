@@ -3,6 +3,9 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cctype>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
 #include <sstream>
 #include <vector>
 
@@ -30,6 +33,7 @@ struct RawOptions {
     std::vector<std::string> filters;
     std::string mode;
     std::string format;
+    std::string maxMemory;
     CLI::Option* scale = nullptr;
 };
 
@@ -46,6 +50,27 @@ std::string isLanguage(const std::string& text) {
     const bool isName = !text.empty() && std::isalpha(static_cast<unsigned char>(text.front())) != 0 &&
                         std::all_of(text.begin(), text.end(), isPart);
     return isName ? "" : "\"" + text + "\" is not the name of a language, such as de or de_AT";
+}
+
+// Bytes such as 1048576, 512M, 1.5G or 4 GiB, in powers of 1024; none for other texts and beyond 1 MiB to 1 PiB.
+std::optional<std::uint64_t> sizeOf(const std::string& text) {
+    double number = 0;
+    const char* const textEnd = text.data() + text.size();
+    const auto [end, error] = std::from_chars(text.data(), textEnd, number, std::chars_format::fixed);
+    if (error != std::errc()) return std::nullopt;
+    std::string unit(end, textEnd);
+    std::transform(unit.begin(), unit.end(), unit.begin(), [](unsigned char c) { return std::toupper(c); });
+    unit.erase(0, unit.find_first_not_of(' '));
+    constexpr std::string_view prefixes = "KMGT";
+    const std::size_t power = unit.empty() ? std::string_view::npos : prefixes.find(unit.front());
+    if (power != std::string_view::npos) {
+        number = std::ldexp(number, 10 * static_cast<int>(power + 1));
+        unit.erase(0, 1);
+        if (unit == "IB") unit = "B";
+    }
+    const bool isSize =
+        (unit.empty() || unit == "B") && number >= std::ldexp(1, 20) && number <= std::ldexp(1, 50);
+    return isSize ? std::optional(static_cast<std::uint64_t>(number)) : std::nullopt;
 }
 
 // Names of a table, as CLI11 takes them.
@@ -105,16 +130,11 @@ void addCommon(CLI::App& command, RawOptions& raw) {
         });
     command
         .add_option(
-            "--max-memory", options.maxMemory,
+            "--max-memory", raw.maxMemory,
             "The most memory for the values and queries of a request, such as 512M or 4G (default 1G)")
         ->type_name("SIZE")
-        ->transform(CLI::AsSizeValue(false))
         ->check([](const std::string& text) {
-            std::uint64_t bytes = 0;
-            const bool isNumber = CLI::detail::lexical_cast(text, bytes);
-            return isNumber && bytes >= (1U << 20U) && bytes <= (std::uint64_t{1} << 50U)
-                       ? ""
-                       : text + " bytes are not from 1M to 1024T";
+            return sizeOf(text) ? "" : "\"" + text + "\" is not a size from 1M to 1024T, such as 512M or 4G";
         });
 }
 
@@ -131,13 +151,13 @@ void addLimits(CLI::App& command, RawOptions& raw) {
     command
         .add_option("--max-elements", raw.options.limits.maxElements,
                     "The most nodes and links that a diagram may have, with those that the layout adds "
-                    "(default 1000000, and 10 for each of a larger document)")
+                    "(default 600000, and 8 for each of a larger document)")
         ->type_name("N")
         ->check(isCount);
     command
         .add_option("--max-id-bytes", raw.options.limits.maxIdBytes,
                     "The most bytes in the ids of all nodes and links "
-                    "(default 268435456, and 2048 for each of a larger document)")
+                    "(default 134217728, and 1024 for each of a larger document)")
         ->type_name("N")
         ->check(isCount);
 }
@@ -313,6 +333,7 @@ Expected<const OutputFormat*> chooseFormat(const RawOptions& raw) {
 Expected<void> finishOptions(RawOptions& raw) {
     Options& options = raw.options;
     if (!raw.mode.empty()) options.mode = raw.mode;
+    options.maxMemory = sizeOf(raw.maxMemory).value_or(options.maxMemory);
     auto filters = readFilters(raw.filters);
     if (!filters) return std::move(filters).error();
     options.filters = *std::move(filters);

@@ -84,7 +84,7 @@ OutputFile::Outcome OutputFile::open(const std::string& path) {
     struct stat status {};
     const bool exists = stat(m_path.c_str(), &status) == 0;
     if (exists && S_ISDIR(status.st_mode)) return failure(EISDIR);
-    if (exists && !S_ISREG(status.st_mode)) return openDirectly();
+    if (exists && !S_ISREG(status.st_mode)) return openDirectly(S_ISFIFO(status.st_mode));
     if (exists && access(m_path.c_str(), W_OK) != 0) return failure(errno);
     if (auto opened = openBeside(); !opened) return opened;
     const mode_t mask = umask(0);
@@ -104,11 +104,12 @@ OutputFile::Outcome OutputFile::openAgain(int descriptor) {
     return {};
 }
 
-// A named pipe can be opened once another program reads it; an interruption ends the waiting.
-OutputFile::Outcome OutputFile::openDirectly() {
+// A named pipe can be opened once another program reads it; an interruption ends the waiting. Other files say the same
+// when they can never be opened.
+OutputFile::Outcome OutputFile::openDirectly(bool isPipe) {
     pollfd interruption{interruptDescriptor(), POLLIN, 0};
     while ((m_descriptor = ::open(m_path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC)) < 0) {
-        if (errno != ENXIO && errno != EINTR) return failure(errno);
+        if (errno != EINTR && (errno != ENXIO || !isPipe)) return failure(errno);
         (void)poll(&interruption, 1, readerWaitMilliseconds);
         if (isInterrupted()) return failure(EINTR);
     }

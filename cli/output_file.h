@@ -34,7 +34,7 @@ class OutputFile {
   private:
     using Outcome = tessera_host::Expected<void>;
 
-    Outcome openDirectly();
+    Outcome openDirectly(bool isPipe);
     Outcome openAgain(int descriptor);
     Outcome openBeside();
     bool nameUnnamed();

@@ -102,14 +102,14 @@ tessera_host::QueryLimits queryLimitsOf(const Options& options) {
 }
 
 tessera_1::LayoutLimits layoutLimitsOf(const Options& options, const Viewpoint& viewpoint) {
-    // A diagram that reaches one of the first numbers takes less than 2 GiB; a document that declares more than those
-    // is large itself.
+    // With the first numbers, a document of less than 1 MB takes less than 2 GiB, whatever it draws and shows. It
+    // declares at most 71,000 nodes, so it reaches the others nowhere.
     const auto& structure = viewpoint.structure();
     const std::size_t declared = structure.nodes().size() + structure.links().size();
     tessera_1::LayoutLimits limits = options.limits;
-    if (limits.maxElements == 0) limits.maxElements = std::max<std::size_t>(1'000'000, 10 * declared);
+    if (limits.maxElements == 0) limits.maxElements = std::max<std::size_t>(600'000, 8 * declared);
     if (limits.maxIdBytes == 0)
-        limits.maxIdBytes = std::max<std::size_t>(std::size_t{1} << 28U, 2048 * declared);
+        limits.maxIdBytes = std::max<std::size_t>(std::size_t{1} << 27U, 1024 * declared);
     return limits;
 }
 

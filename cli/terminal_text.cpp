@@ -20,6 +20,15 @@ bool isControl(unsigned char c) {
     return (c < 0x20 && c != '\n' && c != '\t') || c == 0x7f;
 }
 
+// Line and paragraph separators, and what changes the direction of the text after it: U+2028 to U+202E and U+2066 to
+// U+2069, all of three bytes. The number of the character, or 0.
+unsigned reorderingAt(std::string_view text) {
+    if (text.size() < 3 || text[0] != '\xe2' || (text[1] != '\x80' && text[1] != '\x81')) return 0;
+    const unsigned high = text[1] == '\x81' ? 0x40U : 0U;
+    const unsigned number = 0x2000U + high + (static_cast<unsigned char>(text[2]) & 0x3FU);
+    return (number >= 0x2028 && number <= 0x202E) || (number >= 0x2066 && number <= 0x2069) ? number : 0;
+}
+
 bool isHighControl(unsigned char c) {
     return c >= 0x80 && c < 0xa0;
 }
@@ -35,6 +44,9 @@ std::string terminalText(std::string_view text) {
         if (c == leadByte && isHighControl(next)) {
             shown += fmt::format("\\x{:02x}", next);
             ++at;
+        } else if (const unsigned number = reorderingAt(text.substr(at)); number != 0) {
+            shown += fmt::format("\\u{:04x}", number);
+            at += 2;
         } else if (isControl(c)) {
             shown += fmt::format("\\x{:02x}", c);
         } else {

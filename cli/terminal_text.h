@@ -9,8 +9,8 @@
 namespace tessera_cli {
 
 // The text with each control character as an escape such as \x1b, so that it cannot move the cursor of a
-// terminal, rename its window or hide what stands before it. Newlines and tabs stay. Other bytes stay as they
-// are.
+// terminal, rename its window or hide what stands before it. The same for what reorders the text of a line, as
+// \u202e. Newlines and tabs stay. Other bytes stay as they are.
 [[nodiscard]] std::string terminalText(std::string_view text);
 
 // While it lives, what is written to std::cerr and std::cout goes to standard error as terminal text, a line

@@ -103,15 +103,22 @@ class Limits(Case):
         self.assertIn('does not get all of its dummy nodes: the limit is ', done.stderr)
         self.assertIn('--max-elements or --max-id-bytes raises it', done.stderr)
 
+    def test_long_definitions_in_the_database(self):
+        view = "CREATE VIEW long AS SELECT a /* {} */ FROM t;"
+        path = self.write('document.xml', showing('SUM(b)'))
+        self.render(path, self.database(DATA + view.format('x' * 190000)))
+        done = self.run_program('render', path, '--db', self.database(DATA + view.format('x' * 210000)))
+        self.assert_clean_failure(done, 3, 'a definition in the database has more than 200000 bytes, the most that is read')
+
     def test_sizes(self):
         path, database = self.write('document.xml', showing('SUM(b)')), self.database(DATA)
-        for size in ('1M', '1MB', '1 GiB', '1048576', '2g'):
+        for size in ('1M', '1MB', '1 GiB', '1048576', '2g', '1.5G'):
             with self.subTest(size):
                 self.render(path, database, '--max-memory', size)
-        for size in ('0', '-1', '1K', 'much', '', '99999999999999999999', '5000T'):
+        for size in ('0', '-1', '1K', 'much', '99999999999999999999', '5000T', '0x10', '1e9', '1E', '1G1', 'nan', 'inf'):
             with self.subTest(size):
                 done = self.run_program('render', path, '--db', database, f'--max-memory={size}')
-                self.assert_clean_failure(done, 2, '--max-memory')
+                self.assert_clean_failure(done, 2, 'is not a size from 1M to 1024T, such as 512M or 4G')
 
 
 if __name__ == '__main__':

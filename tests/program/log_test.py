@@ -59,6 +59,16 @@ class Settings(Case):
         self.write('c.properties', 'include c.properties')
         self.refused('c.properties', 'it includes itself')
 
+    def test_widths_that_nobody_can_wait_for(self):
+        for width, is_refused in (('999999999', True), ('-10000', True), ('.99999', True), ('40.40', False), ('-9999', False)):
+            self.write('w.properties', TO_CONSOLE + 'log4cplus.appender.A.layout=log4cplus::PatternLayout\n'
+                       f'log4cplus.appender.A.layout.ConversionPattern=%p %{width}m%n\n')
+            done = self.render_with('w.properties')
+            if is_refused:
+                self.assert_clean_failure(done, 3, 'a width in a layout is larger than 9999')
+            else:
+                self.assertEqual(done.returncode, 0, done.stderr)
+
     def test_more_files_than_anyone_needs(self):
         """Each file includes the next one twice, which would be more files than could ever be read."""
         for number in range(40):
@@ -82,6 +92,11 @@ class Lines(Case):
         self.assertEqual(done.returncode, 0, done.stderr)
         self.assertIn('Unknown node id in link found <n\\x9b2J\\x7f\u00e9>', done.stderr)
         self.assertFalse([c for c in done.stderr if c != '\n' and ord(c) < 0x20 or 0x7f <= ord(c) < 0xa0], done.stderr)
+
+    def test_cannot_reorder_the_text(self):
+        path = self.write('v.xml', document('<graph id="g"><node id="a"/><link id="l" from="a" to="n&#x202e;x&#x2066;y&#x2028;z&#x200f;"/></graph>'))
+        done = self.run_program('render', path, '--db', self.database())
+        self.assertIn('Unknown node id in link found <n\\u202ex\\u2066y\\u2028z\u200f>', done.stderr)
 
     def test_of_the_settings_do_not_either(self):
         name = 'none\x1b[2J'

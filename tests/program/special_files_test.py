@@ -31,6 +31,13 @@ class ByName(Case):
         (self.folder / 'v.xml').symlink_to('/dev/zero')
         self.refused(self.folder / 'v.xml', 'this is a device, not a file')
 
+    def test_socket_as_output(self):
+        with socket.socket(socket.AF_UNIX) as listener:
+            listener.bind(str(self.folder / 'socket'))
+            done = self.run_program('render', self.write('v.xml', GOOD), '--db', self.database(), '--format', 'json',
+                                    '-o', self.folder / 'socket')
+        self.assert_clean_failure(done, 3, 'cannot write: No such device or address')
+
     def test_socket(self):
         with socket.socket(socket.AF_UNIX) as listener:
             listener.bind(str(self.folder / 'socket'))

@@ -26,8 +26,10 @@ struct Setting {
 // Enough for any honest query. Each keeps a hostile one from using up memory, or time where a statement does not
 // check its limits: finding equal aggregates takes time in proportion to the square of their number, and a long
 // row of calls, each with a long text, has no loop in which it could be interrupted.
+constexpr int schemaSqlLength = 200'000;  // of a definition in the database
+constexpr int sqlLength = 100'000;        // of a document's statement
 constexpr std::initializer_list<Setting> limits{
-    {SQLITE_LIMIT_LENGTH, 500'000},          {SQLITE_LIMIT_SQL_LENGTH, 100'000},
+    {SQLITE_LIMIT_LENGTH, 500'000},          {SQLITE_LIMIT_SQL_LENGTH, schemaSqlLength},
     {SQLITE_LIMIT_EXPR_DEPTH, 1'000},        {SQLITE_LIMIT_COMPOUND_SELECT, 100},
     {SQLITE_LIMIT_VDBE_OP, 50'000},          {SQLITE_LIMIT_ATTACHED, 0},
     {SQLITE_LIMIT_LIKE_PATTERN_LENGTH, 100}, {SQLITE_LIMIT_WORKER_THREADS, 0},
@@ -81,7 +83,7 @@ Expected<std::unique_ptr<Connection>> Connection::open(const std::string& path,
 
 Expected<void> Connection::start(const std::string& path, Access access, const RunOptions& options) {
     // Reading the schema compiles all that it has.
-    const LimitScope limits(m_enforcer, {options});
+    const LimitScope scope(m_enforcer, {options});
     int code = openFile(path, access);
     if (code == SQLITE_OK) code = loadBuiltIns();
     if (code != SQLITE_OK) return errorOf(code);
@@ -199,7 +201,7 @@ int Connection::beginReading() {
 }
 
 Expected<void> Connection::beginSnapshot(const RunOptions& options) {
-    const LimitScope limits(m_enforcer, {options});
+    const LimitScope scope(m_enforcer, {options});
     const int code = beginReading();
     if (code == SQLITE_OK) return {};
     Error error = errorOf(code);
@@ -215,8 +217,10 @@ Expected<Statement> Connection::prepare(const std::string& sql, bool mayRecurse)
     sqlite3_stmt* statement = nullptr;
     m_authorizer.guard(mayRecurse);
     m_enforcer.setCompiling(true);
+    sqlite3_limit(m_database, SQLITE_LIMIT_SQL_LENGTH, sqlLength);
     const int code = sqlite3_prepare_v3(m_database, sql.data(), static_cast<int>(sql.size()),
                                         SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
+    sqlite3_limit(m_database, SQLITE_LIMIT_SQL_LENGTH, schemaSqlLength);
     m_enforcer.setCompiling(false);
     Expected<Statement> prepared = Statement(statement, mayRecurse);
     if (code != SQLITE_OK) prepared = errorOf(code);
@@ -226,19 +230,19 @@ Expected<Statement> Connection::prepare(const std::string& sql, bool mayRecurse)
 
 std::optional<Error> Connection::stopError() const {
     using Stop = LimitEnforcer::Stop;
-    const QueryLimits& limits = m_enforcer.limits();
+    const QueryLimits& reached = m_enforcer.limits();
     switch (m_enforcer.stop()) {
         case Stop::cancelled:
             return Error{ErrorKind::cancelled, "the request was cancelled"};
         case Stop::timeout:
-            return Error{ErrorKind::failed, "it was stopped after " + secondsText(limits.time)};
+            return Error{ErrorKind::failed, "it was stopped after " + secondsText(reached.time)};
         case Stop::memory:
             return Error{ErrorKind::failed, "it was stopped because the database needs more than " +
-                                                bytesText(limits.memory / 2) +
+                                                bytesText(reached.memory / 2) +
                                                 " of memory for it, half of what a request may take"};
         case Stop::temporaryFiles:
             return Error{ErrorKind::failed, "it was stopped because it needs temporary files of more than " +
-                                                bytesText(limits.memory)};
+                                                bytesText(reached.memory)};
         case Stop::budget:  // nobody sees this: the questions are asked one by one then
             return Error{ErrorKind::failed, "it takes too many steps"};
         case Stop::none:

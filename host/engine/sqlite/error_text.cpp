@@ -20,6 +20,10 @@ std::string errorText(sqlite3* database, int code) {
         case SQLITE_LOCKED:
             return "the database is locked by another program";
         case SQLITE_CORRUPT:
+            if (message.ends_with("string or blob too big"))
+                return fmt::format(
+                    "a definition in the database has more than {} bytes, the most that is read ({})",
+                    sqlite3_limit(database, SQLITE_LIMIT_SQL_LENGTH, -1), message);
             return "the database is damaged or truncated (" + message + ")";
         case SQLITE_NOTADB:
             return "the file is not an SQLite database";
