@@ -193,8 +193,16 @@ class Printer {
         const std::int64_t count = std::max<std::int64_t>(conversion.precision, 1);
         const auto blanks = static_cast<int>(std::max<std::int64_t>(conversion.width - count, 0));
         if (!conversion.isLeft()) sqlite3_str_appendchar(m_string.get(), blanks, ' ');
-        for (std::int64_t i = 0; i < count && sqlite3_str_errcode(m_string.get()) == SQLITE_OK; ++i)
-            sqlite3_str_append(m_string.get(), character.data(), static_cast<int>(character.size()));
+        // In blocks: near its limit, SQLite's string grows with each piece and not before.
+        constexpr std::int64_t blockCount = 1024;
+        std::string block;
+        for (std::int64_t i = 0; i < std::min(count, blockCount); ++i)
+            block += character;
+        for (std::int64_t left = count; left > 0 && sqlite3_str_errcode(m_string.get()) == SQLITE_OK;
+             left -= blockCount)
+            sqlite3_str_append(
+                m_string.get(), block.data(),
+                static_cast<int>(character.size()) * static_cast<int>(std::min(left, blockCount)));
         if (conversion.isLeft()) sqlite3_str_appendchar(m_string.get(), blanks, ' ');
     }
 

@@ -3,7 +3,6 @@
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <cstddef>
 #include <new>
 
 #include "host/engine/sqlite/limit_enforcer.h"
@@ -13,8 +12,9 @@ namespace {
 
 sqlite3_vfs* systemFiles = nullptr;
 
-// SQLite gives storage for this, and after it for the file of the system.
-struct alignas(std::max_align_t) TemporaryFile {
+// SQLite gives storage for this, and after it for the file of the system. It aligns that for pointers and 64-bit
+// integers only.
+struct TemporaryFile {
     sqlite3_file base{};     // what SQLite sees
     sqlite3_int64 size = 0;  // bytes written so far, as they count for the limit
 
