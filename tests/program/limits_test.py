@@ -1,17 +1,9 @@
 """Documents and databases that ask for more time or memory than they get: the program stops them, says so, and stays small."""
 import json
-import os
-import random
-import subprocess
-import sys
-import time
 
 import program
 from program import Case, document, showing
 
-MEBIBYTE = 1 << 20
-# A sanitizer takes memory of its own, and time; only the messages are looked at then.
-IS_MEASURED = not os.environ.get('TESSERA_SANITIZED')
 HALF = 'half of what a request may take'
 DATA = 'CREATE TABLE t(a, b); INSERT INTO t VALUES (1, 2), (3, 4), (5, 6), (7, 8), (9, 10), (11, 12);'
 
@@ -25,25 +17,9 @@ def doubling(levels):
 
 
 class Limits(Case):
-    def measured(self, *arguments, seconds, mebibytes=1024, status=1):
-        """Runs the program; its time and its largest memory stay below these. The times are many times what is wanted and a
-        part of what it takes without limits, which is minutes or for ever: the machine may be busy."""
-        code = ('import resource, subprocess, sys; done = subprocess.run(sys.argv[1:]); '
-                'print("peak", resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss, file=sys.stderr); '
-                'sys.exit(done.returncode % 256)')
-        begin = time.monotonic()
-        done = subprocess.run([sys.executable, '-c', code, program.PROGRAM, *map(str, arguments)], capture_output=True, text=True,
-                              encoding='utf-8', timeout=60 * program.SLOW)
-        took = time.monotonic() - begin
-        self.assertEqual(done.returncode, status, done.stderr)
-        if IS_MEASURED:
-            self.assertLess(took, seconds)
-            self.assertLess(int(done.stderr.split()[-1]) / 1024, mebibytes)
-        return done
-
     def stopped(self, viewpoint, database, *texts, seconds=10, arguments=('--query-timeout', '1')):
         """The value is missing, with a message, and the diagram is written."""
-        done = self.measured('render', self.write('document.xml', viewpoint), '--db', database, *arguments, seconds=seconds)
+        done = program.measured(self, 'render', self.write('document.xml', viewpoint), '--db', database, *arguments, seconds=seconds)
         for text in texts:
             self.assertIn(text, done.stderr)
         self.assertEqual(json.loads(done.stdout)['nodes']['node'][0]['info'], {})
@@ -56,7 +32,7 @@ class Limits(Case):
 
     def test_compiling_is_stopped_by_check(self):
         path = self.write('document.xml', showing(doubling(40)))
-        done = self.measured('check', path, '--db', self.database(DATA), '--query-timeout', '1', seconds=10)
+        done = program.measured(self, 'check', path, '--db', self.database(DATA), '--query-timeout', '1', seconds=10)
         self.assertIn('query "q": it was stopped ', done.stderr)
 
     def test_collecting_is_stopped(self):
@@ -89,19 +65,6 @@ class Limits(Case):
         database = self.database(DATA + "CREATE VIEW texts AS SELECT printf('%05.1f|%-4s|', b, 'x') AS a FROM t;")
         diagram = self.render(self.write('document.xml', showing('MIN(a)', **{'from': 'texts'})), database)
         self.assertEqual(program.shown_value(diagram), '002.0|x   |')
-
-    def test_a_small_document_stays_small(self):
-        if not IS_MEASURED:
-            return  # it is memory that counts here
-        numbers = random.Random(1)
-        nodes = ''.join(f'<node id="{i}"/>' for i in range(1000))
-        links = ''.join(f'<link id="{i}" from="{numbers.randrange(1000)}" to="{numbers.randrange(1000)}"/>' for i in range(2500))
-        path = self.write('document.xml', document(f'<graph>{nodes}{links}</graph>'))
-        self.assertLess(path.stat().st_size, 1000000)
-        done = self.measured('render', path, '--db', self.database(DATA), '--stop-after', 'label_dummies', '-o',
-                             self.folder / 'diagram.json', seconds=60, mebibytes=2048)
-        self.assertIn('does not get all of its dummy nodes: the limit is ', done.stderr)
-        self.assertIn('--max-elements or --max-id-bytes raises it', done.stderr)
 
     def test_long_definitions_in_the_database(self):
         view = "CREATE VIEW long AS SELECT a /* {} */ FROM t;"

@@ -7,6 +7,7 @@ import sqlite3
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
@@ -67,6 +68,24 @@ class Case(unittest.TestCase):
         self.assertTrue(messages, done.stderr)
         for text in texts:
             self.assertIn(text, '\n'.join(messages))
+
+
+def measured(case, *arguments, seconds, mebibytes=1024, status=1):
+    """Runs the program; its time and its largest memory stay below these. The times are many times what is wanted and a part
+    of what it takes without limits, which is minutes or for ever: the machine may be busy. A sanitizer takes memory and time
+    of its own; only the status counts then."""
+    code = ('import resource, subprocess, sys; done = subprocess.run(sys.argv[1:]); '
+            'print("peak", resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss, file=sys.stderr); '
+            'sys.exit(done.returncode % 256)')
+    begin = time.monotonic()
+    done = subprocess.run([sys.executable, '-c', code, PROGRAM, *map(str, arguments)], capture_output=True, text=True,
+                          encoding='utf-8', timeout=60 * SLOW)
+    took = time.monotonic() - begin
+    case.assertEqual(done.returncode, status, done.stderr)
+    if not os.environ.get('TESSERA_SANITIZED'):
+        case.assertLess(took, seconds)
+        case.assertLess(int(done.stderr.split()[-1]) / 1024, mebibytes)
+    return done
 
 
 def document(diagram='', queries='', filters=''):

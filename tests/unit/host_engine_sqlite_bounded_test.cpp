@@ -99,7 +99,7 @@ TEST_F(SqliteBounded, PatternsMatchTheSame) {
                                   "\\",
                                   "\x80",
                                   "[\xC3\xA4-\xE2\x82\xAC]"};
-    for (int i = 0; i < 20'000; ++i) {
+    for (int i = 0; i < 5'000; ++i) {
         const std::string text = randomText(texts, 6);
         const std::string pattern = randomText(patterns, 5);
         expectSame("SELECT ?1 LIKE ?2", {text, pattern});
@@ -132,13 +132,13 @@ TEST_F(SqliteBounded, PatternsInRows) {
 
 TEST_F(SqliteBounded, PrintfMakesTheSameTexts) {
     constexpr std::array pieces{
-        "%d",      "%5d",      "%-5d|",        "%05d",   "%+d",   "% d",    "%,d",          "%x",    "%#X",
-        "%o",      "%u",       "%i",           "%lld",   "%ld",   "%r",     "%p",           "%f",    "%.3f",
-        "%10.2f",  "%-10.1f|", "%e",           "%.0E",   "%g",    "%#G",    "%!.17g",       "%+.1f", "%,.2f",
-        "%012.3f", "%s",       "%10s",         "%-10s|", "%.2s",  "%!5.1s", "%z",           "%q",    "%Q",
-        "%w",      "%c",       "%5c",          "%-5c|",  "%.3c",  "%6.3c",  "%-6.3c|",      "%%",    "%5%",
-        "%n",      "%*d",      "%-*d|",        "%.*f",   "%*.*f", "%.*c",   "%*c",          "%k",    "%T",
-        "%",       "text",     "\xE2\x82\xAC", "%.0d",   "%.12d", "%3.12d", "%2147483648d", "%l"};
+        "%d",      "%5d",          "%-5d|", "%05d",   "%+d",    "% d",          "%,d",     "%x",    "%#X",
+        "%o",      "%u",           "%i",    "%lld",   "%ld",    "%r",           "%p",      "%f",    "%.3f",
+        "%10.2f",  "%-10.1f|",     "%e",    "%.0E",   "%g",     "%#G",          "%!.17g",  "%+.1f", "%,.2f",
+        "%012.3f", "%s",           "%10s",  "%-10s|", "%.2s",   "%!5.1s",       "%z",      "%q",    "%Q",
+        "%w",      "%c",           "%5c",   "%-5c|",  "%.3c",   "%6.3c",        "%-6.3c|", "%%",    "%5%",
+        "%n",      "%*d",          "%-*d|", "%.*f",   "%*.*f",  "%*c",          "%k",      "%T",    "%",
+        "text",    "\xE2\x82\xAC", "%.0d",  "%.12d",  "%3.12d", "%2147483648d", "%l"};
     constexpr std::array arguments{"NULL",
                                    "0",
                                    "-1",
@@ -157,7 +157,7 @@ TEST_F(SqliteBounded, PrintfMakesTheSameTexts) {
                                    "'it''s \"x\"'",
                                    "x'414243'",
                                    "'12abc'"};
-    for (int i = 0; i < 20'000; ++i) {
+    for (int i = 0; i < 5'000; ++i) {
         std::string format;
         for (int n = std::uniform_int_distribution(1, 4)(random); n > 0; --n)
             format += pieces[std::uniform_int_distribution<std::size_t>(0, pieces.size() - 1)(random)];
@@ -170,6 +170,8 @@ TEST_F(SqliteBounded, PrintfMakesTheSameTexts) {
         const std::string actual = bounded.rows(sql + ")", {format});
         ASSERT_EQ(actual == "string or blob too big" ? "5:\n" : actual, expected) << format << " " << sql;
     }
+    // Not among those above: with a large number, SQLite's own asks for memory once for each character.
+    expectSame("SELECT printf('%.*c|%.*c|%*.*c|%-*.*c|', 3, 'x', -4, 'y', 9, 4, 'z', 9, 4, 'z')");
     expectSame("SELECT printf()");
     expectSame("SELECT format(NULL, 1)");
     expectSame("SELECT format('%s %s', 'a')");
