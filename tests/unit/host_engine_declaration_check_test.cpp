@@ -51,9 +51,8 @@ TEST_F(SqliteDeclarationCheck, EveryPartOfEveryQueryIsLookedAt) {
             "1: query \"Many\": key \"z\": no such column: z",
             "1: query \"Many\": the condition (\"where\"): no such column: y",
             "1: query \"Many\": no such column: x", "3: query \"Table\": no such table: nowhere",
-            "4: query \"Row\": the expression is not an aggregate expression: it has a value for every row, "
-            "not "
-            "one for all",
+            ("4: query \"Row\": the expression is not an aggregate expression: it has a value for every row, "
+             "not one for all"),
             "5: query \"Fragments\": the expression has a parenthesis that is never closed (at character 6)",
             "5: query \"Fragments\": the condition (\"where\") has a ' that is never closed (at character 5)",
             "5: query \"Fragments\": key \"q\": no such column: q",
