@@ -22,7 +22,7 @@ void printMessage(std::string_view text) {
         text.remove_prefix(end + 1);
     }
     tessera_host::FileSink sink(STDERR_FILENO);
-    if (sink.write(lines)) (void)sink.flush();  // there is no other place to report to
+    if (sink.write(lines)) (void)sink.flush();  // standard error is the last place to report to
 }
 
 void printMessageWithoutWaiting(std::string_view text) {

@@ -67,7 +67,7 @@ TerminalStreams::~TerminalStreams() {
 void TerminalStreams::deliver(std::size_t size) {
     tessera_host::FileSink sink(STDERR_FILENO, interruptDescriptor());
     sink.write(terminalText(std::string_view(m_pending).substr(0, size)));
-    (void)sink.flush();  // there is no other place to report to
+    (void)sink.flush();  // standard error is the last place to report to
     m_pending.erase(0, size);
 }
 

@@ -7,7 +7,7 @@
 //   FAULT_LASTS   set: all later calls of the kind fail too
 //   FAULT_TRACE   set: prints the calls that lead to the one that fails
 //
-// Only calls from main() on count. Writes to standard error never fail: nobody could report it.
+// Only calls from main() on count. Writes to standard error never fail, because failures are reported there.
 //
 // The names and parameters are those of the C library, and some functions exist only as macros here.
 // NOLINTBEGIN(readability-inconsistent-declaration-parameter-name, bugprone-reserved-identifier, bugprone-macro-parentheses)

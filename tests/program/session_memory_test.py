@@ -1,6 +1,6 @@
 """A session that answers many requests takes no more memory than one that answered a few.
 
-With a number as argument that many requests are sent, and the memory is printed on the way.
+With a number N as argument it sends N requests and prints the memory at intervals.
 """
 import itertools
 import pathlib
@@ -15,7 +15,7 @@ EXAMPLE = program.ROOT / 'examples/backup'
 
 
 def requests(count):
-    """Requests of all kinds, among them what no session knows and what is no request."""
+    """Requests of all kinds, unknown ones and lines that are not requests among them."""
     kinds = itertools.cycle((
         lambda number: '{"request":"create"}',
         lambda number: '{"request":"refresh"}',

@@ -7,33 +7,10 @@
 #include <vector>
 
 #include "host/engine/sqlite/bounded_functions.h"
+#include "tests/unit/host_engine_sqlite_functions_support.h"
 
 namespace tessera_host {
 namespace {
-
-class Memory {
-  public:
-    Memory() { EXPECT_EQ(sqlite3_open(":memory:", &m_database), SQLITE_OK); }
-    ~Memory() { sqlite3_close(m_database); }
-    Memory(const Memory&) = delete;
-    Memory& operator=(const Memory&) = delete;
-
-    [[nodiscard]] sqlite3* get() const { return m_database; }
-    // Type and value of an expression, or the error.
-    [[nodiscard]] std::string value(const std::string& expression) const {
-        sqlite3_stmt* statement = nullptr;
-        const std::string sql = "SELECT typeof(v) || ' ' || quote(v) FROM (SELECT " + expression + " AS v)";
-        EXPECT_EQ(sqlite3_prepare_v2(m_database, sql.c_str(), -1, &statement, nullptr), SQLITE_OK) << sql;
-        const bool hasRow = sqlite3_step(statement) == SQLITE_ROW;
-        const std::string text = hasRow ? reinterpret_cast<const char*>(sqlite3_column_text(statement, 0))
-                                        : sqlite3_errmsg(m_database);
-        sqlite3_finalize(statement);
-        return text;
-    }
-
-  private:
-    sqlite3* m_database = nullptr;
-};
 
 class SqliteFunctions : public testing::Test {
   protected:

@@ -11,6 +11,7 @@
 #include "host/engine/sqlite/limit_enforcer.h"
 #include "host/engine/sqlite/pattern_functions.h"
 #include "host/engine/sqlite/printf_function.h"
+#include "host/engine/sqlite/sql_function.h"
 
 namespace tessera_host {
 namespace {
@@ -23,12 +24,6 @@ bool isNull(sqlite3_value* value) {
 
 bool isContinuation(char c) {
     return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
-}
-
-std::string_view textOf(sqlite3_value* value) {
-    const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
-    return text ? std::string_view(text, static_cast<std::size_t>(sqlite3_value_bytes(value)))
-                : std::string_view();
 }
 
 std::string_view blobOf(sqlite3_value* value) {
@@ -166,11 +161,11 @@ struct Function {
     int arguments;
     void (*call)(sqlite3_context*, int, sqlite3_value**);
 };
-constexpr Function functions[] = {{"instr", 2, instr},
-                                  {"replace", 3, replace},
-                                  {"trim", 2, trim<true, true>},
-                                  {"ltrim", 2, trim<true, false>},
-                                  {"rtrim", 2, trim<false, true>}};
+constexpr Function functions[] = {{"instr", 2, guarded<instr>},
+                                  {"replace", 3, guarded<replace>},
+                                  {"trim", 2, guarded<trim<true, true>>},
+                                  {"ltrim", 2, guarded<trim<true, false>>},
+                                  {"rtrim", 2, guarded<trim<false, true>>}};
 
 }  // namespace
 

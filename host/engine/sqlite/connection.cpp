@@ -243,7 +243,7 @@ std::optional<Error> Connection::stopError() const {
         case Stop::temporaryFiles:
             return Error{ErrorKind::failed, "it was stopped because it needs temporary files of more than " +
                                                 bytesText(reached.memory)};
-        case Stop::budget:  // nobody sees this: the questions are asked one by one then
+        case Stop::budget:  // never shown: the questions are then asked one by one
             return Error{ErrorKind::failed, "it takes too many steps"};
         case Stop::none:
             break;

@@ -25,7 +25,7 @@ class GroupedValues {
     [[nodiscard]] static Expected<GroupedValues> load(Connection& connection, const Selection& selection,
                                                       std::span<const Question> questions);
 
-    // The most bytes that the values of one call may have: those that nobody may take are not worth more.
+    // The most bytes that the values of one call may have, since some may never be used.
     [[nodiscard]] static std::uint64_t maxBytes(Connection& connection);
 
     struct Found {

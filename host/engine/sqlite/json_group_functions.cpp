@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <string_view>
 
+#include "host/engine/sqlite/sql_function.h"
+
 namespace tessera_host {
 namespace {
 
@@ -19,18 +21,12 @@ struct Group {
     int begin;  // of the first element that is still in the window
 };
 
-std::string_view textOf(sqlite3_value* value) {
-    const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
-    return text ? std::string_view(text, static_cast<std::size_t>(sqlite3_value_bytes(value)))
-                : std::string_view();
-}
-
 void append(sqlite3_str* out, std::string_view text) {
     sqlite3_str_append(out, text.data(), static_cast<int>(text.size()));
 }
 
 void appendEscaped(sqlite3_str* out, char c) {
-    constexpr std::string_view letters = "btn\0fr";  // of the characters 8 to 13; 11 has none
+    constexpr std::string_view letters = "btn?fr";  // of the characters 8 to 13; 11 has none
     const auto code = static_cast<unsigned char>(c);
     if (code >= 0x20)
         append(out, fmt::format("\\{}", c));

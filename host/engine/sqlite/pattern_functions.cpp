@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/engine/sqlite/limit_enforcer.h"
+#include "host/engine/sqlite/sql_function.h"
 
 namespace tessera_host {
 namespace {
@@ -172,13 +173,13 @@ bool isBlob(sqlite3_value* value) {
     return sqlite3_value_type(value) == SQLITE_BLOB;
 }
 
-const unsigned char* textOf(sqlite3_value* value) {
+const unsigned char* bytesOf(sqlite3_value* value) {
     return sqlite3_value_text(value);
 }
 
 // The escape character of LIKE ... ESCAPE; 0 and an error when there is not exactly one.
 Character escapeOf(sqlite3_context* context, sqlite3_value* value) {
-    const unsigned char* text = textOf(value);
+    const unsigned char* text = bytesOf(value);
     if (text == nullptr) return 0;
     const Character escape = readCharacter(text);
     if (escape != 0 && *text == 0) return escape;
@@ -195,8 +196,8 @@ void match(sqlite3_context* context, int count, sqlite3_value** arguments) {
         return sqlite3_result_error(context, "LIKE or GLOB pattern too complex", -1);
     const Character escape = count == 3 ? escapeOf(context, arguments[2]) : 0;
     if (count == 3 && escape == 0) return;
-    const unsigned char* const text = textOf(arguments[1]);
-    const unsigned char* const patternText = textOf(arguments[0]);
+    const unsigned char* const text = bytesOf(arguments[1]);
+    const unsigned char* const patternText = bytesOf(arguments[0]);
     if (text == nullptr || patternText == nullptr) return;
     // Kept as long as the arguments are constant.
     const auto* pattern = count == 3 ? nullptr : static_cast<const Pattern*>(sqlite3_get_auxdata(context, 0));
@@ -226,8 +227,9 @@ int registerPatterns(sqlite3* database) {
     };
     for (const auto& [name, arguments, syntax] :
          {Function{"like", 2, &likeSyntax}, {"like", 3, &likeSyntax}, {"glob", 2, &globSyntax}}) {
-        const int code = sqlite3_create_function_v2(
-            database, name, arguments, flags, const_cast<Syntax*>(syntax), match, nullptr, nullptr, nullptr);
+        const int code =
+            sqlite3_create_function_v2(database, name, arguments, flags, const_cast<Syntax*>(syntax),
+                                       guarded<match>, nullptr, nullptr, nullptr);
         if (code != SQLITE_OK) return code;
     }
     return SQLITE_OK;

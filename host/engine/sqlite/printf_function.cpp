@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "host/engine/sqlite/sql_function.h"
+
 namespace tessera_host {
 namespace {
 
@@ -226,8 +228,8 @@ void print(sqlite3_context* context, int count, sqlite3_value** arguments) {
 int registerPrintf(sqlite3* database) {
     constexpr int flags = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
     for (const char* name : {"printf", "format"}) {
-        const int code =
-            sqlite3_create_function_v2(database, name, -1, flags, nullptr, print, nullptr, nullptr, nullptr);
+        const int code = sqlite3_create_function_v2(database, name, -1, flags, nullptr, guarded<print>,
+                                                    nullptr, nullptr, nullptr);
         if (code != SQLITE_OK) return code;
     }
     return SQLITE_OK;
