@@ -33,6 +33,9 @@ REQUESTS = ''.join(json.dumps(request) + '\n' for request in (
     {'request': 'create'}, {'request': 'refresh'}, {'request': 'changeDisplayMode', 'in': {'mode': {'': 'ratio'}}}))
 EARLIER = b'what was in the file before'
 TIME_LIMIT = 40
+# Blocks of memory that a run with a failure may keep beyond those of a run without: the texts of its errors, what the
+# logger allocates for its first line, and SQLite's last message.
+MORE_BLOCKS = 32
 
 
 def is_whole(data, form):
@@ -62,6 +65,7 @@ class Runner:
         self.output = self.folder / 'out' / f'out.{self.form}'
         self.output.parent.mkdir()
         self.reference = None
+        self.blocks = 0
 
     @property
     def form(self):
@@ -75,22 +79,24 @@ class Runner:
         return [program.PROGRAM, name, str(EXAMPLE / 'first.xml'), *more]
 
     def run(self, kind='', at=0, mode='ENOMEM'):
-        """Returns the finished process and how often a call was met that fails."""
-        self.counts.write_bytes(bytes(8 * (len(KINDS) + 1)))
+        """Returns the finished process, the number of calls of each kind, how many of them failed, and the blocks kept."""
+        self.counts.write_bytes(bytes(8 * (len(KINDS) + 2)))
         environment = {**os.environ, 'LD_PRELOAD': LIBRARY, 'FAULT_COUNTS': str(self.counts), 'FAULT_KIND': kind,
                        'FAULT_AT': str(at), 'FAULT_MODE': NUMBERS.get(mode.rstrip('+'), mode.rstrip('+'))}
         if mode.endswith('+'):
             environment['FAULT_LASTS'] = '1'
         done = subprocess.run(self.arguments(), input=REQUESTS if self.command == 'session' else '', capture_output=True,
                               encoding='utf-8', errors='replace', env=environment, timeout=TIME_LIMIT)
-        return done, struct.unpack(f'{len(KINDS) + 1}Q', self.counts.read_bytes())
+        *calls, hits, blocks = struct.unpack(f'{len(KINDS) + 2}q', self.counts.read_bytes())
+        return done, calls, hits, blocks
 
     def count(self):
         """Runs without a failure; keeps what came out; returns the number of calls of each kind."""
-        done, counts = self.run()
+        done, calls, _, self.blocks = self.run()
         assert done.returncode == 0, done.stderr
+        assert self.blocks > 0, 'no memory was counted'
         self.reference = self.output.read_bytes() if self.form else done.stdout
-        return dict(zip(KINDS, counts))
+        return dict(zip(KINDS, calls))
 
     def judge(self, kind, at, mode):
         """Returns what is wrong with a run, or None."""
@@ -100,15 +106,17 @@ class Runner:
             self.output.unlink(missing_ok=True)
         before = self.output.read_bytes() if self.output.exists() else None
         try:
-            done, counts = self.run(kind, at, mode)
+            done, _, hits, blocks = self.run(kind, at, mode)
         except subprocess.TimeoutExpired:
             return 'it does not end'
-        if counts[-1] == 0:
+        if hits == 0:
             return None  # a run may need fewer calls than another one
         if done.returncode not in (0, 1, 3):
             return f'status {done.returncode}: {done.stderr[-300:]}'
         if done.returncode and not re.search('tessera: .|: error: ', done.stderr):
             return f'status {done.returncode} without a message: {done.stderr[-300:]}'
+        if blocks > self.blocks + MORE_BLOCKS:
+            return f'{blocks} blocks of memory are kept, {self.blocks} without a failure'
         left = sorted(each.name for each in self.output.parent.iterdir() if each != self.output)
         if left:
             for name in left:

@@ -8,6 +8,7 @@
 //   FAULT_TRACE   set: prints the calls that lead to the one that fails
 //
 // Only calls from main() on count. Writes to standard error never fail, because failures are reported there.
+// At its end the process that was started first writes how many blocks of memory it has not given back.
 //
 // The names and parameters are those of the C library, and some functions exist only as macros here.
 // NOLINTBEGIN(readability-inconsistent-declaration-parameter-name, bugprone-reserved-identifier, bugprone-macro-parentheses)
@@ -34,6 +35,7 @@ void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
 void* __libc_realloc(void* old, std::size_t size);
 void* __libc_memalign(std::size_t alignment, std::size_t size);
+void __libc_free(void* memory);
 }
 
 namespace {
@@ -56,6 +58,8 @@ constexpr std::array<const char*, kinds> names{"allocation", "open", "read", "wr
 struct Counts {
     std::array<std::atomic<std::uint64_t>, kinds> calls;
     std::atomic<std::uint64_t> hits;  // calls that failed
+    std::atomic<std::int64_t>
+        blocks;  // of memory, taken and not given back since main(), when the program ended
 };
 
 constexpr int modeShort = -1;
@@ -69,6 +73,8 @@ int mode = 0;
 bool lasts = false;
 bool isTraced = false;
 std::atomic<bool> isActive = false;
+std::atomic<std::int64_t> liveBlocks = 0;
+pid_t firstProcess = 0;
 
 template <class Function>
 Function next(const char* name) {
@@ -100,6 +106,7 @@ __attribute__((constructor)) void readSettings() {
         for (int i = 0; i < kinds; ++i)
             if (std::strcmp(kind, names.at(i)) == 0) failingKind = i;
     if (const char* at = std::getenv("FAULT_AT")) failingCall = std::strtoull(at, nullptr, 10);
+    firstProcess = getpid();
     lasts = std::getenv("FAULT_LASTS") != nullptr;
     isTraced = std::getenv("FAULT_TRACE") != nullptr;
     readMode();
@@ -127,6 +134,11 @@ bool fails(Kind kind) {
         pause();
     if (mode > 0) errno = mode;
     return true;
+}
+
+void* counted(void* memory) {
+    if (memory != nullptr && isActive) ++liveBlocks;
+    return memory;
 }
 
 std::size_t half(std::size_t size) {
@@ -157,22 +169,30 @@ EXPORT int __libc_start_main(int (*main)(int, char**, char**), int argc, char** 
 }
 
 EXPORT void* malloc(std::size_t size) {
-    return fails(allocation) ? nullptr : __libc_malloc(size);
+    return fails(allocation) ? nullptr : counted(__libc_malloc(size));
 }
 EXPORT void* calloc(std::size_t count, std::size_t size) {
-    return fails(allocation) ? nullptr : __libc_calloc(count, size);
+    return fails(allocation) ? nullptr : counted(__libc_calloc(count, size));
 }
 EXPORT void* realloc(void* old, std::size_t size) {
-    return fails(allocation) ? nullptr : __libc_realloc(old, size);
+    if (fails(allocation)) return nullptr;
+    void* memory = __libc_realloc(old, size);
+    if (isActive)
+        liveBlocks += int{memory != nullptr} - int{old != nullptr && (memory != nullptr || size == 0)};
+    return memory;
+}
+EXPORT void free(void* memory) {
+    if (memory != nullptr && isActive) --liveBlocks;
+    __libc_free(memory);
 }
 EXPORT void* memalign(std::size_t alignment, std::size_t size) {
-    return fails(allocation) ? nullptr : __libc_memalign(alignment, size);
+    return fails(allocation) ? nullptr : counted(__libc_memalign(alignment, size));
 }
 EXPORT void* aligned_alloc(std::size_t alignment, std::size_t size) {
-    return fails(allocation) ? nullptr : __libc_memalign(alignment, size);
+    return fails(allocation) ? nullptr : counted(__libc_memalign(alignment, size));
 }
 EXPORT int posix_memalign(void** result, std::size_t alignment, std::size_t size) {
-    void* memory = fails(allocation) ? nullptr : __libc_memalign(alignment, size);
+    void* memory = fails(allocation) ? nullptr : counted(__libc_memalign(alignment, size));
     if (memory == nullptr) return ENOMEM;
     *result = memory;
     return 0;
@@ -230,6 +250,12 @@ FAILING_TRANSFER(reading, __read_chk, (int file, void* data, std::size_t size, s
                  (file, data, size, space), true)
 FAILING(waiting, int, __poll_chk, (pollfd * files, nfds_t count, int timeout, std::size_t space),
         (files, count, timeout, space))
+
+// The program ends without the destructors of its libraries.
+EXPORT void _Exit(int exitStatus) {
+    if (counts != nullptr && getpid() == firstProcess) counts->blocks = liveBlocks.load();
+    _exit(exitStatus);
+}
 
 FAILING(syncing, int, fsync, (int file), (file))
 FAILING(syncing, int, fdatasync, (int file), (file))

@@ -149,6 +149,18 @@ TEST_F(SqliteSecurity, RecursionIsForViewsOnly) {
     EXPECT_EQ(valueOf("COUNT(*) + (WITH c(x) AS (SELECT a FROM t) SELECT COUNT(*) FROM c)"), "4");
 }
 
+// A row of calls without a loop is not interrupted, so that their number times the size of a text has a limit.
+TEST_F(SqliteSecurity, LongStatementsWorkOnShorterTexts) {
+    const std::string text = "hex(zeroblob(200000 + a))";
+    EXPECT_EQ(valueOf("MAX(length(" + text + ")) > 400000"), "1");
+    std::string calls = "length(" + text + ")";
+    while (calls.size() < 90'000)
+        calls += ",length(" + text + ")";
+    const std::string failure = failureOf("MAX(1 IN (" + calls + "))");
+    EXPECT_TRUE(failure.starts_with("a value has more than ")) << failure;
+    EXPECT_FALSE(failure.starts_with("a value has more than 500000 ")) << failure;
+}
+
 TEST_F(SqliteSecurity, LargeValuesAreRefused) {
     const std::string tooLarge = "a value has more than 500000 bytes, the most that a query can work on";
     EXPECT_EQ(failureOf("COUNT(zeroblob(1000000000))"), tooLarge);

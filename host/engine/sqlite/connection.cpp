@@ -29,7 +29,7 @@ struct Setting {
 constexpr int schemaSqlLength = 200'000;  // of a definition in the database
 constexpr int sqlLength = 100'000;        // of a document's statement
 constexpr std::initializer_list<Setting> limits{
-    {SQLITE_LIMIT_LENGTH, 500'000},          {SQLITE_LIMIT_SQL_LENGTH, schemaSqlLength},
+    {SQLITE_LIMIT_LENGTH, maxTextSize},      {SQLITE_LIMIT_SQL_LENGTH, schemaSqlLength},
     {SQLITE_LIMIT_EXPR_DEPTH, 1'000},        {SQLITE_LIMIT_COMPOUND_SELECT, 100},
     {SQLITE_LIMIT_VDBE_OP, 50'000},          {SQLITE_LIMIT_ATTACHED, 0},
     {SQLITE_LIMIT_LIKE_PATTERN_LENGTH, 100}, {SQLITE_LIMIT_WORKER_THREADS, 0},
@@ -137,12 +137,13 @@ int Connection::openFile(const std::string& path, Access access) {
 
 template <class Visit>
 int Connection::forEachRow(const char* sql, Visit visit) {
-    sqlite3_stmt* statement = nullptr;
-    const int code = sqlite3_prepare_v2(m_database, sql, -1, &statement, nullptr);
+    sqlite3_stmt* prepared = nullptr;
+    const int code = sqlite3_prepare_v2(m_database, sql, -1, &prepared, nullptr);
     if (code != SQLITE_OK) return code;
-    while (sqlite3_step(statement) == SQLITE_ROW)
-        visit(statement);
-    return sqlite3_finalize(statement);
+    StatementHandle statement(prepared);  // `visit` may throw
+    while (sqlite3_step(prepared) == SQLITE_ROW)
+        visit(prepared);
+    return sqlite3_finalize(statement.release());
 }
 
 int Connection::loadBuiltIns() {

@@ -16,6 +16,14 @@ namespace tessera_host {
 
 class Connection;
 
+// The most bytes that a text or blob may have in any statement.
+constexpr int maxTextSize = 500'000;
+
+struct StatementFinalizer {
+    void operator()(sqlite3_stmt* statement) const noexcept { sqlite3_finalize(statement); }
+};
+using StatementHandle = std::unique_ptr<sqlite3_stmt, StatementFinalizer>;
+
 // A statement made by Connection::prepare, or nothing. May outlive its connection, but is then of no use.
 class Statement {
   public:
@@ -25,14 +33,13 @@ class Statement {
     explicit operator bool() const noexcept { return m_statement != nullptr; }
     // What it takes of memory, in bytes, while it is not run; 0 for nothing.
     [[nodiscard]] std::size_t bytes() const;
+    // The most bytes that a text or blob may have in this one: the longer the statement, the fewer.
+    [[nodiscard]] int textSize() const;
 
   private:
     friend class StatementRun;
-    struct Finalizer {
-        void operator()(sqlite3_stmt* statement) const noexcept { sqlite3_finalize(statement); }
-    };
 
-    std::unique_ptr<sqlite3_stmt, Finalizer> m_statement;
+    StatementHandle m_statement;
     bool m_mayRecurse = false;
 };
 
