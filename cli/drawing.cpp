@@ -59,6 +59,12 @@ tessera_draw::Direction directionOf(std::string_view wanted) {
     return tessera_draw::Direction::leftToRight;  // without the option
 }
 
+tessera_draw::LayerSource layersOf(std::string_view wanted) {
+    for (const auto& [name, layers] : layersNames)
+        if (name == wanted) return layers;
+    return tessera_draw::LayerSource::links;  // without the option
+}
+
 using WritePicture = tessera_draw::PictureResult (tessera_draw::PictureWriter::*)(
     const tessera_draw::Scene&, const tessera_draw::PictureOptions&, tessera_draw::Output&);
 
@@ -140,6 +146,7 @@ Expected<tessera_draw::Scene> sceneOf(const Options& options, const basekit2::va
     tessera_draw::SceneOptions sceneOptions;
     sceneOptions.reservation = &reservation;
     sceneOptions.direction = directionOf(options.direction);
+    sceneOptions.layers = layersOf(options.layers);
     sceneOptions.cancel = interruptToken();
     if (isInterrupted()) return tessera_host::cancelledError();
     tessera_draw::Scene scene = tessera_draw::makeScene(diagram, sceneOptions);

@@ -13,7 +13,7 @@
 
 namespace tessera_cli {
 
-// The values of --theme and --direction.
+// The values of --theme, --direction and --layers.
 struct ThemeName {
     std::string_view name;
     tessera_draw::Theme theme;
@@ -27,6 +27,12 @@ struct DirectionName {
 };
 inline constexpr std::array<DirectionName, 2> directionNames{
     {{"lr", tessera_draw::Direction::leftToRight}, {"tb", tessera_draw::Direction::topToBottom}}};
+struct LayersName {
+    std::string_view name;
+    tessera_draw::LayerSource layers;
+};
+inline constexpr std::array<LayersName, 2> layersNames{
+    {{"links", tessera_draw::LayerSource::links}, {"document", tessera_draw::LayerSource::levels}}};
 
 // Draw `diagram` as the options say, and write it as an OutputFormat does. PNG and PDF need a library that is
 // loaded for them; the error has the kind cannotOpen when it is missing. A picture that was scaled down or

@@ -241,6 +241,11 @@ void addPicture(CLI::App& command, RawOptions& raw) {
         .add_option("--direction", options.direction,
                     "The direction of a picture: lr (left to right, the default) or tb (top to bottom)")
         ->check(CLI::IsMember(namesOf(directionNames)));
+    command
+        .add_option("--layers", options.layers,
+                    "Where the layers of a picture come from: links (the default: where the diagram's levels "
+                    "contradict links, they follow the links) or document (the levels as they are)")
+        ->check(CLI::IsMember(namesOf(layersNames)));
     raw.scale =
         command
             .add_option("--scale", options.scale, "The size of a picture in pixels, as a factor (default 1)")
@@ -293,6 +298,7 @@ Expected<void> checkPicture(const Options& options, bool hasScale) {
     const std::string pictures = " is for pictures: " + formatNames(true);
     if (!options.theme.empty() && !format.isPicture()) return usageError("--theme" + pictures);
     if (!options.direction.empty() && !format.isPicture()) return usageError("--direction" + pictures);
+    if (!options.layers.empty() && !format.isPicture()) return usageError("--layers" + pictures);
     if (hasScale && format.kind != OutputFormat::Kind::pixels) return usageError("--scale is for png");
     return {};
 }

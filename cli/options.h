@@ -36,6 +36,7 @@ struct Options {
     std::string dumpFolder;                // where the graph is written after each stage; "" is none
     std::string theme;                     // of a picture: "light", "dark" or "auto"
     std::string direction;                 // of a picture: "lr" or "tb"
+    std::string layers;                    // of a picture: "links" or "document"
     double scale = 1;                      // pixels of a PNG for one of the drawing
     bool timePasses = false;
     bool verify = false;

@@ -17,12 +17,19 @@ namespace tessera_draw {
 // Where links lead: to the right, or downwards.
 enum class Direction : std::uint8_t { leftToRight, topToBottom };
 
+// Where the layers of a group come from, and of the top level.
+enum class LayerSource : std::uint8_t {
+    links,  // the levels of the diagram, where all links of the group lead to higher ones; else the links
+    levels  // the levels of the diagram, whatever they are
+};
+
 struct LayoutOptions {
     Direction direction = Direction::leftToRight;
     // Space to reserve for values. Not owned, read during the call only. Null: every box reserves a usual space.
     const Reservation* reservation = nullptr;
     // Checked between steps; see layOut(). The default is never cancelled.
     tessera_support::CancelToken cancel{};
+    LayerSource layers = LayerSource::links;
 };
 
 struct LayoutData;  // draw/scene/layout_data.h

@@ -29,6 +29,9 @@ struct BoxToPlace {
     enum class Along : std::uint8_t { start, middle, end };
     Along along = Along::middle;
     bool isLabel = false;  // lines pass straight through it
+    // Of a label: the end of its line that it stands next to.
+    enum class LabelEnd : std::uint8_t { none, from, to };
+    LabelEnd labelEnd = LabelEnd::none;
     // The side of its group at whose border the box is placed, as interfaces are; wins over `level`.
     enum class Border : std::uint8_t { none, start, end };
     Border border = Border::none;

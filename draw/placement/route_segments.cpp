@@ -10,18 +10,6 @@ bool isWhole(const LineToPlace& line, std::size_t boxCount) {
            std::all_of(line.through.begin(), line.through.end(), [&](Index box) { return box < boxCount; });
 }
 
-RouteSegment routeSegmentBetween(Index from, Index to, const Nesting& nesting) {
-    RouteSegment routeSegment;
-    routeSegment.from = from;
-    routeSegment.to = to;
-    const Index common = from == to ? nesting.tree.parent(from) : nesting.tree.lowestCommonAncestor(from, to);
-    routeSegment.container = nesting.containerOf[common];
-    const Index depth = nesting.tree.depth(common) + 1;
-    if (from != common) routeSegment.fromMember = nesting.tree.ancestorAtDepth(from, depth);
-    if (to != common) routeSegment.toMember = nesting.tree.ancestorAtDepth(to, depth);
-    return routeSegment;
-}
-
 // The number of borders that the route segment crosses between its ends and the container.
 std::size_t bordersOf(const RouteSegment& routeSegment, const Nesting& nesting) {
     std::size_t count = 0;
@@ -53,6 +41,18 @@ void limitBorders(std::vector<RouteSegment>& routeSegments, const Nesting& nesti
 }
 
 }  // namespace
+
+RouteSegment routeSegmentBetween(Index from, Index to, const Nesting& nesting) {
+    RouteSegment routeSegment;
+    routeSegment.from = from;
+    routeSegment.to = to;
+    const Index common = from == to ? nesting.tree.parent(from) : nesting.tree.lowestCommonAncestor(from, to);
+    routeSegment.container = nesting.containerOf[common];
+    const Index depth = nesting.tree.depth(common) + 1;
+    if (from != common) routeSegment.fromMember = nesting.tree.ancestorAtDepth(from, depth);
+    if (to != common) routeSegment.toMember = nesting.tree.ancestorAtDepth(to, depth);
+    return routeSegment;
+}
 
 std::vector<RouteSegment> routeSegmentsOf(const PlacementInput& input, const Nesting& nesting) {
     std::vector<RouteSegment> routeSegments;

@@ -20,6 +20,9 @@ struct RouteSegment {
     bool isDirect = false;
 };
 
+// The segment between two boxes, of which both may be one and one may contain the other. Logarithmic time.
+[[nodiscard]] RouteSegment routeSegmentBetween(Index from, Index to, const Nesting& nesting);
+
 // Returns the segments in the order of the lines. A line that names a missing box has none.
 [[nodiscard]] std::vector<RouteSegment> routeSegmentsOf(const PlacementInput& input, const Nesting& nesting);
 

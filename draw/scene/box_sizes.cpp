@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <map>
 #include <utility>
 
 #include "draw/scene/display_types.h"
@@ -107,21 +106,6 @@ RowSpace orNothing(const RowSpace* space) {
     return space == nullptr ? RowSpace{} : *space;
 }
 
-// Makes cards of one layer as wide as the widest of them, so that their texts are in columns.
-void evenOut(const Diagram& diagram, const BoxKinds& kinds, std::vector<BoxSize>& sizes) {
-    // By group and level: each group has layers of its own.
-    std::map<std::pair<Index, std::int32_t>, double> widest;
-    const auto layerOf = [&](std::size_t at) {
-        return std::pair(diagram.nodes[at].group, diagram.nodes[at].level);
-    };
-    for (std::size_t i = 0; i < sizes.size(); ++i)
-        if (kinds.kinds[i] == BoxKind::card && diagram.nodes[i].level >= 0)
-            widest[layerOf(i)] = std::max(widest[layerOf(i)], sizes[i].size.width);
-    for (std::size_t i = 0; i < sizes.size(); ++i)
-        if (kinds.kinds[i] == BoxKind::card && diagram.nodes[i].level >= 0)
-            sizes[i].size.width = widest[layerOf(i)];
-}
-
 }  // namespace
 
 BoxKinds findKinds(const Diagram& diagram) {
@@ -165,7 +149,6 @@ std::vector<BoxSize> boxSizesOf(const Diagram& diagram, const LinkPaths& linkPat
             sizes[i] = labelSize(link == nullptr ? usualLabel : *link);
         }
     }
-    evenOut(diagram, kinds, sizes);
     return sizes;
 }
 

@@ -134,7 +134,7 @@ LayoutPointer layOut(const basekit2::variant_bag_t& bag, const LayoutOptions& op
     data->types = DisplayTypes(diagram);
     data->kinds = findKinds(diagram);
     data->sizes = boxSizesOf(diagram, data->linkPaths, data->kinds, data->pathOfLabel, options.reservation);
-    SceneInput input = makeInput(diagram, data->linkPaths, data->kinds, data->sizes, options.direction);
+    SceneInput input = makeInput(diagram, data->linkPaths, data->kinds, data->sizes, options);
     Placement placement = placeInput(input, options.direction, options.cancel);
     if (placement.boxes.size() != input.input.boxes.size()) return nullptr;  // cancelled
     data->badge = badgeWidth(options.reservation == nullptr ? Reservation::usualModeWidth

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <utility>
 
+#include "draw/placement/link_layers.h"
 #include "draw/scene/display_types.h"
 
 namespace tessera_draw {
@@ -78,11 +80,16 @@ Border borderOf(const Node& node, const std::vector<Layers>& layers) {
     return node.level == layers[node.group].first ? Border::start : Border::none;
 }
 
-// Whether a link path leads to an earlier layer of the group that contains both its ends.
-bool runsBack(const Diagram& diagram, const LinkPath& path) {
-    const Node& from = diagram.nodes[path.from];
-    const Node& to = diagram.nodes[path.to];
+// Whether a line leads to an earlier layer of the group that contains both its ends.
+bool runsBack(const PlacementInput& input, const LineToPlace& line) {
+    const BoxToPlace& from = input.boxes[line.from];
+    const BoxToPlace& to = input.boxes[line.to];
     return from.group == to.group && from.level > to.level;
+}
+
+BoxToPlace::LabelEnd labelEndOf(const Node& label) {
+    if (label.location == "from") return BoxToPlace::LabelEnd::from;
+    return label.location == "to" ? BoxToPlace::LabelEnd::to : BoxToPlace::LabelEnd::none;
 }
 
 // The box that a line to `node` ends at. A group's values are in its header, so
@@ -108,16 +115,35 @@ void addLine(const Diagram& diagram, const LinkPaths& linkPaths, const BoxKinds&
         box.isLabel = true;
         box.group = stop.group == nothing ? nothing : result.boxOfNode[stop.group];
         box.level = stop.level;
-        if (runsBack(diagram, path)) box.along = opposite(box.along);
+        box.labelEnd = labelEndOf(diagram.nodes[stop.node]);
         line.through.push_back(result.boxOfNode[stop.node]);
     }
     result.input.lines.push_back(std::move(line));
     result.pathOfLine.push_back(at);
 }
 
+// Labels stand towards the end of their line that they belong to, whichever way it runs.
+void turnLabelsOfLinesBack(PlacementInput& input) {
+    for (const LineToPlace& line : input.lines)
+        for (const Index label : line.through)
+            if (runsBack(input, line)) input.boxes[label].along = opposite(input.boxes[label].along);
+}
+
+// Makes cards of one layer as wide as the widest of them, so that their texts are in columns.
+void evenOut(PlacementInput& input, const std::vector<char>& isCard) {
+    // By group and level: each group has layers of its own.
+    std::map<std::pair<Index, std::int32_t>, double> widest;
+    const auto visit = [&](auto change) {
+        for (std::size_t i = 0; i < input.boxes.size(); ++i)
+            if (isCard[i] != 0 && input.boxes[i].level >= 0)
+                change(input.boxes[i].size.width, widest[{input.boxes[i].group, input.boxes[i].level}]);
+    };
+    visit([](double width, double& most) { most = std::max(most, width); });
+    visit([](double& width, double most) { width = most; });
+}
+
 // Enlarges cards so that the ends of their lines are far enough apart to be distinguished.
-void growForLineEnds(const Diagram& diagram, const LinkPaths& linkPaths, const BoxKinds& kinds,
-                     SceneInput& result) {
+void growForLineEnds(const Diagram& diagram, const BoxKinds& kinds, SceneInput& result) {
     // In pixels. Beyond maxEnds, at 3000 pixels, cards stop growing and the ends come closer.
     constexpr double between = 7.5;
     constexpr double aroundEnds = 16;
@@ -127,9 +153,8 @@ void growForLineEnds(const Diagram& diagram, const LinkPaths& linkPaths, const B
         std::uint32_t out = 0;
     };
     std::vector<Ends> ends(result.input.boxes.size());
-    for (std::size_t i = 0; i < result.pathOfLine.size(); ++i) {
-        const LineToPlace& line = result.input.lines[i];
-        const bool isBack = runsBack(diagram, linkPaths.paths[result.pathOfLine[i]]);
+    for (const LineToPlace& line : result.input.lines) {
+        const bool isBack = runsBack(result.input, line);
         ++(isBack || line.from == line.to ? ends[line.to].out : ends[line.to].in);
         ++(isBack ? ends[line.from].in : ends[line.from].out);
     }
@@ -145,7 +170,7 @@ void growForLineEnds(const Diagram& diagram, const LinkPaths& linkPaths, const B
 }  // namespace
 
 SceneInput makeInput(const Diagram& diagram, const LinkPaths& linkPaths, const BoxKinds& kinds,
-                     const std::vector<BoxSize>& sizes, Direction direction) {
+                     const std::vector<BoxSize>& sizes, const LayoutOptions& options) {
     SceneInput result;
     result.boxOfNode.assign(diagram.nodes.size(), nothing);
     Index next = 0;
@@ -153,6 +178,7 @@ SceneInput makeInput(const Diagram& diagram, const LinkPaths& linkPaths, const B
         // Numbered before boxes are made, because a node's group may follow it.
         if (kinds.kinds[i] != BoxKind::none) result.boxOfNode[i] = next++;
     result.input.boxes.reserve(next);
+    std::vector<char> isCard(next, 0);
     const std::vector<Layers> layers = layersOf(diagram, kinds);
     for (std::size_t i = 0; i < diagram.nodes.size(); ++i) {
         if (kinds.kinds[i] == BoxKind::none) continue;
@@ -166,11 +192,17 @@ SceneInput makeInput(const Diagram& diagram, const LinkPaths& linkPaths, const B
         box.header = sizes[i].header;
         box.along = alongOf(node.aligning);
         if (kinds.kinds[i] == BoxKind::card) box.border = borderOf(node, layers);
-        if (direction == Direction::topToBottom) turn(box);
+        isCard[result.boxOfNode[i]] = kinds.kinds[i] == BoxKind::card ? 1 : 0;
     }
     for (std::size_t i = 0; i < linkPaths.paths.size(); ++i)
         addLine(diagram, linkPaths, kinds, static_cast<Index>(i), result);
-    growForLineEnds(diagram, linkPaths, kinds, result);
+    if (options.layers == LayerSource::links) layerByLines(result.input);
+    turnLabelsOfLinesBack(result.input);
+    evenOut(result.input, isCard);
+    if (options.direction == Direction::topToBottom)
+        for (BoxToPlace& box : result.input.boxes)
+            turn(box);
+    growForLineEnds(diagram, kinds, result);
     return result;
 }
 

@@ -17,7 +17,7 @@ struct SceneInput {
 // Makes the boxes and lines to place. Link paths of which an end has no box get no line. Enlarges cards so
 // that the ends of many lines fit on one side. `kinds` and `sizes` are by node of the diagram. Linear time.
 [[nodiscard]] SceneInput makeInput(const Diagram& diagram, const LinkPaths& linkPaths, const BoxKinds& kinds,
-                                   const std::vector<BoxSize>& sizes, Direction direction);
+                                   const std::vector<BoxSize>& sizes, const LayoutOptions& options);
 
 // Places what makeInput() returned for the same `direction`. The result has the drawing's directions, in
 // pixels from (0, 0). Empty when `cancel` was cancelled.

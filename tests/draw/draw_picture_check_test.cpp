@@ -282,7 +282,7 @@ TEST(DrawPictureCheck, RandomBoxesArePlacedSoundly) {
         const SceneInput input = makeInput(
             diagram, linkPaths, kinds,
             boxSizesOf(diagram, linkPaths, kinds, pathsOfStops(linkPaths, diagram.nodes.size()), nullptr),
-            Direction::leftToRight);
+            {});
         expectSound(checkPicture(tessera_test::pictureOf(input.input, place(input.input, Spacing{}))),
                     "seed " + std::to_string(seed));
     }

@@ -10,7 +10,7 @@ CHAIN = '<link id="1" from="a" to="b" direction="forward"/>\n<link id="2" from="
 CYCLE = NODES + CHAIN + '<link id="3" from="c" to="a" direction="forward"/>'
 REVERSED = NODES + CHAIN + '<link id="3" from="a" to="c" direction="back"/>'
 WARNING = ('4:1: warning: links "1" (line 4), "2" (line 5) and "3" (line 6) form a cycle at the top level: a -> b -> c -> a; '
-           '--acyclic reverses as few links as possible')
+           'pictures follow the links anyway; for the levels in the data, --acyclic reverses as few links as possible')
 
 
 def document(graph, display=''):

@@ -93,7 +93,7 @@ class ScenePicture {
                                    std::string(element.id)});
     }
 
-    // Labels are in the group of their stop.
+    // Labels are in the group of their stop, or in one around an end of their link.
     void nestBoxes() {
         const auto put = [this](Index node, Index group) {
             if (m_boxes[node] != nothing)
@@ -101,8 +101,37 @@ class ScenePicture {
         };
         for (Index i = 0; i < m_boxes.size(); ++i)
             put(i, m_diagram.nodes[i].group);
-        for (const tessera_draw::PathStop& stop : m_linkPaths.stops)
-            put(stop.node, stop.group);
+        for (const tessera_draw::LinkPath& path : m_linkPaths.paths) {
+            for (std::uint32_t i = 0; i < path.stopCount; ++i) {
+                const tessera_draw::PathStop& stop = m_linkPaths.stops[path.firstStop + i];
+                if (m_boxes[stop.node] == nothing) continue;
+                Index innermost = nothing;
+                for (const Index start : {path.from, path.to, stop.group}) {
+                    const Index group = groupAround(stop.node, start);
+                    if (innermost == nothing || isInside(group, innermost)) innermost = group;
+                }
+                put(stop.node, innermost);
+            }
+        }
+    }
+
+    [[nodiscard]] bool isInside(Index group, Index outer) const {
+        while (group != nothing && group != outer)
+            group = m_diagram.nodes[group].group;
+        return group != nothing;
+    }
+
+    // The innermost group from `start` outwards that has the whole label inside it.
+    [[nodiscard]] Index groupAround(Index label, Index start) const {
+        const tessera_draw::Rect& inner = m_picture.boxes[m_boxes[label]].rect;
+        for (Index group = start; group != nothing; group = m_diagram.nodes[group].group) {
+            if (m_boxes[group] == nothing || !m_picture.boxes[m_boxes[group]].isContainer) continue;
+            const tessera_draw::Rect& outer = m_picture.boxes[m_boxes[group]].rect;
+            if (inner.x >= outer.x && inner.y >= outer.y && inner.right() <= outer.right() &&
+                inner.bottom() <= outer.bottom())
+                return group;
+        }
+        return nothing;
     }
 
     // A group's values are a part of it.

@@ -132,12 +132,16 @@ bool endsWith(std::vector<Problem>& problems, CycleReport report, std::size_t do
 
 std::vector<Problem> reportLoops(const DocumentStructure& structure, const CyclicLinks& cyclic,
                                  CycleReport report) {
+    std::vector<LoopLink> loops = cyclic.loops;
+    // Drawings have nothing against links between a group and what is inside it.
+    if (report == CycleReport::drawing)
+        std::erase_if(loops, [&](const LoopLink& loop) {
+            return structure.links()[loop.link].from != structure.links()[loop.link].to;
+        });
     std::vector<Problem> problems;
-    for (std::size_t i = 0; i < cyclic.loops.size(); ++i) {
-        if (endsWith(problems, report, i, cyclic.loops.size(),
-                     " more links between a node and itself, or a group and what is inside it"))
-            break;
-        const LoopLink& loop = cyclic.loops[i];
+    for (std::size_t i = 0; i < loops.size(); ++i) {
+        if (endsWith(problems, report, i, loops.size(), " more links between a node and itself")) break;
+        const LoopLink& loop = loops[i];
         problems.push_back({structure.links()[loop.link].element->position(),
                             describeLoop(structure, loop) + (report == CycleReport::check
                                                                  ? describeEffect(structure, loop.origin)
@@ -155,12 +159,13 @@ std::vector<Problem> reportCycles(const DocumentStructure& structure, const Cycl
         if (endsWith(problems, report, i, components.size(),
                      " more cycles of links; --acyclic helps there, too"))
             break;
-        problems.push_back(
-            {structure.links()[components[i].links.front()].element->position(),
-             describeComponent(structure, components[i]) +
-                 (report == CycleReport::check ? describeEffect(structure, components[i].origin)
-                                               : "; --acyclic reverses as few links as possible"),
-             severityOf(report)});
+        problems.push_back({structure.links()[components[i].links.front()].element->position(),
+                            describeComponent(structure, components[i]) +
+                                (report == CycleReport::check
+                                     ? describeEffect(structure, components[i].origin)
+                                     : "; pictures follow the links anyway; for the levels in the data, "
+                                       "--acyclic reverses as few links as possible"),
+                            severityOf(report)});
     }
     const std::vector<Problem> loops = reportLoops(structure, cyclic, report);
     problems.insert(problems.end(), loops.begin(), loops.end());

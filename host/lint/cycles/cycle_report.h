@@ -28,7 +28,8 @@ inline constexpr std::size_t maxCycleMessages = 10;
                                                 CycleReport report,
                                                 const tessera_support::CancelToken& token);
 
-// Loops only, which stay when the other cycles have been opened.
+// Loops only, which stay when the other cycles have been opened; for a drawing, without those between a group and
+// what is inside it.
 [[nodiscard]] std::vector<Problem> reportLoops(const DocumentStructure& structure, const CyclicLinks& cyclic,
                                                CycleReport report);
 

@@ -1,0 +1,177 @@
+// Layers that follow the lines where the levels of a container contradict them.
+#include "draw/placement/link_layers.h"
+
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <vector>
+
+#include "tests/draw/placement_checking.h"
+
+namespace tessera_draw {
+namespace {
+
+using LabelEnd = BoxToPlace::LabelEnd;
+
+class DrawLinkLayers : public testing::Test {
+  protected:
+    Index box(std::int32_t level, Index group = nothing) {
+        BoxToPlace& made = input.boxes.emplace_back();
+        made.level = level;
+        made.group = group;
+        made.size = {80, 40};
+        return static_cast<Index>(input.boxes.size() - 1);
+    }
+
+    Index group(std::int32_t level, Index around = nothing) {
+        const Index made = box(level, around);
+        input.boxes[made].isContainer = true;
+        return made;
+    }
+
+    Index label(LabelEnd end, std::int32_t level = -1, Index around = nothing) {
+        const Index made = box(level, around);
+        input.boxes[made].isLabel = true;
+        input.boxes[made].labelEnd = end;
+        return made;
+    }
+
+    void line(Index from, Index to, std::vector<Index> through = {}) {
+        input.lines.push_back({from, to, std::move(through)});
+    }
+
+    [[nodiscard]] std::vector<std::int32_t> levels(std::initializer_list<Index> boxes) const {
+        std::vector<std::int32_t> result;
+        for (const Index each : boxes)
+            result.push_back(input.boxes[each].level);
+        return result;
+    }
+
+    PlacementInput input;
+};
+
+using Levels = std::vector<std::int32_t>;
+
+TEST_F(DrawLinkLayers, LevelsThatAgreeStay) {
+    const Index a = box(0);
+    const Index b = box(5);
+    const Index l = label(LabelEnd::from, 2);
+    const Index alone = box(-1);
+    line(a, b, {l});
+    layerByLines(input);
+    EXPECT_EQ(levels({a, l, b, alone}), (Levels{0, 2, 5, -1}));
+}
+
+TEST_F(DrawLinkLayers, ContradictedLevelsAreReplaced) {
+    const Index a = box(0);
+    const Index b = box(0);
+    const Index c = box(0);
+    line(a, b);
+    line(b, c);
+    line(c, a);
+    layerByLines(input);
+    EXPECT_EQ(levels({a, b, c}), (Levels{0, 1, 2}));
+}
+
+TEST_F(DrawLinkLayers, OnlyTheGroupOfTheContradictionChanges) {
+    const Index outer = group(7);
+    const Index beside = box(9);
+    const Index a = box(3, outer);
+    const Index b = box(3, outer);
+    line(a, b);
+    line(outer, beside);
+    layerByLines(input);
+    EXPECT_EQ(levels({outer, beside, a, b}), (Levels{7, 9, 0, 1}));
+}
+
+TEST_F(DrawLinkLayers, LabelsStandNextToTheirEnds) {
+    const Index a = box(0);
+    const Index b = box(0);
+    const Index c = box(0);
+    const Index d = box(0);
+    line(a, b);
+    line(b, c);
+    line(c, d);
+    const Index from = label(LabelEnd::from);
+    const Index center = label(LabelEnd::none);
+    const Index to = label(LabelEnd::to);
+    line(a, d, {from, center, to});
+    const Index back = label(LabelEnd::to);
+    line(d, a, {back});
+    layerByLines(input);
+    // Five columns would be enough for the labels of one line, four for the boxes.
+    EXPECT_EQ(input.boxes[d].level - input.boxes[a].level, 4);
+    EXPECT_EQ(input.boxes[from].level, input.boxes[a].level + 1);
+    EXPECT_EQ(input.boxes[center].level, input.boxes[a].level + 2);
+    EXPECT_EQ(input.boxes[to].level, input.boxes[d].level - 1);
+    EXPECT_EQ(input.boxes[back].level, input.boxes[a].level + 1) << "the line runs back to a";
+}
+
+// Whatever group the levels had put them in, and whether or not these contradict anything.
+TEST_F(DrawLinkLayers, LabelsOfALineIntoAGroupAreInside) {
+    const Index outer = group(0);
+    const Index inner = group(0, outer);
+    const Index a = box(0, inner);
+    const Index from = label(LabelEnd::from, 4);
+    const Index center = label(LabelEnd::none, 4);
+    const Index to = label(LabelEnd::to, 4);
+    line(outer, a, {from, center, to});
+    layerByLines(input);
+    EXPECT_EQ(input.boxes[from].group, outer);
+    EXPECT_EQ(input.boxes[center].group, outer);
+    EXPECT_EQ(input.boxes[to].group, inner);
+    EXPECT_EQ(levels({outer}), Levels{0});
+}
+
+TEST_F(DrawLinkLayers, LinesOverABorderDrawTheirEndsToIt) {
+    const Index outer = group(0);
+    const Index beside = box(0);
+    const Index a = box(0, outer);
+    const Index b = box(0, outer);
+    const Index c = box(0, outer);
+    const Index leaving = box(0, outer);
+    line(a, b);
+    line(b, c);
+    const Index at = label(LabelEnd::from);
+    line(leaving, beside, {at});
+    layerByLines(input);
+    EXPECT_EQ(levels({a, b, c}), (Levels{0, 1, 2}));
+    // In the column before the last, with its label in the last one.
+    EXPECT_EQ(levels({leaving, at}), (Levels{1, 2}));
+    EXPECT_EQ(input.boxes[at].group, outer);
+    EXPECT_EQ(levels({outer, beside}), (Levels{0, 1}));
+}
+
+TEST_F(DrawLinkLayers, ALineToItselfHasItsLabelsAfterItsBox) {
+    const Index a = box(0);
+    const Index b = box(0);
+    line(a, b);
+    const Index l = label(LabelEnd::none);
+    line(a, a, {l});
+    layerByLines(input);
+    EXPECT_EQ(levels({a, b, l}), (Levels{0, 1, 1}));
+}
+
+// Lines without ends, groups in a ring: nothing is out of range, and the placement is sound.
+TEST_F(DrawLinkLayers, AnyInputIsAccepted) {
+    const Index a = group(0, 1);
+    const Index b = group(0, 0);
+    line(a, b);
+    line(nothing, a);
+    line(b, 99, {});
+    line(a, a);
+    layerByLines(input);
+    layerByLines(input);
+    EXPECT_EQ(place(input, Spacing{}).boxes.size(), 2U);
+}
+
+TEST_F(DrawLinkLayers, RandomInputsArePlacedSoundly) {
+    for (unsigned seed = 0; seed < 100; ++seed) {
+        input = tessera_test::randomDrawing(seed);
+        layerByLines(input);
+        EXPECT_EQ(tessera_test::findFault(input, place(input, Spacing{})), "") << seed;
+    }
+}
+
+}  // namespace
+}  // namespace tessera_draw
