@@ -56,7 +56,7 @@ tessera_draw::Theme themeOf(std::string_view wanted) {
 tessera_draw::Direction directionOf(std::string_view wanted) {
     for (const auto& [name, direction] : directionNames)
         if (name == wanted) return direction;
-    return tessera_draw::Direction::leftToRight;  // without the option
+    return tessera_draw::Direction::automatic;  // without the option
 }
 
 tessera_draw::LayerSource layersOf(std::string_view wanted) {
@@ -141,32 +141,32 @@ Expected<void> writePicture(const Options& options, const tessera_draw::Scene& s
 }
 
 // The error is that the program was interrupted.
-Expected<tessera_draw::Scene> sceneOf(const Options& options, const basekit2::variant_bag_t& diagram,
-                                      const tessera_draw::Reservation& reservation) {
+Expected<tessera_draw::Scene> sceneOf(const Options& options, const MadeDiagram& made) {
     tessera_draw::SceneOptions sceneOptions;
-    sceneOptions.reservation = &reservation;
+    sceneOptions.reservation = &made.reservation;
+    // Those of the first mode, whatever is shown: boxes have the same places in every mode.
+    sceneOptions.firstValues = made.created ? &*made.created : &made.diagram;
     sceneOptions.direction = directionOf(options.direction);
+    sceneOptions.fit = options.fit;
     sceneOptions.layers = layersOf(options.layers);
     sceneOptions.cancel = interruptToken();
     if (isInterrupted()) return tessera_host::cancelledError();
-    tessera_draw::Scene scene = tessera_draw::makeScene(diagram, sceneOptions);
+    tessera_draw::Scene scene = tessera_draw::makeScene(made.diagram, sceneOptions);
     if (isInterrupted()) return tessera_host::cancelledError();
     return scene;
 }
 
-Expected<void> writeDrawing(const Options& options, const basekit2::variant_bag_t& diagram,
-                            const tessera_draw::Reservation& reservation, WritePicture write,
+Expected<void> writeDrawing(const Options& options, const MadeDiagram& made, WritePicture write,
                             OutputFile& file) {
-    auto scene = sceneOf(options, diagram, reservation);
+    auto scene = sceneOf(options, made);
     if (!scene) return std::move(scene).error();
     return writePicture(options, *scene, write, file);
 }
 
 }  // namespace
 
-Expected<void> writeSvgDrawing(const Options& options, const basekit2::variant_bag_t& diagram,
-                               const tessera_draw::Reservation& reservation, OutputFile& file) {
-    auto scene = sceneOf(options, diagram, reservation);
+Expected<void> writeSvgDrawing(const Options& options, const MadeDiagram& made, OutputFile& file) {
+    auto scene = sceneOf(options, made);
     if (!scene) return std::move(scene).error();
     tessera_draw::SvgOptions svgOptions;
     svgOptions.theme = themeOf(options.theme);
@@ -175,14 +175,12 @@ Expected<void> writeSvgDrawing(const Options& options, const basekit2::variant_b
     return {};
 }
 
-Expected<void> writePngDrawing(const Options& options, const basekit2::variant_bag_t& diagram,
-                               const tessera_draw::Reservation& reservation, OutputFile& file) {
-    return writeDrawing(options, diagram, reservation, &tessera_draw::PictureWriter::writePng, file);
+Expected<void> writePngDrawing(const Options& options, const MadeDiagram& made, OutputFile& file) {
+    return writeDrawing(options, made, &tessera_draw::PictureWriter::writePng, file);
 }
 
-Expected<void> writePdfDrawing(const Options& options, const basekit2::variant_bag_t& diagram,
-                               const tessera_draw::Reservation& reservation, OutputFile& file) {
-    return writeDrawing(options, diagram, reservation, &tessera_draw::PictureWriter::writePdf, file);
+Expected<void> writePdfDrawing(const Options& options, const MadeDiagram& made, OutputFile& file) {
+    return writeDrawing(options, made, &tessera_draw::PictureWriter::writePdf, file);
 }
 
 }  // namespace tessera_cli

@@ -6,10 +6,9 @@
 
 #include "cli/options.h"
 #include "cli/output_file.h"
+#include "cli/output_format.h"
 #include "draw/layout.h"
-#include "draw/reservation.h"
 #include "draw/theme.h"
-#include "platform/basekit2/variant_bag.h"
 
 namespace tessera_cli {
 
@@ -25,8 +24,9 @@ struct DirectionName {
     std::string_view name;
     tessera_draw::Direction direction;
 };
-inline constexpr std::array<DirectionName, 2> directionNames{
-    {{"lr", tessera_draw::Direction::leftToRight}, {"tb", tessera_draw::Direction::topToBottom}}};
+inline constexpr std::array<DirectionName, 3> directionNames{{{"lr", tessera_draw::Direction::leftToRight},
+                                                              {"tb", tessera_draw::Direction::topToBottom},
+                                                              {"auto", tessera_draw::Direction::automatic}}};
 struct LayersName {
     std::string_view name;
     tessera_draw::LayerSource layers;
@@ -34,20 +34,14 @@ struct LayersName {
 inline constexpr std::array<LayersName, 2> layersNames{
     {{"links", tessera_draw::LayerSource::links}, {"document", tessera_draw::LayerSource::levels}}};
 
-// Draw `diagram` as the options say, and write it as an OutputFormat does. PNG and PDF need a library that is
+// Draw the diagram as the options say, and write it as an OutputFormat does. PNG and PDF need a library that is
 // loaded for them; the error has the kind cannotOpen when it is missing. A picture that was scaled down or
 // lacks characters is written, and a message says so.
-[[nodiscard]] tessera_host::Expected<void> writeSvgDrawing(const Options& options,
-                                                           const basekit2::variant_bag_t& diagram,
-                                                           const tessera_draw::Reservation& reservation,
+[[nodiscard]] tessera_host::Expected<void> writeSvgDrawing(const Options& options, const MadeDiagram& made,
                                                            OutputFile& file);
-[[nodiscard]] tessera_host::Expected<void> writePngDrawing(const Options& options,
-                                                           const basekit2::variant_bag_t& diagram,
-                                                           const tessera_draw::Reservation& reservation,
+[[nodiscard]] tessera_host::Expected<void> writePngDrawing(const Options& options, const MadeDiagram& made,
                                                            OutputFile& file);
-[[nodiscard]] tessera_host::Expected<void> writePdfDrawing(const Options& options,
-                                                           const basekit2::variant_bag_t& diagram,
-                                                           const tessera_draw::Reservation& reservation,
+[[nodiscard]] tessera_host::Expected<void> writePdfDrawing(const Options& options, const MadeDiagram& made,
                                                            OutputFile& file);
 
 }  // namespace tessera_cli

@@ -34,6 +34,7 @@ struct RawOptions {
     std::string mode;
     std::string format;
     std::string maxMemory;
+    std::string fit;
     CLI::Option* scale = nullptr;
 };
 
@@ -50,6 +51,21 @@ std::string isLanguage(const std::string& text) {
     const bool isName = !text.empty() && std::isalpha(static_cast<unsigned char>(text.front())) != 0 &&
                         std::all_of(text.begin(), text.end(), isPart);
     return isName ? "" : "\"" + text + "\" is not the name of a language, such as de or de_AT";
+}
+
+// Width and height, such as 16x10 or 1920x1080, each from 1 to 1,000,000.
+std::optional<tessera_draw::Size> shapeOf(std::string_view text) {
+    const std::size_t by = text.find('x');
+    if (by == std::string_view::npos) return std::nullopt;
+    const auto numberOf = [](std::string_view digits) {
+        constexpr unsigned most = 1'000'000;
+        unsigned number = 0;
+        const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+        return error == std::errc() && end == digits.data() + digits.size() && number <= most ? number : 0;
+    };
+    const tessera_draw::Size shape{double(numberOf(text.substr(0, by))),
+                                   double(numberOf(text.substr(by + 1)))};
+    return shape.width > 0 && shape.height > 0 ? std::optional(shape) : std::nullopt;
 }
 
 // Bytes such as 1048576, 512M, 1.5G or 4 GiB, in powers of 1024; none for other texts and beyond 1 MiB to 1 PiB.
@@ -238,9 +254,16 @@ void addPicture(CLI::App& command, RawOptions& raw) {
                     "The colors of a picture: light, dark, or auto (the default: as the reader's screen)")
         ->check(CLI::IsMember(namesOf(themeNames)));
     command
-        .add_option("--direction", options.direction,
-                    "The direction of a picture: lr (left to right, the default) or tb (top to bottom)")
+        .add_option(
+            "--direction", options.direction,
+            "The direction of a picture: lr (left to right), tb (top to bottom) or auto (the default: lr, "
+            "or tb where that fits --fit better)")
         ->check(CLI::IsMember(namesOf(directionNames)));
+    command.add_option("--fit", raw.fit, "The shape of the space that a picture is for (default 16x10)")
+        ->type_name("WIDTHxHEIGHT")
+        ->check([](const std::string& text) {
+            return shapeOf(text) ? "" : "\"" + text + "\" is not two numbers such as 16x10 or 1920x1080";
+        });
     command
         .add_option("--layers", options.layers,
                     "Where the layers of a picture come from: links (the default: where the diagram's levels "
@@ -293,12 +316,15 @@ bool hasGroup(const Command& command, OptionGroup group) {
 }
 
 // The options of pictures must fit the format.
-Expected<void> checkPicture(const Options& options, bool hasScale) {
+Expected<void> checkPicture(const Options& options, bool hasScale, bool hasFit) {
     const OutputFormat& format = *options.format;
     const std::string pictures = " is for pictures: " + formatNames(true);
     if (!options.theme.empty() && !format.isPicture()) return usageError("--theme" + pictures);
     if (!options.direction.empty() && !format.isPicture()) return usageError("--direction" + pictures);
     if (!options.layers.empty() && !format.isPicture()) return usageError("--layers" + pictures);
+    if (hasFit && !format.isPicture()) return usageError("--fit" + pictures);
+    if (hasFit && !options.direction.empty() && options.direction != "auto")
+        return usageError("--fit is for --direction auto");
     if (hasScale && format.kind != OutputFormat::Kind::pixels) return usageError("--scale is for png");
     return {};
 }
@@ -339,6 +365,7 @@ Expected<const OutputFormat*> chooseFormat(const RawOptions& raw) {
 Expected<void> finishOptions(RawOptions& raw) {
     Options& options = raw.options;
     if (!raw.mode.empty()) options.mode = raw.mode;
+    options.fit = shapeOf(raw.fit).value_or(options.fit);
     options.maxMemory = sizeOf(raw.maxMemory).value_or(options.maxMemory);
     auto filters = readFilters(raw.filters);
     if (!filters) return std::move(filters).error();
@@ -355,7 +382,7 @@ Expected<void> finishOptions(RawOptions& raw) {
     const auto format = chooseFormat(raw);
     if (!format) return format.error();
     options.format = *format;
-    return checkPicture(options, raw.scale != nullptr && raw.scale->count() > 0);
+    return checkPicture(options, raw.scale != nullptr && raw.scale->count() > 0, !raw.fit.empty());
 }
 
 // CLI11 ends with an exception also for help and version, which go to standard output. `command` is the word

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "core/layout_options.h"
+#include "draw/geometry.h"
 #include "host/engine/result.h"
 #include "host/error.h"
 
@@ -35,7 +36,8 @@ struct Options {
     std::string stopAfter;                 // a stage of "create"; "" is none
     std::string dumpFolder;                // where the graph is written after each stage; "" is none
     std::string theme;                     // of a picture: "light", "dark" or "auto"
-    std::string direction;                 // of a picture: "lr" or "tb"
+    std::string direction;                 // of a picture: "lr", "tb" or "auto"
+    tessera_draw::Size fit{16, 10};        // the shape that "auto" is for
     std::string layers;                    // of a picture: "links" or "document"
     double scale = 1;                      // pixels of a PNG for one of the drawing
     bool timePasses = false;

@@ -13,22 +13,18 @@
 namespace tessera_cli {
 namespace {
 
-using basekit2::variant_bag_t;
-using tessera_draw::Reservation;
 using tessera_host::Expected;
 
 // The data formats hold the diagram as it is, so options of pictures do not concern them. Failures of the
 // file are reported by its commit().
-Expected<void> writeJson(const Options& /*options*/, const variant_bag_t& diagram,
-                         const Reservation& /*reservation*/, OutputFile& file) {
-    tessera_host::writeJson(diagram, file.sink(), tessera_host::JsonForm::indented);
+Expected<void> writeJson(const Options& /*options*/, const MadeDiagram& made, OutputFile& file) {
+    tessera_host::writeJson(made.diagram, file.sink(), tessera_host::JsonForm::indented);
     file.sink().put('\n');
     return {};
 }
 
-Expected<void> writeXml(const Options& /*options*/, const variant_bag_t& diagram,
-                        const Reservation& /*reservation*/, OutputFile& file) {
-    return tessera_host::writeXml(diagram, file.sink());
+Expected<void> writeXml(const Options& /*options*/, const MadeDiagram& made, OutputFile& file) {
+    return tessera_host::writeXml(made.diagram, file.sink());
 }
 
 // A new format is a row here.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -14,6 +15,13 @@ namespace tessera_cli {
 
 struct Options;
 
+// What render() has made: the diagram in the wanted mode, as it was created, and what pictures keep space for.
+struct MadeDiagram {
+    basekit2::variant_bag_t diagram;
+    std::optional<basekit2::variant_bag_t> created;  // none where the diagram is that
+    tessera_draw::Reservation reservation;
+};
+
 struct OutputFormat {
     enum class Kind : std::uint8_t {
         data,     // the library's bag as it is
@@ -23,11 +31,10 @@ struct OutputFormat {
 
     std::string_view name;  // of --format, and the ending of its files
     Kind kind;
-    // Writes the diagram to the sink of `file`, which render() commits. `reservation` is what a picture keeps
-    // space for; data ignores it. An error says why the diagram cannot be written in this format, or that the
-    // program was interrupted. Whether the file took everything is for commit() to say.
-    tessera_host::Expected<void> (*write)(const Options& options, const basekit2::variant_bag_t& diagram,
-                                          const tessera_draw::Reservation& reservation, OutputFile& file);
+    // Writes the diagram to the sink of `file`, which render() commits. An error says why the diagram cannot be
+    // written in this format, or that the program was interrupted. Whether the file took everything is for
+    // commit() to say.
+    tessera_host::Expected<void> (*write)(const Options& options, const MadeDiagram& made, OutputFile& file);
 
     [[nodiscard]] bool isPicture() const noexcept { return kind != Kind::data; }
 };

@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include <filesystem>
+#include <utility>
 
 #include "cli/commands.h"
 #include "cli/interrupt.h"
@@ -26,24 +27,23 @@ variant_bag_t modeRequest(const std::string& mode) {
     return in;
 }
 
-// The diagram in the wanted mode.
-Expected<variant_bag_t> makeDiagram(const Options& options, tessera_host::Pane& pane,
-                                    relay2::IMessenger& messages) {
+// The diagram in the wanted mode, without reserved space.
+Expected<MadeDiagram> makeDiagram(const Options& options, tessera_host::Pane& pane,
+                                  relay2::IMessenger& messages) {
     const tessera_host::RequestOptions request{interruptToken(), &messages};
-    variant_bag_t diagram;
-    error_code_t code = pane.request("create", {}, diagram, request);
+    MadeDiagram made;
+    error_code_t code = pane.request("create", {}, made.diagram, request);
     if (code.is_success() && options.mode) {
-        diagram = {};
-        code = pane.request("changeDisplayMode", modeRequest(*options.mode), diagram, request);
+        made.created = std::exchange(made.diagram, {});
+        code = pane.request("changeDisplayMode", modeRequest(*options.mode), made.diagram, request);
     }
-    if (code.is_success()) return diagram;
+    if (code.is_success()) return made;
     const std::string reason = code.message().empty() ? "the reason was reported above" : code.message();
     return Error{ErrorKind::failed, fmt::format("{}: no diagram: {}", options.document, reason)};
 }
 
-Expected<void> writeDiagram(const Options& options, const variant_bag_t& diagram,
-                            const tessera_draw::Reservation& reservation, OutputFile& file) {
-    if (auto written = options.format->write(options, diagram, reservation, file); !written) return written;
+Expected<void> writeDiagram(const Options& options, const MadeDiagram& made, OutputFile& file) {
+    if (auto written = options.format->write(options, made, file); !written) return written;
     if (isInterrupted()) return tessera_host::cancelledError();
     return file.commit();
 }
@@ -79,10 +79,11 @@ int render(const Options& options) {
     OutputFile file;  // opened before the work: a place that cannot be written is known at once
     if (const auto opened = file.open(options.output); !opened) return reportError(opened.error());
     if (const auto prepared = inspector.prepare(); !prepared) return reportError(prepared.error());
-    auto diagram = makeDiagram(options, *pane, messenger);
-    if (!diagram) return reportError(diagram.error());
+    auto made = makeDiagram(options, *pane, messenger);
+    if (!made) return reportError(made.error());
+    made->reservation = std::move(reservation);
     if (options.format->isPicture() && isLarge(*input->viewpoint)) pane.reset();
-    if (const auto written = writeDiagram(options, *diagram, reservation, file); !written)
+    if (const auto written = writeDiagram(options, *made, file); !written)
         return reportError(written.error());
     inspector.reportTimes();
     inspector.reportTruncation();

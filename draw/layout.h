@@ -15,7 +15,11 @@
 namespace tessera_draw {
 
 // Where links lead: to the right, or downwards.
-enum class Direction : std::uint8_t { leftToRight, topToBottom };
+enum class Direction : std::uint8_t {
+    leftToRight,
+    topToBottom,
+    automatic,  // to the right; downwards if the drawing is large and too wide for `fit`, and fits clearly better so
+};
 
 // Where the layers of a group come from, and of the top level.
 enum class LayerSource : std::uint8_t {
@@ -27,9 +31,13 @@ struct LayoutOptions {
     Direction direction = Direction::leftToRight;
     // Space to reserve for values. Not owned, read during the call only. Null: every box reserves a usual space.
     const Reservation* reservation = nullptr;
+    // A bag of the same diagram whose values have to fit. Not owned, read during the call only. Null: none.
+    const basekit2::variant_bag_t* firstValues = nullptr;
     // Checked between steps; see layOut(). The default is never cancelled.
     tessera_support::CancelToken cancel{};
     LayerSource layers = LayerSource::links;
+    // For Direction::automatic: the shape of the space that the drawing is for, in any unit. REQUIRES: both are > 0.
+    Size fit = {16, 10};
 };
 
 struct LayoutData;  // draw/scene/layout_data.h
@@ -68,7 +76,9 @@ using LayoutPointer = std::shared_ptr<const Layout>;
 // Lays out the structure of the diagram in `bag`: names, types, levels and links, but no values.
 // Accepts any bag: what is missing or of another type counts as empty, and an empty diagram has a
 // layout without boxes. The same input gives the same layout. Any thread, as long as no other thread
-// changes the bag or the reservation.
+// changes the bags or the reservation.
+//
+// Takes n log n time, where n counts nodes and links; twice that where both directions are tried.
 //
 // Returns null when `options.cancel` was cancelled before all boxes had their
 // places. There are no other errors.

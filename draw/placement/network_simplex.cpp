@@ -49,8 +49,8 @@ class NetworkSimplex {
         return m_ranks[edge.head] - m_ranks[edge.tail] - edge.minLength;
     }
 
-    [[nodiscard]] bool isInSubtree(Index top, Index vertex) const {
-        return m_low[top] <= m_number[vertex] && m_number[vertex] <= m_number[top];
+    [[nodiscard]] bool isInSubtree(Index top, Index inner) const {
+        return m_low[top] <= m_number[inner] && m_number[inner] <= m_number[top];
     }
 
     template <class Visit>

@@ -101,6 +101,15 @@ Reservation::Place placeOf(std::string_view location) {
     return location == "to" ? Reservation::Place::to : Reservation::Place::center;
 }
 
+// Values that exceed what was expected may still grow.
+void widenFor(RowSpace& space, const Info& info) {
+    constexpr double digit = 0.7;  // em, bold
+    for (const Row& row : info.rows) {
+        const double width = measureText(row.value, 1, Weight::bold).width;
+        if (width > space.valueWidth) space.valueWidth = width + digit;
+    }
+}
+
 // A reservation without an entry for a node says that the node has no rows.
 RowSpace orNothing(const RowSpace* space) {
     return space == nullptr ? RowSpace{} : *space;
@@ -128,25 +137,31 @@ BoxKinds findKinds(const Diagram& diagram) {
 }
 
 std::vector<BoxSize> boxSizesOf(const Diagram& diagram, const LinkPaths& linkPaths, const BoxKinds& kinds,
-                                const std::vector<Index>& pathOfLabel, const Reservation* reservation) {
+                                const std::vector<Index>& pathOfLabel, const Reservation* reservation,
+                                const std::vector<Info>* first) {
     std::vector<BoxSize> sizes(diagram.nodes.size());
     for (std::size_t i = 0; i < sizes.size(); ++i) {
         const Node& node = diagram.nodes[i];
+        const Index infoNode = kinds.groupInfos[i] == nothing ? static_cast<Index>(i) : kinds.groupInfos[i];
+        const auto widened = [&](RowSpace space) {
+            if (first != nullptr) widenFor(space, (*first)[infoNode]);
+            return space;
+        };
         const RowSpace* kept = reservation == nullptr ? nullptr : reservation->findNode(node.id);
         if (kinds.kinds[i] == BoxKind::card) {
-            sizes[i] = cardSize(node, reservation == nullptr ? usualNode : orNothing(kept));
+            sizes[i] = cardSize(node, widened(reservation == nullptr ? usualNode : orNothing(kept)));
         } else if (kinds.kinds[i] == BoxKind::container) {
             const bool hasRows = kinds.groupInfos[i] != nothing;
-            sizes[i] = containerSize(node, reservation != nullptr ? orNothing(kept)
-                                           : hasRows              ? usualGroup
-                                                                  : RowSpace{});
+            sizes[i] = containerSize(node, widened(reservation != nullptr ? orNothing(kept)
+                                                   : hasRows              ? usualGroup
+                                                                          : RowSpace{}));
         } else if (kinds.kinds[i] == BoxKind::label) {
             const Index path = pathOfLabel[i];
             const RowSpace* link =
                 reservation == nullptr || path == nothing
                     ? nullptr
                     : reservation->findLink(linkPaths.paths[path].id, placeOf(node.location));
-            sizes[i] = labelSize(link == nullptr ? usualLabel : *link);
+            sizes[i] = labelSize(widened(link == nullptr ? usualLabel : *link));
         }
     }
     return sizes;

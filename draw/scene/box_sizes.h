@@ -64,11 +64,12 @@ struct BoxKinds {
     return isBlank(node.name) ? node.id : node.name;
 }
 
-// Returns the size of every node's box, by node. Cards of one layer get the same width. `pathOfLabel` is that
-// of pathsOfStops(). A null `reservation`
-// means the usual space for every box; see draw/reservation.h for ids that it does not name. n log n time.
+// Returns the size of every node's box, by node. `pathOfLabel` is that of pathsOfStops(). A null `reservation`
+// means the usual space for every box; see draw/reservation.h for ids that it does not name. With `first`, the
+// values by node, boxes are wide enough for these, and where they exceed the reserved space, for one more digit.
+// Linear time.
 [[nodiscard]] std::vector<BoxSize> boxSizesOf(const Diagram& diagram, const LinkPaths& linkPaths,
                                               const BoxKinds& kinds, const std::vector<Index>& pathOfLabel,
-                                              const Reservation* reservation);
+                                              const Reservation* reservation, const std::vector<Info>* first);
 
 }  // namespace tessera_draw

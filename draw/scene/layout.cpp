@@ -1,6 +1,7 @@
 #include "draw/layout.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "draw/read/end_labels.h"
@@ -121,6 +122,44 @@ void adopt(LayoutData& data, Placement placement, SceneInput& input) {
     data.width = std::max(data.content.width, headingWidth(data.structure, data.badge)) + 2 * sceneMargin;
 }
 
+// The boxes of a diagram, placed in one direction.
+struct Attempt {
+    SceneInput input;
+    Placement placement;
+};
+
+std::optional<Attempt> layOutIn(Direction direction, const LayoutData& data, LayoutOptions options) {
+    options.direction = direction;
+    Attempt attempt{makeInput(data.structure, data.linkPaths, data.kinds, data.sizes, options), {}};
+    attempt.placement = placeInput(attempt.input, direction, options.cancel);
+    if (attempt.placement.boxes.size() != attempt.input.input.boxes.size()) return std::nullopt;  // cancelled
+    return attempt;
+}
+
+// How large the drawing can be shown in a space of that shape.
+double scaleIn(Size fit, Size drawing) {
+    return std::min(fit.width / std::max(drawing.width, 1.0), fit.height / std::max(drawing.height, 1.0));
+}
+
+std::optional<Attempt> layOutBest(const LayoutData& data, const LayoutOptions& options) {
+    if (options.direction != Direction::automatic) return layOutIn(options.direction, data, options);
+    // Reading to the right is easier, and one layout takes less time than two.
+    constexpr double fitsAnywhere = 1200;  // pixels
+    constexpr double tooWide = 1.5;
+    constexpr double clearlyBetter = 1.2;
+    std::optional<Attempt> right = layOutIn(Direction::leftToRight, data, options);
+    if (!right) return right;
+    const Size size = right->placement.size;
+    if (size.width <= fitsAnywhere ||
+        size.width * options.fit.height <= tooWide * size.height * options.fit.width)
+        return right;
+    std::optional<Attempt> down = layOutIn(Direction::topToBottom, data, options);
+    if (!down) return down;
+    const bool isBetter =
+        scaleIn(options.fit, down->placement.size) > clearlyBetter * scaleIn(options.fit, size);
+    return isBetter ? std::move(down) : std::move(right);
+}
+
 }  // namespace
 
 LayoutPointer layOut(const basekit2::variant_bag_t& bag, const LayoutOptions& options) {
@@ -133,13 +172,20 @@ LayoutPointer layOut(const basekit2::variant_bag_t& bag, const LayoutOptions& op
     data->pathOfLabel = pathsOfStops(data->linkPaths, diagram.nodes.size());
     data->types = DisplayTypes(diagram);
     data->kinds = findKinds(diagram);
-    data->sizes = boxSizesOf(diagram, data->linkPaths, data->kinds, data->pathOfLabel, options.reservation);
-    SceneInput input = makeInput(diagram, data->linkPaths, data->kinds, data->sizes, options);
-    Placement placement = placeInput(input, options.direction, options.cancel);
-    if (placement.boxes.size() != input.input.boxes.size()) return nullptr;  // cancelled
+    {
+        TextArena texts;
+        Values first;
+        Differences ignored;
+        if (options.firstValues != nullptr) first = readValues(*options.firstValues, diagram, texts, ignored);
+        data->sizes =
+            boxSizesOf(diagram, data->linkPaths, data->kinds, data->pathOfLabel, options.reservation,
+                       options.firstValues == nullptr ? nullptr : &first.nodes);
+    }
+    std::optional<Attempt> attempt = layOutBest(*data, options);
+    if (!attempt) return nullptr;  // cancelled
     data->badge = badgeWidth(options.reservation == nullptr ? Reservation::usualModeWidth
                                                             : options.reservation->modeWidth());
-    adopt(*data, std::move(placement), input);
+    adopt(*data, std::move(attempt->placement), attempt->input);
     data->containers = containersOf(*data);
     return std::make_shared<Layout>(std::move(data));
 }

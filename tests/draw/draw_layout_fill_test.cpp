@@ -182,7 +182,25 @@ TEST(DrawLayoutFill, ALayoutKnowsItsBoxes) {
 TEST(DrawLayoutFill, NothingIsLaidOutOnceItIsCancelled) {
     tessera_support::CancelSource source;
     source.cancel();
-    EXPECT_EQ(layOut(smallDrawing("1").bag, {Direction::leftToRight, nullptr, source.token()}), nullptr);
+    EXPECT_EQ(layOut(smallDrawing("1").bag, {Direction::leftToRight, nullptr, nullptr, source.token()}),
+              nullptr);
+}
+
+// A value that was wider than expected when the diagram was created is whole, and may get one more digit.
+TEST(DrawLayoutFill, FirstValuesFit) {
+    const std::string wide = "12345678901.25 MB/s";
+    const auto isWhole = [](const Scene& scene, std::string_view value) {
+        const auto hasValue = [&](const TextShape& text) { return text.text == value && !text.isShortened; };
+        return std::any_of(scene.texts.begin(), scene.texts.end(), hasValue);
+    };
+    const DrawnBag drawn = smallDrawing(wide);
+    LayoutOptions options;
+    EXPECT_FALSE(isWhole(fill(layOut(drawn.bag, options), drawn.bag), wide));
+    options.firstValues = &drawn.bag;
+    const LayoutPointer layout = layOut(drawn.bag, options);
+    EXPECT_TRUE(isWhole(fill(layout, drawn.bag), wide));
+    EXPECT_TRUE(isWhole(fill(layout, smallDrawing("9" + wide).bag), "9" + wide));
+    EXPECT_FALSE(isWhole(fill(layout, smallDrawing(std::string(40, '9') + wide).bag), std::string(40, '9') + wide));
 }
 
 TEST(DrawSceneJson, SaysWhatASceneShows) {

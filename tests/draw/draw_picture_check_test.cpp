@@ -279,10 +279,11 @@ TEST(DrawPictureCheck, RandomBoxesArePlacedSoundly) {
         const Diagram diagram = readDiagram(bag);
         const LinkPaths linkPaths = findLinkPaths(diagram);
         const BoxKinds kinds = findKinds(diagram);
-        const SceneInput input = makeInput(
-            diagram, linkPaths, kinds,
-            boxSizesOf(diagram, linkPaths, kinds, pathsOfStops(linkPaths, diagram.nodes.size()), nullptr),
-            {});
+        const SceneInput input =
+            makeInput(diagram, linkPaths, kinds,
+                      boxSizesOf(diagram, linkPaths, kinds, pathsOfStops(linkPaths, diagram.nodes.size()),
+                                 nullptr, nullptr),
+                      {});
         expectSound(checkPicture(tessera_test::pictureOf(input.input, place(input.input, Spacing{}))),
                     "seed " + std::to_string(seed));
     }
