@@ -136,9 +136,14 @@ std::optional<Attempt> layOutIn(Direction direction, const LayoutData& data, Lay
     return attempt;
 }
 
-// How large the drawing can be shown in a space of that shape.
+// How large the drawing can be shown in a space of that shape; a band, wide or high, counts less.
 double scaleIn(Size fit, Size drawing) {
-    return std::min(fit.width / std::max(drawing.width, 1.0), fit.height / std::max(drawing.height, 1.0));
+    constexpr double widest = 4;
+    constexpr double highest = 3;
+    constexpr double band = 0.75;
+    const bool isBand = drawing.width > widest * drawing.height || drawing.height > highest * drawing.width;
+    return std::min(fit.width / std::max(drawing.width, 1.0), fit.height / std::max(drawing.height, 1.0)) *
+           (isBand ? band : 1);
 }
 
 std::optional<Attempt> layOutBest(const LayoutData& data, const LayoutOptions& options) {
@@ -146,7 +151,7 @@ std::optional<Attempt> layOutBest(const LayoutData& data, const LayoutOptions& o
     // Reading to the right is easier, and one layout takes less time than two.
     constexpr double fitsAnywhere = 1200;  // pixels
     constexpr double tooWide = 1.5;
-    constexpr double clearlyBetter = 1.2;
+    constexpr double clearlyBetter = 1.1;
     std::optional<Attempt> right = layOutIn(Direction::leftToRight, data, options);
     if (!right) return right;
     const Size size = right->placement.size;

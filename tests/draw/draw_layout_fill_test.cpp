@@ -200,7 +200,8 @@ TEST(DrawLayoutFill, FirstValuesFit) {
     const LayoutPointer layout = layOut(drawn.bag, options);
     EXPECT_TRUE(isWhole(fill(layout, drawn.bag), wide));
     EXPECT_TRUE(isWhole(fill(layout, smallDrawing("9" + wide).bag), "9" + wide));
-    EXPECT_FALSE(isWhole(fill(layout, smallDrawing(std::string(40, '9') + wide).bag), std::string(40, '9') + wide));
+    EXPECT_FALSE(
+        isWhole(fill(layout, smallDrawing(std::string(40, '9') + wide).bag), std::string(40, '9') + wide));
 }
 
 TEST(DrawSceneJson, SaysWhatASceneShows) {

@@ -65,6 +65,17 @@ TEST_F(SqliteSecurity, FragmentsCannotLeaveTheirParentheses) {
     EXPECT_EQ(valueOf("COUNT(*) -- ) FROM t WHERE a = 1"), "2");
 }
 
+// SQLite does not look at what stands beside a condition that is the number 0.
+TEST_F(SqliteSecurity, FiltersWithUnknownColumnsFailBesideAFalseConditionToo) {
+    for (const char* where : {"0", "1", "a = 0"}) {
+        Pane pane(path);
+        pane.query("Count", "t", "COUNT(*)", {{"where", where}});
+        pane.filter("selection", "nowhere > 1");
+        EXPECT_EQ(pane.failure("/Count"), "query \"Count\": filter \"selection\": no such column: nowhere")
+            << where;
+    }
+}
+
 TEST_F(SqliteSecurity, ConditionsAndFiltersCannotEither) {
     Pane pane(path);
     pane.query("W", "t", "COUNT(*)", {{"where", "a = 1) OR (1"}}).query("F", "t", "COUNT(*)");

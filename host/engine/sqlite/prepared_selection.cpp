@@ -70,6 +70,11 @@ Expected<void> PreparedSelection::prepareText(Connection& connection) {
         return Error{ErrorKind::failed, problems.empty() ? prepared.error().text : problems.front()};
     }
     if (auto checked = checkAggregate(connection, m_selection); !checked) return checked;
+    if (mayDropConditions(m_selection)) {
+        const auto problems = databaseProblems(connection, m_selection);
+        if (auto stopped = connection.stopError()) return *std::move(stopped);
+        if (!problems.empty()) return Error{ErrorKind::failed, problems.front()};
+    }
     m_text = *std::move(prepared);
     return {};
 }

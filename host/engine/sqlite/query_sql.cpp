@@ -1,6 +1,7 @@
 #include "host/engine/sqlite/query_sql.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstddef>
 
 #include "host/engine/sqlite/sql_guard.h"
@@ -46,6 +47,16 @@ std::vector<std::string> rowTerms(const Selection& selection) {
     for (const NamedFilter& filter : selection.filters)
         terms.push_back(enclosed(filter.predicate));
     return terms;
+}
+
+// A 0 that begins a number, such as 0, 00 or 0x0.
+bool hasZero(std::string_view sql) {
+    const auto isPart = [](unsigned char c) {
+        return std::isalnum(c) != 0 || c == '_' || c == '.' || c == '\'';
+    };
+    for (std::size_t i = 0; i < sql.size(); ++i)
+        if (sql[i] == '0' && (i == 0 || !isPart(static_cast<unsigned char>(sql[i - 1])))) return true;
+    return false;
 }
 
 std::string fromWhere(const Selection& selection, const std::vector<std::string>& terms) {
@@ -106,6 +117,12 @@ std::string predicateSql(const Selection& selection, std::string_view predicate)
 
 std::string havingSql(const Selection& selection) {
     return "SELECT 1" + fromWhere(selection, {}) + " GROUP BY 1 HAVING " + enclosed(selection.expression);
+}
+
+bool mayDropConditions(const Selection& selection) {
+    const auto isZero = [](const NamedFilter& filter) { return hasZero(filter.predicate); };
+    return hasZero(selection.where) ||
+           std::any_of(selection.filters.begin(), selection.filters.end(), isZero);
 }
 
 bool mayRecurse(const Selection& selection) {

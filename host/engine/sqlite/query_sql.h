@@ -35,6 +35,10 @@ enum class KeyMatch {
 // The same with the expression as the condition on groups, where aggregates are allowed and windows are not.
 [[nodiscard]] std::string havingSql(const Selection& selection);
 
+// Whether SQLite may drop a condition unseen, with unknown names in it: it does so beside a condition that is the
+// number 0. True as well for conditions that merely contain a 0.
+[[nodiscard]] bool mayDropConditions(const Selection& selection);
+
 // True when no fragment has common table expressions of its own.
 [[nodiscard]] bool mayRecurse(const Selection& selection);
 
