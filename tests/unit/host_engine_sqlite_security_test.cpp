@@ -195,8 +195,8 @@ TEST_F(SqliteSecurity, WhatTheGuardLetsPassStaysInItsPlace) {
         for (auto count = random() % 8 + 1; count > 0; --count)
             fragment += tokens[random() % tokens.size()];
         if (!scanSql(fragment)) continue;
-        const std::string sql =
-            "SELECT (\n" + fragment + "\n), 'end' FROM t WHERE (\n" + fragment + "\n) AND 7";
+        std::string sql = "SELECT (\n";
+        sql.append(fragment).append("\n), 'end' FROM t WHERE (\n").append(fragment).append("\n) AND 7");
         sqlite3_stmt* statement = nullptr;
         const char* tail = nullptr;
         if (sqlite3_prepare_v2(database, sql.c_str(), -1, &statement, &tail) == SQLITE_OK) {
