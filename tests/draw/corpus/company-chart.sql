@@ -1,0 +1,42 @@
+-- An organisation chart with heads, teams and a works council. Dotted lines have no direction.
+CREATE TABLE units(unit TEXT, people INTEGER, budget INTEGER, open INTEGER);
+INSERT INTO units VALUES
+('board',5,NULL,NULL),
+('chair',1,240000,NULL),
+('assistant',1,NULL,NULL),
+('development',41,5200000,3),
+('head-development',1,NULL,NULL),
+('optics',12,1600000,1),
+('mechanics',9,1100000,0),
+('analog',7,900000,1),
+('firmware',8,1050000,1),
+('test-lab',4,550000,0),
+('production',88,7400000,5),
+('head-production',1,NULL,NULL),
+('assembly',46,3100000,3),
+('coating',18,2200000,2),
+('dispatch',23,2100000,0),
+('sales',26,3300000,2),
+('head-sales',1,NULL,NULL),
+('home-market',9,1200000,0),
+('export',11,1500000,2),
+('repairs',5,600000,0),
+('finance',8,900000,0),
+('council',7,NULL,NULL),
+('project',6,800000,0);
+CREATE TABLE lines(upper TEXT, lower TEXT, share REAL, meetings REAL);
+INSERT INTO lines VALUES
+('board','chair',1.0,0.5),
+('chair','head-development',1.0,2.0),
+('chair','head-production',1.0,2.0),
+('chair','head-sales',1.0,1.0),
+('chair','finance',1.0,1.0),
+('head-development','development',0.2,NULL),
+('project','optics',0.25,NULL),
+('project','firmware',0.5,NULL),
+('project','assembly',0.1,NULL),
+('project','export',0.15,NULL),
+('project','chair',1.0,0.3),
+('repairs','test-lab',0.4,NULL),
+('council','chair',0.1,0.2),
+('analog','electronics',0.05,NULL);
