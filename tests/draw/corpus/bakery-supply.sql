@@ -50,4 +50,5 @@ INSERT INTO transports VALUES
 ('suburb','crumbs',0.2,1,NULL),
 ('crumbs','dough',0.5,NULL,NULL),
 ('crumbs','pigs',0.2,NULL,NULL),
-('bakery','market',NULL,14,NULL);
+('bakery','market',NULL,14,NULL),
+('bakery','deck-oven',NULL,9,NULL);

@@ -51,4 +51,6 @@ INSERT INTO flows VALUES
 ('accounts','statements',31000,NULL,NULL),
 ('statements','archive',31000,NULL,NULL),
 ('checks','archive',5710,NULL,NULL),
-('statements','channels',31000,NULL,NULL);
+('statements','channels',31000,NULL,NULL),
+('checks','fraud-desk',12,90000,0.25),
+('limits','accounts',361700,NULL,NULL);

@@ -47,4 +47,5 @@ INSERT INTO deliveries VALUES
 ('dealers','riders',598,NULL,1480000),
 ('riders','workshop',81,NULL,NULL),
 ('workshop','riders',76,NULL,NULL),
-('workshop','drives',12,NULL,4800);
+('workshop','drives',12,NULL,4800),
+('motor','tier-one',15,NULL,NULL);

@@ -39,4 +39,6 @@ INSERT INTO lines VALUES
 ('project','chair',1.0,0.3),
 ('repairs','test-lab',0.4,NULL),
 ('council','chair',0.1,0.2),
-('analog','electronics',0.05,NULL);
+('analog','electronics',0.05,NULL),
+('firmware','development',0.02,NULL),
+('finance','project',0.02,1.0);

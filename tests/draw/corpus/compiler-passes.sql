@@ -57,4 +57,5 @@ INSERT INTO links VALUES
 ('object','linker',19922944,NULL,NULL),
 ('linker','program',12582912,0.63,NULL),
 ('program','profile',2202009,NULL,NULL),
-('names','messages',NULL,NULL,3);
+('names','messages',NULL,NULL,3),
+('dead','middle',171966464,0.61,NULL);

@@ -52,4 +52,7 @@ INSERT INTO links VALUES
 ('streaming','assets',67108864,NULL),
 ('assets','draw',188743680,NULL),
 ('simulate','server',212,3.0),
-('draw','cull',65536,NULL);
+('draw','cull',65536,NULL),
+('frame','physics',8,0.1),
+('post','frame',8,0.2),
+('assets','world',512,NULL);

@@ -53,4 +53,6 @@ INSERT INTO paths VALUES
 ('heart','emergency',NULL,12,900),
 ('pharmacy','wards',NULL,1400,NULL),
 ('records','pharmacy',NULL,1900,NULL),
-('records','billing',NULL,210,NULL);
+('records','billing',NULL,210,NULL),
+('wards','intensive-west',2,NULL,NULL),
+('billing','pharmacy',NULL,310,NULL);

@@ -39,4 +39,5 @@ INSERT INTO nagare VALUES
 ('shuuri','tosou',4,NULL,NULL),
 ('shuuri','robotto',1,NULL,NULL),
 ('kensa','seisan',12,NULL,NULL),
-('shukka','seisan',12,NULL,NULL);
+('shukka','seisan',12,NULL,NULL),
+('buhin','seisan',8,NULL,NULL);

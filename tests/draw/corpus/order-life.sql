@@ -44,4 +44,5 @@ INSERT INTO steps VALUES
 ('returns','announced',3,NULL),
 ('inspected','refunded',37,NULL),
 ('inspected','shipped',6,NULL),
-('placed','cancelled',13,NULL);
+('placed','cancelled',13,NULL),
+('cancelled','reserved',3,NULL);

@@ -23,4 +23,5 @@ INSERT INTO lines VALUES
 ('dac','loop-filter',NULL,0.900,NULL),
 ('vco','loop',NULL,0.4,NULL),
 ('vco','buffer',2400000000,0.35,NULL),
-('buffer','radio',2400000000,NULL,NULL);
+('buffer','radio',2400000000,NULL,NULL),
+('loop','c-main',NULL,0.02,NULL);

@@ -29,4 +29,6 @@ INSERT INTO signals VALUES
 ('condenser','feed-pump',0.9,29.4,NULL),
 ('feed-pump','drum',14.6,29.9,NULL),
 ('level','level-control',NULL,NULL,100),
-('guard','boiler',NULL,NULL,5);
+('guard','boiler',NULL,NULL,5),
+('boiler','oxygen',NULL,NULL,2),
+('turbine','guard',NULL,NULL,8);

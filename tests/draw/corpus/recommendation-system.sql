@@ -42,4 +42,5 @@ INSERT INTO links VALUES
 ('offline-check','model',0.0001,NULL,NULL),
 ('model','scorer',0.0001,NULL,NULL),
 ('model','similar',0.0001,NULL,NULL),
-('sessions','features',41000,300,NULL);
+('sessions','features',41000,300,NULL),
+('learning','ranker',0.02,40,NULL);

@@ -50,4 +50,6 @@ INSERT INTO calls VALUES
 ('worker-events',110,2,NULL,NULL),
 ('events-mailer',44,700,NULL,NULL),
 ('events-search',0.2,50,NULL,NULL),
-('api-accounts',480,33,NULL,NULL);
+('api-accounts',480,33,NULL,NULL),
+('core-outbox',0.01,9,NULL,NULL),
+('tracing-mailer',44,1,NULL,NULL);

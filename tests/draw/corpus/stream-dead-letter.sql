@@ -42,4 +42,5 @@ INSERT INTO links VALUES
 ('again','give-up',2,NULL),
 ('retry','wait',840,NULL),
 ('again','decode',740,601000),
-('give-up','archive',2,NULL);
+('give-up','archive',2,NULL),
+('users','archive',12,5000);

@@ -45,4 +45,5 @@ INSERT INTO pipes VALUES
 ('thickener','press',12,NULL),
 ('thickener','sand-trap',58,NULL),
 ('press','river',7,NULL),
-('laboratory','iron',NULL,6.25);
+('laboratory','iron',NULL,6.25),
+('laboratory','clear-well',0.2,NULL);
