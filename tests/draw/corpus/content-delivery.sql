@@ -1,0 +1,42 @@
+-- Video files go from one origin over shields to edges on three continents. Misses lead back to the origin.
+CREATE TABLE nodes(id TEXT, hits REAL, store INTEGER, clients INTEGER);
+INSERT INTO nodes VALUES
+('ingest',NULL,2400000000,NULL),
+('master-store',NULL,812000000000000,NULL),
+('europe',NULL,NULL,1840000),
+('shield-frankfurt',0.962,96000000000000,NULL),
+('edge-london',0.914,12000000000000,612000),
+('edge-madrid',0.887,8000000000000,341000),
+('edge-warsaw',0.893,8000000000000,288000),
+('americas',NULL,NULL,2210000),
+('shield-chicago',0.955,96000000000000,NULL),
+('edge-dallas',0.921,12000000000000,704000),
+('edge-saopaulo',0.842,6000000000000,515000),
+('asia',NULL,NULL,960000),
+('shield-singapore',0.931,64000000000000,NULL),
+('edge-osaka',0.902,8000000000000,402000),
+('edge-mumbai',0.811,6000000000000,391000),
+('logs',NULL,41000000000000,NULL);
+CREATE TABLE links(source TEXT, target TEXT, rate INTEGER, share REAL, bytes INTEGER);
+INSERT INTO links VALUES
+('studio','ingest',310000000,NULL,26800000000000),
+('ingest','packager',305000000,NULL,NULL),
+('packager','master-store',910000000,NULL,NULL),
+('master-store','shield-frankfurt',4200000000,0.038,363000000000000),
+('master-store','shield-chicago',5100000000,0.045,441000000000000),
+('master-store','shield-singapore',3300000000,0.069,285000000000000),
+('shield-frankfurt','edge-london',21000000000,0.086,1810000000000000),
+('shield-frankfurt','edge-madrid',14800000000,0.113,1280000000000000),
+('shield-frankfurt','edge-warsaw',11900000000,0.107,1030000000000000),
+('shield-chicago','edge-dallas',23600000000,0.079,2040000000000000),
+('shield-chicago','edge-saopaulo',31900000000,0.158,2760000000000000),
+('shield-singapore','edge-osaka',15100000000,0.098,1300000000000000),
+('shield-singapore','edge-mumbai',28200000000,0.189,2440000000000000),
+('edge-madrid','origin',2100000,0.0002,NULL),
+('edge-mumbai','master-store',8800000,0.001,NULL),
+('edge-london','edge-madrid',61000000,NULL,NULL),
+('shield-frankfurt','shield-chicago',140000000,NULL,NULL),
+('europe','logs',9200000,NULL,NULL),
+('americas','logs',11300000,NULL,NULL),
+('asia','logs',5100000,NULL,NULL),
+('logs','steering',12000,NULL,NULL);

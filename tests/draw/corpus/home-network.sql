@@ -1,0 +1,40 @@
+-- A flat with a router in the middle, and devices that speak over three kinds of radio.
+CREATE TABLE nodes(id TEXT, signal INTEGER, battery REAL);
+INSERT INTO nodes VALUES
+('television',-41,NULL),
+('speaker',-47,NULL),
+('console',-44,NULL),
+('hub',-39,NULL),
+('lamp-sofa',-58,NULL),
+('lamp-table',-61,NULL),
+('blinds',-70,0.83),
+('printer',-66,NULL),
+('fridge',-72,NULL),
+('smoke',-77,0.46),
+('repeater',-55,NULL),
+('phone-anna',-52,0.68),
+('phone-tom',-49,0.22),
+('doorbell',-74,0.91);
+CREATE TABLE links(source TEXT, target TEXT, rate INTEGER, ping INTEGER);
+INSERT INTO links VALUES
+('internet','modem',94000000,11),
+('modem','router',94000000,1),
+('router','television',16000000,NULL),
+('router','speaker',320000,NULL),
+('router','console',2100000,19),
+('router','hub',48000,NULL),
+('hub','lamp-sofa',250,NULL),
+('hub','lamp-table',250,NULL),
+('hub','blinds',400,NULL),
+('smoke','hub',12,NULL),
+('router','desktop',41000000,2),
+('router','network-disk',380000000,1),
+('desktop','printer',900000,NULL),
+('desktop','network-disk',310000000,NULL),
+('router','repeater',26000000,4),
+('repeater','fridge',1500,NULL),
+('phone-anna','router',8800000,9),
+('phone-tom','repeater',3100000,23),
+('doorbell','router',1800000,NULL),
+('television','phone-anna',22000,NULL),
+('living','phone-tom',900,NULL);

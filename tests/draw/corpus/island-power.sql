@@ -1,0 +1,41 @@
+-- Five islands, each with a grid of its own. Only two are joined by a cable.
+CREATE TABLE nodes(id TEXT, power INTEGER, freq REAL, charge REAL);
+INSERT INTO nodes VALUES
+('north-island',2410000,50.01,NULL),
+('diesel-north',1900000,50.01,NULL),
+('wind-north',510000,NULL,NULL),
+('harbour',880000,NULL,NULL),
+('village-north',610000,NULL,NULL),
+('fish',905000,NULL,NULL),
+('south-island',1300000,50.01,NULL),
+('hydro',1300000,50.01,NULL),
+('village-south',340000,NULL,NULL),
+('quarry',780000,NULL,NULL),
+('bird-island',41000,49.96,NULL),
+('sun-bird',38000,NULL,NULL),
+('battery-bird',3000,NULL,0.61),
+('research',41000,NULL,NULL),
+('sun-rock',900,NULL,NULL),
+('battery-rock',-240,NULL,0.88),
+('lamp',620,NULL,NULL),
+('hut',0,NULL,NULL),
+('generator',0,NULL,NULL),
+('ferry',210000,NULL,NULL),
+('buoy',4,NULL,NULL);
+CREATE TABLE links(source TEXT, target TEXT, flow INTEGER, loss REAL);
+INSERT INTO links VALUES
+('diesel-north','harbour',710000,0.021),
+('diesel-north','village-north',310000,0.034),
+('diesel-north','fish',880000,0.011),
+('wind-north','harbour',180000,0.018),
+('wind-north','village-north',310000,0.012),
+('fish','north-island',90000,NULL),
+('hydro','village-south',345000,0.019),
+('hydro','quarry',795000,0.016),
+('hydro','wind-north',140000,0.062),
+('quarry','hydro',14000,NULL),
+('sun-bird','battery-bird',9000,0.04),
+('battery-bird','research',12000,0.05),
+('sun-bird','research',29000,0.02),
+('sun-rock','battery-rock',860,0.06),
+('battery-rock','lamp',620,0.03);

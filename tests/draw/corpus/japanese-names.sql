@@ -1,0 +1,43 @@
+-- Japanese names: a plant that makes small motors.
+CREATE TABLE koutei(koutei TEXT, kadou REAL, ondo REAL, kazu INTEGER);
+INSERT INTO koutei VALUES
+('nyuuka',NULL,NULL,5200),
+('buhin',NULL,18.5,14300),
+('kakou',0.914,NULL,NULL),
+('sendan',0.952,41.3,2010),
+('kenma',0.887,38.8,1985),
+('makisen',0.903,33.0,2042),
+('kumitate',0.938,NULL,NULL),
+('robotto',0.961,35.5,1960),
+('netsu',0.984,182.0,1958),
+('tosou',0.871,27.4,1944),
+('kensa',0.992,NULL,NULL),
+('gaikan',NULL,NULL,1940),
+('denki',NULL,23.0,1921),
+('saikensa',NULL,NULL,44),
+('shuuri',NULL,NULL,37),
+('shukka',NULL,NULL,1890);
+CREATE TABLE nagare(moto TEXT, saki TEXT, ryou INTEGER, jikan INTEGER, furyou REAL);
+INSERT INTO nagare VALUES
+('nyuuka','buhin',650,5400,NULL),
+('buhin','sendan',252,NULL,NULL),
+('buhin','makisen',255,NULL,NULL),
+('sendan','kenma',251,180,NULL),
+('kenma','robotto',248,NULL,NULL),
+('makisen','robotto',255,NULL,NULL),
+('kenma','sendan',3,NULL,NULL),
+('robotto','netsu',245,2700,0.004),
+('netsu','tosou',244,NULL,NULL),
+('tosou','gaikan',243,600,0.011),
+('gaikan','denki',240,NULL,NULL),
+('gaikan','shuuri',3,NULL,NULL),
+('denki','saikensa',5,NULL,NULL),
+('saikensa','kensa',5,NULL,NULL),
+('kensa','saikensa',1,NULL,NULL),
+('denki','shukka',236,NULL,0.0),
+('saikensa','shuuri',2,NULL,NULL),
+('shuuri','tosou',4,NULL,NULL),
+('shuuri','robotto',1,NULL,NULL),
+('kensa','seisan',12,NULL,NULL),
+('shukka','seisan',12,NULL,NULL),
+('buhin','seisan',8,NULL,NULL);

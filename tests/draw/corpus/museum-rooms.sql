@@ -1,0 +1,43 @@
+-- Visitors in a museum with four wings that are not joined, each with a way round in a circle.
+CREATE TABLE rooms(room TEXT, visitors INTEGER, humid REAL, climate REAL);
+INSERT INTO rooms VALUES
+('antiquity',211,0.46,NULL),
+('egypt',74,0.41,20.4),
+('greece',58,0.46,20.9),
+('rome',51,0.47,21.0),
+('coins',28,0.39,20.1),
+('painting',318,0.52,NULL),
+('gothic',22,0.53,20.0),
+('renaissance',96,0.54,20.8),
+('baroque',77,0.52,20.7),
+('prints',14,0.5,19.8),
+('drawings',11,0.5,19.7),
+('modern',98,0.5,21.2),
+('nature',164,NULL,NULL),
+('whales',61,NULL,19.9),
+('insects',33,NULL,20.3),
+('crystals',40,NULL,20.2),
+('volcano',30,NULL,22.5),
+('store-east',NULL,0.45,17.0),
+('store-west',NULL,0.47,17.2),
+('shop',47,NULL,NULL);
+CREATE TABLE doors(source TEXT, target TEXT, people INTEGER, minutes INTEGER);
+INSERT INTO doors VALUES
+('egypt','greece',121,2),
+('greece','rome',98,1),
+('rome','coins',44,1),
+('coins','egypt',39,3),
+('rome','antiquity',61,NULL),
+('antiquity','egypt',133,NULL),
+('gothic','renaissance',57,NULL),
+('renaissance','baroque',102,1),
+('baroque','modern',88,NULL),
+('modern','gothic',31,NULL),
+('renaissance','prints',19,NULL),
+('prints','drawings',12,NULL),
+('cabinet','prints',21,NULL),
+('modern','modern',16,NULL),
+('whales','insects',41,NULL),
+('insects','crystals',30,NULL),
+('crystals','volcano',44,NULL),
+('volcano','whales',37,2);

@@ -1,0 +1,41 @@
+-- A switching power supply in three nested boards. Sense lines lead back to the controller.
+CREATE TABLE parts(part TEXT, temp REAL, loss REAL);
+INSERT INTO parts VALUES
+('primary',58.2,9.4),
+('fuse',31.0,0.05),
+('emi',36.4,0.31),
+('bridge',61.7,2.2),
+('bulk',48.9,0.6),
+('gate',52.3,0.4),
+('fet-high',71.0,2.9),
+('fet-low',68.6,2.6),
+('snubber',77.5,0.9),
+('transformer',66.1,3.8),
+('secondary',49.5,6.1),
+('rectifier',63.2,2.4),
+('choke',55.8,1.7),
+('out-cap',44.0,0.2),
+('shunt',51.3,0.8),
+('controller',41.2,0.35),
+('opto',38.0,0.02);
+CREATE TABLE wires(source TEXT, target TEXT, volt REAL, amp REAL);
+INSERT INTO wires VALUES
+('mains','fuse',230.4,0.92),
+('fuse','emi',230.1,0.92),
+('emi','bridge',229.6,0.92),
+('bridge','bulk',322.8,0.63),
+('bulk','switch',321.5,0.63),
+('gate','fet-high',11.8,0.02),
+('gate','fet-low',11.9,0.02),
+('snubber','switch',86.0,0.01),
+('switch','primary',0.4,0.01),
+('switch','transformer',160.7,1.24),
+('transformer','rectifier',28.3,7.05),
+('rectifier','choke',24.9,7.05),
+('choke','out-cap',24.1,7.04),
+('out-cap','shunt',24.0,7.0),
+('shunt','load',24.0,7.0),
+('shunt','controller',0.1,0.01),
+('load','controller',24.0,0.01),
+('controller','opto',1.2,0.01),
+('transformer','controller',12.3,0.08);
