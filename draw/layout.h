@@ -18,7 +18,9 @@ namespace tessera_draw {
 enum class Direction : std::uint8_t {
     leftToRight,
     topToBottom,
-    automatic,  // to the right; downwards if the drawing is large and too wide for `fit`, and fits clearly better so
+    // To the right; downwards if the drawing is large and too wide for `fit`, and fits clearly better so. Drawings of
+    // more than 2,000 boxes, which nobody sees as a whole, always go to the right.
+    automatic,
 };
 
 // Where the layers of a group come from, and of the top level.

@@ -4,6 +4,9 @@ and shape; with --speed, the time and memory to make them. Prints the tables of 
 
     bench/draw/compare.py --generator FILE --program FILE [--sizes 20,50,...] [--shapes flat,nested] [--limit SECONDS]
     bench/draw/compare.py --generator FILE --program FILE --speed [--sizes 1000,10000] [--runs N]
+    bench/draw/compare.py --program FILE --documents FOLDER...
+
+--documents takes folders of documents, each with its database as SQL beside it, such as tests/draw/corpus.
 
 --generator is tessera_bench_layout and --program is tessera, both from a release build. The other programs need `dot` (graphviz),
 node, `time`, and one `npm ci` in bench/layout/peers. All programs lay out the same graph from left to right. Boxes, and boxes for
@@ -136,13 +139,24 @@ class Bench:
         (self.folder / 'graph.json').write_text(json.dumps(graph), encoding='utf-8')
         write_dot(graph, self.folder / 'graph.dot')
 
+    def prepare_document(self, document):
+        shutil.copy(document, self.folder / 'generated.xml')
+        (self.folder / 'generated.db').unlink(missing_ok=True)
+        with sqlite3.connect(self.folder / 'generated.db') as database:
+            database.executescript(document.with_suffix('.sql').read_text(encoding='utf-8'))
+        database.close()
+        run(self.command('Tessera'), self.arguments.limit)
+        graph = graph_of(document, self.drawing('Tessera'))
+        (self.folder / 'graph.json').write_text(json.dumps(graph), encoding='utf-8')
+        write_dot(graph, self.folder / 'graph.dot')
+
     def drawing(self, name):
         return self.folder / f'{name}.svg'
 
     def command(self, name):
         out = self.drawing(name)
         return {'Tessera': [self.arguments.program, 'render', self.folder / 'generated.xml', '--db',
-                            self.folder / 'generated.db', '-o', out, '--log-level', 'fatal'],
+                            self.folder / 'generated.db', '-o', out, '--log-level', 'fatal', '--direction', 'lr'],
                 'dot': ['dot', '-Tsvg', '-o', out, self.folder / 'graph.dot'],
                 'elkjs': ['node', '--stack-size=50000', '--max-old-space-size=8000', PEERS / 'elk_svg.mjs',
                           self.folder / 'graph.json', out]}[name]
@@ -181,6 +195,41 @@ def compare_drawings(bench, sizes, shapes):
                   f'{min(values):.2f} to {max(values):.2f}.')
 
 
+def compare_documents(bench, folders):
+    """Figures of each document, and their sums and medians by folder, of the documents that all programs draw."""
+    for folder in folders:
+        head(folder.name, 'lines', *(f'{what}: Tessera, `dot`, elkjs' for what in
+                                     ('crossings', 'length, px', 'area, million px', 'width to height')))
+        of_all = []
+        for document in sorted(folder.glob('*.xml')):
+            bench.prepare_document(document)
+            drawn = {}
+            for name in PROGRAMS:
+                done = name == 'Tessera' or run(bench.command(name), bench.arguments.limit)
+                drawn[name] = figures.figures_of(figures.picture_of(bench.drawing(name))) if done else None
+            if all(drawn.values()):
+                of_all.append(drawn)
+            row(document.stem, drawn['Tessera'].lines, *(
+                ', '.join(form(each) if each else 'none' for each in drawn.values()) for form in (
+                    lambda each: f'{each.crossings:,}', lambda each: f'{each.length:,.0f}', lambda each: f'{each.area / 1e6:,.2f}',
+                    lambda each: f'{each.aspect:.2f}')))
+        summarize(of_all)
+
+
+def summarize(of_all):
+    if not of_all:
+        return
+    def median(value):
+        return ', '.join(f'{statistics.median(value(drawn, name) for drawn in of_all):,.2f}' for name in PROGRAMS)
+    print(f'\n{len(of_all)} documents that all programs draw (Tessera, dot, elkjs). Crossings: sum '
+          + ', '.join(f'{sum(drawn[name].crossings for drawn in of_all):,}' for name in PROGRAMS)
+          + f'; median {median(lambda drawn, name: drawn[name].crossings)}. '
+          f"Length to Tessera's, median: {median(lambda drawn, name: drawn[name].length / max(drawn['Tessera'].length, 1))}. "
+          f"Area to Tessera's, median: {median(lambda drawn, name: drawn[name].area / drawn['Tessera'].area)}. "
+          'Wider than 4 to 1 or higher than 3 to 1: '
+          + ', '.join(str(sum(not 1 / 3 <= drawn[name].aspect <= 4 for drawn in of_all)) for name in PROGRAMS) + '.\n')
+
+
 def time_of(result, limit):
     if not result:
         return 'fails' if result is False else f'> {limit:.0f} s'
@@ -214,7 +263,8 @@ def main():
         return [int(part) for part in text.split(',')]
 
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument('--generator', type=pathlib.Path, required=True)
+    parser.add_argument('--generator', type=pathlib.Path)
+    parser.add_argument('--documents', type=pathlib.Path, nargs='+')
     parser.add_argument('--program', type=pathlib.Path, required=True)
     parser.add_argument('--sizes', type=numbers)
     parser.add_argument('--shapes', type=names, default=['flat', 'nested'])
@@ -226,7 +276,11 @@ def main():
         sys.exit('the other programs are not installed; the top of this file lists them')
     with tempfile.TemporaryDirectory(prefix='tessera-drawings-') as folder:
         bench = Bench(arguments, pathlib.Path(folder))
-        if arguments.speed:
+        if arguments.documents:
+            compare_documents(bench, arguments.documents)
+        elif not arguments.generator:
+            parser.error('--generator or --documents is missing')
+        elif arguments.speed:
             compare_speed(bench, arguments.sizes or [1000, 10_000], arguments.shapes)
         else:
             compare_drawings(bench, arguments.sizes or [20, 50, 100, 200, 500, 1000, 2000], arguments.shapes)

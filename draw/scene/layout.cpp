@@ -149,13 +149,14 @@ double scaleIn(Size fit, Size drawing) {
 std::optional<Attempt> layOutBest(const LayoutData& data, const LayoutOptions& options) {
     if (options.direction != Direction::automatic) return layOutIn(options.direction, data, options);
     // Reading to the right is easier, and one layout takes less time than two.
-    constexpr double fitsAnywhere = 1200;  // pixels
+    constexpr double fitsAnywhere = 1200;        // pixels
+    constexpr std::size_t seenAsAWhole = 2'000;  // boxes
     constexpr double tooWide = 1.5;
     constexpr double clearlyBetter = 1.1;
     std::optional<Attempt> right = layOutIn(Direction::leftToRight, data, options);
     if (!right) return right;
     const Size size = right->placement.size;
-    if (size.width <= fitsAnywhere ||
+    if (size.width <= fitsAnywhere || right->placement.boxes.size() > seenAsAWhole ||
         size.width * options.fit.height <= tooWide * size.height * options.fit.width)
         return right;
     std::optional<Attempt> down = layOutIn(Direction::topToBottom, data, options);
