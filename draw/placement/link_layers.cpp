@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
-#include <optional>
 #include <utility>
 #include <vector>
 
@@ -36,11 +35,14 @@ class LineLayers {
 
     void assign() {
         findSpans();
+        m_isFree.assign(m_nesting.containerCount(), 0);
         moveLabelsOfOuterLines();
         findContradictions();
         if (std::find(m_isFree.begin(), m_isFree.end(), 1) == m_isFree.end()) return;
+        moveLabelsOfFreeContainers();
         for (Index line = 0; line < m_input.lines.size(); ++line)
-            addParts(line);
+            if (isWhole(m_input.lines[line]))
+                forEachPart(line, [&](const LinePart& part) { m_parts.push_back(part); });
         std::stable_sort(m_parts.begin(), m_parts.end(),
                          [](const LinePart& a, const LinePart& b) { return a.container < b.container; });
         freeMembers();
@@ -82,29 +84,55 @@ class LineLayers {
         return box == nothing || box == common ? m_spans[line].container : m_nesting.containerAround(box);
     }
 
-    void moveLabels(Index line) {
+    // A container that gets a label from elsewhere has no level for it, and so becomes free. Returns whether one did.
+    bool moveLabels(Index line) {
+        bool isNew = false;
+        m_isMoved[line] = 1;
         for (const Index label : m_input.lines[line].through) {
             BoxToPlace& box = m_input.boxes[label];
-            const Index around = m_nesting.boxOf[homeOf(label, line)];
-            box.group = around == m_nesting.drawing ? nothing : around;
-            box.level = -1;
+            const Index home = homeOf(label, line);
+            const Index around = m_nesting.boxOf[home] == m_nesting.drawing ? nothing : m_nesting.boxOf[home];
             box.along = box.labelEnd == LabelEnd::from ? BoxToPlace::Along::start
                         : box.labelEnd == LabelEnd::to ? BoxToPlace::Along::end
                                                        : BoxToPlace::Along::middle;
+            if (box.group == around) continue;
+            box.group = around;
+            isNew = isNew || m_isFree[home] == 0;
+            m_isFree[home] = 1;
         }
+        return isNew;
     }
 
     void moveLabelsOfOuterLines() {
         m_isMoved.assign(m_input.lines.size(), 0);
-        for (Index line = 0; line < m_input.lines.size(); ++line) {
-            if (!isOuterLine(line)) continue;
-            moveLabels(line);
-            m_isMoved[line] = 1;
+        for (Index line = 0; line < m_input.lines.size(); ++line)
+            if (isOuterLine(line)) (void)moveLabels(line);
+    }
+
+    // Labels that move can make further containers free. Where that goes on and on, all become free at once.
+    void moveLabelsOfFreeContainers() {
+        constexpr int maxRounds = 8;
+        bool isNew = true;
+        for (int round = 0; isNew; ++round) {
+            if (round == maxRounds) std::fill(m_isFree.begin(), m_isFree.end(), 1);
+            isNew = false;
+            for (Index line = 0; line < m_input.lines.size(); ++line)
+                if (!m_isMoved[line] && isWhole(m_input.lines[line]) && concernsFreeContainer(line))
+                    isNew = moveLabels(line) || isNew;
         }
     }
 
+    [[nodiscard]] bool concernsFreeContainer(Index line) {
+        bool isConcerned = false;
+        forEachPart(line, [&](const LinePart&) { isConcerned = true; });
+        const auto& labels = m_input.lines[line].through;
+        return isConcerned || std::any_of(labels.begin(), labels.end(), [&](Index label) {
+                   const Index group = m_input.boxes[label].group;
+                   return group < m_input.boxes.size() && m_isFree[m_nesting.containerOf[group]] != 0;
+               });
+    }
+
     void findContradictions() {
-        m_isFree.assign(m_nesting.containerCount(), 0);
         for (Index line = 0; line < m_input.lines.size(); ++line) {
             if (!isWhole(m_input.lines[line]) || m_isMoved[line]) continue;
             Index from = m_input.lines[line].from;
@@ -123,33 +151,23 @@ class LineLayers {
 
     static bool agree(std::int32_t from, std::int32_t to) { return from >= 0 && from < to; }
 
-    // The parts of the line in free containers.
-    void addParts(Index line) {
-        if (!isWhole(m_input.lines[line])) return;
+    // Calls `take` with each part of the line in a free container.
+    template <class Take>
+    void forEachPart(Index line, Take take) const {
         const RouteSegment& span = m_spans[line];
-        const std::size_t begin = m_parts.size();
-        addCrossings(line, m_input.lines[line].from, span.fromMember, true);
-        addCrossings(line, m_input.lines[line].to, span.toMember, false);
-        if (m_isFree[span.container])
-            m_parts.push_back({span.container, line, span.fromMember, span.toMember});
-        // Without own parts, but its labels may be in a free container.
-        const auto isInFree = [&](Index label) {
-            const Index group = m_input.boxes[label].group;
-            return m_isFree[group == nothing ? 0 : m_nesting.containerOf[group]] != 0;
-        };
-        const auto& labels = m_input.lines[line].through;
-        if (!m_isMoved[line] &&
-            (m_parts.size() > begin || std::any_of(labels.begin(), labels.end(), isInFree)))
-            moveLabels(line);
+        forEachCrossing(line, m_input.lines[line].from, span.fromMember, true, take);
+        forEachCrossing(line, m_input.lines[line].to, span.toMember, false, take);
+        if (m_isFree[span.container]) take({span.container, line, span.fromMember, span.toMember});
     }
 
-    // From the container around an end of the line up to the border of `member`.
-    void addCrossings(Index line, Index box, Index member, bool isFrom) {
-        const std::size_t limit = 8 * (m_input.lines.size() + m_input.boxes.size()) + 200'000;
-        while (member != nothing && box != member && m_crossings++ < limit) {
+    // From the container around an end of the line up to the border of `member`. Lines from very deep are followed for
+    // some borders only, which keeps the work in proportion to the diagram.
+    template <class Take>
+    void forEachCrossing(Index line, Index box, Index member, bool isFrom, Take take) const {
+        constexpr int maxBorders = 100;
+        for (int i = 0; member != nothing && box != member && i < maxBorders; ++i) {
             const Index container = m_nesting.containerAround(box);
-            if (m_isFree[container])
-                m_parts.push_back({container, line, isFrom ? box : border, isFrom ? border : box});
+            if (m_isFree[container]) take({container, line, isFrom ? box : border, isFrom ? border : box});
             box = m_nesting.boxOf[container];
         }
     }
@@ -283,7 +301,6 @@ class LineLayers {
     std::vector<char> m_isMoved;        // by line
     std::vector<char> m_isFree;         // by container: its levels are not the input's
     std::vector<LinePart> m_parts;
-    std::size_t m_crossings = 0;
     std::vector<Index> m_vertexOf;  // by box, in the container at work
     std::vector<Index> m_boxOf;
     std::vector<Index> m_labels;

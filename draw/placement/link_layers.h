@@ -12,10 +12,11 @@ namespace tessera_draw {
 //
 // The labels of lines that such a container concerns are moved to where their line needs them: those of an end to the
 // innermost container around that end, next to it, and others to the innermost container around the whole line. The
-// labels of a line between a container and something inside it are moved into that container, in any case.
+// labels of a line between a container and something inside it are moved into that container, in any case. A container
+// that gets a label so gets new levels, too.
 //
-// Changes `group`, `level` and `along` of boxes, and nothing else. n log n time, where n counts boxes, lines, and
-// borders that lines cross, of which only so many are looked at. No recursion.
+// Changes `group`, `level` and `along` of boxes, and nothing else. n log n time, where n counts boxes and lines: of a
+// line that crosses very many borders, only some are looked at. No recursion.
 void layerByLines(PlacementInput& input);
 
 }  // namespace tessera_draw

@@ -123,6 +123,25 @@ TEST_F(DrawLinkLayers, LabelsOfALineIntoAGroupAreInside) {
     EXPECT_EQ(levels({outer}), Levels{0});
 }
 
+// A container that gets a label needs a level for it.
+TEST_F(DrawLinkLayers, AContainerThatGetsALabelIsLayeredAgain) {
+    const Index first = group(0);
+    const Index second = group(8);
+    const Index a = box(0, first);
+    const Index b = box(0, second);
+    const Index c = box(0, second);
+    line(b, c);
+    const Index to = label(LabelEnd::to, 4);
+    const Index center = label(LabelEnd::none, 3);
+    line(a, c, {center, to});
+    layerByLines(input);
+    EXPECT_EQ(levels({b, c}), (Levels{0, 1})) << "they contradicted the line between them";
+    EXPECT_EQ(input.boxes[to].group, second);
+    EXPECT_EQ(input.boxes[to].level, 0);
+    // The top level keeps its levels, and the label that stays there its own.
+    EXPECT_EQ(levels({first, center, second}), (Levels{0, 3, 8}));
+}
+
 TEST_F(DrawLinkLayers, LinesOverABorderDrawTheirEndsToIt) {
     const Index outer = group(0);
     const Index beside = box(0);
