@@ -179,13 +179,23 @@ class GeometryBuilder {
     }
 
     // The gap's width without bends. At borders, bends may use the padding.
-    [[nodiscard]] double minGap(Index container, Index layer, const Limits& limits) const {
+    [[nodiscard]] double minGap(Index container, Index layer, const Limits& limits, bool hasBends) const {
         const bool isFirst = layer == m_graph.firstLayer[container];
         const bool isLast = layer + 1 == m_graph.lastLayer(container);
         const double left = limits.padding.left - limits.header.width;
         if (isFirst && isLast) return left + limits.padding.right;
         if (isFirst) return left;
-        return isLast ? limits.padding.right : m_spacing.betweenLayers;
+        if (isLast) return limits.padding.right;
+        const bool isBesideLabels = hasOnlyLabels(layer) || hasOnlyLabels(layer + 1);
+        return isBesideLabels && !hasBends ? m_spacing.besideLabels : m_spacing.betweenLayers;
+    }
+
+    // Of the boxes in the layer.
+    [[nodiscard]] bool hasOnlyLabels(Index layer) const {
+        return std::all_of(m_graph.order.begin() + m_graph.layerBegin[layer],
+                           m_graph.order.begin() + m_graph.layerBegin[layer + 1], [&](Index vertex) {
+                               return vertex >= m_graph.boxCount || m_boxes[vertex].isLabel;
+                           });
     }
 
     // Returns the container's width.
@@ -198,7 +208,8 @@ class GeometryBuilder {
         for (Index layer = first; layer < last; ++layer) {
             collectGap(layer);
             GapPlan plan(m_gap, m_graph, m_spacing);
-            const double width = std::max(plan.width(), minGap(container, layer, limits));
+            const double bends = plan.width();
+            const double width = std::max(bends, minGap(container, layer, limits, bends > 0));
             gaps.push_back(m_gap);
             widths.push_back(width);
             m_geometry.layerWidth[layer] = layer == first ? limits.header.width : columnWidth(layer);

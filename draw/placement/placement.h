@@ -54,6 +54,7 @@ struct PlacementInput {
 // Distances in pixels.
 struct Spacing {
     double betweenLayers = 40;  // minimum gap between two columns of boxes
+    double besideLabels = 24;   // the same beside a column of labels only, where all lines are straight
     double betweenBoxes = 24;   // minimum gap between boxes of one layer
     double betweenLines = 10;   // between parallel lines, and between a line and a box that it passes
     double cornerRadius = 12;   // maximum radius of the bends of lines
