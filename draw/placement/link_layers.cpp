@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <limits>
 #include <utility>
 #include <vector>
 
@@ -59,7 +58,9 @@ class LineLayers {
 
   private:
     [[nodiscard]] bool isWhole(const LineToPlace& line) const {
-        return line.from < m_input.boxes.size() && line.to < m_input.boxes.size();
+        const auto exists = [&](Index box) { return box < m_input.boxes.size(); };
+        return exists(line.from) && exists(line.to) &&
+               std::all_of(line.through.begin(), line.through.end(), exists);
     }
 
     void findSpans() {
@@ -122,13 +123,13 @@ class LineLayers {
         }
     }
 
-    [[nodiscard]] bool concernsFreeContainer(Index line) {
+    // For lines whose labels are where they were.
+    [[nodiscard]] bool concernsFreeContainer(Index line) const {
         bool isConcerned = false;
         forEachPart(line, [&](const LinePart&) { isConcerned = true; });
         const auto& labels = m_input.lines[line].through;
         return isConcerned || std::any_of(labels.begin(), labels.end(), [&](Index label) {
-                   const Index group = m_input.boxes[label].group;
-                   return group < m_input.boxes.size() && m_isFree[m_nesting.containerOf[group]] != 0;
+                   return m_isFree[m_nesting.containerAround(label)] != 0;
                });
     }
 

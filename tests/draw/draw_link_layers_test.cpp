@@ -177,7 +177,8 @@ TEST_F(DrawLinkLayers, AnyInputIsAccepted) {
     const Index b = group(0, 0);
     line(a, b);
     line(nothing, a);
-    line(b, 99, {});
+    line(b, 99);
+    line(a, b, {99});
     line(a, a);
     layerByLines(input);
     layerByLines(input);
