@@ -326,6 +326,23 @@ class Pdf(Drawing):
             self.assertTrue(self.draw(text=text, name='x.pdf').read_bytes().rstrip().endswith(b'%%EOF'), name)
 
 
+class Fit(Drawing):
+    """A chain of twelve nodes, which is far too wide for most spaces."""
+
+    CHAIN = ('<graph id="g">' + ''.join(f'<node id="n{i}"/>' for i in range(12)) +
+             ''.join(f'<link id="l{i}" from="n{i}" to="n{i + 1}"/>' for i in range(11)) + '</graph>')
+
+    def is_wide(self, *arguments):
+        root = self.tree(*arguments, text=document(self.CHAIN))
+        return float(root.get('width')) > float(root.get('height'))
+
+    def test_what_is_too_wide_goes_down(self):
+        self.assertFalse(self.is_wide())
+        self.assertFalse(self.is_wide('--direction', 'auto', '--fit', '1080x1920'))
+        self.assertTrue(self.is_wide('--fit', '40x1'))
+        self.assertTrue(self.is_wide('--direction', 'lr'))
+
+
 class Usage(Drawing):
     def fails(self, *arguments):
         viewpoint = self.write('viewpoint.xml', document(DIAGRAM, QUERIES))
@@ -336,13 +353,17 @@ class Usage(Drawing):
     def test_options_of_pictures_are_for_pictures(self):
         self.assertIn('--theme', self.fails('--theme', 'dark'))
         self.assertIn('--direction', self.fails('--direction', 'tb', '-o', self.folder / 'x.xml'))
+        self.assertIn('--fit', self.fails('--fit', '4x3'))
+        self.assertIn('--fit', self.fails('--fit', '4x3', '--direction', 'lr', '-o', self.folder / 'x.svg'))
+        self.assertIn('--layers', self.fails('--layers', 'document'))
         self.assertIn('--scale', self.fails('--scale', '2', '-o', self.folder / 'x.svg'))
         self.assertIn('--scale', self.fails('--scale', '2', '-o', self.folder / 'x.pdf'))
 
     def test_values_are_checked(self):
         target = self.folder / 'x.png'
         for arguments in (('--theme', 'blue'), ('--direction', 'up'), ('--scale', '0'), ('--scale', '-1'), ('--scale', 'nan'),
-                          ('--scale', '1e9'), ('--scale', '2x')):
+                          ('--scale', '1e9'), ('--scale', '2x'), ('--fit', '16'), ('--fit', '16x'), ('--fit', '0x1'), ('--fit', '-1x1'),
+                          ('--fit', '1x2x3'), ('--fit', '99999999999x1'), ('--layers', 'none')):
             self.fails('-o', target, *arguments)
             self.assertFalse(target.exists())
 
