@@ -74,6 +74,7 @@ struct Report {
     int writeError = 0;
     double scale = 1;
     std::size_t missingCharacters = 0;
+    std::size_t otherWidths = 0;
 };
 
 // Messages on what the picture lacks; they do not change the exit status.
@@ -87,6 +88,11 @@ void reportPicture(const Report& result, const tessera_draw::Scene& scene, const
             fmt::format("{} characters are drawn as boxes, because no font that is installed here has them; "
                         "the drawing's own font is DejaVu Sans (fonts-dejavu-core)",
                         result.missingCharacters));
+    if (result.otherWidths > 0)
+        printMessage(
+            fmt::format("{} texts have another width than expected: the font DejaVu Sans (fonts-dejavu-core) "
+                        "may be missing here, or there was not enough memory",
+                        result.otherWidths));
 }
 
 std::string packed(const Report& report, const std::string& error) {
@@ -109,13 +115,14 @@ std::string drawInChild(const Options& options, const tessera_draw::Scene& scene
     errno = 0;
     tessera_draw::PictureResult result = (writer->*write)(scene, request, output);
     // The libraries leave out a letter or a kerning for which there was no memory, and report nothing.
-    const bool isShort = errno == ENOMEM;
+    const bool isShort = result.ranShort || errno == ENOMEM;
     const bool isPdf = options.format->kind == OutputFormat::Kind::vectors;
     if (result.isWritten && (isShort || (isPdf && !isWholePdf(output.bytes()))))
         result.error = "the drawing is not whole; there may not be enough memory";
     willWrite();
     if (result.error.empty()) (void)file.sink().write(output.bytes());  // flush() says what failed
-    return packed({true, file.flush(), result.scale, result.missingCharacters}, result.error);
+    return packed({true, file.flush(), result.scale, result.missingCharacters, result.otherWidths},
+                  result.error);
 }
 
 // In a process of its own, because the libraries end it when memory is short.

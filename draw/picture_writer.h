@@ -29,6 +29,11 @@ struct PictureResult {
     double scale = 1;
     // Characters that no installed font has; each was drawn as a box.
     std::size_t missingCharacters = 0;
+    // Texts that are drawn with another width than the layout reserved: their font may be missing, or memory was short.
+    std::size_t otherWidths = 0;
+    // A library left ENOMEM in errno while the scene was painted, and may have left something out. Only for callers
+    // that set errno to 0 before.
+    bool ranShort = false;
 };
 
 // Writes pictures. One call at a time. Scene and output are used during the call only.

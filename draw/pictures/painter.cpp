@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <numbers>
 #include <span>
 #include <utility>
@@ -93,7 +94,7 @@ class Painter {
             m_text.paint(scene.texts[element.texts.first + i]);
     }
 
-    [[nodiscard]] std::size_t missing() const noexcept { return m_text.missing(); }
+    [[nodiscard]] const TextPainter& text() const noexcept { return m_text; }
 
   private:
     void fill(const Outline& outline, ColorRole color) {
@@ -183,8 +184,11 @@ bool paintScene(cairo_t* cairo, const Scene& scene, const PictureOptions& option
     for (const Element& element : scene.elements) {
         if (options.cancel.isCancelled()) return false;
         painter.paint(scene, element);
+        // What is done later may change it.
+        result.ranShort = result.ranShort || errno == ENOMEM;
     }
-    result.missingCharacters = painter.missing();
+    result.missingCharacters = painter.text().missing();
+    result.otherWidths = painter.text().otherWidths();
     return true;
 }
 

@@ -10,7 +10,7 @@
 namespace tessera_draw {
 
 // Paints the whole scene with its background, in the scene's coordinates: the caller has scaled the surface,
-// and says in `result` by how much. Sets the number of characters that no font has. Returns false when
+// and says in `result` by how much. Sets what `result` says about texts and memory. Returns false when
 // cancelled; the surface then holds a part of the scene. Errors of cairo stay in the context, where the caller
 // checks them.
 bool paintScene(cairo_t* cairo, const Scene& scene, const PictureOptions& options, PictureResult& result);

@@ -1,5 +1,7 @@
 #include "draw/pictures/text_painter.h"
 
+#include <cmath>
+
 #include "draw/picture_writer.h"
 #include "draw/pictures/painter.h"
 #include "draw/scene/shapes.h"
@@ -42,6 +44,11 @@ void TextPainter::paint(const TextShape& text) {
     pango_layout_set_text(layout, m_shown.data(), static_cast<int>(m_shown.size()));
     PangoRectangle extents;
     pango_layout_get_extents(layout, nullptr, &extents);
+    const double difference = std::abs(extents.width / static_cast<double>(PANGO_SCALE) - text.width);
+    // The boxes for missing characters have widths of their own.
+    if (text.isExact && pango_layout_get_unknown_glyphs_count(layout) == 0 &&
+        difference > 2 + 0.04 * text.width)
+        ++m_otherWidths;
     // Wider than measured, as with another font: shortened once more instead of drawn over its neighbours.
     if (extents.width > (text.maxWidth + 1) * PANGO_SCALE) {
         pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);

@@ -26,6 +26,9 @@ class TextPainter {
     // Number of characters painted so far that no font has; a box was painted for each.
     [[nodiscard]] std::size_t missing() const noexcept { return m_missing; }
 
+    // Number of texts painted so far whose width is not what it was measured: another font, or no room to shape them.
+    [[nodiscard]] std::size_t otherWidths() const noexcept { return m_otherWidths; }
+
   private:
     struct Freed {
         void operator()(PangoFontDescription* font) const { pango_font_description_free(font); }
@@ -39,6 +42,7 @@ class TextPainter {
     std::array<std::unique_ptr<PangoFontDescription, Freed>, textRoleCount> m_fonts;
     std::string m_shown;
     std::size_t m_missing = 0;
+    std::size_t m_otherWidths = 0;
 };
 
 }  // namespace tessera_draw

@@ -2,6 +2,7 @@
 """Pictures from `render`."""
 import os
 import re
+import shutil
 import struct
 import subprocess
 import xml.etree.ElementTree as ElementTree
@@ -324,6 +325,23 @@ class Pdf(Drawing):
         for name in (long, 'a&#xFDD0;b', 'a&#xFFFD;&#x1FFFF;', 'a&#9;b&#127;c'):
             text = document(f'<graph id="g"><node id="{name}"/></graph><display><graph displayName="{name}"/></display>')
             self.assertTrue(self.draw(text=text, name='x.pdf').read_bytes().rstrip().endswith(b'%%EOF'), name)
+
+
+class OtherFonts(Drawing):
+    def test_a_missing_font_is_reported(self):
+        """With only a font whose letters are all as wide, texts have other widths."""
+        fonts = self.folder / 'fonts'
+        fonts.mkdir()
+        shutil.copy('/usr/share/fonts/truetype/dejavu/DejaVuSansMono.ttf', fonts)
+        settings = self.write('fonts.conf', f'<?xml version="1.0"?><!DOCTYPE fontconfig SYSTEM "fonts.dtd"><fontconfig>'
+                                            f'<dir>{fonts}</dir><cachedir>{self.folder}/cache</cachedir></fontconfig>')
+        viewpoint = self.write('viewpoint.xml', document(DIAGRAM, QUERIES))
+        for name in ('x.png', 'x.pdf'):
+            for environment, expected in (({'FONTCONFIG_FILE': str(settings)}, True), ({}, False)):
+                done = self.run_program('render', viewpoint, '--db', self.database(), '-o', self.folder / name,
+                                        env={**os.environ, **environment})
+                self.assertEqual(done.returncode, 0, done.stderr)
+                self.assertEqual('another width' in done.stderr, expected, done.stderr)
 
 
 class Fit(Drawing):
