@@ -19,7 +19,7 @@ enum class Direction : std::uint8_t {
     leftToRight,
     topToBottom,
     // To the right; downwards if the drawing is large and too wide for `fit`, and fits clearly better so. Drawings of
-    // more than 2,000 boxes, which nobody sees as a whole, always go to the right.
+    // more than 2,000 boxes always go to the right, because they are not seen as a whole.
     automatic,
 };
 

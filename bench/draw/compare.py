@@ -134,10 +134,7 @@ class Bench:
                        stdout=subprocess.DEVNULL)
         (self.folder / 'generated.db').unlink(missing_ok=True)
         make_database(self.folder / 'generated.db', nodes)
-        run(self.command('Tessera'), self.arguments.limit)
-        graph = graph_of(document, self.drawing('Tessera'))
-        (self.folder / 'graph.json').write_text(json.dumps(graph), encoding='utf-8')
-        write_dot(graph, self.folder / 'graph.dot')
+        self.draw(document)
 
     def prepare_document(self, document):
         shutil.copy(document, self.folder / 'generated.xml')
@@ -145,6 +142,10 @@ class Bench:
         with sqlite3.connect(self.folder / 'generated.db') as database:
             database.executescript(document.with_suffix('.sql').read_text(encoding='utf-8'))
         database.close()
+        self.draw(document)
+
+    def draw(self, document):
+        """Makes Tessera's drawing, and from it the graph as the other programs read it."""
         run(self.command('Tessera'), self.arguments.limit)
         graph = graph_of(document, self.drawing('Tessera'))
         (self.folder / 'graph.json').write_text(json.dumps(graph), encoding='utf-8')

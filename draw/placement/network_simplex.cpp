@@ -255,8 +255,8 @@ class NetworkSimplex {
         (void)numberFrom(meeting, m_low[meeting]);
     }
 
-    // Adds to the cut values on the way up from `vertex` to the first vertex that is above `goal`, too. Returns
-    // that vertex.
+    // Goes up from `vertex` to the first vertex whose subtree holds `goal`, and changes the cut values of the edges
+    // that it passes. Returns that vertex.
     Index addAlong(Index vertex, Index goal, std::int64_t value, bool isTailSide) {
         while (!isInSubtree(vertex, goal)) {
             const Index up = m_parentEdge[vertex];

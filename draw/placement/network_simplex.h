@@ -20,7 +20,7 @@ struct RankEdge {
 // the work would grow faster than the graph, as small as a bounded number of exchanges makes it. The smallest
 // rank of each connected part is 0.
 //
-// REQUIRES: the edges' ends are below `vertexCount`, no edge is a loop, and there is no cycle. The result
+// REQUIRES: the edges' ends are below `vertexCount`, no edge is a loop, and the edges form no cycle. The result
 // depends on the input only. n log n time, where n counts vertices and edges. No recursion.
 [[nodiscard]] std::vector<std::int32_t> shortestRanks(Index vertexCount, const std::vector<RankEdge>& edges);
 

@@ -122,6 +122,16 @@ void adopt(LayoutData& data, Placement placement, SceneInput& input) {
     data.width = std::max(data.content.width, headingWidth(data.structure, data.badge)) + 2 * sceneMargin;
 }
 
+std::vector<BoxSize> sizesOf(const LayoutData& data, const LayoutOptions& options) {
+    TextArena texts;
+    Values first;
+    Differences ignored;
+    if (options.firstValues != nullptr)
+        first = readValues(*options.firstValues, data.structure, texts, ignored);
+    return boxSizesOf(data.structure, data.linkPaths, data.kinds, data.pathOfLabel, options.reservation,
+                      options.firstValues == nullptr ? nullptr : &first.nodes);
+}
+
 // The boxes of a diagram, placed in one direction.
 struct Attempt {
     SceneInput input;
@@ -178,15 +188,7 @@ LayoutPointer layOut(const basekit2::variant_bag_t& bag, const LayoutOptions& op
     data->pathOfLabel = pathsOfStops(data->linkPaths, diagram.nodes.size());
     data->types = DisplayTypes(diagram);
     data->kinds = findKinds(diagram);
-    {
-        TextArena texts;
-        Values first;
-        Differences ignored;
-        if (options.firstValues != nullptr) first = readValues(*options.firstValues, diagram, texts, ignored);
-        data->sizes =
-            boxSizesOf(diagram, data->linkPaths, data->kinds, data->pathOfLabel, options.reservation,
-                       options.firstValues == nullptr ? nullptr : &first.nodes);
-    }
+    data->sizes = sizesOf(*data, options);
     std::optional<Attempt> attempt = layOutBest(*data, options);
     if (!attempt) return nullptr;  // cancelled
     data->badge = badgeWidth(options.reservation == nullptr ? Reservation::usualModeWidth

@@ -127,7 +127,8 @@ class Runner:
     def judge_output(self, done, before):
         after = self.output.read_bytes() if self.output.exists() else None
         # Without fonts or their settings the picture is another one, as on a machine that has none, and it is reported.
-        if done.returncode == 0 and after != self.reference and re.search('Fontconfig (error|warning)|are drawn as boxes|another width', done.stderr):
+        is_reported = re.search('Fontconfig (error|warning)|are drawn as boxes|another width', done.stderr)
+        if done.returncode == 0 and after != self.reference and is_reported:
             return None if is_whole(after, self.form) else 'status 0, and a broken picture'
         if done.returncode == 0 and after != self.reference:
             return f'status 0, but the file is not what it should be: {done.stderr[-300:]}'
