@@ -39,11 +39,12 @@ double captionWidth(const Node& node, double maxWidth) {
     return fitText(captionOf(node), maxWidth, style.size, style.weight).width;
 }
 
-// Values come first, up to 60 % of the width; names get what is left. One pixel more covers rounding.
-void setColumns(BoxSize& box, const RowSpace& space, double nameSize, double valueSize, double maxWidth) {
-    box.valueColumn = std::min(space.valueWidth * valueSize + 1, maxWidth * 0.6);
+// Values come first, up to their share of the width; names get what is left. One pixel more covers rounding.
+void setColumns(BoxSize& box, const RowSpace& space, double nameSize, double valueSize, double maxWidth,
+                double maxName = maxNameColumn) {
+    box.valueColumn = std::min(space.valueWidth * valueSize + 1, maxWidth * maxValueShare);
     box.nameColumn =
-        std::min({space.nameWidth * nameSize + 1, maxNameColumn, maxWidth - columnGap - box.valueColumn});
+        std::min({space.nameWidth * nameSize + 1, maxName, maxWidth - columnGap - box.valueColumn});
 }
 
 BoxSize cardSize(const Node& node, const RowSpace& space) {
@@ -86,7 +87,7 @@ BoxSize containerSize(const Node& node, const RowSpace& space) {
     double top = groupTop;
     if (box.rows > 0) {
         setColumns(box, space, styleOf(TextRole::rowName).size, styleOf(TextRole::rowValue).size,
-                   maxGroupTitle);
+                   maxGroupTitle, maxGroupTitle);
         inner = std::max(inner, box.nameColumn + columnGap + box.valueColumn);
         top = groupTopWithRows + rowStep * box.rows;
     }

@@ -24,6 +24,7 @@ inline constexpr double columnGap = 12;  // minimum between a row's name and its
 inline constexpr double symbolSize = 8;
 inline constexpr double symbolSpace = 14;  // with the gap beside it
 inline constexpr double barWidth = 4;
+inline constexpr double maxValueShare = 0.6;  // of a row's width, when its name is long
 
 // Labels on links.
 inline constexpr double labelSide = 10;  // from either edge to the texts

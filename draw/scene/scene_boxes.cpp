@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "draw/scene/fitted_value.h"
+
 namespace tessera_draw {
 namespace {
 
@@ -27,10 +29,12 @@ void drawRow(SceneBuilder& builder, const Row& row, RowShape& shape, const Colum
     const TextStyle& nameStyle = styleOf(columns.nameRole);
     const TextStyle& valueStyle = styleOf(columns.valueRole);
     const double both = columns.right - columns.left - columnGap;
-    // A value may use what a short name leaves; a name may use what a short value leaves.
+    // A value may use what a short name leaves, and of a long name as much as it would get when sizes are
+    // computed; a name may use what a short value leaves.
     FittedText name = fitText(row.name, both, nameStyle.size, nameStyle.weight);
-    const double valueSpace = std::max(std::min(columns.valueSpace, both), both - name.width);
-    const FittedText value = fitText(row.value, valueSpace, valueStyle.size, valueStyle.weight);
+    const double valueSpace =
+        std::max({std::min(columns.valueSpace, both), both * maxValueShare, both - name.width});
+    const FittedText value = fitValue(row.value, valueSpace, valueStyle.size, valueStyle.weight);
     const double nameSpace = both - value.width;
     if (name.isShortened || name.width > nameSpace)
         name = fitText(row.name, nameSpace, nameStyle.size, nameStyle.weight);
@@ -54,6 +58,23 @@ void drawRows(SceneBuilder& builder, const std::vector<Row>& rows, std::uint32_t
                      builder.own(fmt::format("+{} more", rows.size() - shown)), columns.right - columns.left);
 }
 
+void drawLabelValue(SceneBuilder& builder, Point at, std::string_view value, double maxWidth) {
+    const TextStyle& style = styleOf(TextRole::labelValue);
+    const FittedText fitted = fitValue(value, maxWidth, style.size, style.weight);
+    if (builder.text(at, TextRole::labelValue, fitted, maxWidth) > 0)
+        builder.row(0).valueText = builder.lastText();
+}
+
+// A title with the number of rows that are not shown after it.
+std::string_view countedTitle(SceneBuilder& builder, std::string_view title, std::size_t hidden,
+                              double maxWidth) {
+    const TextStyle& style = styleOf(TextRole::labelName);
+    const std::string count = fmt::format(" +{}", hidden);
+    const double space = maxWidth - measureText(count, style.size, style.weight).width;
+    const FittedText fitted = fitText(title, space, style.size, style.weight);
+    return builder.own(fmt::format("{}{}{}", fitted.kept, fitted.isShortened ? "…" : "", count));
+}
+
 // A single row is shown without its own name: the title above the value is enough.
 void drawSingleValue(SceneBuilder& builder, const Info& info, const Rect& rect) {
     const double middle = rect.x + rect.width / 2;
@@ -61,17 +82,23 @@ void drawSingleValue(SceneBuilder& builder, const Info& info, const Rect& rect) 
     const double maxWidth = rect.width - 2 * labelSide + 8;
     const Row& row = info.rows.front();
     std::string_view title = info.name.empty() ? row.name : info.name;
-    if (info.rows.size() > 1)
-        title = builder.own(fmt::format("{} +{}", fitText(title, maxWidth - 24, 9.5, Weight::regular).kept,
-                                        info.rows.size() - 1));
-    if (title.empty()) {
-        if (builder.text({middle, rect.y + 21}, TextRole::labelValue, row.value, maxWidth) > 0)
-            builder.row(0).valueText = builder.lastText();
-        return;
-    }
+    if (info.rows.size() > 1) title = countedTitle(builder, title, info.rows.size() - 1, maxWidth);
+    if (title.empty()) return drawLabelValue(builder, {middle, rect.y + 21}, row.value, maxWidth);
     builder.text({middle, rect.y + labelTitleLine}, TextRole::labelName, title, maxWidth);
-    if (builder.text({middle, rect.y + labelValueLine}, TextRole::labelValue, row.value, maxWidth) > 0)
-        builder.row(0).valueText = builder.lastText();
+    drawLabelValue(builder, {middle, rect.y + labelValueLine}, row.value, maxWidth);
+}
+
+// Where the values of a header end: at the reserved column, or farther to the right as far as texts need it.
+double rightOfHeaderRows(const Info& info, const BoxSize& size, double left, double mostRight) {
+    const TextStyle& nameStyle = styleOf(TextRole::rowName);
+    const TextStyle& valueStyle = styleOf(TextRole::rowValue);
+    double width = size.nameColumn + columnGap + size.valueColumn;
+    const double most = mostRight - left;
+    for (std::size_t i = 0; i < std::min<std::size_t>(info.rows.size(), size.rows); ++i)
+        width = std::max(
+            width, fitText(info.rows[i].name, most, nameStyle.size, nameStyle.weight).width + columnGap +
+                       fitText(info.rows[i].value, most, valueStyle.size, valueStyle.weight).width);
+    return left + std::min(width, most);
 }
 
 }  // namespace
@@ -136,9 +163,10 @@ void drawHeader(SceneBuilder& builder, const Node& node, const Info& info, const
     }
     builder.text({left, line}, TextRole::name, captionOf(node), rect.right() - groupSide - left);
     const double rowsLeft = rect.x + groupSide;
+    const double rowsRight = rightOfHeaderRows(info, size, rowsLeft, rect.right() - groupSide);
     drawRows(builder, info.rows, size.rows,
-             {rowsLeft, rowsLeft + size.nameColumn + columnGap + size.valueColumn, rect.y + groupFirstRow,
-              rowStep, size.valueColumn, TextRole::rowName, TextRole::rowValue});
+             {rowsLeft, rowsRight, rect.y + groupFirstRow, rowStep, size.valueColumn, TextRole::rowName,
+              TextRole::rowValue});
 }
 
 }  // namespace tessera_draw

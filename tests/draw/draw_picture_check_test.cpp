@@ -62,6 +62,7 @@ std::string faultsOf(const Picture& picture) {
     add("torn", faults.torn);
     add("heads", faults.heads);
     add("texts", faults.texts);
+    add("cut", faults.cut);
     add("behind", faults.behind);
     add("missing", faults.missing);
     return text;
@@ -190,6 +191,23 @@ TEST(DrawPictureCheck, TextsOutsideTheirBoxesAreFound) {
     picture = soundPicture();
     picture.texts.push_back({{10, 190, 50, 12}, nothing, "legend"});
     EXPECT_EQ(faultsOf(picture), "texts1") << "beyond the picture";
+}
+
+TEST(DrawPictureCheck, TextsThatAreCutThoughTheyHaveRoomAreFound) {
+    Picture picture = soundPicture();
+    picture.texts[0].whole = 70;
+    picture.texts[0].room = 69;
+    EXPECT_EQ(faultsOf(picture), "");
+    picture.texts[0].room = 70;
+    EXPECT_EQ(faultsOf(picture), "cut1");
+
+    tessera_test::DrawnBag drawn;
+    drawn.node("a", "A name that is much longer than any box of a node can be drawn", 0);
+    Scene scene = makeScene(drawn.bag, {});
+    EXPECT_EQ(checkScene(drawn.bag, scene).cut, 0U);
+    for (BoxShape& box : scene.boxes)
+        if (box.role == BoxRole::card) box.rect.width *= 3;
+    EXPECT_EQ(checkScene(drawn.bag, scene).cut, 1U) << "in a wider box it would have room";
 }
 
 TEST(DrawPictureCheck, LinesBehindTextsOfGroupsAreFound) {

@@ -6,6 +6,7 @@ import re
 import sqlite3
 import xml.etree.ElementTree as ElementTree
 
+import cut_texts
 import program
 
 SVG = '{http://www.w3.org/2000/svg}'
@@ -50,6 +51,7 @@ class Picture:
                 self.lines[group.get('data-id')] = list(zip(numbers[::2], numbers[1::2]))
             if kind in ('node', 'header', 'label'):
                 self.texts += [text.text for text in group.iter(SVG + 'text')]
+        self.cut = list(cut_texts.cut_texts(root))
 
     def is_inside(self, node, group):
         while node is not None and node != group:
@@ -62,6 +64,7 @@ class Picture:
         yield from self.outside()
         # A value that is cut has a digit before its dots.
         yield from (f'{text} is cut' for text in self.texts if re.search(r'\d…$', text or ''))
+        yield from (f'{text} is cut, but has room' for text, has_room in self.cut if has_room)
 
     def missing(self):
         yield from (f'{node} is missing' for node in self.parents if node not in self.boxes)
@@ -115,6 +118,16 @@ class Corpus(program.Case):
                 for document, faults in zip(documents, pool.map(lambda document: self.faults_of(document, *options), documents)):
                     with self.subTest(document=document.stem, options=options):
                         self.assertEqual(faults, [])
+
+    def test_texts_that_are_cut_are_seen(self):
+        """Names of this diagram are longer than its boxes may be; in wider boxes they would have room."""
+        self.faults_of(CORPUS / 'long-labels.xml')
+        root = ElementTree.parse(self.folder / 'long-labels0.svg').getroot()
+        self.assertGreater(len(list(cut_texts.cut_texts(root))), 20)
+        for box in root.iter(SVG + 'rect'):
+            if box.get('x'):
+                box.set('width', str(10 * float(box.get('width'))))
+        self.assertTrue(all(has_room for _, has_room in cut_texts.cut_texts(root)))
 
     def test_levels_as_written_are_seen(self):
         """The checks find something: with the levels of the library, labels of such links are outside of their group."""

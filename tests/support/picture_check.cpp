@@ -333,6 +333,8 @@ class Checker {
                 const auto i = static_cast<Index>(other);
                 isBad = isBad || (text.box == nothing || !contains(i, text.box));
             });
+            if (text.whole > 0 && text.whole <= text.room)
+                found(&Faults::cut, "text \"" + text.text + "\" is cut");
             if (isBad) found(&Faults::texts, "text \"" + text.text + "\" is not in its box");
         }
     }
@@ -351,6 +353,7 @@ void Faults::add(const Faults& other) {
     torn += other.torn;
     heads += other.heads;
     texts += other.texts;
+    cut += other.cut;
     behind += other.behind;
     together += other.together;
     missing += other.missing;
@@ -360,8 +363,8 @@ void Faults::add(const Faults& other) {
 std::ostream& operator<<(std::ostream& out, const Faults& faults) {
     out << "boxes " << faults.boxes << ", labels " << faults.labels << ", lines through boxes "
         << faults.lines << ", torn " << faults.torn << ", heads " << faults.heads << ", texts "
-        << faults.texts << ", lines behind texts " << faults.behind << ", missing " << faults.missing
-        << " (together " << faults.together << ")";
+        << faults.texts << ", cut " << faults.cut << ", lines behind texts " << faults.behind << ", missing "
+        << faults.missing << " (together " << faults.together << ")";
     for (const std::string& example : faults.examples)
         out << "\n    " << example;
     return out;

@@ -44,6 +44,8 @@ struct Picture {
         Index box = nothing;  // `nothing`: only the picture's border counts
         std::string text;
         bool isHeader = false;  // stands free in a container
+        double whole = 0;       // of a text that is cut: the width of all of it
+        double room = 0;        // what its line has for it
     };
 
     tessera_draw::Size size;
@@ -61,6 +63,7 @@ struct Faults {
     std::size_t torn = 0;    // lines with a gap, or an end that is not at its box
     std::size_t heads = 0;   // too many, too few, or not at their end
     std::size_t texts = 0;   // leave their box, or lie under another
+    std::size_t cut = 0;     // texts that are cut although all of them would fit
     std::size_t behind = 0;  // lines behind a container's texts
     std::size_t missing = 0;
     std::size_t together = 0;           // pairs of lines that look like one for a while; no fault, but few
@@ -68,7 +71,7 @@ struct Faults {
 
     void add(const Faults& other);
     [[nodiscard]] std::size_t total() const {
-        return boxes + labels + lines + torn + heads + texts + behind + missing;
+        return boxes + labels + lines + torn + heads + texts + cut + behind + missing;
     }
 };
 

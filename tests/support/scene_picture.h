@@ -2,7 +2,9 @@
 #pragma once
 
 #include <algorithm>
+#include <span>
 #include <string>
+#include <string_view>
 
 #include "draw/read/diagram.h"
 #include "draw/read/end_labels.h"
@@ -166,9 +168,50 @@ class ScenePicture {
                             element.kind == Kind::node || element.kind == Kind::label;
         for (std::uint32_t i = 0; i < element.texts.count; ++i) {
             const tessera_draw::TextShape& text = m_scene.texts[element.texts.first + i];
-            m_picture.texts.push_back({areaOf(text), hasBox ? m_boxes[element.index] : nothing,
-                                       std::string(text.text), element.kind == Kind::header});
+            Picture::Text& added = m_picture.texts.emplace_back();
+            added.area = areaOf(text);
+            if (hasBox) added.box = m_boxes[element.index];
+            added.text = text.text;
+            added.isHeader = element.kind == Kind::header;
+            if (!hasBox || !text.isShortened || m_boxes[element.index] == nothing) continue;
+            added.whole = wholeWidth(element, text);
+            added.room = roomFor(element, text);
         }
+    }
+
+    // The width of the tooltip that the text is a part of, for it is a part of the same bytes; 0 if there is none.
+    [[nodiscard]] double wholeWidth(const tessera_draw::Element& element,
+                                    const tessera_draw::TextShape& text) const {
+        const tessera_draw::TextStyle& style = styleOf(text.role);
+        const char* const start = text.text.data();
+        // A header has no tooltips of its own: those of its group are elsewhere in the same list.
+        const std::span<const tessera_draw::TooltipLine> own =
+            element.kind == Kind::header
+                ? std::span(m_scene.tooltips)
+                : std::span(m_scene.tooltips).subspan(element.tooltips.first, element.tooltips.count);
+        for (const tessera_draw::TooltipLine& line : own)
+            for (const std::string_view whole : {line.first, line.second})
+                if (!text.text.empty() && start >= whole.data() && start < whole.data() + whole.size())
+                    return measureText(whole, style.size, style.weight).width;
+        return 0;
+    }
+
+    // What the margins of its box, its symbol and the other texts of its line leave.
+    [[nodiscard]] double roomFor(const tessera_draw::Element& element,
+                                 const tessera_draw::TextShape& text) const {
+        const bool isCentered = styleOf(text.role).anchor == tessera_draw::Anchor::middle;
+        const double sides = element.kind == Kind::header ? 2 * tessera_draw::groupSide
+                             : element.kind == Kind::node ? tessera_draw::cardLeft + tessera_draw::cardRight
+                             : isCentered                 ? 2 * tessera_draw::labelSide - 8
+                                                          : 2 * tessera_draw::labelSide;
+        double room = m_picture.boxes[m_boxes[element.index]].rect.width - sides;
+        if (text.role == tessera_draw::TextRole::name && element.symbols.count > 0)
+            room -= tessera_draw::symbolSpace;
+        for (std::uint32_t i = 0; i < element.texts.count; ++i) {
+            const tessera_draw::TextShape& other = m_scene.texts[element.texts.first + i];
+            if (&other != &text && other.at.y == text.at.y) room -= other.width + tessera_draw::columnGap;
+        }
+        return room;
     }
 
     void countMissing() {

@@ -1,0 +1,17 @@
+// Shortens values to a width. A number is kept whole as long as that fits.
+#pragma once
+
+#include <string_view>
+
+#include "draw/text_width.h"
+
+namespace tessera_draw {
+
+// The part of a value that is shown. As fitText(), but of a number with a unit, words of the unit go first, each
+// as a whole: "47.3 …" of "47.3 MB/s", because part of a unit would read as another one. Of a number that does
+// not fit, digits after the point go; its other digits and its exponent never go alone: then only "…" is shown.
+// A value that does not begin with a number is shortened as any text. Accepts any bytes; any thread.
+[[nodiscard]] FittedText fitValue(std::string_view value, double maxWidth, double size,
+                                  Weight weight) noexcept;
+
+}  // namespace tessera_draw
