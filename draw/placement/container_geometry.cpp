@@ -11,6 +11,8 @@
 namespace tessera_draw::placing {
 namespace {
 
+constexpr double middle = 0.5;  // the share of the free width before a box that stands around its column's axis
+
 class GeometryBuilder {
   public:
     GeometryBuilder(const std::vector<BoxToPlace>& boxes, const Nesting& nesting, LayeredGraph& graph,
@@ -20,9 +22,11 @@ class GeometryBuilder {
           m_graph(graph),
           m_spacing(spacing),
           m_cancel(cancel),
-          m_offsets(graph, nesting, spacing) {
+          m_offsets(boxes, graph, nesting, spacing) {
         m_geometry.boxes.resize(boxes.size() + 1);
         m_width.resize(boxes.size());
+        m_left.resize(boxes.size());
+        m_portLabels.resize(graph.firstLayer.back(), 0);
         m_geometry.layerX.resize(graph.firstLayer.back(), 0);
         m_geometry.layerWidth.resize(graph.firstLayer.back(), 0);
         sortLanes();
@@ -32,6 +36,7 @@ class GeometryBuilder {
         // From the inside out, as outer containers have lower numbers: a size needs those of the members.
         for (Index container = m_nesting.containerCount(); container-- > 0 && !m_cancel.isCancelled();)
             place(container);
+        placeEndLabels();
         return std::move(m_geometry);
     }
 
@@ -76,7 +81,7 @@ class GeometryBuilder {
             m_width[box] = rect.width;
         }
         arrangeGrids(container);
-        m_offsets.set(container);
+        m_offsets.set(container, m_geometry.boxes);
         fillBlockGraph(m_blockGraph, m_graph, container, limits.header.height, m_spacing);
         std::vector<double> tops = alignedTops(m_blockGraph, m_cancel);
         // The title's vertex is the first; it starts at the height of the topmost one.
@@ -86,6 +91,7 @@ class GeometryBuilder {
         own.height = setTops(container, tops, limits);
         m_offsets.straighten(container);
         own.width = setColumns(container, limits);
+        setLefts(container);
         placeBoxes(container);
     }
 
@@ -183,9 +189,12 @@ class GeometryBuilder {
         const bool isFirst = layer == m_graph.firstLayer[container];
         const bool isLast = layer + 1 == m_graph.lastLayer(container);
         const double left = limits.padding.left - limits.header.width;
-        if (isFirst && isLast) return left + limits.padding.right;
-        if (isFirst) return left;
-        if (isLast) return limits.padding.right;
+        const double before = m_portLabels[m_graph.firstLayer[container]] > 0 ? m_spacing.besideLabels : left;
+        const double after =
+            m_portLabels[m_graph.lastLayer(container)] > 0 ? m_spacing.besideLabels : limits.padding.right;
+        if (isFirst && isLast) return before + after;
+        if (isFirst) return before;
+        if (isLast) return after;
         const bool isBesideLabels = hasOnlyLabels(layer) || hasOnlyLabels(layer + 1);
         return isBesideLabels && !hasBends ? m_spacing.besideLabels : m_spacing.betweenLayers;
     }
@@ -204,7 +213,10 @@ class GeometryBuilder {
         const Index last = m_graph.lastLayer(container);
         std::vector<std::vector<GapEdge>> gaps;
         std::vector<double> widths;
-        double all = 0;
+        findPortLabels(first, last);
+        // Labels inside the borders stand between the padding and the gap.
+        m_geometry.layerWidth[last] = m_portLabels[last] > 0 ? m_portLabels[last] + limits.padding.right : 0;
+        double all = m_geometry.layerWidth[last];
         for (Index layer = first; layer < last; ++layer) {
             collectGap(layer);
             GapPlan plan(m_gap, m_graph, m_spacing);
@@ -213,6 +225,9 @@ class GeometryBuilder {
             gaps.push_back(m_gap);
             widths.push_back(width);
             m_geometry.layerWidth[layer] = layer == first ? limits.header.width : columnWidth(layer);
+            if (m_portLabels[layer] > 0 && layer == first)
+                m_geometry.layerWidth[layer] =
+                    std::max(limits.header.width, limits.padding.left + m_portLabels[layer]);
             all += width + m_geometry.layerWidth[layer];
         }
         const double spare = std::max(limits.minSize.width - all, 0.0);
@@ -226,14 +241,57 @@ class GeometryBuilder {
             x += m_geometry.layerWidth[layer] + widths[layer - first];
         }
         m_geometry.layerX[last] = x;
-        return x;
+        return x + m_geometry.layerWidth[last];
+    }
+
+    // The widest labels inside the borders before the first and after the last layer.
+    void findPortLabels(Index first, Index last) {
+        for (const Index layer : {first, last})
+            for (Index i = m_graph.layerBegin[layer]; i < m_graph.layerBegin[layer + 1]; ++i) {
+                const Index vertex = m_graph.order[i];
+                const Index label = layer == first ? labelAfter(vertex) : labelBefore(vertex);
+                if (label != nothing)
+                    m_portLabels[layer] = std::max(m_portLabels[layer], m_boxes[label].size.width);
+            }
+    }
+    // Of hierarchical ports, at which one edge ends.
+    [[nodiscard]] Index labelAfter(Index port) const {
+        const Index edge = m_graph.outBegin[port];
+        return edge == m_graph.outBegin[port + 1] ? nothing : m_graph.edges[m_graph.outEdges[edge]].tailLabel;
+    }
+    [[nodiscard]] Index labelBefore(Index port) const {
+        const Index edge = m_graph.inBegin[port];
+        return edge == m_graph.inBegin[port + 1] ? nothing : m_graph.edges[m_graph.inEdges[edge]].headLabel;
+    }
+
+    // The boxes of a layer stand around an axis, with the labels beside them.
+    struct Column {
+        double before = 0;  // from its left side to the axis
+        double after = 0;   // from the axis to its right side
+        double widest = 0;  // box that stands at one of the sides
+    };
+
+    [[nodiscard]] Column columnOf(Index layer) const {
+        Column column;
+        for (Index i = m_graph.layerBegin[layer]; i < m_graph.layerBegin[layer + 1]; ++i) {
+            const Index box = m_graph.order[i];
+            if (box >= m_graph.boxCount) continue;
+            const double share = shareInColumn(box);
+            const double before = m_offsets.widthBefore(box) + m_width[box] / 2;
+            const double after = m_offsets.widthAfter(box) + m_width[box] / 2;
+            if (share == middle) {
+                column.before = std::max(column.before, before);
+                column.after = std::max(column.after, after);
+            } else {
+                column.widest = std::max(column.widest, before + after);
+            }
+        }
+        return column;
     }
 
     [[nodiscard]] double columnWidth(Index layer) const {
-        double width = 0;
-        for (Index i = m_graph.layerBegin[layer]; i < m_graph.layerBegin[layer + 1]; ++i)
-            if (m_graph.order[i] < m_graph.boxCount) width = std::max(width, m_width[m_graph.order[i]]);
-        return width;
+        const Column column = columnOf(layer);
+        return std::max(column.before + column.after, column.widest);
     }
 
     void placeBoxes(Index container) {
@@ -242,11 +300,53 @@ class GeometryBuilder {
             const Index grid = m_graph.grids.ofBox[box];
             const Index leader = grid == nothing ? box : m_graph.grids.leader(m_graph.grids.grids[grid]);
             const Index layer = m_graph.layer[box];
-            const double spare = m_geometry.layerWidth[layer] - m_width[leader];
             Rect& rect = m_geometry.boxes[box];
-            rect.x += m_geometry.layerX[layer] + spare * shareInColumn(leader);
-            rect.y += m_graph.top[leader];
+            rect.x += m_geometry.layerX[layer] + m_left[leader];
+            rect.y += m_graph.top[leader] + m_offsets.inset(leader);
         }
+    }
+
+    // Sets where each box or grid begins in its column.
+    void setLefts(Index container) {
+        const Index last = m_graph.lastLayer(container);
+        for (Index layer = m_graph.firstLayer[container] + 1; layer < last; ++layer) {
+            const Column column = columnOf(layer);
+            const double width = m_geometry.layerWidth[layer];
+            const double axis = column.before + (width - column.before - column.after) / 2;
+            for (Index i = m_graph.layerBegin[layer]; i < m_graph.layerBegin[layer + 1]; ++i) {
+                const Index box = m_graph.order[i];
+                if (box >= m_graph.boxCount) continue;
+                const double share = shareInColumn(box);
+                m_left[box] = share == middle ? axis - m_width[box] / 2
+                              : share < middle
+                                  ? m_offsets.widthBefore(box)
+                                  : width - m_offsets.widthAfter(box) - m_width[box];
+            }
+        }
+    }
+
+    // Labels beside boxes, and those inside of containers' borders, which stand at the padding.
+    void placeEndLabels() {
+        for (const Edge& edge : m_graph.edges) {
+            if (edge.tailLabel != nothing) placeLabel(edge.tailLabel, edge.tail, m_graph.tailY(edge), true);
+            if (edge.headLabel != nothing)
+                placeLabel(edge.headLabel, edge.head, m_graph.headY(edge), edge.kind == Edge::Kind::loop);
+        }
+    }
+
+    void placeLabel(Index label, Index vertex, double y, bool isAfter) {
+        const Size size = m_boxes[label].size;
+        Rect& rect = m_geometry.boxes[label];
+        rect = {0, y - size.height / 2, size.width, size.height};
+        if (vertex < m_graph.boxCount) {
+            const Rect& box = m_geometry.boxes[vertex];
+            rect.x = isAfter ? box.right() + m_spacing.besideLabels
+                             : box.x - m_spacing.besideLabels - size.width;
+            return;
+        }
+        const Index container = m_graph.hierarchicalPorts[vertex - m_graph.boxCount].box;
+        const Insets& padding = m_boxes[container].padding;
+        rect.x = isAfter ? padding.left : m_geometry.boxes[container].width - padding.right - size.width;
     }
 
     // In a column with a grid, which is wide, a box is moved to the side that its lines come from, or else to
@@ -259,7 +359,7 @@ class GeometryBuilder {
         if (!isBesideGrid || m_boxes[box].along != BoxToPlace::Along::middle)
             return shareBefore(m_boxes[box]);
         if (m_graph.inBegin[box] < m_graph.inBegin[box + 1]) return 0;
-        return m_graph.outBegin[box] < m_graph.outBegin[box + 1] ? 1 : 0.5;
+        return m_graph.outBegin[box] < m_graph.outBegin[box + 1] ? 1 : middle;
     }
 
     const std::vector<BoxToPlace>& m_boxes;
@@ -270,6 +370,8 @@ class GeometryBuilder {
     Offsets m_offsets;
     BlockGraph m_blockGraph;
     std::vector<double> m_width;  // by box: of the box, or of the grid that it leads
+    std::vector<double> m_left;   // by box: from its column's left side
+    std::vector<double> m_portLabels;  // by layer: the widest label inside a border
     std::vector<GapEdge> m_gap;
     std::vector<std::vector<Index>> m_lanes;  // by container: the edges to them
     ContainerGeometry m_geometry;

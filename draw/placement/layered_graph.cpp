@@ -11,6 +11,7 @@ namespace {
 struct End {
     Index vertex = nothing;
     Index port = nothing;
+    Index label = nothing;
 };
 
 // The part of a route segment inside one container, before its layers are known.
@@ -23,8 +24,13 @@ struct RawChain {
 class LayeredGraphBuilder {
   public:
     LayeredGraphBuilder(const std::vector<BoxToPlace>& boxes, const Nesting& nesting,
-                        const std::vector<RouteSegment>& routeSegments, const Layers& layers)
-        : m_boxes(boxes), m_nesting(nesting), m_routeSegments(routeSegments), m_layers(layers) {}
+                        const std::vector<RouteSegment>& routeSegments, const Layers& layers,
+                        const EndLabels& endLabels)
+        : m_boxes(boxes),
+          m_nesting(nesting),
+          m_routeSegments(routeSegments),
+          m_layers(layers),
+          m_endLabels(endLabels) {}
 
     LayeredGraph build() {
         m_graph.boxCount = static_cast<Index>(m_boxes.size());
@@ -39,6 +45,7 @@ class LayeredGraphBuilder {
         fillLayers();
         linkEdges();
         markLines();
+        setHeights();
         return std::move(m_graph);
     }
 
@@ -53,9 +60,11 @@ class LayeredGraphBuilder {
             const Index toLayer = isInside ? 1 : m_layers.ofBox[routeSegment.toMember];
             RawChain middle;
             middle.container = routeSegment.container;
-            middle.from = climb(routeSegment.from, routeSegment.fromMember, fromLayer <= toLayer, false);
+            middle.from = climb({routeSegment.from, nothing, routeSegment.fromLabel},
+                                routeSegment.fromMember, fromLayer <= toLayer, false);
             const auto outside = static_cast<std::ptrdiff_t>(m_raw.size());
-            middle.to = climb(routeSegment.to, routeSegment.toMember, fromLayer >= toLayer, true);
+            middle.to = climb({routeSegment.to, nothing, routeSegment.toLabel}, routeSegment.toMember,
+                              fromLayer >= toLayer, true);
             m_raw.push_back(middle);
             std::reverse(m_raw.begin() + outside, m_raw.end());
         }
@@ -64,17 +73,23 @@ class LayeredGraphBuilder {
 
     // Adds the chains from a box up to the member of the route segment's container that holds it, one for each
     // border on the way. Returns where the chain in that container ends.
-    End climb(Index box, Index member, bool isAtEnd, bool isTowards) {
-        if (member == nothing) return {hierarchicalPort(box, isTowards), nothing};
-        End end{box, nothing};
-        if (m_nesting.containerOf[box] != nothing) end.port = newHierarchicalPort(box, isAtEnd);
+    End climb(End end, Index member, bool isAtEnd, bool isTowards) {
+        if (member == nothing) {
+            const Index port = newHierarchicalPort(end.vertex, isTowards);
+            m_graph.hierarchicalPorts[port].label = end.label;
+            return {m_graph.vertexOf(port), nothing, end.label};
+        }
+        if (m_nesting.containerOf[end.vertex] != nothing) {
+            end.port = newHierarchicalPort(end.vertex, isAtEnd);
+            m_graph.hierarchicalPorts[end.port].label = end.label;
+        }
         while (end.vertex != member) {
             const Index around = m_nesting.tree.parent(end.vertex);
             const Index port = newHierarchicalPort(around, isAtEnd);
-            const End border{m_graph.vertexOf(port), nothing};
+            const End border{m_graph.vertexOf(port), nothing, nothing};
             m_raw.push_back(
                 {m_nesting.containerOf[around], isTowards ? border : end, isTowards ? end : border});
-            end = {around, port};
+            end = {around, port, nothing};
         }
         return end;
     }
@@ -82,9 +97,6 @@ class LayeredGraphBuilder {
     Index newHierarchicalPort(Index box, bool isAtEnd) {
         m_graph.hierarchicalPorts.push_back({box, isAtEnd});
         return static_cast<Index>(m_graph.hierarchicalPorts.size()) - 1;
-    }
-    Index hierarchicalPort(Index box, bool isAtEnd) {
-        return m_graph.vertexOf(newHierarchicalPort(box, isAtEnd));
     }
 
     // Boxes and hierarchical ports; dummy vertices follow with their edges.
@@ -95,7 +107,9 @@ class LayeredGraphBuilder {
             m_graph.firstLayer.push_back(m_graph.firstLayer.back() + count + 2);
         m_graph.layer.resize(m_graph.firstDummyVertex);
         for (Index box = 0; box < m_graph.boxCount; ++box)
-            m_graph.layer[box] = m_graph.firstLayer[m_nesting.containerAround(box)] + 1 + m_layers.ofBox[box];
+            if (m_endLabels.isOne[box] == 0)
+                m_graph.layer[box] =
+                    m_graph.firstLayer[m_nesting.containerAround(box)] + 1 + m_layers.ofBox[box];
         for (Index i = 0; i < m_graph.hierarchicalPorts.size(); ++i) {
             const Index container = m_nesting.containerOf[m_graph.hierarchicalPorts[i].box];
             m_graph.layer[m_graph.vertexOf(i)] = m_graph.hierarchicalPorts[i].isAtEnd
@@ -143,6 +157,7 @@ class LayeredGraphBuilder {
         Edge edge;
         edge.tail = tail.vertex;
         edge.tailPort = tail.port;
+        edge.tailLabel = tail.label;
         const Index last = m_graph.layer[head.vertex];
         if (isFar) {
             edge.kind = Edge::Kind::toLane;
@@ -158,6 +173,7 @@ class LayeredGraphBuilder {
         }
         edge.head = head.vertex;
         edge.headPort = head.port;
+        edge.headLabel = head.label;
         if (m_graph.layer[tail.vertex] == last) edge.kind = Edge::Kind::loop;
         m_graph.edges.push_back(edge);
         chain.edgeCount = static_cast<Index>(m_graph.edges.size()) - chain.firstEdge;
@@ -166,7 +182,7 @@ class LayeredGraphBuilder {
 
     // Boxes without edges, and many of them in one layer, would make a column higher than all others.
     void findGrids() {
-        std::vector<char> isTouched(m_boxes.size(), 0);
+        std::vector<char> isTouched = m_endLabels.isOne;  // which are in no layer, and so in no grid
         for (const Edge& edge : m_graph.edges)
             for (const Index end : {edge.tail, edge.head})
                 if (end < m_graph.boxCount) isTouched[end] = 1;
@@ -180,6 +196,7 @@ class LayeredGraphBuilder {
         std::vector<Index> leaders;
         vertices.reserve(m_graph.layer.size());
         for (Index vertex = 0; vertex < m_graph.vertexCount(); ++vertex) {
+            if (vertex < m_graph.boxCount && m_endLabels.isOne[vertex] != 0) continue;
             if (vertex >= m_graph.boxCount || m_graph.grids.ofBox[vertex] == nothing)
                 vertices.push_back(vertex);
             else if (m_graph.grids.isInLayer(vertex))
@@ -237,14 +254,30 @@ class LayeredGraphBuilder {
                                   m_graph.outBegin[box + 1] - m_graph.outBegin[box] <= 1;
             m_graph.isOnLine[box] = m_boxes[box].isLabel && isPassed ? 1 : 0;
         }
+    }
+
+    // Hierarchical ports are as high as the end labels beside them. All other points have no height, and boxes get
+    // theirs with the geometry.
+    void setHeights() {
         m_graph.height.assign(m_graph.layer.size(), 0);
         m_graph.top.assign(m_graph.layer.size(), 0);
+        for (Index i = 0; i < m_graph.hierarchicalPorts.size(); ++i) {
+            const Index label = m_graph.hierarchicalPorts[i].label;
+            if (label != nothing) m_graph.height[m_graph.vertexOf(i)] = m_boxes[label].size.height;
+        }
+        for (Edge& edge : m_graph.edges) {
+            if (edge.tail != nothing && m_graph.isPort(edge.tail))
+                edge.tailOffset = m_graph.height[edge.tail] / 2;
+            if (edge.head != nothing && m_graph.isPort(edge.head))
+                edge.headOffset = m_graph.height[edge.head] / 2;
+        }
     }
 
     const std::vector<BoxToPlace>& m_boxes;
     const Nesting& m_nesting;
     const std::vector<RouteSegment>& m_routeSegments;
     const Layers& m_layers;
+    const EndLabels& m_endLabels;
     std::vector<RawChain> m_raw;
     std::vector<char> m_isFar;
     LayeredGraph m_graph;
@@ -253,8 +286,9 @@ class LayeredGraphBuilder {
 }  // namespace
 
 LayeredGraph layeredGraphOf(const std::vector<BoxToPlace>& boxes, const Nesting& nesting,
-                            const std::vector<RouteSegment>& routeSegments, const Layers& layers) {
-    return LayeredGraphBuilder(boxes, nesting, routeSegments, layers).build();
+                            const std::vector<RouteSegment>& routeSegments, const Layers& layers,
+                            const EndLabels& endLabels) {
+    return LayeredGraphBuilder(boxes, nesting, routeSegments, layers, endLabels).build();
 }
 
 }  // namespace tessera_draw::placing

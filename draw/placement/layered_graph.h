@@ -14,10 +14,14 @@ namespace tessera_draw::placing {
 // of their own, one before and one after the layers of the boxes. Inside they are vertices,
 // outside ports of the container.
 //
+// Where a line ends at the container, its end label needs space in the port's layer: outside beside the container, or
+// inside in that layer.
+//
 // Dummy vertices reserve space where an edge passes a layer.
 struct HierarchicalPort {
     Index box = 0;  // the container
     bool isAtEnd = false;
+    Index label = nothing;  // the end label of the line that ends here
 };
 
 struct Edge {
@@ -33,6 +37,8 @@ struct Edge {
     Index head = nothing;
     Index tailPort = nothing;  // the hierarchical port of a tail or head that is a container
     Index headPort = nothing;
+    Index tailLabel = nothing;  // the end label beside the tail or head
+    Index headLabel = nothing;
     Kind kind = Kind::plain;
     Bend bend = Bend::none;
     double tailOffset = 0;  // where it touches, from the vertex's top; at a lane: from the container's
@@ -103,6 +109,9 @@ struct LayeredGraph {
     }
     // The position of an edge's end among its container's ports on that side.
     [[nodiscard]] Index portPlace(Index port) const { return port == nothing ? 0 : place[vertexOf(port)]; }
+    [[nodiscard]] bool isPort(Index vertex) const noexcept {
+        return vertex >= boxCount && vertex < firstDummyVertex;
+    }
     [[nodiscard]] double tailY(const Edge& edge) const { return top[edge.tail] + edge.tailOffset; }
     [[nodiscard]] double headY(const Edge& edge) const { return top[edge.head] + edge.headOffset; }
 };
@@ -110,6 +119,6 @@ struct LayeredGraph {
 // Builds the graph with its layers in the order of the input. Heights and tops are still 0.
 [[nodiscard]] LayeredGraph layeredGraphOf(const std::vector<BoxToPlace>& boxes, const Nesting& nesting,
                                           const std::vector<RouteSegment>& routeSegments,
-                                          const Layers& layers);
+                                          const Layers& layers, const EndLabels& endLabels);
 
 }  // namespace tessera_draw::placing

@@ -34,6 +34,7 @@ class LineLayers {
 
     void assign() {
         findSpans();
+        moveEndLabels();
         m_isFree.assign(m_nesting.containerCount(), 0);
         moveLabelsOfOuterLines();
         findContradictions();
@@ -85,14 +86,34 @@ class LineLayers {
         return box == nothing || box == common ? m_spans[line].container : m_nesting.containerAround(box);
     }
 
+    // Whether place() puts the label beside the end of its line, in no layer.
+    [[nodiscard]] bool isAtEnd(Index label, Index line) const {
+        const auto& labels = m_input.lines[line].through;
+        const LabelEnd end = m_input.boxes[label].labelEnd;
+        return (end == LabelEnd::from && label == labels.front()) ||
+               (end == LabelEnd::to && label == labels.back());
+    }
+
+    [[nodiscard]] Index groupOf(Index container) const {
+        return m_nesting.boxOf[container] == m_nesting.drawing ? nothing : m_nesting.boxOf[container];
+    }
+
+    void moveEndLabels() {
+        for (Index line = 0; line < m_input.lines.size(); ++line)
+            for (const Index label : m_input.lines[line].through)
+                if (isWhole(m_input.lines[line]) && isAtEnd(label, line))
+                    m_input.boxes[label].group = groupOf(homeOf(label, line));
+    }
+
     // A container that gets a label from elsewhere has no level for it, and so becomes free. Returns whether one did.
     bool moveLabels(Index line) {
         bool isNew = false;
         m_isMoved[line] = 1;
         for (const Index label : m_input.lines[line].through) {
+            if (isAtEnd(label, line)) continue;
             BoxToPlace& box = m_input.boxes[label];
             const Index home = homeOf(label, line);
-            const Index around = m_nesting.boxOf[home] == m_nesting.drawing ? nothing : m_nesting.boxOf[home];
+            const Index around = groupOf(home);
             box.along = box.labelEnd == LabelEnd::from ? BoxToPlace::Along::start
                         : box.labelEnd == LabelEnd::to ? BoxToPlace::Along::end
                                                        : BoxToPlace::Along::middle;
@@ -129,7 +150,7 @@ class LineLayers {
         forEachPart(line, [&](const LinePart&) { isConcerned = true; });
         const auto& labels = m_input.lines[line].through;
         return isConcerned || std::any_of(labels.begin(), labels.end(), [&](Index label) {
-                   return m_isFree[m_nesting.containerAround(label)] != 0;
+                   return !isAtEnd(label, line) && m_isFree[m_nesting.containerAround(label)] != 0;
                });
     }
 
@@ -140,6 +161,7 @@ class LineLayers {
             for (std::size_t i = 0; i <= m_input.lines[line].through.size(); ++i) {
                 const bool isLast = i == m_input.lines[line].through.size();
                 const Index to = isLast ? m_input.lines[line].to : m_input.lines[line].through[i];
+                if (!isLast && isAtEnd(to, line)) continue;
                 const RouteSegment part = routeSegmentBetween(from, to, m_nesting);
                 if (part.fromMember != part.toMember && part.fromMember != nothing &&
                     part.toMember != nothing &&
@@ -200,7 +222,7 @@ class LineLayers {
     template <class Take>
     void forEachLabel(const LinePart& part, Take take) const {
         for (const Index label : m_input.lines[part.line].through)
-            if (homeOf(label, part.line) == part.container) take(label);
+            if (!isAtEnd(label, part.line) && homeOf(label, part.line) == part.container) take(label);
     }
 
     Index vertexOf(Index box) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 namespace tessera_draw::placing {
 namespace {
@@ -72,7 +73,7 @@ class PathMaker {
         const double fromY = edge.tail == nothing ? edge.tailOffset : m_graph.tailY(edge);
         const double toY = edge.head == nothing ? edge.headOffset : m_graph.headY(edge);
         const Index gap = edge.tail == nothing ? m_graph.layer[edge.head] - 1 : m_graph.layer[edge.tail];
-        if (edge.tail != nothing) addToEdge(rightOf(edge.tail), fromY);
+        if (edge.tail != nothing) addToEdge(afterTail(edge), fromY);
         if (edge.bend == Edge::Bend::curve) {
             addToEdge(m_geometry.gapBegin(gap), fromY);
             addToEdge(m_geometry.gapEnd(gap), toY, true);
@@ -80,7 +81,7 @@ class PathMaker {
             addToEdge(m_geometry.gapBegin(gap) + edge.trackX, fromY);
             addToEdge(m_geometry.gapBegin(gap) + edge.trackX, toY);
         }
-        if (edge.head != nothing) addToEdge(isLoop ? rightOf(edge.head) : leftOf(edge.head), toY);
+        if (edge.head != nothing) addToEdge(beforeHead(edge, isLoop), toY);
     }
 
     void addToEdge(double x, double y, bool isCurve = false) {
@@ -95,10 +96,22 @@ class PathMaker {
         if (m_edgeKnotCount > 0) m_edgeKnots.at(0).isCurve = false;
     }
 
-    // Points have no width: lines pass straight through their layer.
+    // Where an edge leaves and enters its vertices, or the labels beside them.
+    [[nodiscard]] double afterTail(const Edge& edge) const {
+        return rightOf(edge.tailLabel == nothing ? edge.tail : edge.tailLabel);
+    }
+    [[nodiscard]] double beforeHead(const Edge& edge, bool isLoop) const {
+        const Index vertex = edge.headLabel == nothing ? edge.head : edge.headLabel;
+        return isLoop ? rightOf(vertex) : leftOf(vertex);
+    }
+
+    // Points have no width: lines pass straight through their layer. Ports stand at their container's border.
     [[nodiscard]] double leftOf(Index vertex) const {
-        return vertex < m_graph.boxCount ? m_geometry.boxes[vertex].x
-                                         : m_geometry.layerX[m_graph.layer[vertex]];
+        if (vertex < m_graph.boxCount) return m_geometry.boxes[vertex].x;
+        const Index layer = m_graph.layer[vertex];
+        const bool isAtEnd =
+            m_graph.isPort(vertex) && m_graph.hierarchicalPorts[vertex - m_graph.boxCount].isAtEnd;
+        return isAtEnd ? m_geometry.gapBegin(layer) : m_geometry.layerX[layer];
     }
     [[nodiscard]] double rightOf(Index vertex) const {
         return vertex < m_graph.boxCount ? m_geometry.boxes[vertex].right() : leftOf(vertex);
@@ -173,6 +186,21 @@ class PathMaker {
     std::vector<Knot> m_knots;
 };
 
+// The straight stretch between a box and the end label beside it; `at` is where the line goes on at the label.
+PlacedLine::Stretch upToLabel(const Rect& box, const Rect& label, const Point& at, bool isFromBox) {
+    const bool isOnRight = label.x >= box.right();
+    const bool isInside = label.x >= box.x && label.right() <= box.right();
+    const bool goesOnRight = std::abs(at.x - label.right()) < std::abs(at.x - label.x);
+    // Outside, the label is between the box and the line that goes on; inside, the border is behind it.
+    const bool isAtRightBorder = isInside ? !goesOnRight : isOnRight;
+    const Point border{isAtRightBorder ? box.right() : box.x, at.y};
+    const Point near{goesOnRight ? label.x : label.right(), at.y};
+    PlacedLine::Stretch stretch;
+    stretch.start = isFromBox ? border : near;
+    stretch.segments.push_back({false, {}, {}, isFromBox ? near : border});
+    return stretch;
+}
+
 }  // namespace
 
 std::vector<PlacedLine> pathsOf(const PlacementInput& input, const Nesting& nesting,
@@ -181,9 +209,18 @@ std::vector<PlacedLine> pathsOf(const PlacementInput& input, const Nesting& nest
                                 const Spacing& spacing) {
     std::vector<PlacedLine> lines(input.lines.size());
     PathMaker maker(nesting, graph, geometry, boxes, spacing);
-    for (std::size_t i = 0; i < routeSegments.size(); ++i)
-        lines[routeSegments[i].line].stretches.push_back(
-            maker.stretch(routeSegments[i], graph.ofRouteSegment[i]));
+    for (std::size_t i = 0; i < routeSegments.size(); ++i) {
+        const RouteSegment& segment = routeSegments[i];
+        PlacedLine::Stretch stretch = maker.stretch(segment, graph.ofRouteSegment[i]);
+        auto& stretches = lines[segment.line].stretches;
+        const Point end = stretch.segments.empty() ? stretch.start : stretch.segments.back().end;
+        if (segment.fromLabel != nothing)
+            stretches.push_back(
+                upToLabel(boxes[segment.from], boxes[segment.fromLabel], stretch.start, true));
+        stretches.push_back(std::move(stretch));
+        if (segment.toLabel != nothing)
+            stretches.push_back(upToLabel(boxes[segment.to], boxes[segment.toLabel], end, false));
+    }
     return lines;
 }
 

@@ -1,14 +1,10 @@
 #include "draw/placement/route_segments.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tessera_draw::placing {
 namespace {
-
-bool isWhole(const LineToPlace& line, std::size_t boxCount) {
-    return line.from < boxCount && line.to < boxCount &&
-           std::all_of(line.through.begin(), line.through.end(), [&](Index box) { return box < boxCount; });
-}
 
 // The number of borders that the route segment crosses between its ends and the container.
 std::size_t bordersOf(const RouteSegment& routeSegment, const Nesting& nesting) {
@@ -22,12 +18,13 @@ std::size_t bordersOf(const RouteSegment& routeSegment, const Nesting& nesting) 
 
 // Keeps the work linear: only diagrams nested thousands of levels deep reach the limit. Segments that cross
 // few borders are routed first.
-void limitBorders(std::vector<RouteSegment>& routeSegments, const Nesting& nesting) {
+// Returns whether some are drawn as straight lines then.
+bool limitBorders(std::vector<RouteSegment>& routeSegments, const Nesting& nesting) {
     const std::size_t limit = 8 * (routeSegments.size() + nesting.tree.size()) + 200'000;
     std::size_t sum = 0;
     for (const RouteSegment& routeSegment : routeSegments)
         sum += bordersOf(routeSegment, nesting);
-    if (sum <= limit) return;
+    if (sum <= limit) return false;
     std::vector<std::pair<std::size_t, Index>> byBorders;
     byBorders.reserve(routeSegments.size());
     for (Index i = 0; i < routeSegments.size(); ++i)
@@ -38,9 +35,41 @@ void limitBorders(std::vector<RouteSegment>& routeSegments, const Nesting& nesti
         sum += borders;
         routeSegments[routeSegment].isDirect = sum > limit;
     }
+    return true;
+}
+
+// Splits straight segments at the labels beside their ends, which become boxes as others.
+void releaseLabels(std::vector<RouteSegment>& routeSegments, EndLabels& endLabels) {
+    std::vector<RouteSegment> split;
+    split.reserve(routeSegments.size());
+    for (RouteSegment segment : routeSegments) {
+        if (segment.isDirect)
+            for (const Index label : {segment.fromLabel, segment.toLabel})
+                if (label != nothing) endLabels.isOne[label] = 0;
+        const Index last = segment.toLabel;
+        if (segment.isDirect && segment.fromLabel != nothing) {
+            RouteSegment first = segment;
+            first.to = segment.from = std::exchange(segment.fromLabel, nothing);
+            first.fromLabel = first.toLabel = nothing;
+            split.push_back(first);
+        }
+        if (segment.isDirect && last != nothing) {
+            RouteSegment middle = segment;
+            middle.to = segment.from = std::exchange(segment.toLabel, nothing);
+            middle.toLabel = nothing;
+            split.push_back(middle);
+        }
+        split.push_back(segment);
+    }
+    routeSegments = std::move(split);
 }
 
 }  // namespace
+
+bool isWhole(const LineToPlace& line, std::size_t boxCount) {
+    return line.from < boxCount && line.to < boxCount &&
+           std::all_of(line.through.begin(), line.through.end(), [&](Index box) { return box < boxCount; });
+}
 
 RouteSegment routeSegmentBetween(Index from, Index to, const Nesting& nesting) {
     RouteSegment routeSegment;
@@ -54,21 +83,30 @@ RouteSegment routeSegmentBetween(Index from, Index to, const Nesting& nesting) {
     return routeSegment;
 }
 
-std::vector<RouteSegment> routeSegmentsOf(const PlacementInput& input, const Nesting& nesting) {
+std::vector<RouteSegment> routeSegmentsOf(const PlacementInput& input, const Nesting& nesting,
+                                          EndLabels& endLabels) {
     std::vector<RouteSegment> routeSegments;
     routeSegments.reserve(input.lines.size());
     for (Index i = 0; i < input.lines.size(); ++i) {
         const LineToPlace& line = input.lines[i];
         if (!isWhole(line, input.boxes.size())) continue;
         Index from = line.from;
-        for (std::size_t k = 0; k <= line.through.size(); ++k) {
-            const Index to = k < line.through.size() ? line.through[k] : line.to;
-            routeSegments.push_back(routeSegmentBetween(from, to, nesting));
-            routeSegments.back().line = i;
+        Index label = endLabels.atFrom[i];
+        for (std::size_t k = label == nothing ? 0 : 1; k <= line.through.size(); ++k) {
+            const Index next = k < line.through.size() ? line.through[k] : line.to;
+            const bool isLast = next == endLabels.atTo[i];
+            const Index to = isLast ? line.to : next;
+            RouteSegment& segment = routeSegments.emplace_back(routeSegmentBetween(from, to, nesting));
+            segment.line = i;
+            segment.fromLabel = std::exchange(label, nothing);
+            if (isLast) {
+                segment.toLabel = next;
+                break;
+            }
             from = to;
         }
     }
-    limitBorders(routeSegments, nesting);
+    if (limitBorders(routeSegments, nesting)) releaseLabels(routeSegments, endLabels);
     return routeSegments;
 }
 

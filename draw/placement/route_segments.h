@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "draw/placement/end_labels.h"
 #include "draw/placement/nesting.h"
 
 namespace tessera_draw::placing {
@@ -16,6 +17,9 @@ struct RouteSegment {
     Index container = 0;
     Index fromMember = nothing;
     Index toMember = nothing;
+    // The labels that stand beside the ends, or `nothing`.
+    Index fromLabel = nothing;
+    Index toLabel = nothing;
     // Drawn as one straight line, because all segments together cross too many borders to be routed.
     bool isDirect = false;
 };
@@ -23,7 +27,12 @@ struct RouteSegment {
 // The segment between two boxes, of which both may be one and one may contain the other. Logarithmic time.
 [[nodiscard]] RouteSegment routeSegmentBetween(Index from, Index to, const Nesting& nesting);
 
-// Returns the segments in the order of the lines. A line that names a missing box has none.
-[[nodiscard]] std::vector<RouteSegment> routeSegmentsOf(const PlacementInput& input, const Nesting& nesting);
+// Whether all boxes that the line names exist.
+[[nodiscard]] bool isWhole(const LineToPlace& line, std::size_t boxCount);
+
+// Returns the segments in the order of the lines. A line that names a missing box has none. The labels of segments that
+// are drawn as straight lines are end labels no longer.
+[[nodiscard]] std::vector<RouteSegment> routeSegmentsOf(const PlacementInput& input, const Nesting& nesting,
+                                                        EndLabels& endLabels);
 
 }  // namespace tessera_draw::placing

@@ -198,6 +198,7 @@ bool GapPlan::giveWay(const GapEdge& gapEdge, bool isTail) {
     Edge& edge = m_graph.edges[gapEdge.edge];
     const Index vertex = isTail ? edge.tail : edge.head;
     if (vertex >= m_graph.boxCount || (isTail ? edge.tailPort : edge.headPort) != nothing) return false;
+    if ((isTail ? edge.tailLabel : edge.headLabel) != nothing) return false;
     const auto& begin = isTail ? m_graph.outBegin : m_graph.inBegin;
     const double step = m_graph.height[vertex] / (begin[vertex + 1] - begin[vertex] + 1.0);
     const double way = std::min({4.0, step * 0.4, (gapEdge.lower() - gapEdge.upper()) / 3});

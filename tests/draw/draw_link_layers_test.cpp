@@ -84,7 +84,7 @@ TEST_F(DrawLinkLayers, OnlyTheGroupOfTheContradictionChanges) {
     EXPECT_EQ(levels({outer, beside, a, b}), (Levels{7, 9, 0, 1}));
 }
 
-TEST_F(DrawLinkLayers, LabelsStandNextToTheirEnds) {
+TEST_F(DrawLinkLayers, LabelsOfEndsNeedNoColumn) {
     const Index a = box(0);
     const Index b = box(0);
     const Index c = box(0);
@@ -99,12 +99,14 @@ TEST_F(DrawLinkLayers, LabelsStandNextToTheirEnds) {
     const Index back = label(LabelEnd::to);
     line(d, a, {back});
     layerByLines(input);
-    // Five columns would be enough for the labels of one line, four for the boxes.
-    EXPECT_EQ(input.boxes[d].level - input.boxes[a].level, 4);
-    EXPECT_EQ(input.boxes[from].level, input.boxes[a].level + 1);
-    EXPECT_EQ(input.boxes[center].level, input.boxes[a].level + 2);
-    EXPECT_EQ(input.boxes[to].level, input.boxes[d].level - 1);
-    EXPECT_EQ(input.boxes[back].level, input.boxes[a].level + 1) << "the line runs back to a";
+    EXPECT_EQ(levels({a, b, c, d}), (Levels{0, 1, 2, 3}));
+    EXPECT_EQ(input.boxes[center].level, 1);
+    const Placement placement = place(input, Spacing{});
+    EXPECT_EQ(tessera_test::findFault(input, placement), "");
+    EXPECT_EQ(placement.boxes[from].x, placement.boxes[a].right() + 24);
+    EXPECT_EQ(placement.boxes[back].x, placement.boxes[from].x) << "the line runs back to a";
+    EXPECT_EQ(placement.boxes[to].right(), placement.boxes[d].x - 24);
+    EXPECT_GE(placement.boxes[a].height, 60) << "two labels fit beside it";
 }
 
 // Whatever group the levels had put them in, and whether or not these contradict anything.
@@ -132,12 +134,14 @@ TEST_F(DrawLinkLayers, AContainerThatGetsALabelIsLayeredAgain) {
     const Index c = box(0, second);
     line(b, c);
     const Index to = label(LabelEnd::to, 4);
+    const Index late = label(LabelEnd::from, 4);
     const Index center = label(LabelEnd::none, 3);
-    line(a, c, {center, to});
+    line(a, c, {center, late, to});
     layerByLines(input);
     EXPECT_EQ(levels({b, c}), (Levels{0, 1})) << "they contradicted the line between them";
     EXPECT_EQ(input.boxes[to].group, second);
-    EXPECT_EQ(input.boxes[to].level, 0);
+    EXPECT_EQ(input.boxes[late].group, first) << "it is not the first one of its line";
+    EXPECT_EQ(input.boxes[late].level, 1);
     // The top level keeps its levels, and the label that stays there its own.
     EXPECT_EQ(levels({first, center, second}), (Levels{0, 3, 8}));
 }
@@ -155,8 +159,8 @@ TEST_F(DrawLinkLayers, LinesOverABorderDrawTheirEndsToIt) {
     line(leaving, beside, {at});
     layerByLines(input);
     EXPECT_EQ(levels({a, b, c}), (Levels{0, 1, 2}));
-    // In the column before the last, with its label in the last one.
-    EXPECT_EQ(levels({leaving, at}), (Levels{1, 2}));
+    // In the last column, with its label beside it.
+    EXPECT_EQ(levels({leaving}), (Levels{2}));
     EXPECT_EQ(input.boxes[at].group, outer);
     EXPECT_EQ(levels({outer, beside}), (Levels{0, 1}));
 }

@@ -13,6 +13,7 @@ namespace {
 
 using tessera_draw::BoxToPlace;
 using tessera_draw::Index;
+using LabelEnd = tessera_draw::BoxToPlace::LabelEnd;
 using tessera_draw::LineToPlace;
 using tessera_draw::nothing;
 using tessera_draw::PlacedLine;
@@ -56,11 +57,11 @@ class Checker {
         const BoxToPlace& box = m_input.boxes[i];
         const Rect& rect = m_placement.boxes[i];
         require(std::isfinite(rect.x) && std::isfinite(rect.y), fmt::format("box {} is nowhere", i));
-        const bool isExact = !box.isContainer;
-        require(isExact
-                    ? rect.width == box.size.width && rect.height == box.size.height
-                    : rect.width >= box.size.width - tolerance && rect.height >= box.size.height - tolerance,
-                fmt::format("box {} has another size", i));
+        const bool hasWidth =
+            box.isContainer ? rect.width >= box.size.width - tolerance : rect.width == box.size.width;
+        const bool hasHeight =
+            box.isLabel && !isEndOfLine(i) ? rect.height == box.size.height : rect.height >= box.size.height - tolerance;
+        require(hasWidth && hasHeight, fmt::format("box {} has another size", i));
         Rect around{0, 0, m_placement.size.width, m_placement.size.height};
         tessera_draw::Insets padding;
         if (box.group != nothing) {
@@ -82,13 +83,44 @@ class Checker {
         require(isApart, fmt::format("boxes {} and {} overlap", i, k));
         const BoxToPlace& boxA = m_input.boxes[i];
         const BoxToPlace& boxB = m_input.boxes[k];
-        const bool areOrdered = boxA.level != -1 && boxB.level != -1 &&
+        const bool areOrdered = boxA.level != -1 && boxB.level != -1 && !isEndLabel(boxA) && !isEndLabel(boxB) &&
                                 boxA.border == BoxToPlace::Border::none &&
                                 boxB.border == BoxToPlace::Border::none && boxA.level != boxB.level;
         if (!areOrdered) return;
         const bool isFirst = boxA.level < boxB.level;
         require((isFirst ? a.right() : b.right()) <= (isFirst ? b.x : a.x) + tolerance,
                 fmt::format("boxes {} and {} are not in the order of their levels", i, k));
+    }
+
+    static bool isEndLabel(const BoxToPlace& box) { return box.labelEnd != LabelEnd::none; }
+
+    [[nodiscard]] bool isEndOfLine(Index box) const {
+        return std::any_of(
+            m_input.lines.begin(), m_input.lines.end(),
+            [&](const LineToPlace& line) { return line.from == box || line.to == box; });
+    }
+
+    // Whether the label is in the container that its place beside the line's end is in, and on this line only.
+    [[nodiscard]] bool isAtHome(Index label, Index end, Index otherEnd) const {
+        if (isEndOfLine(label)) return false;
+        const bool isInside = end != otherEnd && contains(end, otherEnd);
+        return m_input.boxes[label].group == (isInside ? end : m_input.boxes[end].group);
+    }
+
+    void checkEndLabels(const LineToPlace& line, const PlacedLine& placed) {
+        const Index first = line.through.front();
+        const Index last = line.through.back();
+        if (m_input.boxes[first].labelEnd == LabelEnd::from && isAtHome(first, line.from, line.to))
+            checkDistance(first, placed.stretches.front());
+        if (m_input.boxes[last].labelEnd == LabelEnd::to && isAtHome(last, line.to, line.from))
+            checkDistance(last, placed.stretches.back());
+    }
+
+    void checkDistance(Index label, const PlacedLine::Stretch& stretch) {
+        const Point& end = stretch.segments.back().end;
+        require(stretch.segments.size() == 1 && std::abs(end.y - stretch.start.y) < tolerance &&
+                    std::abs(end.x - stretch.start.x) <= 80,
+                fmt::format("label {} is far from its end", label));
     }
 
     void checkLine(const LineToPlace& line, const PlacedLine& placed) {
@@ -101,6 +133,7 @@ class Checker {
         require(placed.stretches.size() == stretches, "a line has another number of stretches");
         for (std::size_t i = 0; i < stretches && m_fault.empty(); ++i)
             checkStretch(stops[i], stops[i + 1], placed.stretches[i]);
+        if (stretches > 1 && m_fault.empty()) checkEndLabels(line, placed);
     }
 
     [[nodiscard]] bool isOnSide(Index box, const Point& at) const {
@@ -236,6 +269,7 @@ class Maker {
         for (unsigned labels = below(3) == 0 ? 1 + below(3) : 0; labels > 0; --labels) {
             const Index label = addBox(false);
             m_input.boxes[label].isLabel = true;
+            m_input.boxes[label].labelEnd = static_cast<LabelEnd>(below(3));
             m_input.boxes[label].border = BoxToPlace::Border::none;
             line.through.push_back(label);
         }

@@ -3,10 +3,16 @@ import ELK from 'elkjs/lib/elk.bundled.js';
 import {readFileSync, writeFileSync} from 'node:fs';
 
 const {groups, nodes, links} = JSON.parse(readFileSync(process.argv[2], 'utf8'));
-const padding = {'elk.padding': '[top=40,left=20,bottom=20,right=20]'};
+// The distances of Tessera's drawings.
+const spacing = {
+  'elk.spacing.nodeNode': 24, 'elk.layered.spacing.nodeNodeBetweenLayers': 40,
+  'elk.spacing.edgeNode': 10, 'elk.layered.spacing.edgeNodeBetweenLayers': 10,
+  'elk.spacing.edgeEdge': 10, 'elk.layered.spacing.edgeEdgeBetweenLayers': 10,
+};
+const padding = {...spacing, 'elk.padding': '[top=40,left=20,bottom=20,right=20]'};
 const root = {
   id: '/',
-  layoutOptions: {'elk.algorithm': 'layered', 'elk.hierarchyHandling': 'INCLUDE_CHILDREN', 'elk.direction': 'RIGHT'},
+  layoutOptions: {'elk.algorithm': 'layered', 'elk.hierarchyHandling': 'INCLUDE_CHILDREN', 'elk.direction': 'RIGHT', ...spacing},
   children: [],
   edges: links.map(([from, to, labels], i) => ({
     id: `l${i}`, sources: [from], targets: [to],
