@@ -107,13 +107,16 @@ class Checker {
         return m_input.boxes[label].group == (isInside ? end : m_input.boxes[end].group);
     }
 
+    // Of lines that have no other labels.
     void checkEndLabels(const LineToPlace& line, const PlacedLine& placed) {
         const Index first = line.through.front();
         const Index last = line.through.back();
-        if (m_input.boxes[first].labelEnd == LabelEnd::from && isAtHome(first, line.from, line.to))
-            checkDistance(first, placed.stretches.front());
-        if (m_input.boxes[last].labelEnd == LabelEnd::to && isAtHome(last, line.to, line.from))
-            checkDistance(last, placed.stretches.back());
+        const bool isAtFrom =
+            m_input.boxes[first].labelEnd == LabelEnd::from && isAtHome(first, line.from, line.to);
+        const bool isAtTo = m_input.boxes[last].labelEnd == LabelEnd::to && isAtHome(last, line.to, line.from);
+        if (line.through.size() != std::size_t(isAtFrom) + std::size_t(isAtTo)) return;
+        if (isAtFrom) checkDistance(first, placed.stretches.front());
+        if (isAtTo) checkDistance(last, placed.stretches.back());
     }
 
     void checkDistance(Index label, const PlacedLine::Stretch& stretch) {
