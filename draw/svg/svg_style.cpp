@@ -57,6 +57,8 @@ void addShapes(std::string& sheet) {
     sheet +=
         fmt::format(".tessera-diagram{{font-family:{};font-variant-numeric:tabular-nums}}\n", fontFamilies);
     // The direction of each text follows its own characters, not its surroundings.
+    // As wide as it is drawn, or as its page.
+    sheet += ".tessera-diagram{max-width:100%;height:auto}\n";
     sheet += ".tessera-diagram text{unicode-bidi:plaintext}\n";
     for (std::size_t i = 0; i < textRoleCount; ++i) {
         const TextStyle& style = styleOf(static_cast<TextRole>(i));

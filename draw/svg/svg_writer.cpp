@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "draw/picture_writer.h"
 #include "draw/scene/role_names.h"
 #include "draw/scene/scene_lines.h"
 #include "draw/scene/shapes.h"
@@ -66,6 +67,8 @@ class SvgWriter {
         m_text.raw("<svg xmlns=\"http://www.w3.org/2000/svg\" class=\"tessera-diagram ");
         m_text.raw(classOf(m_theme)).raw("\"");
         m_text.attribute("width", width).attribute("height", height);
+        // A page that is narrower still scrolls, where else no text could be read.
+        m_text.raw(fmt::format(" style=\"min-width:{:.0f}px\"", width * minReadableScale));
         m_text.raw(" viewBox=\"0 0 ").point({width, height}).raw("\" role=\"graphics-document document\"");
         m_text.raw(fmt::format(" aria-labelledby=\"{0}-title {0}-desc\"", m_id));
         m_text.attribute("data-mode", m_scene.mode);

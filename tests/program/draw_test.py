@@ -88,6 +88,13 @@ class Svg(Drawing):
             self.assertIn(each, ids)
         self.assertEqual(root.get('viewBox'), f'0 0 {root.get("width")} {root.get("height")}')
 
+    def test_a_browser_scales_a_drawing_to_its_width(self):
+        """With a width and height of its own, the width of its page as a limit, and a height that follows."""
+        root = self.tree()
+        self.assertIn('.tessera-diagram{max-width:100%;height:auto}', root.find(SVG + 'style').text)
+        least = float(root.get('style').removeprefix('min-width:').removesuffix('px'))
+        self.assertAlmostEqual(least, float(root.get('width')) / 4, delta=0.5)
+
     def test_scripts_find_nodes_and_lines(self):
         root = self.tree()
         self.assertEqual([each.get('data-id') for each in elements(root, 'node')], ['a', 'b', 'c'])
