@@ -155,6 +155,7 @@ Expected<tessera_draw::Scene> sceneOf(const Options& options, const MadeDiagram&
     sceneOptions.firstValues = made.created ? &*made.created : &made.diagram;
     sceneOptions.direction = directionOf(options.direction);
     sceneOptions.fit = options.fit;
+    sceneOptions.isFolded = options.fold != "off";
     sceneOptions.layers = layersOf(options.layers);
     sceneOptions.cancel = interruptToken();
     if (isInterrupted()) return tessera_host::cancelledError();

@@ -206,6 +206,11 @@ void addPicture(CLI::App& command, RawOptions& raw) {
             "The direction of a picture: lr (left to right), tb (top to bottom) or auto (the default: lr, "
             "or tb where that fits --fit better)")
         ->check(CLI::IsMember(namesOf(directionNames)));
+    command
+        .add_option("--fold", options.fold,
+                    "Whether the layers of a wide picture go on in further rows: auto (the default: of one wider than "
+                    "4:1 or higher than 1:3) or off")
+        ->check(CLI::IsMember({"auto", "off"}));
     command.add_option("--fit", raw.fit, "The shape of the space that a picture is for (default 16x10)")
         ->type_name("WIDTHxHEIGHT")
         ->check([](const std::string& text) {
@@ -270,8 +275,10 @@ Expected<void> checkPicture(const Options& options, bool hasScale, bool hasFit) 
     if (!options.direction.empty() && !format.isPicture()) return usageError("--direction" + pictures);
     if (!options.layers.empty() && !format.isPicture()) return usageError("--layers" + pictures);
     if (hasFit && !format.isPicture()) return usageError("--fit" + pictures);
-    if (hasFit && !options.direction.empty() && options.direction != "auto")
-        return usageError("--fit is for --direction auto");
+    if (!options.fold.empty() && !format.isPicture()) return usageError("--fold" + pictures);
+    const bool hasDirection = !options.direction.empty() && options.direction != "auto";
+    if (hasFit && hasDirection && options.fold == "off")
+        return usageError("--fit is for --direction auto and --fold auto");
     if (hasScale && format.kind != OutputFormat::Kind::pixels) return usageError("--scale is for png");
     return {};
 }

@@ -38,6 +38,7 @@ struct Options {
     std::string theme;                     // of a picture: "light", "dark" or "auto"
     std::string direction;                 // of a picture: "lr", "tb" or "auto"
     tessera_draw::Size fit{16, 10};        // the shape that "auto" is for
+    std::string fold;                      // of a picture: "auto" or "off"
     std::string layers;                    // of a picture: "links" or "document"
     double scale = 1;                      // pixels of a PNG for one of the drawing
     bool timePasses = false;

@@ -38,8 +38,11 @@ struct LayoutOptions {
     // Checked between steps; see layOut(). The default is never cancelled.
     tessera_support::CancelToken cancel{};
     LayerSource layers = LayerSource::links;
-    // For Direction::automatic: the shape of the space that the drawing is for, in any unit. REQUIRES: both are > 0.
+    // For Direction::automatic and for folding: the shape of the space that the drawing is for, in any unit.
+    // REQUIRES: both are > 0.
     Size fit = {16, 10};
+    // Whether the layers of a drawing that is wider than 4:1, or higher than 1:3, go on in further rows.
+    bool isFolded = true;
 };
 
 struct LayoutData;  // draw/scene/layout_data.h
@@ -80,7 +83,8 @@ using LayoutPointer = std::shared_ptr<const Layout>;
 // layout without boxes. The same input gives the same layout. Any thread, as long as no other thread
 // changes the bags or the reservation.
 //
-// Takes n log n time, where n counts nodes and links; twice that where both directions are tried.
+// Takes n log n time, where n counts nodes and links; a few times that where both directions, or several widths of rows,
+// are tried.
 //
 // Returns null when `options.cancel` was cancelled before all boxes had their
 // places. There are no other errors.

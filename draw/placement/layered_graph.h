@@ -31,7 +31,7 @@ struct Edge {
         toLane,  // to the lane below all boxes of the container, and from there
         fromLane
     };
-    enum class Bend : std::uint8_t { none, curve, track };
+    enum class Bend : std::uint8_t { none, curve, track, fold };
 
     Index tail = nothing;  // vertices; `nothing` at a lane
     Index head = nothing;
@@ -44,6 +44,7 @@ struct Edge {
     double tailOffset = 0;  // where it touches, from the vertex's top; at a lane: from the container's
     double headOffset = 0;
     double trackX = 0;  // of a bend in a track: from the start of the gap
+    Index fold = nothing;  // of a bend into the next row: in the geometry
 };
 
 // The far end of an edge, as the vertex at its near end sees it.

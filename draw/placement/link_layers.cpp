@@ -283,7 +283,7 @@ class LineLayers {
         const auto count = static_cast<Index>(m_boxOf.size());
         std::vector<RankEdge> edges;
         for (const Ends& each : ends)
-            if (each.tail != each.head) edges.push_back({each.tail, each.head, each.labels + 1, 1});
+            if (each.tail != each.head) edges.push_back({each.tail, each.head, 1, 1});
         // All members are between the borders, without being drawn to them.
         for (Index vertex = 2; hasBorders && vertex < count; ++vertex) {
             edges.push_back({0, vertex, 1, 0});
@@ -295,26 +295,47 @@ class LineLayers {
         return ranks;
     }
 
+    // Labels stand between the layers of boxes: in the middle gap of their line, or in the one next to their end.
     void setLevels(std::size_t begin, const std::vector<Ends>& ends, const std::vector<Rank>& ranks) {
+        Rank mostLabels = 0;
+        for (const Ends& each : ends)
+            mostLabels = std::max(mostLabels, each.labels);
+        m_positions.clear();
+        const auto position = [&](Index box, Rank rank, Rank afterIt) {
+            m_positions.emplace_back((std::int64_t{rank} + 1) * (mostLabels + 1) + afterIt, box);
+        };
         for (Index vertex = 2; vertex < m_boxOf.size(); ++vertex)
-            m_input.boxes[m_boxOf[vertex]].level = ranks[vertex];
+            position(m_boxOf[vertex], ranks[vertex], 0);
         for (std::size_t i = 0; i < ends.size(); ++i) {
             const Ends& each = ends[i];
-            // A line from a box to itself has its labels after the box.
             const Rank from = ranks[each.tail];
-            const Rank to = each.tail == each.head ? from + each.labels + 1 : ranks[each.head];
+            // A line from a box to itself has its labels after the box.
+            const Rank last = each.tail == each.head ? from : ranks[each.head] - 1;
             m_labels.clear();
             forEachLabel(m_parts[begin + i], [&](Index label) { m_labels.push_back(label); });
             if (each.isReversed) std::reverse(m_labels.begin(), m_labels.end());
-            for (Rank place = 0; place < each.labels; ++place) {
-                BoxToPlace& label = m_input.boxes[m_labels[place]];
-                const Rank earliest = from + 1 + place;
-                const Rank latest = to - each.labels + place;
-                const bool isAtTail = label.labelEnd == (each.isReversed ? LabelEnd::to : LabelEnd::from);
-                label.level = label.labelEnd == LabelEnd::none ? std::clamp((from + to) / 2, earliest, latest)
-                              : isAtTail                       ? earliest
-                                                               : latest;
+            Rank place = 0;
+            for (const Index label : m_labels) {
+                const LabelEnd end = m_input.boxes[label].labelEnd;
+                const bool isAtTail = end == (each.isReversed ? LabelEnd::to : LabelEnd::from);
+                const Rank gap = end == LabelEnd::none ? from + (last - from) / 2 : isAtTail ? from : last;
+                // A label that may stand beside boxes needs no column.
+                if (each.labels == 1 && end == LabelEnd::none && last > from)
+                    position(label, from + (last - from + 1) / 2, 0);
+                else
+                    position(label, gap, ++place);
             }
+        }
+        numberLevels();
+    }
+
+    // The order of the positions as levels without gaps.
+    void numberLevels() {
+        std::sort(m_positions.begin(), m_positions.end());
+        std::int32_t level = -1;
+        for (std::size_t i = 0; i < m_positions.size(); ++i) {
+            if (i == 0 || m_positions[i].first != m_positions[i - 1].first) ++level;
+            m_input.boxes[m_positions[i].second].level = level;
         }
     }
 
@@ -327,6 +348,7 @@ class LineLayers {
     std::vector<Index> m_vertexOf;  // by box, in the container at work
     std::vector<Index> m_boxOf;
     std::vector<Index> m_labels;
+    std::vector<std::pair<std::int64_t, Index>> m_positions;  // of boxes: where they stand among the container's
 };
 
 }  // namespace

@@ -80,6 +80,12 @@ class PathMaker {
         } else if (edge.bend == Edge::Bend::track) {
             addToEdge(m_geometry.gapBegin(gap) + edge.trackX, fromY);
             addToEdge(m_geometry.gapBegin(gap) + edge.trackX, toY);
+        } else if (edge.bend == Edge::Bend::fold) {
+            const Fold& fold = m_geometry.folds[edge.fold];
+            addToEdge(fold.right, fromY);
+            addToEdge(fold.right, fold.lane);
+            addToEdge(fold.left, fold.lane);
+            addToEdge(fold.left, toY);
         }
         if (edge.head != nothing) addToEdge(beforeHead(edge, isLoop), toY);
     }
@@ -181,7 +187,7 @@ class PathMaker {
     const std::vector<Rect>& m_boxes;
     const Spacing& m_spacing;
     Point m_origin;
-    std::array<Knot, 4> m_edgeKnots;
+    std::array<Knot, 6> m_edgeKnots;
     std::size_t m_edgeKnotCount = 0;
     std::vector<Knot> m_knots;
 };

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "draw/placement/container_geometry.h"
@@ -28,9 +29,29 @@ std::vector<Rect> inDrawing(const Nesting& nesting, const EndLabels& endLabels,
     return boxes;
 }
 
+// Places containers in as few rows of layers as the shape allows.
+ContainerGeometry foldedGeometry(const PlacementInput& input, const Nesting& nesting, LayeredGraph& graph,
+                                 const Spacing& spacing, const Folding& folding, const CancelToken& cancel) {
+    constexpr int mostRows = 8;
+    constexpr double spare = 1.1;  // rows are seldom filled
+    const auto inRows = [&](double width) {
+        return containerGeometryOf(input.boxes, nesting, graph, spacing, width, cancel);
+    };
+    const auto isTooWide = [&](const ContainerGeometry& geometry) {
+        const Rect& drawing = geometry.boxes.back();
+        return drawing.width + folding.around.width > folding.above * (drawing.height + folding.around.height);
+    };
+    ContainerGeometry geometry = inRows(std::numeric_limits<double>::infinity());
+    const double width = geometry.boxes.back().width;
+    for (int rows = 2; rows <= mostRows && !cancel.isCancelled() && isTooWide(geometry); ++rows)
+        geometry = inRows(width / rows * spare);
+    return geometry;
+}
+
 }  // namespace
 
-Placement place(const PlacementInput& input, const Spacing& spacing, const CancelToken& cancel) {
+Placement place(const PlacementInput& input, const Spacing& spacing, const Folding& folding,
+                const CancelToken& cancel) {
     Nesting nesting = nestingOf(input.boxes);
     EndLabels endLabels = endLabelsOf(input, nesting);
     const std::vector<RouteSegment> routeSegments = routeSegmentsOf(input, nesting, endLabels);
@@ -38,7 +59,8 @@ Placement place(const PlacementInput& input, const Spacing& spacing, const Cance
     LayeredGraph graph = layeredGraphOf(input.boxes, nesting, routeSegments,
                                         layersOf(input.boxes, nesting, routeSegments), endLabels);
     orderLayers(graph, nesting, cancel);
-    const ContainerGeometry geometry = containerGeometryOf(input.boxes, nesting, graph, spacing, cancel);
+    const ContainerGeometry geometry =
+        foldedGeometry(input, nesting, graph, spacing, folding, cancel);
     Placement placement;
     if (cancel.isCancelled()) return placement;
     placement.size = {geometry.boxes.back().width, geometry.boxes.back().height};

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "draw/geometry.h"
@@ -60,6 +61,12 @@ struct Spacing {
     double cornerRadius = 12;   // maximum radius of the bends of lines
 };
 
+// Layers that need much more width than height go on in further rows, below one another.
+struct Folding {
+    double above = std::numeric_limits<double>::infinity();  // width divided by height, beyond which that is done
+    Size around;                                             // added to the drawing for its shape
+};
+
 // A segment of a line, from the end of the one before: straight to `end`, or a cubic Bézier curve to it with
 // two control points.
 struct Segment {
@@ -101,7 +108,7 @@ struct Placement {
 // The result depends on the input and the spacing only. Once `cancel` is cancelled, returns soon with an
 // empty placement, without boxes and lines. Any thread. Takes n log n time, where n counts boxes, lines and
 // the layers that lines cross. No recursion, so any nesting depth works.
-[[nodiscard]] Placement place(const PlacementInput& input, const Spacing& spacing,
+[[nodiscard]] Placement place(const PlacementInput& input, const Spacing& spacing, const Folding& folding = {},
                               const CancelToken& cancel = {});
 
 }  // namespace tessera_draw

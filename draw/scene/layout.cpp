@@ -138,42 +138,50 @@ struct Attempt {
     Placement placement;
 };
 
-std::optional<Attempt> layOutIn(Direction direction, const LayoutData& data, LayoutOptions options) {
+std::optional<Attempt> layOutIn(Direction direction, bool isFolded, const LayoutData& data,
+                                LayoutOptions options) {
     options.direction = direction;
+    options.isFolded = isFolded && options.isFolded;
     Attempt attempt{makeInput(data.structure, data.linkPaths, data.kinds, data.sizes, options), {}};
-    attempt.placement = placeInput(attempt.input, direction, options.cancel);
+    attempt.placement = placeInput(attempt.input, options);
     if (attempt.placement.boxes.size() != attempt.input.input.boxes.size()) return std::nullopt;  // cancelled
     return attempt;
 }
 
+Size inPicture(const Attempt& attempt) {
+    const Size size = attempt.placement.size;
+    return {size.width + 2 * sceneMargin, size.height + contentTop + sceneMargin};
+}
+
+bool isBand(Size picture) {
+    return picture.width > widestShape * picture.height || picture.height > highestShape * picture.width;
+}
+
 // How large the drawing can be shown in a space of that shape; a band, wide or high, counts less.
-double scaleIn(Size fit, Size drawing) {
-    constexpr double widest = 4;
-    constexpr double highest = 3;
+double scaleIn(Size fit, Size picture) {
     constexpr double band = 0.75;
-    const bool isBand = drawing.width > widest * drawing.height || drawing.height > highest * drawing.width;
-    return std::min(fit.width / std::max(drawing.width, 1.0), fit.height / std::max(drawing.height, 1.0)) *
-           (isBand ? band : 1);
+    return std::min(fit.width / picture.width, fit.height / picture.height) * (isBand(picture) ? band : 1);
 }
 
 std::optional<Attempt> layOutBest(const LayoutData& data, const LayoutOptions& options) {
-    if (options.direction != Direction::automatic) return layOutIn(options.direction, data, options);
+    using enum Direction;
+    if (options.direction != automatic) return layOutIn(options.direction, true, data, options);
     // Reading to the right is easier, and one layout takes less time than two.
     constexpr double fitsAnywhere = 1200;        // pixels
     constexpr std::size_t seenAsAWhole = 2'000;  // boxes
     constexpr double tooWide = 1.5;
     constexpr double clearlyBetter = 1.1;
-    std::optional<Attempt> right = layOutIn(Direction::leftToRight, data, options);
-    if (!right) return right;
-    const Size size = right->placement.size;
-    if (size.width <= fitsAnywhere || right->placement.boxes.size() > seenAsAWhole ||
-        size.width * options.fit.height <= tooWide * size.height * options.fit.width)
-        return right;
-    std::optional<Attempt> down = layOutIn(Direction::topToBottom, data, options);
-    if (!down) return down;
-    const bool isBetter =
-        scaleIn(options.fit, down->placement.size) > clearlyBetter * scaleIn(options.fit, size);
-    return isBetter ? std::move(down) : std::move(right);
+    std::optional<Attempt> best = layOutIn(leftToRight, false, data, options);
+    if (!best) return best;
+    const Size size = best->placement.size;
+    if (size.width > fitsAnywhere && best->placement.boxes.size() <= seenAsAWhole &&
+        size.width * options.fit.height > tooWide * size.height * options.fit.width) {
+        std::optional<Attempt> down = layOutIn(topToBottom, false, data, options);
+        if (!down) return down;
+        if (scaleIn(options.fit, inPicture(*down)) > clearlyBetter * scaleIn(options.fit, inPicture(*best)))
+            best = std::move(down);
+    }
+    return isBand(inPicture(*best)) ? layOutIn(leftToRight, true, data, options) : std::move(best);
 }
 
 }  // namespace

@@ -40,6 +40,9 @@ struct LayoutData {
 };
 
 inline constexpr double sceneMargin = 28;
+// Width to height, and height to width, beyond which a drawing is a band that is hard to look at.
+inline constexpr double widestShape = 4;
+inline constexpr double highestShape = 3;
 inline constexpr double contentTop = 72;  // below the heading
 
 }  // namespace tessera_draw

@@ -7,6 +7,7 @@
 
 #include "draw/placement/link_layers.h"
 #include "draw/scene/display_types.h"
+#include "draw/scene/layout_data.h"
 
 namespace tessera_draw {
 namespace {
@@ -206,9 +207,16 @@ SceneInput makeInput(const Diagram& diagram, const LinkPaths& linkPaths, const B
     return result;
 }
 
-Placement placeInput(const SceneInput& input, Direction direction, const CancelToken& cancel) {
-    Placement placement = place(input.input, Spacing{}, cancel);
-    if (direction == Direction::topToBottom) turn(placement);
+Placement placeInput(const SceneInput& input, const LayoutOptions& options) {
+    const bool isDown = options.direction == Direction::topToBottom;
+    Folding folding;
+    // Larger ones are not seen as a whole, and take longer.
+    constexpr std::size_t mostBoxes = 5'000;
+    if (options.isFolded && input.input.boxes.size() <= mostBoxes) folding.above = isDown ? highestShape : widestShape;
+    folding.around = {2 * sceneMargin, contentTop + sceneMargin};
+    if (isDown) std::swap(folding.around.width, folding.around.height);
+    Placement placement = place(input.input, Spacing{}, folding, options.cancel);
+    if (isDown) turn(placement);
     return placement;
 }
 

@@ -19,8 +19,8 @@ struct SceneInput {
 [[nodiscard]] SceneInput makeInput(const Diagram& diagram, const LinkPaths& linkPaths, const BoxKinds& kinds,
                                    const std::vector<BoxSize>& sizes, const LayoutOptions& options);
 
-// Places what makeInput() returned for the same `direction`. The result has the drawing's directions, in
-// pixels from (0, 0). Empty when `cancel` was cancelled.
-[[nodiscard]] Placement placeInput(const SceneInput& input, Direction direction, const CancelToken& cancel);
+// Places what makeInput() returned for the same options. The result has the drawing's directions, in pixels from (0, 0).
+// Empty when it was cancelled.
+[[nodiscard]] Placement placeInput(const SceneInput& input, const LayoutOptions& options);
 
 }  // namespace tessera_draw

@@ -172,7 +172,7 @@ TEST_F(DrawLinkLayers, ALineToItselfHasItsLabelsAfterItsBox) {
     const Index l = label(LabelEnd::none);
     line(a, a, {l});
     layerByLines(input);
-    EXPECT_EQ(levels({a, b, l}), (Levels{0, 1, 1}));
+    EXPECT_EQ(levels({a, l, b}), (Levels{0, 1, 2}));
 }
 
 // Lines without ends, groups in a ring: nothing is out of range, and the placement is sound.

@@ -43,16 +43,16 @@ TEST(DrawPlacementProperties, StopsWhenItIsCancelled) {
         const PlacementInput input = randomDrawing(seed);
         const auto whole = place(input, {});
         tessera_support::CancelSource source;
-        ASSERT_EQ(place(input, {}, source.token()).boxes, whole.boxes);
+        ASSERT_EQ(place(input, {}, {}, source.token()).boxes, whole.boxes);
         Placement placed;
         {
-            const std::jthread work([&] { placed = place(input, {}, source.token()); });
+            const std::jthread work([&] { placed = place(input, {}, {}, source.token()); });
             std::this_thread::sleep_for(std::chrono::microseconds(seed * 7 % 300));
             source.cancel();
         }
         if (placed.boxes.empty()) ++stopped;
         ASSERT_TRUE(placed.boxes == whole.boxes || (placed.boxes.empty() && placed.lines.empty())) << seed;
-        ASSERT_TRUE(place(input, {}, source.token()).boxes.empty()) << seed;
+        ASSERT_TRUE(place(input, {}, {}, source.token()).boxes.empty()) << seed;
     }
     RecordProperty("stopped", static_cast<int>(stopped));
 }

@@ -1,0 +1,340 @@
+#include "draw/placement/columns.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace tessera_draw::placing {
+namespace {
+
+constexpr double middle = 0.5;  // the share of the free width before a box that stands around its column's axis
+
+}  // namespace
+
+Columns::Columns(const std::vector<BoxToPlace>& boxes, LayeredGraph& graph, const Spacing& spacing,
+                 const Offsets& offsets, const std::vector<double>& widths, ContainerGeometry& geometry)
+    : m_boxes(boxes),
+      m_graph(graph),
+      m_spacing(spacing),
+      m_offsets(offsets),
+      m_widths(widths),
+      m_geometry(geometry),
+      m_left(boxes.size(), 0),
+      m_portLabels(graph.firstLayer.back(), 0) {}
+
+Size Columns::place(Index container, const Limits& limits, double height, double foldWidth) {
+    m_first = m_graph.firstLayer[container];
+    m_last = m_graph.lastLayer(container);
+    m_hasFolds = false;
+    findPortLabels();
+    const double all = measure(limits);
+    if (all > foldWidth) chooseFolds(foldWidth);
+    Size size{0, height};
+    if (m_hasFolds) {
+        size.height = std::max(limits.minSize.height, stackRows(limits));
+        // The tops have changed.
+        (void)measure(limits);
+        size.width = setRows(limits);
+    } else {
+        size.width = setRow(std::max(limits.minSize.width - all, 0.0));
+    }
+    setLefts();
+    return size;
+}
+
+// Returns the width of all layers and gaps.
+double Columns::measure(const Limits& limits) {
+    m_gaps.resize(m_last - m_first);
+    // Labels inside the borders stand between the padding and the gap.
+    m_geometry.layerWidth[m_last] =
+        m_portLabels[m_last] > 0 ? m_portLabels[m_last] + limits.padding.right : 0;
+    double all = m_geometry.layerWidth[m_last];
+    for (Index layer = m_first; layer < m_last; ++layer) {
+        Gap& gap = gapAfter(layer);
+        gap.isFold = gap.isFold && m_hasFolds;
+        collectGap(layer);
+        gap.lines = static_cast<Index>(std::count_if(m_gap.begin(), m_gap.end(), [](const GapEdge& edge) {
+            return !edge.isLoop;
+        }));
+        double bends = 0;
+        if (!gap.isFold) bends = GapPlan(m_gap, m_graph, m_spacing).width();
+        gap.width = std::max(bends, minGap(layer, limits, bends > 0));
+        gap.edges = m_gap;
+        const Column column = columnOf(layer);
+        m_geometry.layerWidth[layer] = std::max(column.before + column.after, column.widest);
+        if (layer == m_first)
+            m_geometry.layerWidth[layer] =
+                std::max(limits.header.width,
+                         m_portLabels[layer] > 0 ? limits.padding.left + m_portLabels[layer] : 0);
+        all += gap.width + m_geometry.layerWidth[layer];
+    }
+    return all;
+}
+
+// All edges that may bend between this layer and the next one.
+void Columns::collectGap(Index layer) {
+    m_gap.clear();
+    const Index begin = m_graph.layerBegin[layer];
+    for (Index i = begin; i < m_graph.layerBegin[layer + 1]; ++i) {
+        const Index vertex = m_graph.order[i];
+        for (Index k = m_graph.outBegin[vertex]; k < m_graph.outBegin[vertex + 1]; ++k)
+            addToGap(m_graph.outEdges[k]);
+        m_offsets.forOthers(vertex, [&](Index edge, bool isTail) {
+            const bool isAfterLayer = m_graph.edges[edge].kind == Edge::Kind::toLane ||
+                                      (m_graph.edges[edge].kind == Edge::Kind::loop && isTail);
+            if (isAfterLayer) addToGap(edge);
+        });
+    }
+    for (Index i = m_graph.layerBegin[layer + 1]; i < m_graph.layerBegin[layer + 2]; ++i)
+        m_offsets.forOthers(m_graph.order[i], [&](Index edge, bool) {
+            if (m_graph.edges[edge].kind == Edge::Kind::fromLane) addToGap(edge);
+        });
+}
+
+void Columns::addToGap(Index index) {
+    Edge& edge = m_graph.edges[index];
+    edge.bend = Edge::Bend::none;
+    GapEdge inGap;
+    inGap.edge = index;
+    inGap.from = edge.tail == nothing ? edge.tailOffset : m_graph.tailY(edge);
+    inGap.to = edge.head == nothing ? edge.headOffset : m_graph.headY(edge);
+    inGap.isLoop = edge.kind == Edge::Kind::loop;
+    m_gap.push_back(inGap);
+}
+
+// The gap's width without bends. At borders, bends may use the padding.
+double Columns::minGap(Index layer, const Limits& limits, bool hasBends) const {
+    const bool isFirst = layer == m_first;
+    const bool isLast = layer + 1 == m_last;
+    const double before =
+        m_portLabels[m_first] > 0 ? m_spacing.besideLabels : limits.padding.left - limits.header.width;
+    const double after = m_portLabels[m_last] > 0 ? m_spacing.besideLabels : limits.padding.right;
+    if (isFirst && isLast) return before + after;
+    if (isFirst) return before;
+    if (isLast) return after;
+    const bool isBesideLabels = hasOnlyLabels(layer) || hasOnlyLabels(layer + 1);
+    return isBesideLabels && !hasBends ? m_spacing.besideLabels : m_spacing.betweenLayers;
+}
+
+// Of the boxes in the layer.
+bool Columns::hasOnlyLabels(Index layer) const {
+    return std::all_of(m_graph.order.begin() + m_graph.layerBegin[layer],
+                       m_graph.order.begin() + m_graph.layerBegin[layer + 1], [&](Index vertex) {
+                           return vertex >= m_graph.boxCount || m_boxes[vertex].isLabel;
+                       });
+}
+
+// The widest labels inside the borders before the first and after the last layer.
+void Columns::findPortLabels() {
+    for (const Index layer : {m_first, m_last})
+        for (Index i = m_graph.layerBegin[layer]; i < m_graph.layerBegin[layer + 1]; ++i) {
+            const Index vertex = m_graph.order[i];
+            const Index label = layer == m_first ? labelAfter(vertex) : labelBefore(vertex);
+            if (label != nothing)
+                m_portLabels[layer] = std::max(m_portLabels[layer], m_boxes[label].size.width);
+        }
+}
+
+// Of hierarchical ports, at which one edge ends.
+Index Columns::labelAfter(Index port) const {
+    const Index edge = m_graph.outBegin[port];
+    return edge == m_graph.outBegin[port + 1] ? nothing : m_graph.edges[m_graph.outEdges[edge]].tailLabel;
+}
+Index Columns::labelBefore(Index port) const {
+    const Index edge = m_graph.inBegin[port];
+    return edge == m_graph.inBegin[port + 1] ? nothing : m_graph.edges[m_graph.inEdges[edge]].headLabel;
+}
+
+Columns::Column Columns::columnOf(Index layer) const {
+    Column column;
+    for (Index i = m_graph.layerBegin[layer]; i < m_graph.layerBegin[layer + 1]; ++i) {
+        const Index box = m_graph.order[i];
+        if (box >= m_graph.boxCount) continue;
+        const double before = m_offsets.widthBefore(box) + m_widths[box] / 2;
+        const double after = m_offsets.widthAfter(box) + m_widths[box] / 2;
+        if (shareInColumn(box) == middle) {
+            column.before = std::max(column.before, before);
+            column.after = std::max(column.after, after);
+        } else {
+            column.widest = std::max(column.widest, before + after);
+        }
+    }
+    return column;
+}
+
+// In a column with a grid, which is wide, a box is moved to the side that its lines come from, or else to
+// the side that they lead to.
+double Columns::shareInColumn(Index box) const {
+    const Index layer = m_graph.layer[box];
+    const Index last = m_graph.at(layer, m_graph.sizeOf(layer) - 1);
+    const bool isBesideGrid =
+        last != box && last < m_graph.boxCount && m_graph.grids.ofBox[last] != nothing;
+    if (!isBesideGrid || m_boxes[box].along != BoxToPlace::Along::middle) return shareBefore(m_boxes[box]);
+    if (m_graph.inBegin[box] < m_graph.inBegin[box + 1]) return 0;
+    return m_graph.outBegin[box] < m_graph.outBegin[box + 1] ? 1 : middle;
+}
+
+// All layers in one row. Returns the container's width.
+double Columns::setRow(double spare) {
+    // What the minimum leaves is divided between both sides, so that the contents are centered.
+    m_gaps.front().width += spare / 2;
+    m_gaps.back().width += spare / 2;
+    double x = 0;
+    for (Index layer = m_first; layer < m_last; ++layer) {
+        m_geometry.layerX[layer] = x;
+        Gap& gap = gapAfter(layer);
+        GapPlan(gap.edges, m_graph, m_spacing).setTracks(gap.width);
+        x += m_geometry.layerWidth[layer] + gap.width;
+    }
+    m_geometry.layerX[m_last] = x;
+    return x + m_geometry.layerWidth[m_last];
+}
+
+// Fills each row up to the width, and ends it where few lines lead on.
+void Columns::chooseFolds(double foldWidth) {
+    constexpr double leastFilled = 0.55;
+    constexpr double emptiness = 8;  // as many lines are worth a row that is empty
+    for (Gap& gap : m_gaps)
+        gap.isFold = false;
+    double x = 0;
+    double best = std::numeric_limits<double>::infinity();
+    Index bestLayer = nothing;
+    double afterBest = 0;  // the width of what follows the best end so far
+    // The border's layers stay in the rows of their neighbours.
+    for (Index layer = m_first; layer + 1 < m_last; ++layer) {
+        x += m_geometry.layerWidth[layer];
+        const Gap& gap = gapAfter(layer);
+        afterBest += m_geometry.layerWidth[layer];
+        if (layer > m_first && x >= leastFilled * foldWidth) {
+            const double cost = gap.lines + emptiness * (1 - x / foldWidth);
+            if (cost <= best || bestLayer == nothing) {
+                best = cost;
+                bestLayer = layer;
+                afterBest = 0;
+            }
+        }
+        x += gap.width;
+        if (bestLayer != layer) afterBest += gap.width;
+        const Index next = layer + 1;
+        const bool isFull = x + m_geometry.layerWidth[next] > foldWidth;
+        if (!isFull || bestLayer == nothing || next == m_last) continue;
+        gapAfter(bestLayer).isFold = true;
+        m_hasFolds = true;
+        x = afterBest;
+        best = std::numeric_limits<double>::infinity();
+        bestLayer = nothing;
+    }
+}
+
+// Moves the rows below one another, with lanes for the lines between them. Returns the container's height.
+double Columns::stackRows(const Limits& limits) {
+    m_firstLanes.clear();
+    double bottom = limits.padding.top + limits.header.height;
+    double y = limits.padding.top;
+    Index lines = 0;
+    for (Index begin = m_first; begin <= m_last;) {
+        Index end = begin;
+        while (end < m_last && !gapAfter(end).isFold)
+            ++end;
+        double top = std::numeric_limits<double>::infinity();
+        for (Index i = m_graph.layerBegin[begin]; i < m_graph.layerBegin[end + 1]; ++i)
+            top = std::min(top, m_graph.top[m_graph.order[i]]);
+        if (begin == m_first) {
+            top = std::min(top, y);
+        } else {
+            m_firstLanes.push_back(bottom + m_spacing.betweenBoxes);
+            y = bottom + 2 * m_spacing.betweenBoxes + (lines == 0 ? 0 : lines - 1) * m_spacing.betweenLines;
+        }
+        for (Index i = m_graph.layerBegin[begin]; i < m_graph.layerBegin[end + 1]; ++i) {
+            const Index vertex = m_graph.order[i];
+            m_graph.top[vertex] += y - top;
+            bottom = std::max(bottom, m_graph.top[vertex] + m_graph.height[vertex]);
+        }
+        if (end < m_last) lines = gapAfter(end).lines;
+        begin = end + 1;
+    }
+    return bottom + limits.padding.bottom;
+}
+
+// Returns the container's width.
+double Columns::setRows(const Limits& limits) {
+    double x = 0;
+    double width = limits.minSize.width;
+    std::size_t row = 0;
+    for (Index layer = m_first; layer < m_last; ++layer) {
+        m_geometry.layerX[layer] = x;
+        Gap& gap = gapAfter(layer);
+        x += m_geometry.layerWidth[layer];
+        if (gap.isFold) {
+            width = std::max(width, foldGap(layer, x, {limits.padding.left, m_firstLanes[row++]}) + m_spacing.betweenBoxes +
+                                        limits.padding.right);
+            const double tracks = gap.lines == 0 ? 0 : (gap.lines - 1) * m_spacing.betweenLines;
+            x = limits.padding.left + tracks + m_spacing.betweenBoxes;
+        } else if (layer + 1 < m_last) {
+            GapPlan(gap.edges, m_graph, m_spacing).setTracks(gap.width);
+            x += gap.width;
+        }
+    }
+    // The last layer stands at the border, which may be beyond its row.
+    Gap& lastGap = m_gaps.back();
+    width = std::max(width, x + lastGap.width + m_geometry.layerWidth[m_last]);
+    lastGap.width = width - m_geometry.layerWidth[m_last] - x;
+    GapPlan(lastGap.edges, m_graph, m_spacing).setTracks(lastGap.width);
+    m_geometry.layerX[m_last] = width - m_geometry.layerWidth[m_last];
+    return width;
+}
+
+// Leads the lines after this layer to the right of their row, through lanes below it and up to the left of the next.
+// Of two lines that keep their order the lower one is the inner one at the right, and has the upper lane: so they do
+// not cross. Returns the row's right end.
+double Columns::foldGap(Index layer, double rowRight, const Point& firstLane) {
+    Gap& gap = gapAfter(layer);
+    m_foldEdges.clear();
+    for (const GapEdge& edge : gap.edges)
+        if (!edge.isLoop) m_foldEdges.push_back({edge.edge, edge.from, edge.to});
+    std::erase_if(gap.edges, [](const GapEdge& edge) { return !edge.isLoop; });
+    GapPlan loops(gap.edges, m_graph, m_spacing);
+    gap.width = loops.width();
+    loops.setTracks(gap.width);
+    double x = rowRight + std::max(gap.width, m_spacing.betweenBoxes);
+    std::sort(m_foldEdges.begin(), m_foldEdges.end(), [](const FoldEdge& a, const FoldEdge& b) {
+        return a.from != b.from ? a.from > b.from : a.edge < b.edge;
+    });
+    double lane = firstLane.y;
+    for (const FoldEdge& edge : m_foldEdges) {
+        m_graph.edges[edge.edge].bend = Edge::Bend::fold;
+        m_graph.edges[edge.edge].fold = static_cast<Index>(m_geometry.folds.size());
+        m_geometry.folds.push_back({x, lane, 0});
+        x += m_spacing.betweenLines;
+        lane += m_spacing.betweenLines;
+    }
+    std::sort(m_foldEdges.begin(), m_foldEdges.end(), [](const FoldEdge& a, const FoldEdge& b) {
+        return a.to != b.to ? a.to > b.to : a.edge < b.edge;
+    });
+    double left = firstLane.x;
+    for (const FoldEdge& edge : m_foldEdges) {
+        m_geometry.folds[m_graph.edges[edge.edge].fold].left = left;
+        left += m_spacing.betweenLines;
+    }
+    return x;
+}
+
+// Sets where each box or grid begins in its column.
+void Columns::setLefts() {
+    for (Index layer = m_first + 1; layer < m_last; ++layer) {
+        const Column column = columnOf(layer);
+        const double width = m_geometry.layerWidth[layer];
+        const double axis = column.before + (width - column.before - column.after) / 2;
+        for (Index i = m_graph.layerBegin[layer]; i < m_graph.layerBegin[layer + 1]; ++i) {
+            const Index box = m_graph.order[i];
+            if (box >= m_graph.boxCount) continue;
+            const double share = shareInColumn(box);
+            m_left[box] = m_geometry.layerX[layer] +
+                          (share == middle  ? axis - m_widths[box] / 2
+                           : share < middle ? m_offsets.widthBefore(box)
+                                            : width - m_offsets.widthAfter(box) - m_widths[box]);
+        }
+    }
+}
+
+}  // namespace tessera_draw::placing
