@@ -23,9 +23,11 @@ double weightOf(bool isOnLineA, bool isOnLineB) {
 
 class BlockGraphFiller {
   public:
-    BlockGraphFiller(BlockGraph& blockGraph, const LayeredGraph& graph, Index container)
+    BlockGraphFiller(BlockGraph& blockGraph, const LayeredGraph& graph, Index container,
+                     const std::vector<char>& isRowEnd)
         : m_blockGraph(blockGraph),
           m_graph(graph),
+          m_isRowEnd(isRowEnd),
           m_begin(graph.layerBegin[graph.firstLayer[container]]),
           m_shift(blockGraph.size()) {}
 
@@ -33,11 +35,14 @@ class BlockGraphFiller {
     void addAdjacencies(Index vertex) {
         const auto inBegin = static_cast<std::ptrdiff_t>(m_blockGraph.in.size());
         const auto outBegin = static_cast<std::ptrdiff_t>(m_blockGraph.out.size());
-        for (Index k = m_graph.inBegin[vertex]; k < m_graph.inBegin[vertex + 1]; ++k) {
+        const Index layer = m_graph.layer[vertex];
+        const bool isRowBegin = m_isRowEnd[layer == 0 ? 0 : layer - 1] != 0;
+        for (Index k = m_graph.inBegin[vertex]; !isRowBegin && k < m_graph.inBegin[vertex + 1]; ++k) {
             const Edge& edge = m_graph.edges[m_graph.inEdges[k]];
             m_blockGraph.in.push_back(adjacency(edge.tail, vertex, edge.headOffset, edge.tailOffset));
         }
-        for (Index k = m_graph.outBegin[vertex]; k < m_graph.outBegin[vertex + 1]; ++k) {
+        for (Index k = m_graph.outBegin[vertex]; m_isRowEnd[layer] == 0 && k < m_graph.outBegin[vertex + 1];
+             ++k) {
             const Edge& edge = m_graph.edges[m_graph.outEdges[k]];
             m_blockGraph.out.push_back(adjacency(edge.head, vertex, edge.tailOffset, edge.headOffset));
         }
@@ -64,6 +69,7 @@ class BlockGraphFiller {
 
     BlockGraph& m_blockGraph;
     const LayeredGraph& m_graph;
+    const std::vector<char>& m_isRowEnd;
     Index m_begin;
     // 1 when the title's vertex comes first, else 0.
     Index m_shift;
@@ -84,14 +90,14 @@ void addHeader(BlockGraph& blockGraph, double height, const Spacing& spacing) {
 }  // namespace
 
 void fillBlockGraph(BlockGraph& blockGraph, const LayeredGraph& graph, Index container, double header,
-                    const Spacing& spacing) {
+                    const std::vector<char>& isRowEnd, const Spacing& spacing) {
     blockGraph = {};
     if (header > 0) addHeader(blockGraph, header, spacing);
     const Index shift = blockGraph.size();
     const Index first = graph.firstLayer[container];
     const Index last = graph.lastLayer(container);
     const Index begin = graph.layerBegin[first];
-    BlockGraphFiller filler(blockGraph, graph, container);
+    BlockGraphFiller filler(blockGraph, graph, container, isRowEnd);
     for (Index layer = first; layer <= last; ++layer) {
         blockGraph.layerBegin.push_back(layer == first ? 0 : shift + graph.layerBegin[layer] - begin);
         for (Index i = graph.layerBegin[layer]; i < graph.layerBegin[layer + 1]; ++i) {

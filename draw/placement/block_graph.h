@@ -40,8 +40,9 @@ struct BlockGraph {
 
 // REQUIRES: order, heights and offsets of the container's vertices and edges are set. Unless `header` is 0,
 // the first layer begins with an entry of this height that has no vertex: the container's title.
+// Edges after a layer that `isRowEnd` names are left out.
 void fillBlockGraph(BlockGraph& blockGraph, const LayeredGraph& graph, Index container, double header,
-                    const Spacing& spacing);
+                    const std::vector<char>& isRowEnd, const Spacing& spacing);
 
 // Returns the y of each vertex's top, so that neighbours keep their distance and many edges are straight.
 // Sets isCrossed. All 0 when cancelled.

@@ -22,50 +22,52 @@ Columns::Columns(const std::vector<BoxToPlace>& boxes, LayeredGraph& graph, cons
       m_left(boxes.size(), 0),
       m_portLabels(graph.firstLayer.back(), 0) {}
 
-Size Columns::place(Index container, const Limits& limits, double height, double foldWidth) {
+void Columns::begin(Index container, const Limits& limits) {
     m_first = m_graph.firstLayer[container];
     m_last = m_graph.lastLayer(container);
+    m_limits = limits;
     m_hasFolds = false;
     findPortLabels();
-    const double all = measure(limits);
-    if (all > foldWidth) chooseFolds(foldWidth);
+    m_width = measure();
+}
+
+Size Columns::place(double height) {
     Size size{0, height};
     if (m_hasFolds) {
-        size.height = std::max(limits.minSize.height, stackRows(limits));
+        size.height = std::max(m_limits.minSize.height, stackRows());
         // The tops have changed.
-        (void)measure(limits);
-        size.width = setRows(limits);
+        (void)measure();
+        size.width = setRows();
     } else {
-        size.width = setRow(std::max(limits.minSize.width - all, 0.0));
+        size.width = setRow(std::max(m_limits.minSize.width - m_width, 0.0));
     }
     setLefts();
     return size;
 }
 
 // Returns the width of all layers and gaps.
-double Columns::measure(const Limits& limits) {
+double Columns::measure() {
     m_gaps.resize(m_last - m_first);
     // Labels inside the borders stand between the padding and the gap.
     m_geometry.layerWidth[m_last] =
-        m_portLabels[m_last] > 0 ? m_portLabels[m_last] + limits.padding.right : 0;
+        m_portLabels[m_last] > 0 ? m_portLabels[m_last] + m_limits.padding.right : 0;
     double all = m_geometry.layerWidth[m_last];
     for (Index layer = m_first; layer < m_last; ++layer) {
         Gap& gap = gapAfter(layer);
-        gap.isFold = gap.isFold && m_hasFolds;
         collectGap(layer);
         gap.lines = static_cast<Index>(std::count_if(m_gap.begin(), m_gap.end(), [](const GapEdge& edge) {
             return !edge.isLoop;
         }));
         double bends = 0;
-        if (!gap.isFold) bends = GapPlan(m_gap, m_graph, m_spacing).width();
-        gap.width = std::max(bends, minGap(layer, limits, bends > 0));
+        if (!isFold(layer)) bends = GapPlan(m_gap, m_graph, m_spacing).width();
+        gap.width = std::max(bends, minGap(layer, bends > 0));
         gap.edges = m_gap;
         const Column column = columnOf(layer);
         m_geometry.layerWidth[layer] = std::max(column.before + column.after, column.widest);
         if (layer == m_first)
             m_geometry.layerWidth[layer] =
-                std::max(limits.header.width,
-                         m_portLabels[layer] > 0 ? limits.padding.left + m_portLabels[layer] : 0);
+                std::max(m_limits.header.width,
+                         m_portLabels[layer] > 0 ? m_limits.padding.left + m_portLabels[layer] : 0);
         all += gap.width + m_geometry.layerWidth[layer];
     }
     return all;
@@ -103,12 +105,12 @@ void Columns::addToGap(Index index) {
 }
 
 // The gap's width without bends. At borders, bends may use the padding.
-double Columns::minGap(Index layer, const Limits& limits, bool hasBends) const {
+double Columns::minGap(Index layer, bool hasBends) const {
     const bool isFirst = layer == m_first;
     const bool isLast = layer + 1 == m_last;
     const double before =
-        m_portLabels[m_first] > 0 ? m_spacing.besideLabels : limits.padding.left - limits.header.width;
-    const double after = m_portLabels[m_last] > 0 ? m_spacing.besideLabels : limits.padding.right;
+        m_portLabels[m_first] > 0 ? m_spacing.besideLabels : m_limits.padding.left - m_limits.header.width;
+    const double after = m_portLabels[m_last] > 0 ? m_spacing.besideLabels : m_limits.padding.right;
     if (isFirst && isLast) return before + after;
     if (isFirst) return before;
     if (isLast) return after;
@@ -191,11 +193,10 @@ double Columns::setRow(double spare) {
 }
 
 // Fills each row up to the width, and ends it where few lines lead on.
-void Columns::chooseFolds(double foldWidth) {
+bool Columns::fold(double foldWidth) {
     constexpr double leastFilled = 0.55;
     constexpr double emptiness = 8;  // as many lines are worth a row that is empty
-    for (Gap& gap : m_gaps)
-        gap.isFold = false;
+    if (m_width <= foldWidth) return false;
     double x = 0;
     double best = std::numeric_limits<double>::infinity();
     Index bestLayer = nothing;
@@ -218,23 +219,24 @@ void Columns::chooseFolds(double foldWidth) {
         const Index next = layer + 1;
         const bool isFull = x + m_geometry.layerWidth[next] > foldWidth;
         if (!isFull || bestLayer == nothing || next == m_last) continue;
-        gapAfter(bestLayer).isFold = true;
+        m_geometry.isRowEnd[bestLayer] = 1;
         m_hasFolds = true;
         x = afterBest;
         best = std::numeric_limits<double>::infinity();
         bestLayer = nothing;
     }
+    return m_hasFolds;
 }
 
 // Moves the rows below one another, with lanes for the lines between them. Returns the container's height.
-double Columns::stackRows(const Limits& limits) {
+double Columns::stackRows() {
     m_firstLanes.clear();
-    double bottom = limits.padding.top + limits.header.height;
-    double y = limits.padding.top;
+    double bottom = m_limits.padding.top + m_limits.header.height;
+    double y = m_limits.padding.top;
     Index lines = 0;
     for (Index begin = m_first; begin <= m_last;) {
         Index end = begin;
-        while (end < m_last && !gapAfter(end).isFold)
+        while (end < m_last && !isFold(end))
             ++end;
         double top = std::numeric_limits<double>::infinity();
         for (Index i = m_graph.layerBegin[begin]; i < m_graph.layerBegin[end + 1]; ++i)
@@ -253,23 +255,23 @@ double Columns::stackRows(const Limits& limits) {
         if (end < m_last) lines = gapAfter(end).lines;
         begin = end + 1;
     }
-    return bottom + limits.padding.bottom;
+    return bottom + m_limits.padding.bottom;
 }
 
 // Returns the container's width.
-double Columns::setRows(const Limits& limits) {
+double Columns::setRows() {
     double x = 0;
-    double width = limits.minSize.width;
+    double width = m_limits.minSize.width;
     std::size_t row = 0;
     for (Index layer = m_first; layer < m_last; ++layer) {
         m_geometry.layerX[layer] = x;
         Gap& gap = gapAfter(layer);
         x += m_geometry.layerWidth[layer];
-        if (gap.isFold) {
-            width = std::max(width, foldGap(layer, x, {limits.padding.left, m_firstLanes[row++]}) + m_spacing.betweenBoxes +
-                                        limits.padding.right);
+        if (isFold(layer)) {
+            width = std::max(width, foldGap(layer, x, {m_limits.padding.left, m_firstLanes[row++]}) + m_spacing.betweenBoxes +
+                                        m_limits.padding.right);
             const double tracks = gap.lines == 0 ? 0 : (gap.lines - 1) * m_spacing.betweenLines;
-            x = limits.padding.left + tracks + m_spacing.betweenBoxes;
+            x = m_limits.padding.left + tracks + m_spacing.betweenBoxes;
         } else if (layer + 1 < m_last) {
             GapPlan(gap.edges, m_graph, m_spacing).setTracks(gap.width);
             x += gap.width;

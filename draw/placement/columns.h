@@ -23,10 +23,16 @@ class Columns {
     Columns(const std::vector<BoxToPlace>& boxes, LayeredGraph& graph, const Spacing& spacing,
             const Offsets& offsets, const std::vector<double>& widths, ContainerGeometry& geometry);
 
-    // Sets where the container's layers begin and how its edges bend. Where the layers need more than `foldWidth`, they
-    // go on in further rows below: that changes the tops of vertices. Returns the container's size. REQUIRES: the tops
-    // and offsets in the container are set; `height` is its height in one row.
-    [[nodiscard]] Size place(Index container, const Limits& limits, double height, double foldWidth);
+    // Measures the layers of a container. REQUIRES: the tops and offsets in it are set.
+    void begin(Index container, const Limits& limits);
+
+    // Where the layers need more than this width, chooses the ends of rows in which they go on below one another. Returns
+    // whether there are any; tops and offsets are best set again then, for each row on its own.
+    [[nodiscard]] bool fold(double foldWidth);
+
+    // Sets where the layers begin and how edges bend. Moves the tops of vertices to their rows. Returns the container's
+    // size; `height` is its height in one row.
+    [[nodiscard]] Size place(double height);
 
     // From the container's left side, after place().
     [[nodiscard]] double left(Index box) const { return m_left[box]; }
@@ -42,7 +48,6 @@ class Columns {
         std::vector<GapEdge> edges;  // those that bend
         double width = 0;
         Index lines = 0;      // that lead through it
-        bool isFold = false;  // the layers after it are in the next row
     };
     struct FoldEdge {
         Index edge = 0;
@@ -50,22 +55,22 @@ class Columns {
         double to = 0;
     };
 
-    [[nodiscard]] double measure(const Limits& limits);
+    [[nodiscard]] double measure();
     void findPortLabels();
     void collectGap(Index layer);
     void addToGap(Index edge);
-    [[nodiscard]] double minGap(Index layer, const Limits& limits, bool hasBends) const;
+    [[nodiscard]] double minGap(Index layer, bool hasBends) const;
     [[nodiscard]] bool hasOnlyLabels(Index layer) const;
     [[nodiscard]] Index labelAfter(Index port) const;
     [[nodiscard]] Index labelBefore(Index port) const;
     [[nodiscard]] Column columnOf(Index layer) const;
     [[nodiscard]] double shareInColumn(Index box) const;
-    void chooseFolds(double foldWidth);
-    [[nodiscard]] double stackRows(const Limits& limits);
+    [[nodiscard]] double stackRows();
     [[nodiscard]] double foldGap(Index layer, double rowRight, const Point& firstLane);
     [[nodiscard]] double setRow(double spare);
-    [[nodiscard]] double setRows(const Limits& limits);
+    [[nodiscard]] double setRows();
     void setLefts();
+    [[nodiscard]] bool isFold(Index layer) const { return m_geometry.isRowEnd[layer] != 0; }
     [[nodiscard]] Gap& gapAfter(Index layer) { return m_gaps[layer - m_first]; }
 
     const std::vector<BoxToPlace>& m_boxes;
@@ -79,6 +84,8 @@ class Columns {
     // Of the container at work:
     Index m_first = 0;
     Index m_last = 0;
+    Limits m_limits;
+    double m_width = 0;  // of all layers in one row
     bool m_hasFolds = false;
     std::vector<Gap> m_gaps;
     std::vector<double> m_firstLanes;  // by row but the first: the y of the uppermost lane above it

@@ -26,6 +26,7 @@ class GeometryBuilder {
         m_width.resize(boxes.size());
         m_geometry.layerX.resize(graph.firstLayer.back(), 0);
         m_geometry.layerWidth.resize(graph.firstLayer.back(), 0);
+        m_geometry.isRowEnd.resize(graph.firstLayer.back(), 0);
         sortLanes();
         setFoldWidths(foldWidth);
     }
@@ -82,22 +83,30 @@ class GeometryBuilder {
             m_width[box] = rect.width;
         }
         arrangeGrids(container);
+        double height = align(container, limits);
+        m_columns.begin(container, limits);
+        // Lanes run below all layers, so that these stay in one row.
+        if (m_lanes[container].empty() && m_columns.fold(m_foldWidths[container]))
+            height = align(container, limits);
+        const Size size = m_columns.place(height);
+        Rect& own = m_geometry.boxes[m_nesting.boxOf[container]];
+        own.width = size.width;
+        own.height = size.height;
+        placeBoxes(container);
+    }
+
+    // Sets the tops and offsets in the container, and returns its height.
+    double align(Index container, const Limits& limits) {
         m_offsets.set(container, m_geometry.boxes);
-        fillBlockGraph(m_blockGraph, m_graph, container, limits.header.height, m_spacing);
+        fillBlockGraph(m_blockGraph, m_graph, container, limits.header.height, m_geometry.isRowEnd,
+                       m_spacing);
         std::vector<double> tops = alignedTops(m_blockGraph, m_cancel);
         // The title's vertex is the first; it starts at the height of the topmost one.
         if (limits.header.height > 0) tops.front() = *std::min_element(tops.begin(), tops.end());
         relax(m_blockGraph, tops, m_cancel);
-        Rect& own = m_geometry.boxes[m_nesting.boxOf[container]];
         const double height = setTops(container, tops, limits);
         m_offsets.straighten(container);
-        // Lanes run below all layers, so that these stay in one row.
-        const double foldWidth =
-            m_lanes[container].empty() ? m_foldWidths[container] : std::numeric_limits<double>::infinity();
-        const Size size = m_columns.place(container, limits, height, foldWidth);
-        own.width = size.width;
-        own.height = size.height;
-        placeBoxes(container);
+        return height;
     }
 
     // The leader has the size of the whole grid.

@@ -20,6 +20,7 @@ struct ContainerGeometry {
     std::vector<Rect> boxes;         // by box, relative to its container; the last entry is the drawing
     std::vector<double> layerX;      // by layer: its left side in the container
     std::vector<double> layerWidth;  // by layer: the width of its widest box
+    std::vector<char> isRowEnd;      // by layer: the next one is in another row
     std::vector<Fold> folds;
 
     [[nodiscard]] double gapBegin(Index layer) const { return layerX[layer] + layerWidth[layer]; }

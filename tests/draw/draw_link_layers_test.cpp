@@ -194,6 +194,8 @@ TEST_F(DrawLinkLayers, RandomInputsArePlacedSoundly) {
         input = tessera_test::randomDrawing(seed);
         layerByLines(input);
         EXPECT_EQ(tessera_test::findFault(input, place(input, Spacing{})), "") << seed;
+        const Placement folded = place(input, Spacing{}, {0.5, {}});
+        EXPECT_EQ(tessera_test::findFault(input, folded, true), "") << seed;
     }
 }
 
