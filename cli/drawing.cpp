@@ -65,6 +65,12 @@ tessera_draw::LayerSource layersOf(std::string_view wanted) {
     return tessera_draw::LayerSource::links;  // without the option
 }
 
+tessera_draw::Paper paperOf(std::string_view wanted) {
+    for (const auto& [name, paper] : paperNames)
+        if (name == wanted) return paper;
+    return tessera_draw::Paper::none;  // without the option
+}
+
 using WritePicture = tessera_draw::PictureResult (tessera_draw::PictureWriter::*)(
     const tessera_draw::Scene&, const tessera_draw::PictureOptions&, tessera_draw::Output&);
 
@@ -79,7 +85,11 @@ struct Report {
 
 // Messages on what the picture lacks; they do not change the exit status.
 void reportPicture(const Report& result, const tessera_draw::Scene& scene, const Options& options) {
-    if (result.scale < options.scale)
+    if (!options.paper.empty() && result.scale < tessera_draw::minPaperScale)
+        printMessage(
+            fmt::format("the drawing is {:.0f} by {:.0f}: it was scaled by {:.3g} to fit on {} pages",
+                        scene.size.width, scene.size.height, result.scale, tessera_draw::maxPages));
+    if (options.paper.empty() && result.scale < options.scale)
         printMessage(fmt::format(
             "the drawing is {:.0f} by {:.0f}: it was scaled by {:.3g} to fit into a {}; svg has no limit",
             scene.size.width, scene.size.height, result.scale, options.format->name));
@@ -110,7 +120,8 @@ std::string drawInChild(const Options& options, const tessera_draw::Scene& scene
     std::string reason;
     tessera_draw::PictureWriter* writer = tessera_draw::loadPictureWriter(reason);
     if (writer == nullptr) return packed({}, reason);
-    const tessera_draw::PictureOptions request{themeOf(options.theme), options.scale, interruptToken()};
+    const tessera_draw::PictureOptions request{themeOf(options.theme), options.scale, paperOf(options.paper),
+                                               interruptToken()};
     MemoryOutput output;
     errno = 0;
     tessera_draw::PictureResult result = (writer->*write)(scene, request, output);

@@ -8,11 +8,12 @@
 #include "cli/output_file.h"
 #include "cli/output_format.h"
 #include "draw/layout.h"
+#include "draw/pages.h"
 #include "draw/theme.h"
 
 namespace tessera_cli {
 
-// The values of --theme, --direction and --layers.
+// The values of --theme, --direction, --layers and --paper.
 struct ThemeName {
     std::string_view name;
     tessera_draw::Theme theme;
@@ -33,6 +34,14 @@ struct LayersName {
 };
 inline constexpr std::array<LayersName, 2> layersNames{
     {{"links", tessera_draw::LayerSource::links}, {"document", tessera_draw::LayerSource::levels}}};
+
+struct PaperName {
+    std::string_view name;
+    tessera_draw::Paper paper;
+};
+inline constexpr std::array<PaperName, 3> paperNames{{{"a4", tessera_draw::Paper::a4},
+                                                      {"a3", tessera_draw::Paper::a3},
+                                                      {"letter", tessera_draw::Paper::letter}}};
 
 // Draw the diagram as the options say, and write it as an OutputFormat does. PNG and PDF need a library that is
 // loaded for them; the error has the kind cannotOpen when it is missing. A picture that was scaled down or

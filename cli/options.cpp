@@ -221,6 +221,12 @@ void addPicture(CLI::App& command, RawOptions& raw) {
                     "Where the layers of a picture come from: links (the default: where the diagram's levels "
                     "contradict links, they follow the links) or document (the levels as they are)")
         ->check(CLI::IsMember(namesOf(layersNames)));
+    command
+        .add_option(
+            "--paper", options.paper,
+            "The paper of a PDF: a4, a3 or letter; a large picture continues on further pages (default: one "
+            "page as large as the picture)")
+        ->check(CLI::IsMember(namesOf(paperNames)));
     raw.scale =
         command
             .add_option("--scale", options.scale, "The size of a picture in pixels, as a factor (default 1)")
@@ -279,6 +285,7 @@ Expected<void> checkPicture(const Options& options, bool hasScale, bool hasFit) 
     const bool hasDirection = !options.direction.empty() && options.direction != "auto";
     if (hasFit && hasDirection && options.fold == "off")
         return usageError("--fit is for --direction auto and --fold auto");
+    if (!options.paper.empty() && format.name != "pdf") return usageError("--paper is for pdf");
     if (hasScale && format.kind != OutputFormat::Kind::pixels) return usageError("--scale is for png");
     return {};
 }

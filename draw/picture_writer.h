@@ -6,6 +6,7 @@
 #include <string>
 
 #include "draw/output.h"
+#include "draw/pages.h"
 #include "draw/scene.h"
 #include "draw/theme.h"
 #include "support/cancel_token.h"
@@ -17,6 +18,8 @@ struct PictureOptions {
     Theme theme = Theme::light;
     // PNG only: pixels of the picture for each pixel of the scene, greater than 0.
     double scale = 1;
+    // PDF only: the sheets that the drawing is divided over.
+    Paper paper = Paper::none;
     // Checked before each element. What the output has taken by then is not a whole picture.
     tessera_support::CancelToken cancel{};
 };
@@ -51,6 +54,7 @@ class PictureWriter {
     // Writes one PDF page of the drawing's size at 96 pixels per inch, scaled down when a side exceeds
     // maxPdfSide, because readers do not show larger pages. Its text can be selected and searched. A drawing that
     // would be scaled by less than minPdfScale is an error. The same scene gives the same bytes on one machine.
+    // With a paper, writes the pages of planPages() instead; see draw/pages.h for their scale.
     virtual PictureResult writePdf(const Scene& scene, const PictureOptions& options, Output& output) = 0;
 };
 

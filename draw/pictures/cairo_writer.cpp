@@ -10,6 +10,7 @@
 #include <string>
 
 #include "draw/picture_writer.h"
+#include "draw/pictures/page_painter.h"
 #include "draw/pictures/painter.h"
 #include "draw/scene/shown_text.h"
 
@@ -22,8 +23,6 @@ struct Freed {
 };
 using Surface = std::unique_ptr<cairo_surface_t, Freed>;
 using Context = std::unique_ptr<cairo_t, Freed>;
-
-constexpr double pointsPerPixel = 0.75;
 
 cairo_status_t handOn(void* closure, const unsigned char* data, unsigned int length) {
     auto& output = *static_cast<Output*>(closure);
@@ -62,6 +61,14 @@ PictureResult tooLarge(double width, double height, double scale) {
     return result;
 }
 
+// A page of the drawing's own size.
+bool paintPage(cairo_t* cairo, const Scene& scene, const PictureOptions& options, PictureResult& result) {
+    cairo_scale(cairo, pointsPerPixel * result.scale, pointsPerPixel * result.scale);
+    const bool isPainted = paintScene(cairo, scene, options, result);
+    cairo_show_page(cairo);
+    return isPainted;
+}
+
 // The title for the PDF's metadata, limited in length. A PDF with text that is not valid cannot be finished.
 std::string titleOf(const Scene& scene) {
     constexpr std::size_t maxBytes = 200;
@@ -96,20 +103,21 @@ class CairoWriter final : public PictureWriter {
     PictureResult writePdf(const Scene& scene, const PictureOptions& options, Output& output) override {
         const double width = std::ceil(scene.size.width) * pointsPerPixel;
         const double height = std::ceil(scene.size.height) * pointsPerPixel;
+        const bool hasPaper = options.paper != Paper::none;
+        const PagePlan plan = hasPaper ? planPages(scene.size, options.paper) : PagePlan{};
         PictureResult result;
-        result.scale = std::min({1.0, maxPdfSide / width, maxPdfSide / height});
+        result.scale = hasPaper ? plan.scale : std::min({1.0, maxPdfSide / width, maxPdfSide / height});
         if (result.scale < minPdfScale)
             return tooLarge(std::ceil(scene.size.width), std::ceil(scene.size.height), result.scale);
-        const Surface surface(cairo_pdf_surface_create_for_stream(handOn, &output, width * result.scale,
-                                                                  height * result.scale));
+        const Size page = hasPaper ? plan.paper : Size{width * result.scale, height * result.scale};
+        const Surface surface(cairo_pdf_surface_create_for_stream(handOn, &output, page.width, page.height));
         const std::string title = titleOf(scene);
         cairo_pdf_surface_set_metadata(surface.get(), CAIRO_PDF_METADATA_TITLE, title.c_str());
         // The same drawing must give the same bytes, so the date is fixed.
         cairo_pdf_surface_set_metadata(surface.get(), CAIRO_PDF_METADATA_CREATE_DATE, "1970-01-01T00:00:00Z");
         const Context cairo(cairo_create(surface.get()));
-        cairo_scale(cairo.get(), pointsPerPixel * result.scale, pointsPerPixel * result.scale);
-        const bool isPainted = paintScene(cairo.get(), scene, options, result);
-        cairo_show_page(cairo.get());
+        const bool isPainted = hasPaper ? paintPages(cairo.get(), scene, options, plan, result)
+                                        : paintPage(cairo.get(), scene, options, result);
         // Finished before the status is read: the last bytes are written now.
         cairo_surface_finish(surface.get());
         if (!isPainted) return {};

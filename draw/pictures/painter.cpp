@@ -94,6 +94,7 @@ class Painter {
             m_text.paint(scene.texts[element.texts.first + i]);
     }
 
+    void countTextsIn(const Rect& area) { m_text.countIn(area); }
     [[nodiscard]] const TextPainter& text() const noexcept { return m_text; }
 
   private:
@@ -165,6 +166,10 @@ class Painter {
     TextPainter m_text;
 };
 
+bool overlap(const Rect& a, const Rect& b) {
+    return a.x < b.right() && b.x < a.right() && a.y < b.bottom() && b.y < a.bottom();
+}
+
 }  // namespace
 
 void setColor(cairo_t* cairo, const Palette& palette, ColorRole color) {
@@ -172,23 +177,27 @@ void setColor(cairo_t* cairo, const Palette& palette, ColorRole color) {
     cairo_set_source_rgb(cairo, colour.red / 255.0, colour.green / 255.0, colour.blue / 255.0);
 }
 
-bool paintScene(cairo_t* cairo, const Scene& scene, const PictureOptions& options, PictureResult& result) {
-    const Palette& palette = options.theme == Theme::dark ? darkPalette() : lightPalette();
+bool paintScene(cairo_t* cairo, const Scene& scene, const PictureOptions& options, PictureResult& result,
+                const ScenePart* part) {
+    const bool isDark = options.theme == Theme::dark;
+    const Palette& palette = isDark ? darkPalette() : lightPalette();
     setColor(cairo, palette, ColorRole::ground);
-    // The ground covers everything: pictures are not transparent.
-    cairo_paint(cairo);
+    // The ground covers everything: pictures are not transparent. Paper that is nearly white stays white.
+    if (part == nullptr || isDark) cairo_paint(cairo);
     cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
     // For the holes of Painter::cutOut().
     cairo_set_fill_rule(cairo, CAIRO_FILL_RULE_EVEN_ODD);
     Painter painter(cairo, palette, scene, result.scale);
-    for (const Element& element : scene.elements) {
+    if (part != nullptr) painter.countTextsIn(part->page.own);
+    for (std::size_t i = 0; i < scene.elements.size(); ++i) {
         if (options.cancel.isCancelled()) return false;
-        painter.paint(scene, element);
+        if (part != nullptr && !overlap(part->bounds[i], part->page.shown)) continue;
+        painter.paint(scene, scene.elements[i]);
         // What is done later may change it.
         result.ranShort = result.ranShort || errno == ENOMEM;
     }
-    result.missingCharacters = painter.text().missing();
-    result.otherWidths = painter.text().otherWidths();
+    result.missingCharacters += painter.text().missing();
+    result.otherWidths += painter.text().otherWidths();
     return true;
 }
 

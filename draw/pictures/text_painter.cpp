@@ -8,6 +8,15 @@
 #include "draw/scene/shown_text.h"
 
 namespace tessera_draw {
+namespace {
+
+// Of two areas that share a side, a point on it is in the right or lower one.
+bool isIn(Point point, const Rect& area) {
+    return point.x >= area.x && point.x < area.right() && point.y >= area.y && point.y < area.bottom();
+}
+
+}  // namespace
+
 TextPainter::TextPainter(cairo_t* cairo, const Palette& palette, double scale)
     : m_cairo(cairo),
       m_palette(palette),
@@ -44,9 +53,10 @@ void TextPainter::paint(const TextShape& text) {
     pango_layout_set_text(layout, m_shown.data(), static_cast<int>(m_shown.size()));
     PangoRectangle extents;
     pango_layout_get_extents(layout, nullptr, &extents);
+    const bool isCounted = !m_counted || isIn(text.at, *m_counted);
     const double difference = std::abs(extents.width / static_cast<double>(PANGO_SCALE) - text.width);
     // The boxes for missing characters have widths of their own.
-    if (text.isExact && pango_layout_get_unknown_glyphs_count(layout) == 0 &&
+    if (isCounted && text.isExact && pango_layout_get_unknown_glyphs_count(layout) == 0 &&
         difference > 2 + 0.04 * text.width)
         ++m_otherWidths;
     // Wider than measured, as with another font: shortened once more instead of drawn over its neighbours.
@@ -57,7 +67,7 @@ void TextPainter::paint(const TextShape& text) {
     PangoLayoutLine* line = pango_layout_get_line_readonly(layout, 0);
     if (line == nullptr) return;
     // Pango draws a box with the code for each of these.
-    m_missing += static_cast<std::size_t>(pango_layout_get_unknown_glyphs_count(layout));
+    if (isCounted) m_missing += static_cast<std::size_t>(pango_layout_get_unknown_glyphs_count(layout));
     pango_layout_line_get_extents(line, nullptr, &extents);
     const double width = extents.width / static_cast<double>(PANGO_SCALE);
     const Anchor anchor = styleOf(text.role).anchor;

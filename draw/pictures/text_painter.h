@@ -5,6 +5,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "draw/scene.h"
@@ -22,6 +23,9 @@ class TextPainter {
 
     // Paints one text. If the fonts make it wider than its maxWidth, it is shortened with "…".
     void paint(const TextShape& text);
+
+    // From now on, counts only texts that stand at a point of this area, for drawings that are painted in parts.
+    void countIn(const Rect& area) { m_counted = area; }
 
     // Number of characters painted so far that no font has; a box was painted for each.
     [[nodiscard]] std::size_t missing() const noexcept { return m_missing; }
@@ -41,6 +45,7 @@ class TextPainter {
     std::unique_ptr<PangoLayout, Freed> m_layout;
     std::array<std::unique_ptr<PangoFontDescription, Freed>, textRoleCount> m_fonts;
     std::string m_shown;
+    std::optional<Rect> m_counted;
     std::size_t m_missing = 0;
     std::size_t m_otherWidths = 0;
 };

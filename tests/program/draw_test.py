@@ -304,11 +304,13 @@ class Png(Drawing):
         self.assertEqual(self.run_program('render', viewpoint, '--db', self.database(name='f.db'), '-o', self.folder / 'x.png').stderr, '')
 
 
-class Pdf(Drawing):
+class PdfDrawing(Drawing):
     def text(self, target):
         return subprocess.run(['pdftotext', '-layout', target, '-'], capture_output=True, text=True, encoding='utf-8',
                               check=True, timeout=60).stdout
 
+
+class Pdf(PdfDrawing):
     def test_text_can_be_selected(self):
         text = self.text(self.draw(name='x.pdf'))
         for each in ('Two and one', 'Group', 'First', 'Second', 'Third', 'sent', 'bandwidth'):
@@ -332,6 +334,48 @@ class Pdf(Drawing):
         for name in (long, 'a&#xFDD0;b', 'a&#xFFFD;&#x1FFFF;', 'a&#9;b&#127;c'):
             text = document(f'<graph id="g"><node id="{name}"/></graph><display><graph displayName="{name}"/></display>')
             self.assertTrue(self.draw(text=text, name='x.pdf').read_bytes().rstrip().endswith(b'%%EOF'), name)
+
+
+class Paper(PdfDrawing):
+    """A chain of twelve nodes, which is far too wide for a page."""
+
+    CHAIN = document('<graph id="g">' + ''.join(f'<node id="n{i}"/>' for i in range(12)) +
+                     ''.join(f'<link id="l{i}" from="n{i}" to="n{i + 1}"/>' for i in range(11)) + '</graph>')
+    ACROSS = ('--direction', 'lr', '--fold', 'off')
+
+    def sizes(self, target):
+        """Width and height of each page in points."""
+        done = subprocess.run(['pdfinfo', '-l', '1000', target], capture_output=True, text=True, check=True, timeout=60)
+        return [tuple(map(float, size)) for size in re.findall(r'^Page +\d+ size: +([\d.]+) x ([\d.]+)', done.stdout, re.M)]
+
+    def test_pages_have_the_size_of_the_paper(self):
+        for paper, sides in (('a4', (841.89, 595.28)), ('a3', (1190.55, 841.89)), ('letter', (792, 612))):
+            sizes = self.sizes(self.draw('--paper', paper, *self.ACROSS, text=self.CHAIN, name='x.pdf'))
+            self.assertIn(sides, sizes)
+            self.assertEqual(len(set(sizes)), 1)
+        small = self.draw('--paper', 'a4', name='x.pdf')
+        self.assertEqual(len(self.sizes(small)), 1)
+        self.assertNotIn(' of ', self.text(small))
+
+    def test_pages_are_numbered_and_show_everything(self):
+        target = self.draw('--paper', 'a4', *self.ACROSS, text=self.CHAIN, name='x.pdf')
+        pages = self.text(target).strip('\f\n').split('\f')
+        self.assertGreater(len(pages), 1)
+        for number, page in enumerate(pages, 1):
+            self.assertIn(f'{number} of {len(pages)} (row 1, column {number})', page)
+        self.assertEqual(set(re.findall(r'\bn\d+\b', ' '.join(pages))), {f'n{i}' for i in range(12)})
+        self.assertNotIn('n11', pages[0])
+        self.assertNotRegex(pages[-1], r'\bn0\b')
+        self.assertEqual(target.read_bytes(), self.draw('--paper', 'a4', *self.ACROSS, text=self.CHAIN, name='y.pdf').read_bytes())
+
+    def test_what_needs_too_many_pages_is_scaled_down_and_reported(self):
+        chain = document('<graph id="g">' + ''.join(f'<node id="n{i}"/>' for i in range(1500)) +
+                         ''.join(f'<link id="l{i}" from="n{i}" to="n{i + 1}"/>' for i in range(1499)) + '</graph>')
+        viewpoint, target = self.write('viewpoint.xml', chain), self.folder / 'x.pdf'
+        done = self.run_program('render', viewpoint, '--db', self.database(), '-o', target, '--paper', 'a4', *self.ACROSS)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertRegex(done.stderr, r'it was scaled by 0\.\d+ to fit on 100 pages')
+        self.assertLessEqual(len(self.sizes(target)), 100)
 
 
 class OtherFonts(Drawing):
@@ -381,6 +425,7 @@ class Usage(Drawing):
         self.assertIn('--fit', self.fails('--fit', '4x3'))
         self.assertIn('--fit', self.fails('--fit', '4x3', '--direction', 'lr', '-o', self.folder / 'x.svg'))
         self.assertIn('--layers', self.fails('--layers', 'document'))
+        self.assertIn('--paper', self.fails('--paper', 'a4', '-o', self.folder / 'x.png'))
         self.assertIn('--scale', self.fails('--scale', '2', '-o', self.folder / 'x.svg'))
         self.assertIn('--scale', self.fails('--scale', '2', '-o', self.folder / 'x.pdf'))
 
@@ -388,7 +433,7 @@ class Usage(Drawing):
         target = self.folder / 'x.png'
         for arguments in (('--theme', 'blue'), ('--direction', 'up'), ('--scale', '0'), ('--scale', '-1'), ('--scale', 'nan'),
                           ('--scale', '1e9'), ('--scale', '2x'), ('--fit', '16'), ('--fit', '16x'), ('--fit', '0x1'), ('--fit', '-1x1'),
-                          ('--fit', '1x2x3'), ('--fit', '99999999999x1'), ('--layers', 'none')):
+                          ('--fit', '1x2x3'), ('--fit', '99999999999x1'), ('--layers', 'none'), ('--paper', 'a5')):
             self.fails('-o', target, *arguments)
             self.assertFalse(target.exists())
 

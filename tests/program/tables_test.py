@@ -35,7 +35,7 @@ class Tables(Case):
         self.assertEqual(options['session'] - {'--version'}, common | layout)
         self.assertEqual(options['render'] - {'--version'},
                          common | layout | {'--stop-after', '--dump-passes', '--time-passes', '--verify', '--output', '--format',
-                                            '--theme', '--direction', '--fit', '--layers', '--scale', '--mode'})
+                                            '--theme', '--direction', '--fit', '--fold', '--layers', '--paper', '--scale', '--mode'})
 
     def test_every_format_is_written_by_ending_and_by_option(self):
         self.assertIn('json, xml, svg, png or pdf (default', self.help('render'))
@@ -65,8 +65,8 @@ class Tables(Case):
     def test_options_of_pictures_need_a_picture(self):
         viewpoint, database = self.write('v.xml', document(GRAPH)), self.database()
         for name in BEGINNINGS:
-            for option in (('--theme', 'dark'), ('--direction', 'tb'), ('--scale', '2')):
-                fits = name == 'png' if option[0] == '--scale' else name in PICTURES
+            for option in (('--theme', 'dark'), ('--direction', 'tb'), ('--paper', 'a4'), ('--scale', '2')):
+                fits = name in {'--scale': ['png'], '--paper': ['pdf']}.get(option[0], PICTURES)
                 done = self.run_program('render', viewpoint, '--db', database, '-o', self.folder / f'x.{name}', *option)
                 if fits:
                     self.assertEqual(done.returncode, 0, done.stderr)
