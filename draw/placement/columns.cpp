@@ -11,6 +11,10 @@ constexpr double middle = 0.5;  // the share of the free width before a box that
 
 }  // namespace
 
+double labelInset(double padding, const Spacing& spacing) {
+    return std::min(padding, spacing.besideLabels);
+}
+
 Columns::Columns(const std::vector<BoxToPlace>& boxes, LayeredGraph& graph, const Spacing& spacing,
                  const Offsets& offsets, const std::vector<double>& widths, ContainerGeometry& geometry)
     : m_boxes(boxes),
@@ -50,7 +54,7 @@ double Columns::measure() {
     m_gaps.resize(m_last - m_first);
     // Labels inside the borders stand between the padding and the gap.
     m_geometry.layerWidth[m_last] =
-        m_portLabels[m_last] > 0 ? m_portLabels[m_last] + m_limits.padding.right : 0;
+        m_portLabels[m_last] > 0 ? m_portLabels[m_last] + labelInset(m_limits.padding.right, m_spacing) : 0;
     double all = m_geometry.layerWidth[m_last];
     for (Index layer = m_first; layer < m_last; ++layer) {
         Gap& gap = gapAfter(layer);
@@ -67,7 +71,7 @@ double Columns::measure() {
         if (layer == m_first)
             m_geometry.layerWidth[layer] =
                 std::max(m_limits.header.width,
-                         m_portLabels[layer] > 0 ? m_limits.padding.left + m_portLabels[layer] : 0);
+                         m_portLabels[layer] > 0 ? labelInset(m_limits.padding.left, m_spacing) + m_portLabels[layer] : 0);
         all += gap.width + m_geometry.layerWidth[layer];
     }
     return all;

@@ -17,6 +17,10 @@ struct Limits {
     Size header;
 };
 
+// The distance between a container's border and end labels inside of it. Lines cross the border beside its title, even where
+// that needs a large padding.
+[[nodiscard]] double labelInset(double padding, const Spacing& spacing);
+
 class Columns {
   public:
     // `widths` are those of the boxes, and of the grids that they lead.

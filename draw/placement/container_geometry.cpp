@@ -175,7 +175,7 @@ class GeometryBuilder {
             const Index leader = grid == nothing ? box : m_graph.grids.leader(m_graph.grids.grids[grid]);
             Rect& rect = m_geometry.boxes[box];
             rect.x += m_columns.left(leader);
-            rect.y += m_graph.top[leader] + m_offsets.inset(leader);
+            rect.y += m_graph.top[leader] + m_graph.inset[leader];
         }
     }
 
@@ -200,7 +200,8 @@ class GeometryBuilder {
         }
         const Index container = m_graph.hierarchicalPorts[vertex - m_graph.boxCount].box;
         const Insets& padding = m_boxes[container].padding;
-        rect.x = isAfter ? padding.left : m_geometry.boxes[container].width - padding.right - size.width;
+        rect.x = isAfter ? labelInset(padding.left, m_spacing)
+                         : m_geometry.boxes[container].width - labelInset(padding.right, m_spacing) - size.width;
     }
 
     const std::vector<BoxToPlace>& m_boxes;

@@ -261,6 +261,7 @@ class LayeredGraphBuilder {
     void setHeights() {
         m_graph.height.assign(m_graph.layer.size(), 0);
         m_graph.top.assign(m_graph.layer.size(), 0);
+        m_graph.inset.assign(m_graph.boxCount, 0);
         for (Index i = 0; i < m_graph.hierarchicalPorts.size(); ++i) {
             const Index label = m_graph.hierarchicalPorts[i].label;
             if (label != nothing) m_graph.height[m_graph.vertexOf(i)] = m_boxes[label].size.height;

@@ -87,7 +87,8 @@ struct LayeredGraph {
     std::vector<char>
         isOnLine;  // treated as a point of a line: dummy vertices, hierarchical ports, most labels
     std::vector<double> height;
-    std::vector<double> top;  // in its container
+    std::vector<double> top;    // in its container
+    std::vector<double> inset;  // of a box: from its vertex's top, and bottom, to its own
     // Plain edges by vertex, and their far ends once more: ordering reads these again and again, and finds
     // them next to each other.
     std::vector<Index> inBegin;

@@ -99,6 +99,11 @@ class LineLayers {
     }
 
     void moveEndLabels() {
+        for (const LineToPlace& line : m_input.lines)
+            // The line would turn back inside a label that stands alone.
+            if (isWhole(line) && line.from == line.to && !line.through.empty() &&
+                m_input.boxes[line.through.front()].labelEnd == LabelEnd::none)
+                m_input.boxes[line.through.front()].labelEnd = LabelEnd::from;
         for (Index line = 0; line < m_input.lines.size(); ++line)
             for (const Index label : m_input.lines[line].through)
                 if (isWhole(m_input.lines[line]) && isAtEnd(label, line))

@@ -19,6 +19,8 @@ void forEnds(const LayeredGraph& graph, Visit visit) {
 
 constexpr double sideMargin = 8;  // between the first and last end and the corners; less on a low box
 constexpr double lineStep = 1.6;  // between the ends of lines, as a multiple of their least distance
+constexpr double leastStep = 8;   // between the ends of lines, so that arrow heads can be told apart
+constexpr std::size_t mostApart = 400;  // ends; beyond, they come closer to each other
 constexpr double maxSlide = 14;
 constexpr double minShare = 0.55;  // of the even distance that neighbours keep
 
@@ -62,7 +64,7 @@ void Offsets::collect(Side& side, Index box, bool isAtEnd) {
             side.ends.push_back(sideKey(m_graph, m_ranks, edge, isTail));
     });
     std::sort(side.ends.begin(), side.ends.end());
-    measure(side);
+    measure(side, box);
 }
 
 // From the lower side of one end, or its label, to the upper side of the next.
@@ -72,8 +74,10 @@ double Offsets::between(const SideKey& upper, const SideKey& lower) const {
     return isLabel ? m_spacing.betweenBoxes / 2 : lineStep * m_spacing.betweenLines;
 }
 
-void Offsets::measure(Side& side) const {
+void Offsets::measure(Side& side, Index box) const {
     side.height = side.labelWidth = side.leastBox = 0;
+    const std::size_t count = std::min(side.ends.size(), mostApart);
+    if (count > 1 && !m_boxes[box].isLabel) side.leastBox = 2 * sideMargin + leastStep * static_cast<double>(count - 1);
     for (const SideKey& end : side.ends)
         if (labelOf(end) != nothing)
             side.labelWidth = std::max(side.labelWidth, m_boxes[labelOf(end)].size.width);
@@ -89,11 +93,11 @@ void Offsets::makeRoom(Index box, Rect& rect) {
     const auto widthOf = [&](const Side& side) {
         return side.labelWidth == 0 ? 0 : side.labelWidth + m_spacing.besideLabels;
     };
-    m_beside[box] = {widthOf(m_before), widthOf(m_after), 0};
-    if (m_nesting.containerOf[box] != nothing || (m_before.labelWidth == 0 && m_after.labelWidth == 0)) return;
+    m_beside[box] = {widthOf(m_before), widthOf(m_after)};
+    if (m_nesting.containerOf[box] != nothing || (m_before.leastBox == 0 && m_after.leastBox == 0)) return;
     rect.height = std::max({rect.height, m_before.leastBox, m_after.leastBox});
     m_graph.height[box] = std::max({rect.height, m_before.height, m_after.height});
-    m_beside[box].inset = (m_graph.height[box] - rect.height) / 2;
+    m_graph.inset[box] = (m_graph.height[box] - rect.height) / 2;
 }
 
 // Spreads the ends evenly around the middle, closer together if the box is low.
@@ -102,9 +106,9 @@ void Offsets::spread(const Side& side, Index box) {
     if (side.labelWidth > 0 && m_nesting.containerOf[box] == nothing) return spreadLabels(side, box);
     const double height = ownHeight(box);
     const auto count = static_cast<double>(side.ends.size());
-    const double usable = std::max(height - 2 * std::min(sideMargin, height / 6), 0.0);
+    const double usable = std::max(height - 2 * std::min(sideMargin, height / 5), 0.0);
     const double step = count > 1 ? std::min(lineStep * m_spacing.betweenLines, usable / (count - 1)) : 0;
-    double offset = m_beside[box].inset + height / 2 - step * (count - 1) / 2;
+    double offset = m_graph.inset[box] + height / 2 - step * (count - 1) / 2;
     for (const SideKey& end : side.ends) {
         const Edge& edge = m_graph.edges[end.edge];
         const Index port = end.isTail ? edge.tailPort : edge.headPort;
@@ -147,16 +151,17 @@ double Offsets::straightOffset(const SideKey& side, Index box) const {
 
 void Offsets::slide(const Side& side, Index box) {
     const double height = ownHeight(box);
-    const double margin = std::min(sideMargin, height / 6);
-    const double last = m_beside[box].inset + height - margin;
+    const double margin = std::min(sideMargin, height / 5);
+    const double last = m_graph.inset[box] + height - margin;
     const double step = side.ends.size() > 1 ? offsetOf(side.ends[1]) - offsetOf(side.ends[0]) : 0;
-    double from = m_beside[box].inset + margin;
+    const double least = std::min(step, std::max(leastStep, step * minShare));
+    double from = m_graph.inset[box] + margin;
     for (std::size_t i = 0; i < side.ends.size(); ++i) {
         double& offset = offsetOf(side.ends[i]);
-        const double to = i + 1 < side.ends.size() ? offsetOf(side.ends[i + 1]) - step * minShare : last;
+        const double to = i + 1 < side.ends.size() ? offsetOf(side.ends[i + 1]) - least : last;
         const double wanted = straightOffset(side.ends[i], box);
         if (wanted >= from && wanted <= to && std::abs(wanted - offset) <= maxSlide) offset = wanted;
-        from = offset + step * minShare;
+        from = offset + least;
     }
 }
 

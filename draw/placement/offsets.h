@@ -12,16 +12,14 @@ class Offsets {
     Offsets(const std::vector<BoxToPlace>& boxes, LayeredGraph& graph, const Nesting& nesting,
             const Spacing& spacing);
 
-    // Sets the offsets of the edges of the container's members. A box with end labels grows so that its edges are
-    // straight up to them; the height of its vertex covers the labels as well. REQUIRES: the layers are ordered, and the
+    // Sets the offsets of the edges of the container's members. A box grows so that its ends are apart, and
+    // its edges straight up to their end labels; the height of its vertex covers the labels as well. REQUIRES: the layers are ordered, and the
     // heights of boxes and the geometry of inner containers are set.
     void set(Index container, std::vector<Rect>& rects);
 
     // The width that end labels take beside a box, with the gap between; 0 without labels.
     [[nodiscard]] double widthBefore(Index box) const { return m_beside[box].before; }
     [[nodiscard]] double widthAfter(Index box) const { return m_beside[box].after; }
-    // From the top of the box's vertex to its own.
-    [[nodiscard]] double inset(Index box) const { return m_beside[box].inset; }
 
     // Moves ends by up to 14 pixels where that makes their edges straight.
     // REQUIRES: the members' tops are set.
@@ -44,23 +42,22 @@ class Offsets {
     struct Beside {
         double before = 0;
         double after = 0;
-        double inset = 0;
     };
     // The ends at one side of a box, from top to bottom.
     struct Side {
         std::vector<SideKey> ends;
         double height = 0;      // of all of them, with their labels; 0 without labels
         double labelWidth = 0;  // of the widest
-        double leastBox = 0;    // the height of the box at which edges are straight up to their labels
+        double leastBox = 0;    // the height at which the ends are apart, and edges straight up to their labels
     };
 
     void collect(Side& side, Index box, bool isAtEnd);
-    void measure(Side& side) const;
+    void measure(Side& side, Index box) const;
     void makeRoom(Index box, Rect& rect);
     void spread(const Side& side, Index box);
     void spreadLabels(const Side& side, Index box);
     void slide(const Side& side, Index box);
-    [[nodiscard]] double ownHeight(Index box) const { return m_graph.height[box] - 2 * m_beside[box].inset; }
+    [[nodiscard]] double ownHeight(Index box) const { return m_graph.height[box] - 2 * m_graph.inset[box]; }
     [[nodiscard]] Index labelOf(const SideKey& side) const {
         const Edge& edge = m_graph.edges[side.edge];
         return side.isTail ? edge.tailLabel : edge.headLabel;

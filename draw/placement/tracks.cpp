@@ -8,6 +8,7 @@ namespace tessera_draw::placing {
 namespace {
 
 constexpr double straight = 1e-3;
+constexpr double cornerMargin = 7;   // no end is nearer to a corner of its box
 constexpr double nearRows = 1.5;     // lines this near to each other look like one
 constexpr std::size_t maxNear = 32;  // rows that are compared; only a hub has more of them so near
 constexpr Index maxTracks = 24;      // at full distance; more tracks are closer together
@@ -203,7 +204,11 @@ bool GapPlan::giveWay(const GapEdge& gapEdge, bool isTail) {
     const double step = m_graph.height[vertex] / (begin[vertex + 1] - begin[vertex] + 1.0);
     const double way = std::min({4.0, step * 0.4, (gapEdge.lower() - gapEdge.upper()) / 3});
     const bool goesDown = (gapEdge.from < gapEdge.to) == isTail;
-    (isTail ? edge.tailOffset : edge.headOffset) += goesDown ? way : -way;
+    double& offset = isTail ? edge.tailOffset : edge.headOffset;
+    const double moved = offset + (goesDown ? way : -way);
+    const double margin = m_graph.inset[vertex] + cornerMargin;
+    if (moved < margin || moved > m_graph.height[vertex] - margin) return false;
+    offset = moved;
     return true;
 }
 

@@ -143,31 +143,6 @@ void evenOut(PlacementInput& input, const std::vector<char>& isCard) {
     visit([](double& width, double most) { width = most; });
 }
 
-// Enlarges cards so that the ends of their lines are far enough apart to be distinguished.
-void growForLineEnds(const Diagram& diagram, const BoxKinds& kinds, SceneInput& result) {
-    // In pixels. Beyond maxEnds, at 3000 pixels, cards stop growing and the ends come closer.
-    constexpr double between = 7.5;
-    constexpr double aroundEnds = 16;
-    constexpr std::uint32_t maxEnds = 400;
-    struct Ends {
-        std::uint32_t in = 0;
-        std::uint32_t out = 0;
-    };
-    std::vector<Ends> ends(result.input.boxes.size());
-    for (const LineToPlace& line : result.input.lines) {
-        const bool isBack = runsBack(result.input, line);
-        ++(isBack || line.from == line.to ? ends[line.to].out : ends[line.to].in);
-        ++(isBack ? ends[line.from].in : ends[line.from].out);
-    }
-    for (std::size_t i = 0; i < diagram.nodes.size(); ++i) {
-        if (kinds.kinds[i] != BoxKind::card) continue;
-        const auto& [in, out] = ends[result.boxOfNode[i]];
-        const std::uint32_t endCount = std::min(std::max(in, out), maxEnds);
-        double& across = result.input.boxes[result.boxOfNode[i]].size.height;
-        if (endCount > 1) across = std::max(across, std::ceil(aroundEnds + between * (endCount - 1)));
-    }
-}
-
 }  // namespace
 
 SceneInput makeInput(const Diagram& diagram, const LinkPaths& linkPaths, const BoxKinds& kinds,
@@ -203,7 +178,6 @@ SceneInput makeInput(const Diagram& diagram, const LinkPaths& linkPaths, const B
     if (options.direction == Direction::topToBottom)
         for (BoxToPlace& box : result.input.boxes)
             turn(box);
-    growForLineEnds(diagram, kinds, result);
     return result;
 }
 

@@ -14,8 +14,7 @@ struct SceneInput {
     std::vector<Index> pathOfLine;  // by line of the input: its link path
 };
 
-// Makes the boxes and lines to place. Link paths of which an end has no box get no line. Enlarges cards so
-// that the ends of many lines fit on one side. `kinds` and `sizes` are by node of the diagram. Linear time.
+// Makes the boxes and lines to place. Link paths of which an end has no box get no line. `kinds` and `sizes` are by node of the diagram. Linear time.
 [[nodiscard]] SceneInput makeInput(const Diagram& diagram, const LinkPaths& linkPaths, const BoxKinds& kinds,
                                    const std::vector<BoxSize>& sizes, const LayoutOptions& options);
 
