@@ -11,19 +11,6 @@ namespace {
 
 using basekit2::variant_bag_t;
 
-// White space of XML separates; there are no empty words.
-std::vector<std::string> splitAtSpaces(std::string_view text) {
-    constexpr std::string_view spaces = " \t\r\n";
-    std::vector<std::string> words;
-    for (;;) {
-        const std::size_t start = text.find_first_not_of(spaces);
-        if (start == std::string_view::npos) return words;
-        const std::size_t end = std::min(text.find_first_of(spaces, start), text.size());
-        words.emplace_back(text.substr(start, end - start));
-        text.remove_prefix(end);
-    }
-}
-
 std::string join(const std::vector<std::string>& words) {
     std::string text;
     for (const std::string& word : words)

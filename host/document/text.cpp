@@ -37,6 +37,18 @@ std::string quoted(std::string_view bytes) {
     return '"' + oneLine(bytes) + '"';
 }
 
+std::vector<std::string> splitAtSpaces(std::string_view text) {
+    constexpr std::string_view spaces = " \t\r\n";
+    std::vector<std::string> words;
+    for (;;) {
+        const std::size_t start = text.find_first_not_of(spaces);
+        if (start == std::string_view::npos) return words;
+        const std::size_t end = std::min(text.find_first_of(spaces, start), text.size());
+        words.emplace_back(text.substr(start, end - start));
+        text.remove_prefix(end);
+    }
+}
+
 bool isBlank(std::string_view text) {
     return std::all_of(text.begin(), text.end(),
                        [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; });

@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tessera_host {
 
@@ -27,6 +28,9 @@ template <class List, class Show = std::identity>
     }
     return text;
 }
+
+// The words of `text`, separated by white space as XML has it; none of them is empty.
+[[nodiscard]] std::vector<std::string> splitAtSpaces(std::string_view text);
 
 // True when there is nothing but spaces, tabs and line ends.
 [[nodiscard]] bool isBlank(std::string_view text);

@@ -9,6 +9,7 @@
 #include "host/document/declarations.h"
 #include "host/document/document_structure.h"
 #include "host/document/problem.h"
+#include "host/document/value_meaning.h"
 #include "host/error.h"
 #include "platform/basekit2/variant_bag.h"
 #include "support/cancel_token.h"
@@ -57,15 +58,19 @@ class Viewpoint {
     }
     // The document's own filters; a pane may replace them for itself.
     [[nodiscard]] const Filters& filters() const noexcept { return m_declarations->filters(); }
-    // Which declarations could not be read as they are written; who opens a document posts them to the user.
-    // `checkDocument` finds much more.
-    [[nodiscard]] const std::vector<Problem>& problems() const noexcept { return m_declarations->problems(); }
+    // Its levels and widths. Their queries are those of declarations().
+    [[nodiscard]] const ValueMeaning& meaning() const noexcept { return m_meaning; }
+    // Which declarations, levels and widths could not be read as they are written; who opens a document posts
+    // them to the user. `checkDocument` finds much more.
+    [[nodiscard]] const std::vector<Problem>& problems() const noexcept { return m_problems; }
 
   private:
     const basekit2::variant_bag_t m_bag;
     const std::string m_name;
     const DocumentStructure m_structure;  // refers to the bag
     const std::shared_ptr<const Declarations> m_declarations;
+    const ValueMeaning m_meaning;
+    const std::vector<Problem> m_problems;
 };
 
 }  // namespace tessera_host

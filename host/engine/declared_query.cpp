@@ -18,6 +18,12 @@ bool isCancelled(const CellText& text) {
     return !text && text.error().isCancelled();
 }
 
+std::optional<double> numberOf(const CellValue& value) {
+    if (const auto* integer = std::get_if<std::int64_t>(&value)) return static_cast<double>(*integer);
+    if (const auto* real = std::get_if<double>(&value)) return *real;
+    return std::nullopt;
+}
+
 }  // namespace
 
 Error tooManyValues(const ValueBudget& budget) {
@@ -27,29 +33,29 @@ Error tooManyValues(const ValueBudget& budget) {
                                    " of memory, half of what a request may take"};
 }
 
-const CellText& DeclaredQuery::value(const ReferenceQuery& reference, const RunPlace& place) {
+const Cell& DeclaredQuery::value(const ReferenceQuery& reference, const RunPlace& place) {
     if (place.snapshotNumber != m_snapshotNumber) startSnapshot(place.snapshotNumber);
     const auto known = m_values.find(reference.keyText());
     if (known != m_values.end()) return known->second;
     if (std::uint64_t cost = 0; isWorthGrouping(reference, cost)) {
         m_isGroupingTried = true;
         if (auto done = queryTogether(reference, place, cost); !done)
-            return m_cancelled.emplace(std::move(done).error());
+            return m_cancelled.emplace(Cell{std::move(done).error(), {}});
         const auto grouped = m_values.find(reference.keyText());
         if (grouped != m_values.end()) return grouped->second;
     }
-    CellText text = queryOne(reference, place);
+    Cell cell = queryOne(reference, place);
     // Not remembered as the value: the next request tries again.
-    if (isCancelled(text)) return m_cancelled.emplace(std::move(text));
-    return remember(reference.keyText(), std::move(text), place.budget);
+    if (isCancelled(cell.text)) return m_cancelled.emplace(std::move(cell));
+    return remember(reference.keyText(), std::move(cell), place.budget);
 }
 
-const CellText& DeclaredQuery::remember(const KeyText& name, CellText text, ValueBudget& budget) {
-    if (text && !budget.takeValue(text->size())) {
+const Cell& DeclaredQuery::remember(const KeyText& name, Cell cell, ValueBudget& budget) {
+    if (cell.text && !budget.takeValue(cell.text->size())) {
         m_isTooLarge = true;
-        text = tooManyValues(budget);
+        cell = {tooManyValues(budget), {}};
     }
-    return m_values.emplace(name, std::move(text)).first->second;
+    return m_values.emplace(name, std::move(cell)).first->second;
 }
 
 void DeclaredQuery::startSnapshot(std::uint64_t snapshotNumber) {
@@ -87,21 +93,21 @@ Expected<void> DeclaredQuery::queryTogether(const ReferenceQuery& reference, con
     if (!values) return std::move(values).error();
     m_values.reserve(m_values.size() + names.size());
     for (std::size_t i = 0; i < names.size(); ++i)
-        if (const auto& value = (*values)[i]) remember(*names[i], textOf(*value), place.budget);
+        if (const auto& value = (*values)[i]) remember(*names[i], cellOf(*value), place.budget);
     return {};
 }
 
-CellText DeclaredQuery::queryOne(const ReferenceQuery& reference, const RunPlace& place) {
-    if (m_isTooLarge) return tooManyValues(place.budget);
+Cell DeclaredQuery::queryOne(const ReferenceQuery& reference, const RunPlace& place) {
+    if (m_isTooLarge) return {tooManyValues(place.budget), {}};
     auto answer = place.snapshot.answer({&m_selection, &reference.keys()}, place.options);
-    if (!answer) return std::move(answer).error();
+    if (!answer) return {std::move(answer).error(), {}};
     ++m_singleRuns;
     m_singleWork += answer->work;
-    return textOf(answer->value);
+    return cellOf(answer->value);
 }
 
-std::string DeclaredQuery::textOf(const CellValue& value) const {
-    return formatCell(value, m_query.format, m_query.unit);
+Cell DeclaredQuery::cellOf(const CellValue& value) const {
+    return {formatCell(value, m_query.format, m_query.unit), numberOf(value)};
 }
 
 }  // namespace tessera_host

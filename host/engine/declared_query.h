@@ -15,6 +15,12 @@ namespace tessera_host {
 // The text of a cell, or why there is none.
 using CellText = Expected<std::string>;
 
+// A cell, and the number that its text was formatted from; none for NULL, for text, and where there is no text.
+struct Cell {
+    CellText text;
+    std::optional<double> number;
+};
+
 // The error of a query whose values are too much.
 [[nodiscard]] Error tooManyValues(const ValueBudget& budget);
 
@@ -37,8 +43,8 @@ class DeclaredQuery {
     DeclaredQuery(const QueryDeclaration& query, const FilterList& filters)
         : m_query(query), m_selection(query, filters) {}
 
-    // The text stays valid until the next call. REQUIRES: `reference` is one to this query.
-    [[nodiscard]] const CellText& value(const ReferenceQuery& reference, const RunPlace& place);
+    // The cell stays valid until the next call. REQUIRES: `reference` is one to this query.
+    [[nodiscard]] const Cell& value(const ReferenceQuery& reference, const RunPlace& place);
 
     // True at the first call in a snapshot: every broken query is reported once.
     [[nodiscard]] bool claimReport(std::uint64_t snapshotNumber);
@@ -48,9 +54,9 @@ class DeclaredQuery {
     [[nodiscard]] bool isWorthGrouping(const ReferenceQuery& reference, std::uint64_t& cost) const;
     [[nodiscard]] Expected<void> queryTogether(const ReferenceQuery& reference, const RunPlace& place,
                                                std::uint64_t maxWork);
-    const CellText& remember(const KeyText& name, CellText text, ValueBudget& budget);
-    [[nodiscard]] CellText queryOne(const ReferenceQuery& reference, const RunPlace& place);
-    [[nodiscard]] std::string textOf(const CellValue& value) const;
+    const Cell& remember(const KeyText& name, Cell cell, ValueBudget& budget);
+    [[nodiscard]] Cell queryOne(const ReferenceQuery& reference, const RunPlace& place);
+    [[nodiscard]] Cell cellOf(const CellValue& value) const;
 
     const QueryDeclaration& m_query;
     const Selection m_selection;
@@ -58,12 +64,12 @@ class DeclaredQuery {
 
     // Of the present snapshot.
     std::uint64_t m_snapshotNumber = 0;
-    std::unordered_map<KeyText, CellText> m_values;
+    std::unordered_map<KeyText, Cell> m_values;
     bool m_isGroupingTried = false;
     bool m_isTooLarge = false;  // a value exceeded the budget; the query is not run again
     std::uint64_t m_singleRuns = 0;
     std::uint64_t m_singleWork = 0;
-    std::optional<CellText> m_cancelled;
+    std::optional<Cell> m_cancelled;
 };
 
 }  // namespace tessera_host

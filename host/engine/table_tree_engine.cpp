@@ -25,13 +25,15 @@ error_code_t raise(const bk2::error::entry_t& error, const std::string& text, in
 class TableTreeEngine final : public basekit2::ref_counted_t<slicekit_1_0::ITableTreeEngine> {
   public:
     TableTreeEngine(std::shared_ptr<SnapshotSource> source, std::shared_ptr<const Declarations> declarations,
-                    sptr_t<FilterRegistry> filters, relay2::IMessenger* messenger, const QueryLimits& limits)
+                    sptr_t<FilterRegistry> filters, relay2::IMessenger* messenger, const QueryLimits& limits,
+                    std::shared_ptr<CellRecord> record)
         : m_source(std::move(source)),
           m_filters(std::move(filters)),
           m_messenger(messenger),
           m_limits(limits),
           m_budget(limits.memory),
-          m_runner(std::move(declarations)) {}
+          m_runner(std::move(declarations)),
+          m_record(std::move(record)) {}
 
     sptr_t<basekit2::IObject> queryInterface(basekit2::type_id_t id) override {
         if (id == slicekit_1_0::ITableTreeEngine::typeId) return sptr_t<basekit2::IObject>::share(this);
@@ -57,6 +59,7 @@ class TableTreeEngine final : public basekit2::ref_counted_t<slicekit_1_0::ITabl
     const QueryLimits m_limits;
     ValueBudget m_budget;
     QueryRunner m_runner;
+    const std::shared_ptr<CellRecord> m_record;  // may be null
     std::uint64_t m_reportedSnapshot = 0;
 };
 
@@ -106,11 +109,11 @@ error_code_t TableTreeEngine::fillCells(const slicekit_1_0::table_tree_request_t
             return fail("the query " + quoted(member->getIdentifier()) + " is not one of this document", {},
                         true);
         DeclaredQuery& query = m_runner.queryFor(*reference);
-        const CellText& text = query.value(*reference, place);
-        if (!text) return failQuery(reference->declaration(), query, text.error());
-        if (!m_budget.takeCell(text->size()))
+        const Cell& cell = query.value(*reference, place);
+        if (!cell.text) return failQuery(reference->declaration(), query, cell.text.error());
+        if (!m_budget.takeCell(cell.text->size()))
             return failQuery(reference->declaration(), query, tooManyValues(m_budget));
-        cells.push_back(*text);
+        cells.push_back(m_record ? m_record->tagged(reference, *cell.text, cell.number) : *cell.text);
     }
     return {};
 }
@@ -140,10 +143,11 @@ error_code_t TableTreeEngine::fail(const std::string& text, basekit2::source_pos
 }  // namespace
 
 InputData::InputData(std::shared_ptr<SnapshotSource> source, std::shared_ptr<const Declarations> declarations,
-                     Filters filters, relay2::IMessenger* messenger, const QueryLimits& limits)
+                     Filters filters, relay2::IMessenger* messenger, const QueryLimits& limits,
+                     std::shared_ptr<CellRecord> record)
     : m_filters(basekit2::make_counted<FilterRegistry>(std::move(filters))),
       m_engine(basekit2::make_counted<TableTreeEngine>(std::move(source), std::move(declarations), m_filters,
-                                                       messenger, limits)) {}
+                                                       messenger, limits, std::move(record))) {}
 
 sptr_t<basekit2::IObject> InputData::queryInterface(basekit2::type_id_t id) {
     if (id == qlib_1::IInputData::typeId) return sptr_t<basekit2::IObject>::share(this);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/document/declarations.h"
+#include "host/engine/cell_record.h"
 #include "host/engine/filter_registry.h"
 #include "host/engine/snapshot_source.h"
 #include "platform/basekit2/ref_counted.h"
@@ -28,9 +29,11 @@ namespace tessera_host {
 // Any other sink is looked at before each request only.
 class InputData final : public basekit2::ref_counted_t<qlib_1::IInputData> {
   public:
-    // `messenger` may be null and otherwise outlives the engine.
+    // `messenger` may be null and otherwise outlives the engine. With a `record`, the texts of all cells have a
+    // tag of it; null: they have none.
     InputData(std::shared_ptr<SnapshotSource> source, std::shared_ptr<const Declarations> declarations,
-              Filters filters, relay2::IMessenger* messenger, const QueryLimits& limits = {});
+              Filters filters, relay2::IMessenger* messenger, const QueryLimits& limits = {},
+              std::shared_ptr<CellRecord> record = nullptr);
 
     basekit2::sptr_t<basekit2::IObject> queryInterface(basekit2::type_id_t id) override;
 

@@ -84,7 +84,14 @@ constexpr std::array queryAttributes{"id"sv, "from"sv, "where"sv, "key"sv, "form
 constexpr ElementRule query{"<query>", queryAttributes, {}, true};
 constexpr std::array queriesChildren{ChildRule{"query", &query}};
 constexpr ElementRule queries{"<queries>", {}, queriesChildren};
+constexpr std::array levelAttributes{"name"sv, "query"sv, "key"sv, "above"sv, "below"sv, "colour"sv};
+constexpr ElementRule level{"<level>", levelAttributes, {}};
+constexpr std::array levelsChildren{ChildRule{"level", &level}};
+constexpr ElementRule levels{"<levels>", {}, levelsChildren};
+constexpr std::array widthsAttributes{"query"sv, "from"sv, "to"sv};
+constexpr ElementRule widths{"<widths>", widthsAttributes, {}};
 constexpr std::array rootChildren{ChildRule{"queries", &queries}, ChildRule{"filters", &filters},
+                                  ChildRule{"levels", &levels}, ChildRule{"widths", &widths},
                                   ChildRule{"diagram", &diagram}};
 constexpr ElementRule root{"the document", {}, rootChildren};
 

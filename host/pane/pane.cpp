@@ -33,6 +33,25 @@ std::int64_t since(std::chrono::steady_clock::time_point begin) {
         .count();
 }
 
+// What values mean is the host's business: the library gets the document without it.
+void copyForLibrary(const variant_bag_t& document, variant_bag_t& out) {
+    bool hasMeaning = false;
+    for (auto child = document.begin(); !child.at_end(); child.next())
+        hasMeaning = hasMeaning || ValueMeaning::isMeaning(child.get_name());
+    if (!hasMeaning) {
+        out = document;
+        return;
+    }
+    variant_bag_t copy;
+    copy.set_position(document.position());
+    for (auto value = document.begin_values(); !value.at_end(); value.next())
+        copy.append(value.get_name(), value.get_value());
+    for (auto child = document.begin(); !child.at_end(); child.next())
+        if (!ValueMeaning::isMeaning(child.get_name()))
+            copy.add_variant_bag(child.get_name()) = child.get_value();
+    out = std::move(copy);
+}
+
 // The base handler of the pane: its configuration is the viewpoint.
 class ViewpointSource final : public panelcore_1::IRequestHandler {
   public:
@@ -45,7 +64,7 @@ class ViewpointSource final : public panelcore_1::IRequestHandler {
         if (name != "config")
             return error_code_t::raise(bk2::error::FailedTo(RTBASE_2_18::strings::ustring8(name)), __func__,
                                        "host/pane/pane", __LINE__);
-        out = m_viewpoint->bag();
+        copyForLibrary(m_viewpoint->bag(), out);
         return {};
     }
 
@@ -99,7 +118,7 @@ Pane::Pane(Viewpoint::Pointer viewpoint, std::shared_ptr<IResult> result, Filter
       m_source(std::make_shared<SnapshotSource>(std::move(result))),
       m_messages(std::make_unique<Messages>()),
       m_inputData(basekit2::make_counted<InputData>(m_source, m_viewpoint->declarations(), std::move(filters),
-                                                    m_messages.get(), options.queryLimits)),
+                                                    m_messages.get(), options.queryLimits, options.record)),
       m_handler(tessera_1::createDiagramViewRequestHandlerWithOptions(
           basekit2::make_counted<QueryLibrary>(m_viewpoint->declarations()), m_inputData,
           std::make_shared<ViewpointSource>(m_viewpoint), std::make_shared<PaneFilters>(m_inputData),

@@ -19,6 +19,9 @@ namespace tessera_host {
 struct PaneOptions {
     QueryLimits queryLimits;          // of each statement
     tessera_1::LayoutOptions layout;  // its watcher, when there is one, outlives the pane
+    // Gets every value that is fetched; the texts of values then end in a tag, which describeValues() of
+    // host/meaning/described_values.h takes off. Null: values are as they are.
+    std::shared_ptr<CellRecord> record = nullptr;
 };
 
 // Valid for one request. Both are borrowed: what they refer to outlives the request.
