@@ -6,7 +6,9 @@
 // document: possibly invalid UTF-8.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -26,6 +28,8 @@ struct BoxShape {
     Rect rect;
     BoxRole role = BoxRole::card;
     ColorRole bar = ColorRole::none;  // colour of the bar along the left edge; `none`: no bar
+    // Of the level of its values: the colour of a wider border, or of the fill of a badge. `none`: no level.
+    ColorRole level = ColorRole::none;
 };
 
 // The symbol of a display type, as wide and as high as `size`.
@@ -44,6 +48,7 @@ struct TextShape {
     double maxWidth = 0;                   // the space that it may fill
     bool isExact = true;                   // false: may be drawn wider than measured; clip at maxWidth
     ColorRole textHalo = ColorRole::none;  // an outline that keeps lines below the text off its letters
+    ColorRole color = ColorRole::none;     // of its level; `none`: that of the role
 };
 
 // An arrow head by its tip and its direction: one of the four directions along the axes, of length 1.
@@ -88,6 +93,7 @@ struct Element {
     std::string_view link;   // of a label: the id of its link
     std::string_view place;  // of a label: its place on the link, "from", "center" or "to"
     std::string_view type;   // display type of a node or group, as the document has it
+    std::string_view level;  // the worst level of its values; "" for none
     Index index = nothing;   // of the node in the layout's structure, or of the link path
     Span boxes;
     Span symbols;
@@ -106,6 +112,15 @@ struct RowShape {
     std::string_view value;
     Index nameText = nothing;  // in Scene::texts; `nothing` when only the tooltip shows it
     Index valueText = nothing;
+    std::string_view level;  // of the value; "" for none
+};
+
+// A level of values: how it is marked, and how many values are at it.
+struct LevelLook {
+    std::string_view name;
+    Symbol sign = Symbol::none;
+    ColorRole color = ColorRole::none;
+    std::int64_t count = 0;
 };
 
 // Owns its texts, and shares ownership of the layout that it was made from: all views and spans are valid as
@@ -124,8 +139,23 @@ struct Scene {
     std::vector<TextShape> texts;
     std::vector<TooltipLine> tooltips;
     std::vector<RowShape> rows;
-    TextArena ownedTexts;  // values, and texts made for this scene
+    std::vector<LevelLook> levels;  // the worst first; empty where values have none
+    std::vector<std::uint8_t>
+        lineSteps;  // by line: the place in lineWidths, from 0; empty where all are alike
+    std::array<std::optional<Rgb>, ownLevelCount> ownColors;  // of the document's own levels
+    TextArena ownedTexts;                                     // values, and texts made for this scene
     LayoutPointer layout;  // owns ids, names and lines; null only in a scene that was not filled
+
+    // Null for a name that is not a level.
+    [[nodiscard]] const LevelLook* levelOf(std::string_view level) const noexcept {
+        for (const LevelLook& each : levels)
+            if (!level.empty() && each.name == level) return &each;
+        return nullptr;
+    }
+    // The width of a line's stroke.
+    [[nodiscard]] double widthOf(std::size_t line) const noexcept {
+        return line < lineSteps.size() ? lineWidths[lineSteps[line]] : lineStrokeWidth;
+    }
 };
 
 // The second step: fills the layout with the values of `bag`. Accepts any bag, which may be destroyed after

@@ -38,15 +38,39 @@ enum class ColorRole : std::uint8_t {
     accent2,
     accent3,
     accent4,
+    critical,  // levels of values
+    warning,
+    good,
+    own1,  // and those of the document, whose colours a scene brings along
+    own2,
+    own3,
+    own4,
+    own5,
+    own6,
 };
-inline constexpr std::size_t colorRoleCount = 16;
+inline constexpr std::size_t colorRoleCount = 25;
 inline constexpr std::size_t accentCount = 4;
+inline constexpr std::size_t ownLevelCount = 6;
+
+// The role of a document's own level, from 0.
+[[nodiscard]] constexpr ColorRole ownRole(std::size_t number) noexcept {
+    return static_cast<ColorRole>(static_cast<std::size_t>(ColorRole::own1) + number);
+}
+[[nodiscard]] constexpr bool isLevelRole(ColorRole role) noexcept {
+    return role >= ColorRole::critical && role <= ColorRole::own6;
+}
 
 // The colours of one theme, by ColorRole; the entry of `none` is not used.
 using Palette = std::array<Rgb, colorRoleCount>;
 
 [[nodiscard]] const Palette& lightPalette() noexcept;
 [[nodiscard]] const Palette& darkPalette() noexcept;
+
+// The contrast of two colours as WCAG 2 defines it, from 1 to 21.
+[[nodiscard]] double contrastOf(Rgb a, Rgb b) noexcept;
+// The colour, or the nearest darker or lighter one that a text can be read in on every ground of this palette:
+// with a contrast of 4.5.
+[[nodiscard]] Rgb readableOn(const Palette& palette, Rgb color) noexcept;
 
 enum class Theme : std::uint8_t {
     light,
@@ -63,8 +87,12 @@ enum class BoxRole : std::uint8_t {
     labelCard,       // a label with values, on a line
     note,            // what is shown in place of an empty diagram
     badge,           // with the display mode, in the heading
+    // Those from here on have a style in a picture only where it says what values mean.
+    levelBadge,   // with the level of a box, on its border; its fill is the colour of the level
+    widthSample,  // a piece of line in the legend
 };
-inline constexpr std::size_t boxRoleCount = 7;
+inline constexpr std::size_t boxRoleCount = 9;
+inline constexpr std::size_t plainBoxRoleCount = 7;
 
 struct BoxStyle {
     ColorRole fill = ColorRole::none;
@@ -90,8 +118,12 @@ enum class TextRole : std::uint8_t {
     noteTitle,
     note,
     legend,
+    // As with boxes.
+    summary,    // of levels, in the heading
+    levelWord,  // the name of a level, in its badge
 };
-inline constexpr std::size_t textRoleCount = 13;
+inline constexpr std::size_t textRoleCount = 15;
+inline constexpr std::size_t plainTextRoleCount = 13;
 
 // Which part of a text is at its position: where it starts, its middle, or where it ends.
 enum class Anchor : std::uint8_t { start, middle, end };
@@ -108,6 +140,9 @@ struct TextStyle {
 // Widths of strokes, and the pattern of dashed ones.
 inline constexpr double boxStrokeWidth = 1;
 inline constexpr double lineStrokeWidth = 1.6;
+inline constexpr double levelStrokeWidth = 2;  // of boxes at a level
+// Of lines whose width shows a value, by step. Heads grow with them, but stand only 8 pixels apart.
+inline constexpr std::array<double, 5> lineWidths = {1.6, 2.4, 3.2, 4.1, 5};
 inline constexpr double textHaloWidth = 4;
 inline constexpr double dashLength = 5;
 inline constexpr double dashGap = 3;

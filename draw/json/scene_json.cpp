@@ -2,6 +2,7 @@
 
 #include <rapidjson/writer.h>
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -65,6 +66,8 @@ class JsonSceneWriter {
         count("nodes", m_scene.nodeCount);
         count("groups", m_scene.groupCount);
         count("links", m_scene.lineCount);
+        if (!m_scene.levels.empty())
+            array("levels", m_scene.levels.size(), [&](std::size_t i) { level(m_scene.levels[i]); });
         array("elements", m_scene.elements.size(), [&](std::size_t i) { element(m_scene.elements[i]); });
         m_json.EndObject();
         m_stream.Flush();
@@ -84,10 +87,11 @@ class JsonSceneWriter {
         memberUnlessEmpty("link", element.link);
         memberUnlessEmpty("place", element.place);
         memberUnlessEmpty("type", element.type);
+        memberUnlessEmpty("level", element.level);
         shapes("boxes", element.boxes, m_scene.boxes, [&](const BoxShape& shape) { box(shape); });
         shapes("symbols", element.symbols, m_scene.symbols, [&](const SymbolShape& shape) { symbol(shape); });
         // The builder gives an element one line at most.
-        if (element.lines.count > 0) line(m_scene.lines[element.lines.first]);
+        if (element.lines.count > 0) line(element.lines.first);
         shapes("texts", element.texts, m_scene.texts, [&](const TextShape& shape) { text(shape); });
         // Rows name their texts by number within the element, so that it can be read without the others.
         shapes("rows", element.rows, m_scene.rows,
@@ -99,6 +103,15 @@ class JsonSceneWriter {
         m_json.EndObject();
     }
 
+    void level(const LevelLook& level) {
+        m_json.StartObject();
+        member("name", level.name);
+        member("sign", nameOf(level.sign));
+        member("color", nameOf(level.color));
+        count("count", static_cast<std::size_t>(std::max<std::int64_t>(level.count, 0)));
+        m_json.EndObject();
+    }
+
     void box(const BoxShape& box) {
         m_json.StartObject();
         member("role", nameOf(box.role));
@@ -107,6 +120,7 @@ class JsonSceneWriter {
         member("width", box.rect.width);
         member("height", box.rect.height);
         if (box.bar != ColorRole::none) member("bar", nameOf(box.bar));
+        if (box.level != ColorRole::none) member("level", nameOf(box.level));
         m_json.EndObject();
     }
 
@@ -121,12 +135,14 @@ class JsonSceneWriter {
     }
 
     // As the data of an SVG path, which scripts can use as it is.
-    void line(const LineShape& line) {
+    void line(std::size_t number) {
+        const LineShape& line = m_scene.lines[number];
         PathOutput path;
         SvgText text(path);
         text.path(line);
         text.finish();
         member("path", path.text);
+        if (!m_scene.lineSteps.empty()) member("strokeWidth", m_scene.widthOf(number));
         if (line.hasFromHead) head("fromHead", line.fromHead);
         if (line.hasToHead) head("toHead", line.toHead);
     }
@@ -149,6 +165,7 @@ class JsonSceneWriter {
         member("width", text.width);
         member("maxWidth", text.maxWidth);
         member("text", text.text);
+        if (text.color != ColorRole::none) member("color", nameOf(text.color));
         // Flags are written only where they are true.
         if (text.isShortened) flag("isShortened");
         if (!text.isExact) flag("isClipped");
@@ -161,6 +178,7 @@ class JsonSceneWriter {
         count("number", row.number);
         member("name", row.name);
         member("value", row.value);
+        memberUnlessEmpty("level", row.level);
         // Left out for texts that only the tooltip shows.
         if (row.nameText != nothing) count("nameText", row.nameText - firstText);
         if (row.valueText != nothing) count("valueText", row.valueText - firstText);

@@ -10,6 +10,7 @@
 
 #include "draw/pictures/text_painter.h"
 #include "draw/scene/layout_data.h"
+#include "draw/scene/levels.h"
 #include "draw/scene/shapes.h"
 
 namespace tessera_draw {
@@ -89,7 +90,7 @@ class Painter {
         for (std::uint32_t i = 0; i < element.symbols.count; ++i)
             symbol(scene.symbols[element.symbols.first + i]);
         for (std::uint32_t i = 0; i < element.lines.count; ++i)
-            line(scene.lines[element.lines.first + i]);
+            line(scene.lines[element.lines.first + i], scene.widthOf(element.lines.first + i));
         for (std::uint32_t i = 0; i < element.texts.count; ++i)
             m_text.paint(scene.texts[element.texts.first + i]);
     }
@@ -110,12 +111,15 @@ class Painter {
         // Each becomes a hole, because the fill rule is even-odd.
         for (const auto& [group, rect] : innerBoxes)
             cutOut(rect, style.radius + boxStrokeWidth);
-        setColor(m_cairo, m_palette, style.fill);
+        const bool isBadge = box.role == BoxRole::levelBadge;
+        setColor(m_cairo, m_palette, isBadge ? box.level : style.fill);
         cairo_fill(m_cairo);
+        if (style.stroke == ColorRole::none) return;
         roundedRect(m_cairo, box.rect, style.radius);
         // The border is a path of its own, without the holes.
-        setColor(m_cairo, m_palette, style.stroke);
-        cairo_set_line_width(m_cairo, boxStrokeWidth);
+        const bool hasLevel = !isBadge && box.level != ColorRole::none;
+        setColor(m_cairo, m_palette, hasLevel ? box.level : style.stroke);
+        cairo_set_line_width(m_cairo, hasLevel ? levelStrokeWidth : boxStrokeWidth);
         const std::array<double, 2> dashes = {dashLength, dashGap};
         cairo_set_dash(m_cairo, dashes.data(), style.isDashed ? 2 : 0, 0);
         cairo_stroke(m_cairo);
@@ -142,7 +146,7 @@ class Painter {
         cairo_stroke(m_cairo);
     }
 
-    void line(const LineShape& line) {
+    void line(const LineShape& line, double width) {
         for (const auto& stretch : line.stretches) {
             cairo_move_to(m_cairo, stretch.start.x, stretch.start.y);
             for (const Segment& segment : stretch.segments) {
@@ -154,10 +158,10 @@ class Painter {
             }
         }
         setColor(m_cairo, m_palette, ColorRole::line);
-        cairo_set_line_width(m_cairo, lineStrokeWidth);
+        cairo_set_line_width(m_cairo, width);
         cairo_stroke(m_cairo);
-        if (line.hasFromHead) fill(outlineOf(line.fromHead), ColorRole::line);
-        if (line.hasToHead) fill(outlineOf(line.toHead), ColorRole::line);
+        if (line.hasFromHead) fill(outlineOf(line.fromHead, width), ColorRole::line);
+        if (line.hasToHead) fill(outlineOf(line.toHead, width), ColorRole::line);
     }
 
     cairo_t* m_cairo;
@@ -180,7 +184,7 @@ void setColor(cairo_t* cairo, const Palette& palette, ColorRole color) {
 bool paintScene(cairo_t* cairo, const Scene& scene, const PictureOptions& options, PictureResult& result,
                 const ScenePart* part) {
     const bool isDark = options.theme == Theme::dark;
-    const Palette& palette = isDark ? darkPalette() : lightPalette();
+    const Palette palette = paletteOf(scene, isDark);
     setColor(cairo, palette, ColorRole::ground);
     // The ground covers everything: pictures are not transparent. Paper that is nearly white stays white.
     if (part == nullptr || isDark) cairo_paint(cairo);

@@ -80,7 +80,7 @@ void TextPainter::paint(const TextShape& text) {
         cairo_stroke(m_cairo);
         cairo_move_to(m_cairo, text.at.x - back, text.at.y);
     }
-    setColor(m_cairo, m_palette, styleOf(text.role).color);
+    setColor(m_cairo, m_palette, text.color == ColorRole::none ? styleOf(text.role).color : text.color);
     pango_cairo_show_layout_line(m_cairo, line);
 }
 

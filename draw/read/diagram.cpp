@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "draw/read/node_ids.h"
+#include "draw/theme.h"
 
 namespace tessera_draw {
 
@@ -131,6 +132,18 @@ Diagram read(const variant_bag_t& bag, bool hasValues) {
 
 }  // namespace
 
+namespace {
+
+void readMeaningOf(const variant_bag_t& bag, Row& row) {
+    row.level = bag.get_text("level");
+    if (const basekit2::variant_t* worst = bag.get("isWorst")) row.isWorst = flagOf(*worst);
+    if (const basekit2::variant_t* width = bag.get("width"))
+        row.width = static_cast<std::uint8_t>(
+            std::clamp<std::int32_t>(levelOf(*width), 0, static_cast<std::int32_t>(lineWidths.size())));
+}
+
+}  // namespace
+
 Info readInfo(const variant_bag_t& bag, std::string_view name) {
     Info info;
     const variant_bag_t* found = bag.get_variant_bag(name);
@@ -138,6 +151,8 @@ Info readInfo(const variant_bag_t& bag, std::string_view name) {
     info.name = found->get_text("name");
     forEachChild(*found, "rows", "row", [&](const variant_bag_t& row) {
         info.rows.push_back({row.get_text("name"), row.get_text("value")});
+        // Most rows have these two values only.
+        if (row.value_count() > 2) readMeaningOf(row, info.rows.back());
     });
     return info;
 }

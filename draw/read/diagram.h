@@ -11,10 +11,14 @@
 
 namespace tessera_draw {
 
-// One named value. Both texts are shown as they are; nothing is computed from the value.
+// One named value. Both texts are shown as they are; nothing is computed from the value. What the value means
+// was described by the host.
 struct Row {
     std::string_view name;
     std::string_view value;
+    std::string_view level{};  // the name of its level
+    bool isWorst = false;      // the worst value of the diagram
+    std::uint8_t width = 0;    // the step of its line's width, from 1; 0 when it says nothing about that
 };
 
 // The values that a node or a part of a link shows at the moment. Without rows it shows none.

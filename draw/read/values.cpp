@@ -64,7 +64,8 @@ Info ownedInfo(const variant_bag_t& bag, std::string_view name, TextArena& texts
     Info info = readInfo(bag, name);
     info.name = texts.add(info.name);
     for (Row& row : info.rows)
-        row = {texts.add(row.name), texts.add(row.value)};
+        for (std::string_view* text : {&row.name, &row.value, &row.level})
+            *text = texts.add(*text);
     return info;
 }
 
@@ -75,6 +76,7 @@ Values readValues(const variant_bag_t& bag, const Diagram& structure, TextArena&
     Values values;
     if (const variant_bag_t* head = bag.get_variant_bag("diagram"))
         values.displayMode = texts.add(head->get_text("displayMode"));
+    values.meaning = readMeaning(bag, texts);
     values.nodes.resize(structure.nodes.size());
     values.links.resize(structure.links.size());
     Matcher nodes(structure.nodes);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "draw/read/diagram.h"
+#include "draw/read/meaning.h"
 #include "draw/text_arena.h"
 
 namespace tessera_draw {
@@ -33,6 +34,7 @@ struct LinkValues {
 
 struct Values {
     std::string_view displayMode;
+    Meaning meaning;
     std::vector<Info> nodes;        // by node of the structure
     std::vector<LinkValues> links;  // by link of the structure
 };

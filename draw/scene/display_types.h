@@ -12,7 +12,25 @@
 namespace tessera_draw {
 
 // The shape of a type's symbol. Types differ in shape as well as in colour, for readers who see few hues.
-enum class Symbol : std::uint8_t { none, disc, square, diamond, triangle, ring, cross };
+// Those from `alert` on are signs of levels, and differ from the symbols of types by a hole or by their outline.
+enum class Symbol : std::uint8_t {
+    none,
+    disc,
+    square,
+    diamond,
+    triangle,
+    ring,
+    cross,
+    alert,    // an octagon with an exclamation mark: critical
+    caution,  // a triangle with one: warning
+    check,    // a disc with a check mark: good
+    star,     // the document's own levels, in turn
+    flag,
+    hexagon,
+    window,
+    rhombus,
+    pentagon,
+};
 
 // How a display type is marked. The default has no symbol and no colour.
 struct TypeLook {

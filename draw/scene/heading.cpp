@@ -7,6 +7,7 @@
 
 #include "draw/scene/box_sizes.h"
 #include "draw/scene/layout_data.h"
+#include "draw/scene/levels.h"
 #include "draw/text_width.h"
 
 namespace tessera_draw {
@@ -24,6 +25,11 @@ constexpr double legendStep = 20;
 constexpr double legendBetween = 20;
 constexpr double maxLegendText = 180;
 constexpr std::size_t maxLegendEntries = 24;
+constexpr double sampleLength = 26;  // of a line's width
+constexpr double sampleSpace = 32;   // with the gap beside it
+constexpr double summaryLine = 60;   // below the heading, above the content
+constexpr double summaryGap = 14;
+constexpr double minWorst = 190;  // for the worst place, before levels give way to it
 
 }  // namespace
 
@@ -54,35 +60,145 @@ void drawHeading(SceneBuilder& builder, const Diagram& diagram, std::string_view
     builder.tooltip("display mode", ": ", mode);
 }
 
-double drawLegend(SceneBuilder& builder, const DisplayTypes& types, double top, double width) {
-    if (types.entries().empty()) return 0;
-    builder.begin(Element::Kind::legend, {});
-    double x = margin;
-    double line = top + legendGap;
+namespace {
+
+// "3 critical", for each level that values are at.
+struct LevelCount {
+    const LevelLook* level;
+    std::string_view text;
+    double width;  // with its sign and the gap after it
+};
+
+std::vector<LevelCount> countsOf(SceneBuilder& builder) {
+    const TextStyle& style = styleOf(TextRole::summary);
+    std::vector<LevelCount> counts;
+    for (const LevelLook& level : builder.scene().levels) {
+        if (level.count == 0) continue;
+        const std::string_view text = builder.own(fmt::format("{} {}", level.count, level.name));
+        counts.push_back(
+            {&level, text, symbolSpace + measureText(text, style.size, style.weight).width + summaryGap});
+    }
+    return counts;
+}
+
+}  // namespace
+
+void drawLevelSummary(SceneBuilder& builder, const std::string& worstPlace, double width) {
+    if (builder.scene().levels.empty()) return;
+    const double right = width - margin;
+    const std::vector<LevelCount> counts = countsOf(builder);
+    if (counts.empty()) {
+        builder.text({margin, summaryLine}, TextRole::legend, "no value is at a level", right - margin);
+        return;
+    }
+    const std::string_view worst = worstPlace.empty() ? "" : builder.own("worst: " + worstPlace);
     const TextStyle& style = styleOf(TextRole::legend);
-    // Reserves the next place for an item of this width, on a new line where the present one is full.
-    const auto place = [&](double itemWidth) {
-        if (x > margin && x + itemWidth > width - margin) {
-            x = margin;
-            line += legendStep;
-        }
-        x += itemWidth + legendBetween;
-        return x - itemWidth - legendBetween;
-    };
+    const double worstWidth = measureText(worst, style.size, style.weight).width;
+    // Where not everything fits, the best levels give way to the worst place; the tooltip has them all.
+    double end = right - std::min(worstWidth, minWorst);
+    double x = margin;
+    for (const auto& [level, text, itemWidth] : counts) {
+        builder.tooltip(text);
+        if (x > margin && x + itemWidth > end) end = 0;
+        if (end == 0) continue;
+        builder.symbol({x + signSize / 2, summaryLine - 4.2}, {level->sign, level->color}, signSize);
+        if (builder.text({x + symbolSpace, summaryLine}, TextRole::summary, text, right - x - symbolSpace) >
+            0)
+            builder.colorLastText(level->color);
+        x += itemWidth;
+    }
+    if (worst.empty()) return;
+    builder.tooltip(worst);
+    if (right - x > worstWidth || right - x >= minWorst / 2)
+        builder.text({x, summaryLine}, TextRole::legend, worst, right - x);
+}
+
+namespace {
+
+// Places the entries of a legend one after the other, and continues on a new line where one is full.
+class LegendLines {
+  public:
+    LegendLines(double top, double width) : m_right(width - margin), m_line(top + legendGap) {}
+
+    // The left edge of the next item, which is this wide.
+    double place(double itemWidth) {
+        if (m_x > margin && m_x + itemWidth > m_right) newLine();
+        const double at = m_x;
+        m_x += itemWidth + legendBetween;
+        return at;
+    }
+    void newLine() {
+        if (m_x > margin) m_line += legendStep;
+        m_x = margin;
+    }
+    [[nodiscard]] double line() const noexcept { return m_line; }
+
+  private:
+    const double m_right;
+    double m_x = margin;
+    double m_line;
+};
+
+double legendWidth(std::string_view text) {
+    const TextStyle& style = styleOf(TextRole::legend);
+    return fitText(text, maxLegendText, style.size, style.weight).width;
+}
+
+void drawTypes(SceneBuilder& builder, const DisplayTypes& types, LegendLines& lines) {
     const std::size_t all = types.entries().size();
     // A single entry more is shown itself: "+1 more" would take the same place.
     const std::size_t shown = all <= maxLegendEntries + 1 ? all : maxLegendEntries;
     for (std::size_t i = 0; i < shown; ++i) {
         const auto& [type, look] = types.entries()[i];
-        const double text = fitText(type, maxLegendText, style.size, style.weight).width;
-        const double at = place(symbolSpace + text);
-        builder.symbol({at + symbolSize / 2, line - 4}, look);
-        builder.text({at + symbolSpace, line}, TextRole::legend, type, maxLegendText);
+        const double at = lines.place(symbolSpace + legendWidth(type));
+        builder.symbol({at + symbolSize / 2, lines.line() - 4}, look);
+        builder.text({at + symbolSpace, lines.line()}, TextRole::legend, type, maxLegendText);
     }
-    if (shown < all)
-        builder.text({place(maxLegendText / 2), line}, TextRole::legend,
-                     builder.own(fmt::format("+{} more", all - shown)), maxLegendText / 2);
-    return line + 4 - top;
+    if (shown == all) return;
+    const double at = lines.place(maxLegendText / 2);
+    builder.text({at, lines.line()}, TextRole::legend, builder.own(fmt::format("+{} more", all - shown)),
+                 maxLegendText / 2);
+}
+
+void drawLevels(SceneBuilder& builder, LegendLines& lines) {
+    for (const LevelLook& level : builder.scene().levels) {
+        const double at = lines.place(symbolSpace + legendWidth(level.name));
+        builder.symbol({at + signSize / 2, lines.line() - 4}, {level.sign, level.color}, signSize);
+        builder.text({at + symbolSpace, lines.line()}, TextRole::legend, level.name, maxLegendText);
+    }
+}
+
+void drawWidths(SceneBuilder& builder, const Meaning& meaning, LegendLines& lines) {
+    if (meaning.widthSteps.empty()) return;
+    const std::string_view name = builder.own(fmt::format("Width of lines: {}", meaning.widthsName));
+    const double nameAt = lines.place(legendWidth(name));
+    builder.text({nameAt, lines.line()}, TextRole::legend, name, maxLegendText);
+    for (std::size_t i = 0; i < meaning.widthSteps.size(); ++i) {
+        const double at = lines.place(sampleSpace + legendWidth(meaning.widthSteps[i]));
+        const double middle = lines.line() - 4;
+        builder.box({at, middle - lineWidths[i] / 2, sampleLength, lineWidths[i]}, BoxRole::widthSample);
+        builder.text({at + sampleSpace, lines.line()}, TextRole::legend, meaning.widthSteps[i],
+                     maxLegendText);
+    }
+}
+
+}  // namespace
+
+double drawLegend(SceneBuilder& builder, const DisplayTypes& types, const Meaning& meaning, double top,
+                  double width) {
+    const bool hasTypes = !types.entries().empty();
+    const bool hasMeaning = !builder.scene().levels.empty() || !meaning.widthSteps.empty();
+    if (!hasTypes && !hasMeaning) return 0;
+    builder.begin(Element::Kind::legend, {});
+    LegendLines lines(top, width);
+    if (hasTypes) drawTypes(builder, types, lines);
+    if (hasMeaning) {
+        lines.newLine();
+        drawLevels(builder, lines);
+        lines.newLine();
+        drawWidths(builder, meaning, lines);
+    }
+    return lines.line() + 4 - top;
 }
 
 void drawNothing(SceneBuilder& builder, const Rect& rect) {

@@ -2,6 +2,9 @@
 // function opens a new element of the scene. Lengths are pixels.
 #pragma once
 
+#include <string>
+
+#include "draw/read/meaning.h"
 #include "draw/scene/display_types.h"
 #include "draw/scene/scene_builder.h"
 
@@ -22,9 +25,15 @@ namespace tessera_draw {
 void drawHeading(SceneBuilder& builder, const Diagram& diagram, std::string_view mode, double badge,
                  double width);
 
-// Draws the display types and their symbols below `top`, in as many lines as they need; beyond 24 entries the
-// rest is counted ("+3 more"). Returns the legend's height, 0 if there are no types.
-double drawLegend(SceneBuilder& builder, const DisplayTypes& types, double top, double width);
+// Adds to the heading how many values are at which level, and the name of the place with the worst one, "" for
+// none. Nothing when the scene has no levels. REQUIRES: drawHeading() has opened the element.
+void drawLevelSummary(SceneBuilder& builder, const std::string& worstPlace, double width);
+
+// Draws below `top`, in as many lines as they need, the display types and their symbols, then the levels and their
+// signs, then the widths of lines. Beyond 24 types the rest is counted ("+3 more"). Returns the legend's height, 0
+// if there is nothing to explain.
+double drawLegend(SceneBuilder& builder, const DisplayTypes& types, const Meaning& meaning, double top,
+                  double width);
 
 // Draws the note of a drawing without content into `rect`.
 void drawNothing(SceneBuilder& builder, const Rect& rect);

@@ -136,13 +136,15 @@ std::vector<BoxSize> sizesOf(const LayoutData& data, const LayoutOptions& option
 struct Attempt {
     SceneInput input;
     Placement placement;
+    Direction direction;
 };
 
 std::optional<Attempt> layOutIn(Direction direction, bool isFolded, const LayoutData& data,
                                 LayoutOptions options) {
     options.direction = direction;
     options.isFolded = isFolded && options.isFolded;
-    Attempt attempt{makeInput(data.structure, data.linkPaths, data.kinds, data.sizes, options), {}};
+    Attempt attempt{
+        makeInput(data.structure, data.linkPaths, data.kinds, data.sizes, options), {}, direction};
     attempt.placement = placeInput(attempt.input, options);
     if (attempt.placement.boxes.size() != attempt.input.input.boxes.size()) return std::nullopt;  // cancelled
     return attempt;
@@ -201,6 +203,7 @@ LayoutPointer layOut(const basekit2::variant_bag_t& bag, const LayoutOptions& op
     if (!attempt) return nullptr;  // cancelled
     data->badge = badgeWidth(options.reservation == nullptr ? Reservation::usualModeWidth
                                                             : options.reservation->modeWidth());
+    data->isDownward = attempt->direction == Direction::topToBottom;
     adopt(*data, std::move(attempt->placement), attempt->input);
     data->containers = containersOf(*data);
     return std::make_shared<Layout>(std::move(data));

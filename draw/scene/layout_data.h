@@ -37,6 +37,7 @@ struct LayoutData {
     double badge = 0;                   // width of the badge in the heading
     double width = 0;                   // of the whole drawing, margins included
     bool isEmpty = false;               // only the heading and a note are drawn
+    bool isDownward = false;            // links lead from top to bottom
 };
 
 inline constexpr double sceneMargin = 28;

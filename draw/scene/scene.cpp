@@ -1,9 +1,12 @@
 #include "draw/scene.h"
 
+#include <algorithm>
+#include <string>
 #include <utility>
 
 #include "draw/scene/heading.h"
 #include "draw/scene/layout_data.h"
+#include "draw/scene/level_badge.h"
 #include "draw/scene/scene_boxes.h"
 #include "draw/scene/scene_builder.h"
 #include "draw/scene/scene_lines.h"
@@ -17,6 +20,7 @@ struct Drawing {
     const Values values;
     SceneBuilder builder;
     Scene& scene;
+    const BadgePlaces places{data, !values.meaning.levels.empty()};
 };
 
 // A group's values are on its "groupInfo" node where it has one.
@@ -42,7 +46,7 @@ void drawHeaders(Drawing& drawing) {
         const Node& node = drawing.data.structure.nodes[at];
         drawing.builder.begin(Element::Kind::header, node.id, at);
         drawHeader(drawing.builder, node, infoOf(drawing, at), drawing.data.sizes[at], drawing.data.boxes[at],
-                   drawing.data.types.lookOf(node.displayType), depth % 2 == 1);
+                   drawing.data.types.lookOf(node.displayType), depth % 2 == 1, at, drawing.places);
     }
 }
 
@@ -82,7 +86,7 @@ void drawCards(Drawing& drawing) {
         const Node& node = drawing.data.structure.nodes[i];
         drawing.builder.begin(Element::Kind::node, node.id, static_cast<Index>(i)).type = node.displayType;
         drawCard(drawing.builder, node, drawing.values.nodes[i], drawing.data.sizes[i], drawing.data.boxes[i],
-                 drawing.data.types.lookOf(node.displayType));
+                 drawing.data.types.lookOf(node.displayType), static_cast<Index>(i), drawing.places);
         ++drawing.scene.nodeCount;
     }
 }
@@ -104,8 +108,60 @@ void drawLabels(Drawing& drawing) {
                                         arrowText(path.direction),
                                         captionOf(drawing.data.structure.nodes[path.to]));
         }
-        drawLabel(drawing.builder, drawing.values.nodes[i], drawing.data.sizes[i], drawing.data.boxes[i]);
+        drawLabel(drawing.builder, drawing.values.nodes[i], drawing.data.sizes[i], drawing.data.boxes[i],
+                  static_cast<Index>(i), drawing.places);
     }
+}
+
+std::uint8_t widestOf(const Info& info) {
+    std::uint8_t widest = 0;
+    for (const Row& row : info.rows)
+        widest = std::max(widest, row.width);
+    return widest;
+}
+
+// The steps of all lines: the largest value decides of those at a link. Empty when no value says anything about it.
+std::vector<std::uint8_t> lineStepsOf(const LayoutData& data, const Values& values) {
+    if (values.meaning.widthSteps.empty()) return {};
+    std::vector<std::uint8_t> ofPath(data.linkPaths.paths.size(), 0);
+    for (std::size_t i = 0; i < data.pathOfLabel.size(); ++i)
+        if (const Index path = data.pathOfLabel[i]; path != nothing)
+            ofPath[path] = std::max(ofPath[path], widestOf(values.nodes[i]));
+    std::vector<std::uint8_t> steps;
+    steps.reserve(data.pathOfLine.size());
+    for (const Index path : data.pathOfLine) {
+        std::uint8_t widest = ofPath[path];
+        if (const Index link = data.linkPaths.paths[path].link; link != nothing)
+            for (const Info* info :
+                 {&values.links[link].from, &values.links[link].total, &values.links[link].to})
+                widest = std::max(widest, widestOf(*info));
+        // Steps count from 1; without a value, a line is as wide as in the first one.
+        steps.push_back(widest == 0 ? 0 : widest - 1);
+    }
+    return steps;
+}
+
+// Where a value stands, for people: the node, or the ends of the link.
+std::string placeOf(const LayoutData& data, std::size_t node) {
+    const auto& nodes = data.structure.nodes;
+    const auto captionAt = [&](Index at) { return std::string(at == nothing ? "" : captionOf(nodes[at])); };
+    if (const Index path = data.pathOfLabel[node]; path != nothing) {
+        const LinkPath& link = data.linkPaths.paths[path];
+        return captionAt(link.from) + std::string(arrowText(link.direction)) + captionAt(link.to);
+    }
+    const Node& shown = nodes[node];
+    return captionAt(shown.type == "groupInfo" && shown.group != nothing ? shown.group
+                                                                         : static_cast<Index>(node));
+}
+
+// "Errors of Web shop → Orders", or "" when no value is at a level.
+std::string worstPlaceOf(const LayoutData& data, const Values& values) {
+    for (std::size_t i = 0; i < values.nodes.size(); ++i)
+        for (const Row& row : values.nodes[i].rows)
+            if (row.isWorst)
+                return row.name.empty() ? placeOf(data, i)
+                                        : std::string(row.name) + " of " + placeOf(data, i);
+    return {};
 }
 
 }  // namespace
@@ -123,8 +179,11 @@ Scene fill(const LayoutPointer& layout, const basekit2::variant_bag_t& bag, Diff
     scene.name = titleOf(data.structure);
     scene.mode = drawing.values.displayMode;
     scene.lines = data.lines;
+    setLevels(scene, drawing.values.meaning);
+    scene.lineSteps = lineStepsOf(data, drawing.values);
     scene.size.width = data.width;
     drawHeading(drawing.builder, data.structure, scene.mode, data.badge, scene.size.width);
+    drawLevelSummary(drawing.builder, worstPlaceOf(data, drawing.values), scene.size.width);
     if (data.isEmpty)
         drawNothing(drawing.builder,
                     {sceneMargin, contentTop, scene.size.width - 2 * sceneMargin, data.content.height});
@@ -136,7 +195,8 @@ Scene fill(const LayoutPointer& layout, const basekit2::variant_bag_t& bag, Diff
     // The legend comes last: its height depends on how many lines its entries take.
     const double bottom = contentTop + data.content.height;
     scene.size.height =
-        bottom + drawLegend(drawing.builder, data.types, bottom, scene.size.width) + sceneMargin;
+        bottom + drawLegend(drawing.builder, data.types, drawing.values.meaning, bottom, scene.size.width) +
+        sceneMargin;
     drawing.builder.end();
     return scene;
 }

@@ -25,6 +25,14 @@ Index drawText(SceneBuilder& builder, Point at, TextRole role, const FittedText&
     return builder.text(at, role, fitted, maxWidth) > 0 ? builder.lastText() : nothing;
 }
 
+// Colours the value that was drawn last, and puts the sign of its level left of it.
+void drawSign(SceneBuilder& builder, const Row& row, double valueLeft, double line) {
+    const LevelLook* level = builder.scene().levelOf(row.level);
+    if (level == nullptr) return;
+    builder.colorLastText(level->color);
+    builder.symbol({valueLeft - signSpace + signSize / 2, line - 4}, {level->sign, level->color}, signSize);
+}
+
 void drawRow(SceneBuilder& builder, const Row& row, RowShape& shape, const Columns& columns, double line) {
     const TextStyle& nameStyle = styleOf(columns.nameRole);
     const TextStyle& valueStyle = styleOf(columns.valueRole);
@@ -40,6 +48,7 @@ void drawRow(SceneBuilder& builder, const Row& row, RowShape& shape, const Colum
         name = fitText(row.name, nameSpace, nameStyle.size, nameStyle.weight);
     shape.nameText = drawText(builder, {columns.left, line}, columns.nameRole, name, nameSpace);
     shape.valueText = drawText(builder, {columns.right, line}, columns.valueRole, value, valueSpace);
+    if (shape.valueText != nothing) drawSign(builder, row, columns.right - value.width, line);
 }
 
 void drawRows(SceneBuilder& builder, const std::vector<Row>& rows, std::uint32_t maxRows,
@@ -58,11 +67,21 @@ void drawRows(SceneBuilder& builder, const std::vector<Row>& rows, std::uint32_t
                      builder.own(fmt::format("+{} more", rows.size() - shown)), columns.right - columns.left);
 }
 
-void drawLabelValue(SceneBuilder& builder, Point at, std::string_view value, double maxWidth) {
+// A centered text may come 4 pixels closer to each border of a label than rows do.
+double labelSpace(const Rect& rect) {
+    return rect.width - 2 * labelSide + 8;
+}
+
+// The sign of a level and the value beside it are centered together.
+void drawLabelValue(SceneBuilder& builder, Point at, const Row& row, const Rect& rect) {
     const TextStyle& style = styleOf(TextRole::labelValue);
-    const FittedText fitted = fitValue(value, maxWidth, style.size, style.weight);
-    if (builder.text(at, TextRole::labelValue, fitted, maxWidth) > 0)
-        builder.row(0).valueText = builder.lastText();
+    const double sign = builder.scene().levelOf(row.level) == nullptr ? 0 : signSpace;
+    const double maxWidth = sign == 0 ? labelSpace(rect) : rect.width - 8 - sign;
+    const FittedText fitted = fitValue(row.value, maxWidth, style.size, style.weight);
+    const Point middle{at.x + sign / 2, at.y};
+    if (builder.text(middle, TextRole::labelValue, fitted, maxWidth) == 0) return;
+    builder.row(0).valueText = builder.lastText();
+    drawSign(builder, row, middle.x - fitted.width / 2, at.y);
 }
 
 // A title with the number of rows that are not shown after it.
@@ -78,14 +97,13 @@ std::string_view countedTitle(SceneBuilder& builder, std::string_view title, std
 // A single row is shown without its own name: the title above the value is enough.
 void drawSingleValue(SceneBuilder& builder, const Info& info, const Rect& rect) {
     const double middle = rect.x + rect.width / 2;
-    // A centered text may come 4 pixels closer to each border than rows do.
-    const double maxWidth = rect.width - 2 * labelSide + 8;
+    const double maxWidth = labelSpace(rect);
     const Row& row = info.rows.front();
     std::string_view title = info.name.empty() ? row.name : info.name;
     if (info.rows.size() > 1) title = countedTitle(builder, title, info.rows.size() - 1, maxWidth);
-    if (title.empty()) return drawLabelValue(builder, {middle, rect.y + 21}, row.value, maxWidth);
+    if (title.empty()) return drawLabelValue(builder, {middle, rect.y + 21}, row, rect);
     builder.text({middle, rect.y + labelTitleLine}, TextRole::labelName, title, maxWidth);
-    drawLabelValue(builder, {middle, rect.y + labelValueLine}, row.value, maxWidth);
+    drawLabelValue(builder, {middle, rect.y + labelValueLine}, row, rect);
 }
 
 // Where the values of a header end: at the reserved column, or farther to the right as far as texts need it.
@@ -101,14 +119,19 @@ double rightOfHeaderRows(const Info& info, const BoxSize& size, double left, dou
     return left + std::min(width, most);
 }
 
+ColorRole colorOf(const LevelLook* level) {
+    return level == nullptr ? ColorRole::none : level->color;
+}
+
 }  // namespace
 
 void drawCard(SceneBuilder& builder, const Node& node, const Info& info, const BoxSize& size,
-              const Rect& rect, TypeLook look) {
+              const Rect& rect, TypeLook look, Index at, const BadgePlaces& places) {
     builder.rows(info);
+    const LevelLook* level = worstLevelOf(builder.scene(), info);
     // Without an accent, the bar has the neutral color of borders.
     builder.box(rect, ruleOf(node.displayType).card,
-                look.accent == ColorRole::none ? ColorRole::labelBorder : look.accent);
+                look.accent == ColorRole::none ? ColorRole::labelBorder : look.accent, colorOf(level));
     const double left = rect.x + cardLeft;
     const double right = rect.right() - cardRight;
     const double nameLine = rect.y + (size.rows == 0 ? cardNameAlone : cardNameLine);
@@ -118,14 +141,18 @@ void drawCard(SceneBuilder& builder, const Node& node, const Info& info, const B
     drawRows(builder, info.rows, size.rows,
              {left, right, rect.y + cardFirstRow, rowStep, size.valueColumn, TextRole::rowName,
               TextRole::rowValue});
+    drawLevelBadge(builder, level, at, rect, places);
     builder.tooltip(captionOf(node));
     if (look.symbol != Symbol::none) builder.tooltip(node.displayType);
     builder.tooltips(info);
 }
 
-void drawLabel(SceneBuilder& builder, const Info& info, const BoxSize& size, const Rect& rect) {
+void drawLabel(SceneBuilder& builder, const Info& info, const BoxSize& size, const Rect& rect, Index at,
+               const BadgePlaces& places) {
     builder.rows(info);
-    builder.box(rect, BoxRole::labelCard);
+    const LevelLook* level = worstLevelOf(builder.scene(), info);
+    builder.box(rect, BoxRole::labelCard, ColorRole::none, colorOf(level));
+    drawLevelBadge(builder, level, at, rect, places);
     const double middle = rect.x + rect.width / 2;
     builder.tooltips(info);
     if (info.rows.empty()) {
@@ -144,15 +171,19 @@ void drawLabel(SceneBuilder& builder, const Info& info, const BoxSize& size, con
 
 void drawContainer(SceneBuilder& builder, const Node& node, const Info& info, const Rect& rect, TypeLook look,
                    bool isInner) {
-    builder.box(rect, isInner ? BoxRole::innerContainer : BoxRole::container);
+    const LevelLook* level = worstLevelOf(builder.scene(), info);
+    if (level != nullptr) builder.setLevel(level->name);
+    builder.box(rect, isInner ? BoxRole::innerContainer : BoxRole::container, ColorRole::none,
+                colorOf(level));
     builder.tooltip(captionOf(node));
     if (look.symbol != Symbol::none) builder.tooltip(node.displayType);
     builder.tooltips(info);
 }
 
 void drawHeader(SceneBuilder& builder, const Node& node, const Info& info, const BoxSize& size,
-                const Rect& rect, TypeLook look, bool isInner) {
+                const Rect& rect, TypeLook look, bool isInner, Index at, const BadgePlaces& places) {
     builder.rows(info);
+    drawLevelBadge(builder, worstLevelOf(builder.scene(), info), at, rect, places);
     // Headers are drawn above lines, which the halo keeps off the letters.
     builder.setTextHalo(styleOf(isInner ? BoxRole::innerContainer : BoxRole::container).fill);
     double left = rect.x + groupSide;

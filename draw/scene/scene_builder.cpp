@@ -1,8 +1,8 @@
 #include "draw/scene/scene_builder.h"
 
-#include <utility>
+#include <fmt/format.h>
 
-#include "draw/scene/box_sizes.h"
+#include <utility>
 
 namespace tessera_draw {
 namespace {
@@ -47,12 +47,12 @@ void SceneBuilder::end() {
     close(element.rows, m_scene.rows);
 }
 
-void SceneBuilder::box(const Rect& rect, BoxRole role, ColorRole bar) {
-    m_scene.boxes.push_back({rect, role, bar});
+void SceneBuilder::box(const Rect& rect, BoxRole role, ColorRole bar, ColorRole level) {
+    m_scene.boxes.push_back({rect, role, bar, level});
 }
 
-void SceneBuilder::symbol(Point center, const TypeLook& look) {
-    if (look.symbol != Symbol::none) m_scene.symbols.push_back({center, symbolSize, look});
+void SceneBuilder::symbol(Point center, const TypeLook& look, double size) {
+    if (look.symbol != Symbol::none) m_scene.symbols.push_back({center, size, look});
 }
 
 void SceneBuilder::line(std::uint32_t number) {
@@ -61,7 +61,8 @@ void SceneBuilder::line(std::uint32_t number) {
 
 void SceneBuilder::rows(const Info& info, std::string_view place) {
     for (std::uint32_t i = 0; i < info.rows.size(); ++i)
-        m_scene.rows.push_back({place, i, info.rows[i].name, info.rows[i].value, nothing, nothing});
+        m_scene.rows.push_back(
+            {place, i, info.rows[i].name, info.rows[i].value, nothing, nothing, info.rows[i].level});
 }
 
 RowShape& SceneBuilder::row(std::size_t number) {
@@ -74,8 +75,11 @@ void SceneBuilder::tooltip(std::string_view first, std::string_view between, std
 
 void SceneBuilder::tooltips(const Info& info) {
     if (!info.name.empty()) tooltip(info.name);
-    for (const Row& row : info.rows)
-        tooltip(row.name, row.name.empty() ? "" : ": ", row.value);
+    for (const Row& row : info.rows) {
+        const bool hasLevel = m_scene.levelOf(row.level) != nullptr;
+        tooltip(row.name, row.name.empty() ? "" : ": ",
+                hasLevel ? own(fmt::format("{} ({})", row.value, row.level)) : row.value);
+    }
 }
 
 double SceneBuilder::text(Point at, TextRole role, std::string_view text, double maxWidth) {
@@ -85,8 +89,8 @@ double SceneBuilder::text(Point at, TextRole role, std::string_view text, double
 
 double SceneBuilder::text(Point at, TextRole role, const FittedText& fitted, double maxWidth) {
     if (fitted.kept.empty() && !fitted.isShortened) return 0;
-    m_scene.texts.push_back(
-        {at, role, fitted.kept, fitted.isShortened, fitted.width, maxWidth, fitted.isExact, m_textHalo});
+    m_scene.texts.push_back({at, role, fitted.kept, fitted.isShortened, fitted.width, maxWidth,
+                             fitted.isExact, m_textHalo, ColorRole::none});
     return fitted.width;
 }
 

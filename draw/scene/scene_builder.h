@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "draw/scene.h"
+#include "draw/scene/box_sizes.h"
 
 namespace tessera_draw {
 
@@ -19,9 +20,10 @@ class SceneBuilder {
     // Ends the open element, if any.
     void end();
 
-    void box(const Rect& rect, BoxRole role, ColorRole bar = ColorRole::none);
+    void box(const Rect& rect, BoxRole role, ColorRole bar = ColorRole::none,
+             ColorRole level = ColorRole::none);
     // Adds nothing for a look without a symbol.
-    void symbol(Point center, const TypeLook& look);
+    void symbol(Point center, const TypeLook& look, double size = symbolSize);
     // Adds the layout's line of that number. One line for each element.
     void line(std::uint32_t number);
     void tooltip(std::string_view first, std::string_view between = {}, std::string_view second = {});
@@ -44,6 +46,13 @@ class SceneBuilder {
     [[nodiscard]] RowShape& row(std::size_t number);
     // The index in Scene::texts of the text that was added last. REQUIRES: a text was added.
     [[nodiscard]] Index lastText() const noexcept { return static_cast<Index>(m_scene.texts.size() - 1); }
+
+    // The scene that is built, for its levels.
+    [[nodiscard]] const Scene& scene() const noexcept { return m_scene; }
+    // The level of the open element.
+    void setLevel(std::string_view level) { m_scene.elements.back().level = level; }
+    // Gives the text that was added last the colour of a level.
+    void colorLastText(ColorRole color) { m_scene.texts.back().color = color; }
 
     // Copies a text that does not live as long as the scene.
     std::string_view own(std::string_view text) { return m_scene.ownedTexts.add(text); }

@@ -12,6 +12,12 @@ namespace tessera_draw {
 inline constexpr double arrowLength = 9;
 inline constexpr double arrowWidth = 8;
 
+// The width of a head at the end of a line that is this wide.
+[[nodiscard]] constexpr double headWidth(double lineWidth) noexcept {
+    constexpr double beside = 2.3;  // at least, on both sides of the line
+    return lineWidth + 2 * beside > arrowWidth ? lineWidth + 2 * beside : arrowWidth;
+}
+
 // Returns the line as it is drawn: with a head at the end for "forward", at the start for "back", at both for
 // "both". The line is shortened under each head, so that the tip stays sharp. A placed line without segments
 // gives a line without stretches and heads.

@@ -1,6 +1,7 @@
 #include "draw/scene/shapes.h"
 
 #include <cmath>
+#include <utility>
 
 #include "draw/scene/box_sizes.h"
 #include "draw/scene/scene_lines.h"
@@ -40,6 +41,93 @@ Outline circle(Point c, double r) {
             {Kind::curve, {c.x, c.y + r}, {c.x + r, c.y + k}, {c.x + k, c.y + r}},
             {Kind::curve, {c.x - r, c.y}, {c.x - k, c.y + r}, {c.x - r, c.y + k}},
             closed};
+}
+
+// A polygon by points in relation to the centre, for a symbol that is 2 wide and high. Parts that run the other
+// way around are holes, with both rules for filling.
+void addPart(Outline& outline, const SymbolShape& symbol, std::initializer_list<Point> points) {
+    const double r = symbol.size / 2;
+    bool isFirst = true;
+    for (const Point& point : points) {
+        const Point at{symbol.center.x + point.x * r, symbol.center.y + point.y * r};
+        outline.push_back(std::exchange(isFirst, false) ? move(at.x, at.y) : line(at.x, at.y));
+    }
+    outline.push_back(closed);
+}
+
+// Anticlockwise, as the outlines around it run clockwise.
+void addExclamation(Outline& outline, const SymbolShape& symbol, double top, double bottom) {
+    constexpr double half = 0.17;
+    const double dot = bottom - 0.34;
+    addPart(outline, symbol, {{-half, top}, {-half, dot - 0.2}, {half, dot - 0.2}, {half, top}});
+    addPart(outline, symbol, {{-half, dot}, {-half, bottom}, {half, bottom}, {half, dot}});
+}
+
+void addHole(Outline& outline, const SymbolShape& symbol, double half) {
+    addPart(outline, symbol, {{-half, -half}, {-half, half}, {half, half}, {half, -half}});
+}
+
+// The signs of levels.
+Outline signOutline(const SymbolShape& symbol) {
+    Outline outline;
+    switch (symbol.look.symbol) {
+        case Symbol::alert:
+            addPart(outline, symbol,
+                    {{-0.42, -1},
+                     {0.42, -1},
+                     {1, -0.42},
+                     {1, 0.42},
+                     {0.42, 1},
+                     {-0.42, 1},
+                     {-1, 0.42},
+                     {-1, -0.42}});
+            addExclamation(outline, symbol, -0.7, 0.7);
+            break;
+        case Symbol::caution:
+            addPart(outline, symbol, {{0, -1.05}, {1.12, 0.95}, {-1.12, 0.95}});
+            addExclamation(outline, symbol, -0.45, 0.78);
+            break;
+        case Symbol::check:
+            outline = circle(symbol.center, symbol.size / 2);
+            addPart(
+                outline, symbol,
+                {{-0.6, 0.02}, {-0.16, 0.56}, {0.66, -0.32}, {0.4, -0.56}, {-0.18, 0.08}, {-0.36, -0.18}});
+            break;
+        case Symbol::star:
+            addPart(outline, symbol,
+                    {{0, -1.1},
+                     {0.28, -0.36},
+                     {1.05, -0.34},
+                     {0.44, 0.14},
+                     {0.65, 0.9},
+                     {0, 0.46},
+                     {-0.65, 0.9},
+                     {-0.44, 0.14},
+                     {-1.05, -0.34},
+                     {-0.28, -0.36}});
+            break;
+        case Symbol::flag:
+            addPart(outline, symbol, {{-0.8, -1}, {0.95, -0.45}, {-0.45, 0.1}, {-0.45, 1}, {-0.8, 1}});
+            break;
+        case Symbol::hexagon:
+            addPart(outline, symbol, {{-0.5, -0.9}, {0.5, -0.9}, {1, 0}, {0.5, 0.9}, {-0.5, 0.9}, {-1, 0}});
+            addHole(outline, symbol, 0.26);
+            break;
+        case Symbol::window:
+            addPart(outline, symbol, {{-0.9, -0.9}, {0.9, -0.9}, {0.9, 0.9}, {-0.9, 0.9}});
+            addHole(outline, symbol, 0.4);
+            break;
+        case Symbol::rhombus:
+            addPart(outline, symbol, {{0, -1.15}, {1.15, 0}, {0, 1.15}, {-1.15, 0}});
+            addHole(outline, symbol, 0.28);
+            break;
+        case Symbol::pentagon:
+            addPart(outline, symbol, {{0, -1}, {1, -0.2}, {0.62, 0.95}, {-0.62, 0.95}, {-1, -0.2}});
+            break;
+        default:
+            break;
+    }
+    return outline;
 }
 
 }  // namespace
@@ -92,15 +180,17 @@ Outline outlineOf(const SymbolShape& symbol) {
             return {move(c.x - s, c.y - s), line(c.x + s, c.y + s), move(c.x - s, c.y + s),
                     line(c.x + s, c.y - s)};
         }
+        default:
+            break;
     }
-    return {};
+    return signOutline(symbol);
 }
 
 // REQUIRES: the direction has length 1. Turned by a right angle it is (-y, x).
-Outline outlineOf(const ArrowHead& head) {
+Outline outlineOf(const ArrowHead& head, double lineWidth) {
     const Point d = head.direction;
     const Point base = {head.tip.x - d.x * arrowLength, head.tip.y - d.y * arrowLength};
-    const double half = arrowWidth / 2;
+    const double half = headWidth(lineWidth) / 2;
     return polygon(
         {head.tip, {base.x - d.y * half, base.y + d.x * half}, {base.x + d.y * half, base.y - d.x * half}});
 }

@@ -30,8 +30,8 @@ using Outline = std::vector<OutlineStep>;
 // The symbol around its centre, to be filled or stroked in its accent colour. Empty for Symbol::none.
 [[nodiscard]] Outline outlineOf(const SymbolShape& symbol);
 
-// A triangle, to be filled, of the size in draw/scene/scene_lines.h.
-[[nodiscard]] Outline outlineOf(const ArrowHead& head);
+// A triangle, to be filled, for a line of this width; its size is in draw/scene/scene_lines.h.
+[[nodiscard]] Outline outlineOf(const ArrowHead& head, double lineWidth);
 
 // The left edge of the space that a text may fill, by its anchor and maxWidth.
 [[nodiscard]] double leftOf(const TextShape& text) noexcept;

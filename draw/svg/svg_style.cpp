@@ -5,13 +5,16 @@
 #include <array>
 #include <iterator>
 
+#include "draw/scene/levels.h"
+
 namespace tessera_draw {
 namespace {
 
 // Class names are short because each shape has one. They are in the order of the roles.
-constexpr std::array<std::string_view, boxRoleCount> boxClasses = {"g", "gg", "c", "ci", "lc", "nb", "ch"};
-constexpr std::array<std::string_view, textRoleCount> textClasses = {"h",  "ct", "n",  "k",  "v",  "m", "ln",
-                                                                     "lv", "lk", "lw", "nt", "no", "le"};
+constexpr std::array<std::string_view, boxRoleCount> boxClasses = {"g",  "gg", "c",  "ci", "lc",
+                                                                   "nb", "ch", "lb", "ws"};
+constexpr std::array<std::string_view, textRoleCount> textClasses = {
+    "h", "ct", "n", "k", "v", "m", "ln", "lv", "lk", "lw", "nt", "no", "le", "sm", "lx"};
 
 std::string hex(const Palette& palette, ColorRole color) {
     const Rgb& colour = palette[static_cast<std::size_t>(color)];
@@ -30,12 +33,12 @@ void addColours(std::string& sheet, std::string_view scope, const Palette& palet
     };
     sheet += fmt::format(".{}{{background:{}}}\n", scope, hex(palette, ColorRole::ground));
     rule(sheet, "bg", "fill:" + hex(palette, ColorRole::ground));
-    for (std::size_t i = 0; i < boxRoleCount; ++i) {
+    for (std::size_t i = 0; i < plainBoxRoleCount; ++i) {
         const BoxStyle& style = styleOf(static_cast<BoxRole>(i));
         rule(sheet, boxClasses[i],
              fmt::format("fill:{};stroke:{}", hex(palette, style.fill), hex(palette, style.stroke)));
     }
-    for (std::size_t i = 0; i < textRoleCount; ++i)
+    for (std::size_t i = 0; i < plainTextRoleCount; ++i)
         rule(sheet, textClasses[i], "fill:" + hex(palette, styleOf(static_cast<TextRole>(i)).color));
     rule(sheet, "l", "stroke:" + hex(palette, ColorRole::line));
     rule(sheet, "a", "fill:" + hex(palette, ColorRole::line));
@@ -49,6 +52,15 @@ void addColours(std::string& sheet, std::string_view scope, const Palette& palet
     }
 }
 
+std::string shapeOf(TextRole role) {
+    const TextStyle& style = styleOf(role);
+    std::string body = fmt::format("font-size:{}px", style.size);
+    if (style.weight == Weight::bold) body += ";font-weight:700";
+    if (style.anchor != Anchor::start)
+        body += style.anchor == Anchor::middle ? ";text-anchor:middle" : ";text-anchor:end";
+    return body;
+}
+
 // The rules that both themes share.
 void addShapes(std::string& sheet) {
     const auto rule = [](std::string& text, std::string_view selector, const std::string& body) {
@@ -60,15 +72,9 @@ void addShapes(std::string& sheet) {
     // As wide as it is drawn, or as its page.
     sheet += ".tessera-diagram{max-width:100%;height:auto}\n";
     sheet += ".tessera-diagram text{unicode-bidi:plaintext}\n";
-    for (std::size_t i = 0; i < textRoleCount; ++i) {
-        const TextStyle& style = styleOf(static_cast<TextRole>(i));
-        std::string body = fmt::format("font-size:{}px", style.size);
-        if (style.weight == Weight::bold) body += ";font-weight:700";
-        if (style.anchor != Anchor::start)
-            body += style.anchor == Anchor::middle ? ";text-anchor:middle" : ";text-anchor:end";
-        rule(sheet, textClasses[i], body);
-    }
-    for (std::size_t i = 0; i < boxRoleCount; ++i)
+    for (std::size_t i = 0; i < plainTextRoleCount; ++i)
+        rule(sheet, textClasses[i], shapeOf(static_cast<TextRole>(i)));
+    for (std::size_t i = 0; i < plainBoxRoleCount; ++i)
         if (styleOf(static_cast<BoxRole>(i)).isDashed)
             rule(sheet, boxClasses[i], fmt::format("stroke-dasharray:{} {}", dashLength, dashGap));
     rule(sheet, "l", fmt::format("fill:none;stroke-width:{};stroke-linejoin:round", lineStrokeWidth));
@@ -78,6 +84,48 @@ void addShapes(std::string& sheet) {
     for (const ColorRole color :
          {ColorRole::accent1, ColorRole::accent2, ColorRole::accent3, ColorRole::accent4})
         rule(sheet, strokeClassOf(color), "fill:none;stroke-width:2");
+}
+
+// Classes of levels by their colour: of fills and texts, and of borders.
+constexpr std::array<std::string_view, 9> levelFills = {"e1", "e2", "e3", "e4", "e5", "e6", "e7", "e8", "e9"};
+constexpr std::array<std::string_view, 9> levelBorders = {" b1", " b2", " b3", " b4", " b5",
+                                                          " b6", " b7", " b8", " b9"};
+constexpr std::array<std::string_view, lineWidths.size()> widthClasses = {"", " w2", " w3", " w4", " w5"};
+
+std::size_t levelNumber(ColorRole color) {
+    return static_cast<std::size_t>(color) - static_cast<std::size_t>(ColorRole::critical);
+}
+
+// What values mean, in the colours of a theme.
+void addMeaningColours(std::string& sheet, std::string_view scope, const Palette& palette,
+                       const Scene& scene) {
+    const std::string ground = hex(palette, ColorRole::ground);
+    for (const LevelLook& level : scene.levels) {
+        const std::string color = hex(palette, level.color);
+        rule(sheet, scope, levelFills[levelNumber(level.color)], "fill:" + color);
+        rule(sheet, scope, levelBorders[levelNumber(level.color)].substr(1), "stroke:" + color);
+    }
+    rule(sheet, scope, classOf(BoxRole::levelBadge), "stroke:" + ground);
+    rule(sheet, scope, classOf(BoxRole::widthSample), "fill:" + hex(palette, ColorRole::line));
+    rule(sheet, scope, classOf(TextRole::levelWord), "fill:" + ground);
+    rule(sheet, scope, fillClassOf(ColorRole::ground), "fill:" + ground);
+}
+
+// And what both themes share of it.
+void addMeaningShapes(std::string& sheet, const Scene& scene) {
+    constexpr std::string_view all = "tessera-diagram";
+    for (std::size_t i = plainTextRoleCount; i < textRoleCount; ++i)
+        rule(sheet, all, textClasses[i], shapeOf(static_cast<TextRole>(i)));
+    for (const LevelLook& level : scene.levels)
+        rule(sheet, all, levelBorders[levelNumber(level.color)].substr(1),
+             fmt::format("stroke-width:{}", levelStrokeWidth));
+    if (scene.lineSteps.empty()) return;
+    for (std::size_t i = 1; i < lineWidths.size(); ++i)
+        rule(sheet, all, widthClasses[i].substr(1), fmt::format("stroke-width:{}", lineWidths[i]));
+}
+
+bool hasMeaning(const Scene& scene) {
+    return !scene.levels.empty() || !scene.lineSteps.empty();
 }
 
 }  // namespace
@@ -91,7 +139,10 @@ std::string_view classOf(TextRole role) noexcept {
 }
 
 std::string_view fillClassOf(ColorRole color) noexcept {
+    if (isLevelRole(color)) return levelFills[levelNumber(color)];
     switch (color) {
+        case ColorRole::ground:
+            return "fg";
         case ColorRole::accent1:
             return "f1";
         case ColorRole::accent2:
@@ -103,6 +154,14 @@ std::string_view fillClassOf(ColorRole color) noexcept {
         default:
             return "f0";
     }
+}
+
+std::string_view levelBorderClassOf(ColorRole color) noexcept {
+    return isLevelRole(color) ? levelBorders[levelNumber(color)] : std::string_view{};
+}
+
+std::string_view widthClassOf(const Scene& scene, std::size_t line) noexcept {
+    return line < scene.lineSteps.size() ? widthClasses[scene.lineSteps[line]] : std::string_view{};
 }
 
 std::string_view strokeClassOf(ColorRole color) noexcept {
@@ -130,14 +189,20 @@ std::string_view classOf(Theme theme) noexcept {
     return theme == Theme::dark ? "tessera-dark" : "tessera-light";
 }
 
-std::string styleSheet(Theme theme) {
+std::string styleSheet(Theme theme, const Scene& scene) {
     std::string sheet;
     addShapes(sheet);
-    addColours(sheet, classOf(theme), theme == Theme::dark ? darkPalette() : lightPalette());
+    if (hasMeaning(scene)) addMeaningShapes(sheet, scene);
+    const auto addTheme = [&](bool isDark) {
+        const Palette palette = paletteOf(scene, isDark);
+        addColours(sheet, classOf(theme), palette);
+        if (hasMeaning(scene)) addMeaningColours(sheet, classOf(theme), palette, scene);
+    };
+    addTheme(theme == Theme::dark);
     // Only on screens: on paper, the automatic theme is always the light one.
     if (theme == Theme::automatic) {
         sheet += "@media screen and (prefers-color-scheme:dark){\n";
-        addColours(sheet, classOf(theme), darkPalette());
+        addTheme(true);
         sheet += "}\n";
     }
     return sheet;

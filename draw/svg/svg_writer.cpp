@@ -75,7 +75,7 @@ class SvgWriter {
         m_text.raw(fmt::format(">\n<title id=\"{}-title\">", m_id));
         m_text.escaped(m_scene.name.empty() ? "Diagram" : m_scene.name);
         m_text.raw(fmt::format("</title>\n<desc id=\"{}-desc\">", m_id)).escaped(description());
-        m_text.raw("</desc>\n<style>\n").raw(styleSheet(m_theme)).raw("</style>\n");
+        m_text.raw("</desc>\n<style>\n").raw(styleSheet(m_theme, m_scene)).raw("</style>\n");
         m_text.raw("<rect class=\"bg\" width=\"100%\" height=\"100%\"/>\n");
     }
 
@@ -84,8 +84,12 @@ class SvgWriter {
         const auto counted = [](std::size_t count, std::string_view what) {
             return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
         };
-        return fmt::format("A diagram of {} in {}, with {}.", counted(m_scene.nodeCount, "node"),
-                           counted(m_scene.groupCount, "group"), counted(m_scene.lineCount, "link"));
+        std::string text =
+            fmt::format("A diagram of {} in {}, with {}.", counted(m_scene.nodeCount, "node"),
+                        counted(m_scene.groupCount, "group"), counted(m_scene.lineCount, "link"));
+        for (const LevelLook& level : m_scene.levels)
+            text += fmt::format(" {} {}.", level.count, level.name);
+        return text;
     }
 
     // docs/drawing.md describes the attributes for scripts.
@@ -98,6 +102,7 @@ class SvgWriter {
         if (!element.link.empty()) m_text.attribute("data-link", element.link);
         if (!element.place.empty()) m_text.attribute("data-place", element.place);
         if (isMarked(element.type)) m_text.attribute("data-type", element.type);
+        if (!element.level.empty()) m_text.attribute("data-level", element.level);
         m_text.raw(">");
         tooltips(element);
         for (std::uint32_t i = 0; i < element.boxes.count; ++i)
@@ -105,7 +110,7 @@ class SvgWriter {
         for (std::uint32_t i = 0; i < element.symbols.count; ++i)
             symbol(m_scene.symbols[element.symbols.first + i]);
         for (std::uint32_t i = 0; i < element.lines.count; ++i)
-            line(m_scene.lines[element.lines.first + i]);
+            line(element.lines.first + i);
         for (std::uint32_t i = 0; i < element.texts.count; ++i)
             text(m_scene.texts[element.texts.first + i]);
         m_text.raw("</g>\n");
@@ -139,7 +144,12 @@ class SvgWriter {
 
     void box(const BoxShape& box) {
         const Rect& rect = box.rect;
-        m_text.raw("<rect class=\"").raw(classOf(box.role)).raw("\"");
+        m_text.raw("<rect class=\"").raw(classOf(box.role));
+        if (box.role == BoxRole::levelBadge)
+            m_text.raw(" ").raw(fillClassOf(box.level));
+        else
+            m_text.raw(levelBorderClassOf(box.level));
+        m_text.raw("\"");
         m_text.attribute("x", rect.x).attribute("y", rect.y);
         m_text.attribute("width", rect.width).attribute("height", rect.height);
         m_text.attribute("rx", styleOf(box.role).radius).raw("/>");
@@ -183,17 +193,23 @@ class SvgWriter {
         }
     }
 
-    void line(const LineShape& line) {
+    void line(std::size_t number) {
+        const LineShape& line = m_scene.lines[number];
         // A path without data would be valid, but of no use.
         if (line.stretches.empty()) return;
-        m_text.raw("<path class=\"l\" d=\"").path(line).raw("\"/>");
-        if (line.hasFromHead) head(line.fromHead);
-        if (line.hasToHead) head(line.toHead);
+        m_text.raw("<path class=\"l")
+            .raw(widthClassOf(m_scene, number))
+            .raw("\" d=\"")
+            .path(line)
+            .raw("\"/>");
+        const double width = m_scene.widthOf(number);
+        if (line.hasFromHead) head(line.fromHead, width);
+        if (line.hasToHead) head(line.toHead, width);
     }
 
-    void head(const ArrowHead& head) {
+    void head(const ArrowHead& head, double lineWidth) {
         m_text.raw("<path class=\"a\" d=\"");
-        path(outlineOf(head));
+        path(outlineOf(head, lineWidth));
         m_text.raw("\"/>");
     }
 
@@ -214,6 +230,8 @@ class SvgWriter {
         m_text.raw("<text class=\"")
             .raw(classOf(text.role))
             .raw(textHaloClassOf(text.textHalo))
+            .raw(text.color == ColorRole::none ? "" : " ")
+            .raw(text.color == ColorRole::none ? "" : fillClassOf(text.color))
             .raw("\"")
             .attribute("x", x)
             .attribute("y", y);

@@ -89,7 +89,7 @@ variant_bag_t& DrawnBag::node(std::string_view id, std::string_view name, std::i
     return node;
 }
 
-void DrawnBag::row(variant_bag_t& node, std::string_view name, std::string_view value) {
+variant_bag_t& DrawnBag::row(variant_bag_t& node, std::string_view name, std::string_view value) {
     // The bag of a node is ours, so its children may be changed.
     auto& info = const_cast<variant_bag_t&>(*node.get_variant_bag("info"));
     info.put("name", "info");
@@ -97,6 +97,7 @@ void DrawnBag::row(variant_bag_t& node, std::string_view name, std::string_view 
     auto& row = const_cast<variant_bag_t&>(*info.get_variant_bag("rows")).add_variant_bag("row");
     row.put("name", name);
     row.put("value", value);
+    return row;
 }
 
 void DrawnBag::link(std::string_view id, std::string_view from, std::string_view to,

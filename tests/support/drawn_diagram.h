@@ -27,7 +27,9 @@ class DrawnBag {
 
     basekit2::variant_bag_t& node(std::string_view id, std::string_view name, std::int64_t level = 0,
                                   std::string_view type = "node", std::string_view group = "");
-    void row(basekit2::variant_bag_t& node, std::string_view name, std::string_view value);
+    // Returns the row, which further values may be put into.
+    basekit2::variant_bag_t& row(basekit2::variant_bag_t& node, std::string_view name,
+                                 std::string_view value);
     void link(std::string_view id, std::string_view from, std::string_view to, std::string_view direction);
 
     basekit2::variant_bag_t bag;
