@@ -44,9 +44,11 @@ struct Input {
 // How much the queries may use.
 [[nodiscard]] tessera_host::QueryLimits queryLimitsOf(const Options& options);
 
-// A pane on the input. `watcher` may be null and otherwise outlives the pane.
-[[nodiscard]] std::unique_ptr<tessera_host::Pane> makePane(const Input& input, const Options& options,
-                                                           tessera_1::ILayoutWatcher* watcher = nullptr);
+// A pane on the input. `watcher` may be null and otherwise outlives the pane; `record` may be null (see
+// PaneOptions).
+[[nodiscard]] std::unique_ptr<tessera_host::Pane> makePane(
+    const Input& input, const Options& options, tessera_1::ILayoutWatcher* watcher = nullptr,
+    std::shared_ptr<tessera_host::CellRecord> record = nullptr);
 
 // Prints the error's text, unless the program was interrupted; returns the exit status of its kind.
 [[nodiscard]] int reportError(const tessera_host::Error& error);

@@ -192,6 +192,13 @@ void addMode(CLI::App& command, RawOptions& raw) {
                     "The display mode: " + tessera_host::listed(names, " or ") +
                         " (default: " + std::string(names[0]) + ")")
         ->check(CLI::IsMember(listOf(names)));
+    command
+        .add_option("--fail-on", raw.options.failOn,
+                    "Ends with exit status 1 if a value that is shown is at this level of the document, or "
+                    "at a worse "
+                    "one; the diagram is written all the same")
+        ->type_name("LEVEL")
+        ->check(isNotEmpty);
 }
 
 void addPicture(CLI::App& command, RawOptions& raw) {

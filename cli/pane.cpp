@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "cli/commands.h"
 #include "cli/interrupt.h"
@@ -114,9 +115,10 @@ tessera_1::LayoutLimits layoutLimitsOf(const Options& options, const Viewpoint& 
 }
 
 std::unique_ptr<tessera_host::Pane> makePane(const Input& input, const Options& options,
-                                             tessera_1::ILayoutWatcher* watcher) {
-    const tessera_host::PaneOptions settings{queryLimitsOf(options),
-                                             {layoutLimitsOf(options, *input.viewpoint), watcher}};
+                                             tessera_1::ILayoutWatcher* watcher,
+                                             std::shared_ptr<tessera_host::CellRecord> record) {
+    const tessera_host::PaneOptions settings{
+        queryLimitsOf(options), {layoutLimitsOf(options, *input.viewpoint), watcher}, std::move(record)};
     return std::make_unique<tessera_host::Pane>(input.viewpoint, input.result,
                                                 filtersOf(*input.viewpoint, options), settings);
 }

@@ -35,7 +35,8 @@ class Tables(Case):
         self.assertEqual(options['session'] - {'--version'}, common | layout)
         self.assertEqual(options['render'] - {'--version'},
                          common | layout | {'--stop-after', '--dump-passes', '--time-passes', '--verify', '--output', '--format',
-                                            '--theme', '--direction', '--fit', '--fold', '--layers', '--paper', '--scale', '--mode'})
+                                            '--theme', '--direction', '--fit', '--fold', '--layers', '--paper', '--scale', '--mode',
+                                            '--fail-on'})
 
     def test_every_format_is_written_by_ending_and_by_option(self):
         self.assertIn('json, xml, svg, png or pdf (default', self.help('render'))
