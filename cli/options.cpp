@@ -215,7 +215,8 @@ void addPicture(CLI::App& command, RawOptions& raw) {
         ->check(CLI::IsMember(namesOf(directionNames)));
     command
         .add_option("--fold", options.fold,
-                    "Whether the layers of a wide picture go on in further rows: auto (the default: of one wider than "
+                    "Whether the layers of a wide picture go on in further rows: auto (the default: of one "
+                    "wider than "
                     "4:1 or higher than 1:3) or off")
         ->check(CLI::IsMember({"auto", "off"}));
     command.add_option("--fit", raw.fit, "The shape of the space that a picture is for (default 16x10)")

@@ -7,7 +7,8 @@
 namespace tessera_draw::placing {
 namespace {
 
-constexpr double middle = 0.5;  // the share of the free width before a box that stands around its column's axis
+constexpr double middle =
+    0.5;  // the share of the free width before a box that stands around its column's axis
 
 }  // namespace
 
@@ -59,9 +60,8 @@ double Columns::measure() {
     for (Index layer = m_first; layer < m_last; ++layer) {
         Gap& gap = gapAfter(layer);
         collectGap(layer);
-        gap.lines = static_cast<Index>(std::count_if(m_gap.begin(), m_gap.end(), [](const GapEdge& edge) {
-            return !edge.isLoop;
-        }));
+        gap.lines = static_cast<Index>(
+            std::count_if(m_gap.begin(), m_gap.end(), [](const GapEdge& edge) { return !edge.isLoop; }));
         double bends = 0;
         if (!isFold(layer)) bends = GapPlan(m_gap, m_graph, m_spacing).width();
         gap.width = std::max(bends, minGap(layer, bends > 0));
@@ -69,9 +69,10 @@ double Columns::measure() {
         const Column column = columnOf(layer);
         m_geometry.layerWidth[layer] = std::max(column.before + column.after, column.widest);
         if (layer == m_first)
-            m_geometry.layerWidth[layer] =
-                std::max(m_limits.header.width,
-                         m_portLabels[layer] > 0 ? labelInset(m_limits.padding.left, m_spacing) + m_portLabels[layer] : 0);
+            m_geometry.layerWidth[layer] = std::max(
+                m_limits.header.width,
+                m_portLabels[layer] > 0 ? labelInset(m_limits.padding.left, m_spacing) + m_portLabels[layer]
+                                        : 0);
         all += gap.width + m_geometry.layerWidth[layer];
     }
     return all;
@@ -125,9 +126,8 @@ double Columns::minGap(Index layer, bool hasBends) const {
 // Of the boxes in the layer.
 bool Columns::hasOnlyLabels(Index layer) const {
     return std::all_of(m_graph.order.begin() + m_graph.layerBegin[layer],
-                       m_graph.order.begin() + m_graph.layerBegin[layer + 1], [&](Index vertex) {
-                           return vertex >= m_graph.boxCount || m_boxes[vertex].isLabel;
-                       });
+                       m_graph.order.begin() + m_graph.layerBegin[layer + 1],
+                       [&](Index vertex) { return vertex >= m_graph.boxCount || m_boxes[vertex].isLabel; });
 }
 
 // The widest labels inside the borders before the first and after the last layer.
@@ -173,8 +173,7 @@ Columns::Column Columns::columnOf(Index layer) const {
 double Columns::shareInColumn(Index box) const {
     const Index layer = m_graph.layer[box];
     const Index last = m_graph.at(layer, m_graph.sizeOf(layer) - 1);
-    const bool isBesideGrid =
-        last != box && last < m_graph.boxCount && m_graph.grids.ofBox[last] != nothing;
+    const bool isBesideGrid = last != box && last < m_graph.boxCount && m_graph.grids.ofBox[last] != nothing;
     if (!isBesideGrid || m_boxes[box].along != BoxToPlace::Along::middle) return shareBefore(m_boxes[box]);
     if (m_graph.inBegin[box] < m_graph.inBegin[box + 1]) return 0;
     return m_graph.outBegin[box] < m_graph.outBegin[box + 1] ? 1 : middle;
@@ -272,8 +271,8 @@ double Columns::setRows() {
         Gap& gap = gapAfter(layer);
         x += m_geometry.layerWidth[layer];
         if (isFold(layer)) {
-            width = std::max(width, foldGap(layer, x, {m_limits.padding.left, m_firstLanes[row++]}) + m_spacing.betweenBoxes +
-                                        m_limits.padding.right);
+            width = std::max(width, foldGap(layer, x, {m_limits.padding.left, m_firstLanes[row++]}) +
+                                        m_spacing.betweenBoxes + m_limits.padding.right);
             const double tracks = gap.lines == 0 ? 0 : (gap.lines - 1) * m_spacing.betweenLines;
             x = m_limits.padding.left + tracks + m_spacing.betweenBoxes;
         } else if (layer + 1 < m_last) {

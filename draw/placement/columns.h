@@ -51,7 +51,7 @@ class Columns {
     struct Gap {
         std::vector<GapEdge> edges;  // those that bend
         double width = 0;
-        Index lines = 0;      // that lead through it
+        Index lines = 0;  // that lead through it
     };
     struct FoldEdge {
         Index edge = 0;

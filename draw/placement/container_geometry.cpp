@@ -66,8 +66,8 @@ class GeometryBuilder {
         for (Index container = 1; container < m_nesting.containerCount(); ++container) {
             const Index box = m_nesting.boxOf[container];
             const Insets& padding = m_boxes[box].padding;
-            m_foldWidths[container] =
-                std::max(m_foldWidths[m_nesting.containerAround(box)] - padding.left - padding.right, leastWidth);
+            m_foldWidths[container] = std::max(
+                m_foldWidths[m_nesting.containerAround(box)] - padding.left - padding.right, leastWidth);
         }
     }
 
@@ -194,14 +194,15 @@ class GeometryBuilder {
         rect = {0, y - size.height / 2, size.width, size.height};
         if (vertex < m_graph.boxCount) {
             const Rect& box = m_geometry.boxes[vertex];
-            rect.x = isAfter ? box.right() + m_spacing.besideLabels
-                             : box.x - m_spacing.besideLabels - size.width;
+            rect.x =
+                isAfter ? box.right() + m_spacing.besideLabels : box.x - m_spacing.besideLabels - size.width;
             return;
         }
         const Index container = m_graph.hierarchicalPorts[vertex - m_graph.boxCount].box;
         const Insets& padding = m_boxes[container].padding;
-        rect.x = isAfter ? labelInset(padding.left, m_spacing)
-                         : m_geometry.boxes[container].width - labelInset(padding.right, m_spacing) - size.width;
+        rect.x = isAfter
+                     ? labelInset(padding.left, m_spacing)
+                     : m_geometry.boxes[container].width - labelInset(padding.right, m_spacing) - size.width;
     }
 
     const std::vector<BoxToPlace>& m_boxes;

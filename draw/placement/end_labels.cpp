@@ -9,21 +9,6 @@ namespace {
 
 using LabelEnd = BoxToPlace::LabelEnd;
 
-// How often lines name each box.
-std::vector<std::uint32_t> usesOf(const PlacementInput& input) {
-    std::vector<std::uint32_t> uses(input.boxes.size(), 0);
-    const auto count = [&](Index box) {
-        if (box < uses.size()) ++uses[box];
-    };
-    for (const LineToPlace& line : input.lines) {
-        count(line.from);
-        count(line.to);
-        for (const Index label : line.through)
-            count(label);
-    }
-    return uses;
-}
-
 class EndLabelFinder {
   public:
     EndLabelFinder(const PlacementInput& input, const Nesting& nesting)
@@ -72,6 +57,20 @@ class EndLabelFinder {
 
 }  // namespace
 
+std::vector<std::uint32_t> usesOf(const PlacementInput& input) {
+    std::vector<std::uint32_t> uses(input.boxes.size(), 0);
+    const auto count = [&](Index box) {
+        if (box < uses.size()) ++uses[box];
+    };
+    for (const LineToPlace& line : input.lines) {
+        count(line.from);
+        count(line.to);
+        for (const Index label : line.through)
+            count(label);
+    }
+    return uses;
+}
+
 EndLabels endLabelsOf(const PlacementInput& input, const Nesting& nesting) {
     EndLabels result;
     result.isOne.assign(input.boxes.size(), 0);
@@ -95,7 +94,8 @@ void removeFromMembers(const EndLabels& endLabels, Nesting& nesting) {
         const Index end = nesting.memberBegin[container + 1];
         nesting.memberBegin[container] = kept;
         for (; begin < end; ++begin)
-            if (endLabels.isOne[nesting.members[begin]] == 0) nesting.members[kept++] = nesting.members[begin];
+            if (endLabels.isOne[nesting.members[begin]] == 0)
+                nesting.members[kept++] = nesting.members[begin];
     }
     nesting.memberBegin.back() = kept;
     nesting.members.resize(kept);

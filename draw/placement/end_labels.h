@@ -1,6 +1,7 @@
 // The labels that stand beside the end of their line.
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "draw/placement/nesting.h"
@@ -14,6 +15,9 @@ struct EndLabels {
     std::vector<Index> atFrom;  // by line: the label beside its first box, or `nothing`
     std::vector<Index> atTo;
 };
+
+// How often lines name each box. Linear time.
+[[nodiscard]] std::vector<std::uint32_t> usesOf(const PlacementInput& input);
 
 // The first and the last label of a line can be one each, if `labelEnd` says so, and if the label is in the container
 // that its place is in. A label that is also on another line, is the end of one, or contains something, is none.

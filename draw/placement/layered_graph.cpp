@@ -60,8 +60,8 @@ class LayeredGraphBuilder {
             const Index toLayer = isInside ? 1 : m_layers.ofBox[routeSegment.toMember];
             RawChain middle;
             middle.container = routeSegment.container;
-            middle.from = climb({routeSegment.from, nothing, routeSegment.fromLabel},
-                                routeSegment.fromMember, fromLayer <= toLayer, false);
+            middle.from = climb({routeSegment.from, nothing, routeSegment.fromLabel}, routeSegment.fromMember,
+                                fromLayer <= toLayer, false);
             const auto outside = static_cast<std::ptrdiff_t>(m_raw.size());
             middle.to = climb({routeSegment.to, nothing, routeSegment.toLabel}, routeSegment.toMember,
                               fromLayer >= toLayer, true);

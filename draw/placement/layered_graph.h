@@ -43,7 +43,7 @@ struct Edge {
     Bend bend = Bend::none;
     double tailOffset = 0;  // where it touches, from the vertex's top; at a lane: from the container's
     double headOffset = 0;
-    double trackX = 0;  // of a bend in a track: from the start of the gap
+    double trackX = 0;     // of a bend in a track: from the start of the gap
     Index fold = nothing;  // of a bend into the next row: in the geometry
 };
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "draw/placement/feedback_arcs.h"
+#include "draw/placement/label_layers.h"
 #include "draw/placement/nesting.h"
 #include "draw/placement/network_simplex.h"
 #include "draw/placement/route_segments.h"
@@ -55,6 +56,7 @@ class LineLayers {
             rankContainer(i, end);
             i = end;
         }
+        placeLabels(m_input, m_nesting, m_isFree, m_lines);
     }
 
   private:
@@ -94,6 +96,8 @@ class LineLayers {
                (end == LabelEnd::to && label == labels.back());
     }
 
+    static bool isInMiddle(LabelEnd end) { return end == LabelEnd::none || end == LabelEnd::center; }
+
     [[nodiscard]] Index groupOf(Index container) const {
         return m_nesting.boxOf[container] == m_nesting.drawing ? nothing : m_nesting.boxOf[container];
     }
@@ -102,7 +106,7 @@ class LineLayers {
         for (const LineToPlace& line : m_input.lines)
             // The line would turn back inside a label that stands alone.
             if (isWhole(line) && line.from == line.to && !line.through.empty() &&
-                m_input.boxes[line.through.front()].labelEnd == LabelEnd::none)
+                isInMiddle(m_input.boxes[line.through.front()].labelEnd))
                 m_input.boxes[line.through.front()].labelEnd = LabelEnd::from;
         for (Index line = 0; line < m_input.lines.size(); ++line)
             for (const Index label : m_input.lines[line].through)
@@ -242,7 +246,6 @@ class LineLayers {
     struct Ends {
         Index tail = 0;
         Index head = 0;
-        Rank labels = 0;
         bool isReversed = false;  // the line runs from head to tail
     };
 
@@ -258,7 +261,6 @@ class LineLayers {
         for (std::size_t i = begin; i < end; ++i) {
             const LinePart& part = m_parts[i];
             Ends& each = ends.emplace_back();
-            forEachLabel(part, [&](Index) { ++each.labels; });
             if (part.from != border && part.to != border) {
                 each.tail = vertexOf(part.from);
                 each.head = vertexOf(part.to);
@@ -278,7 +280,7 @@ class LineLayers {
             ends[ofArc[i]].isReversed = true;
             std::swap(ends[ofArc[i]].tail, ends[ofArc[i]].head);
         }
-        setLevels(begin, ends, ranksOf(ends, arcs.size() < ends.size()));
+        keep(begin, ends, ranksOf(ends, arcs.size() < ends.size()));
         for (const Index box : m_boxOf)
             if (box != nothing) m_vertexOf[box] = nothing;
     }
@@ -300,47 +302,18 @@ class LineLayers {
         return ranks;
     }
 
-    // Labels stand between the layers of boxes: in the middle gap of their line, or in the one next to their end.
-    void setLevels(std::size_t begin, const std::vector<Ends>& ends, const std::vector<Rank>& ranks) {
-        Rank mostLabels = 0;
-        for (const Ends& each : ends)
-            mostLabels = std::max(mostLabels, each.labels);
-        m_positions.clear();
-        const auto position = [&](Index box, Rank rank, Rank afterIt) {
-            m_positions.emplace_back((std::int64_t{rank} + 1) * (mostLabels + 1) + afterIt, box);
-        };
+    // The ranks as levels, and which labels stand between them.
+    void keep(std::size_t begin, const std::vector<Ends>& ends, const std::vector<Rank>& ranks) {
         for (Index vertex = 2; vertex < m_boxOf.size(); ++vertex)
-            position(m_boxOf[vertex], ranks[vertex], 0);
+            m_input.boxes[m_boxOf[vertex]].level = ranks[vertex];
         for (std::size_t i = 0; i < ends.size(); ++i) {
-            const Ends& each = ends[i];
-            const Rank from = ranks[each.tail];
-            // A line from a box to itself has its labels after the box.
-            const Rank last = each.tail == each.head ? from : ranks[each.head] - 1;
-            m_labels.clear();
-            forEachLabel(m_parts[begin + i], [&](Index label) { m_labels.push_back(label); });
-            if (each.isReversed) std::reverse(m_labels.begin(), m_labels.end());
-            Rank place = 0;
-            for (const Index label : m_labels) {
-                const LabelEnd end = m_input.boxes[label].labelEnd;
-                const bool isAtTail = end == (each.isReversed ? LabelEnd::to : LabelEnd::from);
-                const Rank gap = end == LabelEnd::none ? from + (last - from) / 2 : isAtTail ? from : last;
-                // A label that may stand beside boxes needs no column.
-                if (each.labels == 1 && end == LabelEnd::none && last > from)
-                    position(label, from + (last - from + 1) / 2, 0);
-                else
-                    position(label, gap, ++place);
-            }
-        }
-        numberLevels();
-    }
-
-    // The order of the positions as levels without gaps.
-    void numberLevels() {
-        std::sort(m_positions.begin(), m_positions.end());
-        std::int32_t level = -1;
-        for (std::size_t i = 0; i < m_positions.size(); ++i) {
-            if (i == 0 || m_positions[i].first != m_positions[i - 1].first) ++level;
-            m_input.boxes[m_positions[i].second].level = level;
+            const LinePart& part = m_parts[begin + i];
+            LabelsOfLine line{
+                part.container, m_boxOf[ends[i].tail], m_boxOf[ends[i].head], ends[i].isReversed, {}};
+            forEachLabel(part, [&](Index label) { line.labels.push_back(label); });
+            if (line.labels.empty()) continue;
+            if (line.isReversed) std::reverse(line.labels.begin(), line.labels.end());
+            m_lines.push_back(std::move(line));
         }
     }
 
@@ -352,8 +325,7 @@ class LineLayers {
     std::vector<LinePart> m_parts;
     std::vector<Index> m_vertexOf;  // by box, in the container at work
     std::vector<Index> m_boxOf;
-    std::vector<Index> m_labels;
-    std::vector<std::pair<std::int64_t, Index>> m_positions;  // of boxes: where they stand among the container's
+    std::vector<LabelsOfLine> m_lines;
 };
 
 }  // namespace

@@ -17,9 +17,9 @@ void forEnds(const LayeredGraph& graph, Visit visit) {
     }
 }
 
-constexpr double sideMargin = 8;  // between the first and last end and the corners; less on a low box
-constexpr double lineStep = 1.6;  // between the ends of lines, as a multiple of their least distance
-constexpr double leastStep = 8;   // between the ends of lines, so that arrow heads can be told apart
+constexpr double sideMargin = 8;        // between the first and last end and the corners; less on a low box
+constexpr double lineStep = 1.6;        // between the ends of lines, as a multiple of their least distance
+constexpr double leastStep = 8;         // between the ends of lines, so that arrow heads can be told apart
 constexpr std::size_t mostApart = 400;  // ends; beyond, they come closer to each other
 constexpr double maxSlide = 14;
 constexpr double minShare = 0.55;  // of the even distance that neighbours keep
@@ -77,7 +77,8 @@ double Offsets::between(const SideKey& upper, const SideKey& lower) const {
 void Offsets::measure(Side& side, Index box) const {
     side.height = side.labelWidth = side.leastBox = 0;
     const std::size_t count = std::min(side.ends.size(), mostApart);
-    if (count > 1 && !m_boxes[box].isLabel) side.leastBox = 2 * sideMargin + leastStep * static_cast<double>(count - 1);
+    if (count > 1 && !m_boxes[box].isLabel)
+        side.leastBox = 2 * sideMargin + leastStep * static_cast<double>(count - 1);
     for (const SideKey& end : side.ends)
         if (labelOf(end) != nothing)
             side.labelWidth = std::max(side.labelWidth, m_boxes[labelOf(end)].size.width);

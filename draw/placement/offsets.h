@@ -48,7 +48,7 @@ class Offsets {
         std::vector<SideKey> ends;
         double height = 0;      // of all of them, with their labels; 0 without labels
         double labelWidth = 0;  // of the widest
-        double leastBox = 0;    // the height at which the ends are apart, and edges straight up to their labels
+        double leastBox = 0;  // the height at which the ends are apart, and edges straight up to their labels
     };
 
     void collect(Side& side, Index box, bool isAtEnd);

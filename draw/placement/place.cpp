@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "draw/placement/container_geometry.h"
+#include "draw/placement/label_sliding.h"
 #include "draw/placement/ordering.h"
 #include "draw/placement/paths.h"
 #include "draw/placement/placement.h"
@@ -39,7 +40,8 @@ ContainerGeometry foldedGeometry(const PlacementInput& input, const Nesting& nes
     };
     const auto isTooWide = [&](const ContainerGeometry& geometry) {
         const Rect& drawing = geometry.boxes.back();
-        return drawing.width + folding.around.width > folding.above * (drawing.height + folding.around.height);
+        return drawing.width + folding.around.width >
+               folding.above * (drawing.height + folding.around.height);
     };
     ContainerGeometry geometry = inRows(std::numeric_limits<double>::infinity());
     const double width = geometry.boxes.back().width;
@@ -59,13 +61,13 @@ Placement place(const PlacementInput& input, const Spacing& spacing, const Foldi
     LayeredGraph graph = layeredGraphOf(input.boxes, nesting, routeSegments,
                                         layersOf(input.boxes, nesting, routeSegments), endLabels);
     orderLayers(graph, nesting, cancel);
-    const ContainerGeometry geometry =
-        foldedGeometry(input, nesting, graph, spacing, folding, cancel);
+    const ContainerGeometry geometry = foldedGeometry(input, nesting, graph, spacing, folding, cancel);
     Placement placement;
     if (cancel.isCancelled()) return placement;
     placement.size = {geometry.boxes.back().width, geometry.boxes.back().height};
     placement.boxes = inDrawing(nesting, endLabels, geometry);
     placement.lines = pathsOf(input, nesting, routeSegments, graph, geometry, placement.boxes, spacing);
+    slideLabels(input, nesting, spacing, placement);
     return placement;
 }
 

@@ -30,8 +30,8 @@ struct BoxToPlace {
     enum class Along : std::uint8_t { start, middle, end };
     Along along = Along::middle;
     bool isLabel = false;  // lines pass straight through it
-    // Of a label: the end of its line that it stands next to.
-    enum class LabelEnd : std::uint8_t { none, from, to };
+    // Of a label: where on its line it stands. Labels of ends stand beside the box; `none` is where its level is.
+    enum class LabelEnd : std::uint8_t { none, from, center, to };
     LabelEnd labelEnd = LabelEnd::none;
     // The side of its group at whose border the box is placed, as interfaces are; wins over `level`.
     enum class Border : std::uint8_t { none, start, end };
@@ -63,8 +63,9 @@ struct Spacing {
 
 // Layers that need much more width than height go on in further rows, below one another.
 struct Folding {
-    double above = std::numeric_limits<double>::infinity();  // width divided by height, beyond which that is done
-    Size around;                                             // added to the drawing for its shape
+    double above =
+        std::numeric_limits<double>::infinity();  // width divided by height, beyond which that is done
+    Size around;                                  // added to the drawing for its shape
 };
 
 // A segment of a line, from the end of the one before: straight to `end`, or a cubic Bézier curve to it with
@@ -108,7 +109,7 @@ struct Placement {
 // The result depends on the input and the spacing only. Once `cancel` is cancelled, returns soon with an
 // empty placement, without boxes and lines. Any thread. Takes n log n time, where n counts boxes, lines and
 // the layers that lines cross. No recursion, so any nesting depth works.
-[[nodiscard]] Placement place(const PlacementInput& input, const Spacing& spacing, const Folding& folding = {},
-                              const CancelToken& cancel = {});
+[[nodiscard]] Placement place(const PlacementInput& input, const Spacing& spacing,
+                              const Folding& folding = {}, const CancelToken& cancel = {});
 
 }  // namespace tessera_draw

@@ -89,8 +89,10 @@ bool runsBack(const PlacementInput& input, const LineToPlace& line) {
 }
 
 BoxToPlace::LabelEnd labelEndOf(const Node& label) {
-    if (label.location == "from") return BoxToPlace::LabelEnd::from;
-    return label.location == "to" ? BoxToPlace::LabelEnd::to : BoxToPlace::LabelEnd::none;
+    using LabelEnd = BoxToPlace::LabelEnd;
+    if (label.location == "from") return LabelEnd::from;
+    if (label.location == "center") return LabelEnd::center;
+    return label.location == "to" ? LabelEnd::to : LabelEnd::none;
 }
 
 // The box that a line to `node` ends at. A group's values are in its header, so
@@ -186,7 +188,8 @@ Placement placeInput(const SceneInput& input, const LayoutOptions& options) {
     Folding folding;
     // Larger ones are not seen as a whole, and take longer.
     constexpr std::size_t mostBoxes = 5'000;
-    if (options.isFolded && input.input.boxes.size() <= mostBoxes) folding.above = isDown ? highestShape : widestShape;
+    if (options.isFolded && input.input.boxes.size() <= mostBoxes)
+        folding.above = isDown ? highestShape : widestShape;
     folding.around = {2 * sceneMargin, contentTop + sceneMargin};
     if (isDown) std::swap(folding.around.width, folding.around.height);
     Placement placement = place(input.input, Spacing{}, folding, options.cancel);

@@ -59,8 +59,8 @@ class Checker {
         require(std::isfinite(rect.x) && std::isfinite(rect.y), fmt::format("box {} is nowhere", i));
         const bool hasWidth =
             box.isContainer ? rect.width >= box.size.width - tolerance : rect.width == box.size.width;
-        const bool hasHeight =
-            box.isLabel && !isEndOfLine(i) ? rect.height == box.size.height : rect.height >= box.size.height - tolerance;
+        const bool hasHeight = box.isLabel && !isEndOfLine(i) ? rect.height == box.size.height
+                                                              : rect.height >= box.size.height - tolerance;
         require(hasWidth && hasHeight, fmt::format("box {} has another size", i));
         Rect around{0, 0, m_placement.size.width, m_placement.size.height};
         tessera_draw::Insets padding;
@@ -69,7 +69,7 @@ class Checker {
             padding = m_input.boxes[box.group].padding;
         }
         // Beside a title, end labels stand nearer to the border.
-        if (isEndLabel(box)) padding = {};
+        if (hasOwnPlace(box)) padding = {};
         require(rect.x >= around.x + padding.left - tolerance &&
                     rect.y >= around.y + padding.top - tolerance &&
                     rect.right() <= around.right() - padding.right + tolerance &&
@@ -85,8 +85,8 @@ class Checker {
         require(isApart, fmt::format("boxes {} and {} overlap", i, k));
         const BoxToPlace& boxA = m_input.boxes[i];
         const BoxToPlace& boxB = m_input.boxes[k];
-        const bool areOrdered = !m_isFolded && boxA.level != -1 && boxB.level != -1 && !isEndLabel(boxA) && !isEndLabel(boxB) &&
-                                boxA.border == BoxToPlace::Border::none &&
+        const bool areOrdered = !m_isFolded && boxA.level != -1 && boxB.level != -1 && !hasOwnPlace(boxA) &&
+                                !hasOwnPlace(boxB) && boxA.border == BoxToPlace::Border::none &&
                                 boxB.border == BoxToPlace::Border::none && boxA.level != boxB.level;
         if (!areOrdered) return;
         const bool isFirst = boxA.level < boxB.level;
@@ -94,12 +94,12 @@ class Checker {
                 fmt::format("boxes {} and {} are not in the order of their levels", i, k));
     }
 
-    static bool isEndLabel(const BoxToPlace& box) { return box.labelEnd != LabelEnd::none; }
+    // Whether the box is a label that its level does not place.
+    static bool hasOwnPlace(const BoxToPlace& box) { return box.labelEnd != LabelEnd::none; }
 
     [[nodiscard]] bool isEndOfLine(Index box) const {
-        return std::any_of(
-            m_input.lines.begin(), m_input.lines.end(),
-            [&](const LineToPlace& line) { return line.from == box || line.to == box; });
+        return std::any_of(m_input.lines.begin(), m_input.lines.end(),
+                           [&](const LineToPlace& line) { return line.from == box || line.to == box; });
     }
 
     // Whether the label is in the container that its place beside the line's end is in, and on this line only.
@@ -115,7 +115,8 @@ class Checker {
         const Index last = line.through.back();
         const bool isAtFrom =
             m_input.boxes[first].labelEnd == LabelEnd::from && isAtHome(first, line.from, line.to);
-        const bool isAtTo = m_input.boxes[last].labelEnd == LabelEnd::to && isAtHome(last, line.to, line.from);
+        const bool isAtTo =
+            m_input.boxes[last].labelEnd == LabelEnd::to && isAtHome(last, line.to, line.from);
         if (line.through.size() != std::size_t(isAtFrom) + std::size_t(isAtTo)) return;
         if (isAtFrom) checkDistance(first, placed.stretches.front());
         if (isAtTo) checkDistance(last, placed.stretches.back());
@@ -275,7 +276,7 @@ class Maker {
         for (unsigned labels = below(3) == 0 ? 1 + below(3) : 0; labels > 0; --labels) {
             const Index label = addBox(false);
             m_input.boxes[label].isLabel = true;
-            m_input.boxes[label].labelEnd = static_cast<LabelEnd>(below(3));
+            m_input.boxes[label].labelEnd = static_cast<LabelEnd>(below(4));
             m_input.boxes[label].border = BoxToPlace::Border::none;
             line.through.push_back(label);
         }

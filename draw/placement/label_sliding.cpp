@@ -1,0 +1,233 @@
+#include "draw/placement/label_sliding.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <unordered_map>
+#include <utility>
+
+#include "draw/placement/end_labels.h"
+
+namespace tessera_draw::placing {
+namespace {
+
+using LabelEnd = BoxToPlace::LabelEnd;
+using Stretch = PlacedLine::Stretch;
+
+struct Obstacle {
+    Rect rect;
+    Index box = nothing;   // a box or label
+    Index line = nothing;  // or a piece of a line
+};
+
+// What stands in the squares of a coarse grid.
+class ObstacleGrid {
+  public:
+    explicit ObstacleGrid(double cell) : m_cell(cell) {}
+
+    void add(const Obstacle& obstacle) {
+        const auto index = static_cast<Index>(m_obstacles.size());
+        m_obstacles.push_back(obstacle);
+        const Rect& rect = obstacle.rect;
+        for (std::int64_t x = at(rect.x); x <= at(rect.right()); ++x)
+            for (std::int64_t y = at(rect.y); y <= at(rect.bottom()); ++y)
+                m_cells[key(x, y)].push_back(index);
+    }
+
+    template <typename Visit>
+    void forEachIn(const Rect& rect, Visit visit) const {
+        for (std::int64_t x = at(rect.x); x <= at(rect.right()); ++x)
+            for (std::int64_t y = at(rect.y); y <= at(rect.bottom()); ++y) {
+                const auto cell = m_cells.find(key(x, y));
+                if (cell == m_cells.end()) continue;
+                for (const Index index : cell->second)
+                    visit(m_obstacles[index]);
+            }
+    }
+
+  private:
+    [[nodiscard]] std::int64_t at(double length) const {
+        return static_cast<std::int64_t>(std::floor(length / m_cell));
+    }
+    static std::int64_t key(std::int64_t x, std::int64_t y) { return (x << 32) ^ (y & 0xffff'ffff); }
+
+    double m_cell;
+    std::vector<Obstacle> m_obstacles;
+    std::unordered_map<std::int64_t, std::vector<Index>> m_cells;
+};
+
+double lengthOf(const Point& from, const Segment& segment) {
+    const auto distance = [](const Point& a, const Point& b) { return std::hypot(b.x - a.x, b.y - a.y); };
+    if (!segment.isCurve) return distance(from, segment.end);
+    // Between the chord and the polygon of its control points, which is near enough here.
+    return (distance(from, segment.end) + distance(from, segment.control1) +
+            distance(segment.control1, segment.control2) + distance(segment.control2, segment.end)) /
+           2;
+}
+
+double lengthOf(const Stretch& stretch) {
+    double length = 0;
+    Point at = stretch.start;
+    for (const Segment& segment : stretch.segments) {
+        length += lengthOf(at, segment);
+        at = segment.end;
+    }
+    return length;
+}
+
+// Calls visit(bounds) for each segment.
+template <typename Visit>
+void forBounds(const Stretch& stretch, Visit visit) {
+    Point at = stretch.start;
+    for (const Segment& segment : stretch.segments) {
+        // The control points of curves are between their ends.
+        visit(Rect{std::min(at.x, segment.end.x), std::min(at.y, segment.end.y),
+                   std::abs(at.x - segment.end.x), std::abs(at.y - segment.end.y)});
+        at = segment.end;
+    }
+}
+
+class LabelSlider {
+  public:
+    LabelSlider(const PlacementInput& input, const Nesting& nesting, const Spacing& spacing,
+                Placement& placement)
+        : m_input(input),
+          m_nesting(nesting),
+          m_spacing(spacing),
+          m_placement(placement),
+          m_uses(usesOf(input)),
+          m_grid(cellOf(placement)) {}
+
+    void slide() {
+        const auto hasCenter = [&](const LineToPlace& line) {
+            return std::any_of(line.through.begin(), line.through.end(), [&](Index label) {
+                return label < m_input.boxes.size() && m_input.boxes[label].labelEnd == LabelEnd::center;
+            });
+        };
+        if (std::none_of(m_input.lines.begin(), m_input.lines.end(), hasCenter)) return;
+        fillGrid();
+        for (Index line = 0; line < m_input.lines.size(); ++line)
+            slideOn(line);
+    }
+
+  private:
+    // Large enough that lines are in few squares.
+    static double cellOf(const Placement& placement) {
+        constexpr double least = 80;
+        double length = 0;
+        for (const PlacedLine& line : placement.lines)
+            for (const Stretch& stretch : line.stretches)
+                length += lengthOf(stretch);
+        return std::max(least, length / (8.0 * static_cast<double>(placement.boxes.size() + 1)));
+    }
+
+    void fillGrid() {
+        for (Index box = 0; box < m_input.boxes.size(); ++box)
+            if (m_nesting.containerOf[box] == nothing) {
+                m_grid.add({m_placement.boxes[box], box, nothing});
+            } else {
+                addBorder(box);
+            }
+        for (Index line = 0; line < m_input.lines.size(); ++line)
+            for (const Stretch& stretch : m_placement.lines[line].stretches)
+                forBounds(stretch, [&](const Rect& bounds) { m_grid.add({bounds, nothing, line}); });
+    }
+
+    // Labels inside stay inside, and those outside outside.
+    void addBorder(Index box) {
+        const Rect& rect = m_placement.boxes[box];
+        m_grid.add({{rect.x, rect.y, 0, rect.height}, box, nothing});
+        m_grid.add({{rect.right(), rect.y, 0, rect.height}, box, nothing});
+    }
+
+    void slideOn(Index line) {
+        const std::vector<Index>& labels = m_input.lines[line].through;
+        std::vector<Stretch>& stretches = m_placement.lines[line].stretches;
+        for (std::size_t i = 0; i < labels.size() && i + 1 < stretches.size(); ++i) {
+            const bool isCenter =
+                m_input.boxes[labels[i]].labelEnd == LabelEnd::center && m_uses[labels[i]] == 1;
+            if (!isCenter || stretches[i].segments.empty() || stretches[i + 1].segments.empty()) continue;
+            double before = 0;
+            double after = 0;
+            for (std::size_t k = 0; k < stretches.size(); ++k)
+                (k <= i ? before : after) += lengthOf(stretches[k]);
+            for (std::size_t k = 0; k < labels.size(); ++k)
+                if (k != i) (k < i ? before : after) += m_placement.boxes[labels[k]].width;
+            slideLabel(line, labels[i], stretches[i], stretches[i + 1], (after - before) / 2);
+        }
+    }
+
+    // `way` is how far the label would have to move along the line to stand in its middle.
+    void slideLabel(Index line, Index label, Stretch& in, Stretch& out, double way) {
+        Rect& rect = m_placement.boxes[label];
+        const double all = lengthOf(in) + lengthOf(out) + rect.width;
+        if (std::abs(way) <= all / 6) return;  // in the middle third of the stretches beside it
+        Segment& last = in.segments.back();
+        Segment& first = out.segments.front();
+        const bool isLevel = !last.isCurve && !first.isCurve && last.end.y == out.start.y &&
+                             first.end.y == out.start.y && beginOfLast(in).y == out.start.y;
+        const bool runsRight = last.end.x < out.start.x;
+        if (!isLevel || (!runsRight && last.end.x == out.start.x)) return;
+        const double move = freeMove(line, label, runsRight ? way : -way, in, out);
+        if (std::abs(move) < 1) return;
+        rect.x += move;
+        last.end.x += move;
+        out.start.x += move;
+        m_grid.add({rect, label, nothing});
+    }
+
+    static const Point& beginOfLast(const Stretch& stretch) {
+        return stretch.segments.size() > 1 ? stretch.segments[stretch.segments.size() - 2].end
+                                           : stretch.start;
+    }
+
+    // The part of the wanted move along x that is free.
+    [[nodiscard]] double freeMove(Index line, Index label, double move, const Stretch& in,
+                                  const Stretch& out) const {
+        const Rect& rect = m_placement.boxes[label];
+        // The straight run that the label is on, less what lines need to be seen beside it.
+        const double gap = m_spacing.besideLabels;
+        double low = std::min(beginOfLast(in).x, out.segments.front().end.x) + gap;
+        double high = std::max(beginOfLast(in).x, out.segments.front().end.x) - gap;
+        if (const Index around = m_nesting.tree.parent(label); around != m_nesting.drawing) {
+            const Insets& padding = m_input.boxes[around].padding;
+            low = std::max(low, m_placement.boxes[around].x + padding.left);
+            high = std::min(high, m_placement.boxes[around].right() - padding.right);
+        }
+        const double air = m_spacing.betweenLines;
+        Rect swept{std::min(rect.x, rect.x + move) - air, rect.y - air, rect.width + std::abs(move) + 2 * air,
+                   rect.height + 2 * air};
+        m_grid.forEachIn(swept, [&](const Obstacle& obstacle) {
+            const Rect& other = obstacle.rect;
+            const bool isBeside = other.bottom() <= swept.y || other.y >= swept.bottom();
+            const bool isOwnRun =
+                obstacle.line == line && other.height == 0 && other.y == in.segments.back().end.y;
+            if (isOwnRun || obstacle.box == label || isBeside) return;
+            if (move > 0 && other.x >= rect.right()) high = std::min(high, other.x - air);
+            if (move < 0 && other.right() <= rect.x) low = std::max(low, other.right() + air);
+            // What is beside the label now, and nearer than the air, must not come nearer.
+            const bool isAbove = other.right() > rect.x && other.x < rect.right();
+            if (isAbove && move > 0 && other.right() > rect.right()) high = std::min(high, rect.right());
+            if (isAbove && move < 0 && other.x < rect.x) low = std::max(low, rect.x);
+        });
+        if (move > 0) return std::clamp(high - rect.right(), 0.0, move);
+        return -std::clamp(rect.x - low, 0.0, -move);
+    }
+
+    const PlacementInput& m_input;
+    const Nesting& m_nesting;
+    const Spacing& m_spacing;
+    Placement& m_placement;
+    const std::vector<std::uint32_t> m_uses;
+    ObstacleGrid m_grid;
+};
+
+}  // namespace
+
+void slideLabels(const PlacementInput& input, const Nesting& nesting, const Spacing& spacing,
+                 Placement& placement) {
+    LabelSlider(input, nesting, spacing, placement).slide();
+}
+
+}  // namespace tessera_draw::placing
