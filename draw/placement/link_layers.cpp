@@ -102,12 +102,17 @@ class LineLayers {
         return m_nesting.boxOf[container] == m_nesting.drawing ? nothing : m_nesting.boxOf[container];
     }
 
+    // A line from a box to itself would turn back inside a label that stands alone.
+    void moveToEnds(const std::vector<Index>& labels) {
+        LabelEnd& first = m_input.boxes[labels.front()].labelEnd;
+        LabelEnd& last = m_input.boxes[labels.back()].labelEnd;
+        if (isInMiddle(first)) first = LabelEnd::from;
+        if (isInMiddle(last)) last = LabelEnd::to;
+    }
+
     void moveEndLabels() {
         for (const LineToPlace& line : m_input.lines)
-            // The line would turn back inside a label that stands alone.
-            if (isWhole(line) && line.from == line.to && !line.through.empty() &&
-                isInMiddle(m_input.boxes[line.through.front()].labelEnd))
-                m_input.boxes[line.through.front()].labelEnd = LabelEnd::from;
+            if (isWhole(line) && line.from == line.to && !line.through.empty()) moveToEnds(line.through);
         for (Index line = 0; line < m_input.lines.size(); ++line)
             for (const Index label : m_input.lines[line].through)
                 if (isWhole(m_input.lines[line]) && isAtEnd(label, line))
