@@ -14,6 +14,8 @@ struct Knot {
     bool isCurve = false;  // from the knot before to here
 };
 
+// Pixels that a line runs straight before and after a curve.
+constexpr double curveLead = 8;
 // The control points' distance that makes a cubic curve nearly a quarter of a circle.
 constexpr double roundness = 0.5522847498;
 
@@ -75,8 +77,11 @@ class PathMaker {
         const Index gap = edge.tail == nothing ? m_graph.layer[edge.head] - 1 : m_graph.layer[edge.tail];
         if (edge.tail != nothing) addToEdge(afterTail(edge), fromY);
         if (edge.bend == Edge::Bend::curve) {
-            addToEdge(m_geometry.gapBegin(gap), fromY);
-            addToEdge(m_geometry.gapEnd(gap), toY, true);
+            // Arrow heads need a straight piece before the curve. Without heads it is the same, so that curves side by side
+            // do not cross.
+            const double lead = std::min(curveLead, (m_geometry.gapEnd(gap) - m_geometry.gapBegin(gap)) / 5);
+            addToEdge(m_geometry.gapBegin(gap) + lead, fromY);
+            addToEdge(m_geometry.gapEnd(gap) - lead, toY, true);
         } else if (edge.bend == Edge::Bend::track) {
             addToEdge(m_geometry.gapBegin(gap) + edge.trackX, fromY);
             addToEdge(m_geometry.gapBegin(gap) + edge.trackX, toY);

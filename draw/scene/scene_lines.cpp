@@ -28,42 +28,14 @@ double cutOf(Point a, Point b) {
     return std::min(arrowLength - overlap, std::hypot(b.x - a.x, b.y - a.y));
 }
 
-Point between(Point a, Point b, double share) {
-    return {a.x + (b.x - a.x) * share, a.y + (b.y - a.y) * share};
-}
-
-// Cuts a curve off at its start, where it has come this far along the axis. The rest keeps its shape: curves that run side
-// by side, with and without a head, do not cross.
-void cutCurve(Point& start, Segment& curve, Point axis, double cut) {
-    const auto along = [&](Point point) {
-        return (point.x - start.x) * axis.x + (point.y - start.y) * axis.y;
-    };
-    double least = 0;
-    double most = 1;
-    Segment rest = curve;
-    Point at = start;
-    for (int i = 0; i < 30; ++i) {
-        const double share = (least + most) / 2;
-        const Point a = between(start, curve.control1, share);
-        const Point b = between(curve.control1, curve.control2, share);
-        rest.control2 = between(curve.control2, curve.end, share);
-        rest.control1 = between(b, rest.control2, share);
-        at = between(between(a, b, share), rest.control1, share);
-        (along(at) < cut ? least : most) = share;
-    }
-    start = at;
-    curve = rest;
-}
-
 ArrowHead cutStart(PlacedLine::Stretch& stretch) {
     Segment& first = stretch.segments.front();
     const Point next = first.isCurve ? first.control1 : first.end;
     const Point inward = axisBetween(stretch.start, next);
     const ArrowHead head{stretch.start, {-inward.x, -inward.y}};
-    if (first.isCurve)
-        cutCurve(stretch.start, first, inward, arrowLength - overlap);
-    else
-        stretch.start = moved(stretch.start, inward, cutOf(stretch.start, next));
+    const double cut = first.isCurve ? arrowLength - overlap : cutOf(stretch.start, next);
+    stretch.start = moved(stretch.start, inward, cut);
+    if (first.isCurve) first.control1 = moved(first.control1, inward, cut);
     return head;
 }
 
@@ -74,14 +46,9 @@ ArrowHead cutEnd(PlacedLine::Stretch& stretch) {
     const Point before = last.isCurve ? last.control2 : straightFrom;
     const Point outward = axisBetween(before, last.end);
     const ArrowHead head{last.end, outward};
-    if (!last.isCurve) {
-        last.end = moved(last.end, outward, -cutOf(before, last.end));
-        return head;
-    }
-    Point end = last.end;
-    Segment back{true, last.control2, last.control1, straightFrom};
-    cutCurve(end, back, {-outward.x, -outward.y}, arrowLength - overlap);
-    last = {true, back.control2, back.control1, end};
+    const double cut = last.isCurve ? arrowLength - overlap : cutOf(before, last.end);
+    last.end = moved(last.end, outward, -cut);
+    if (last.isCurve) last.control2 = moved(last.control2, outward, -cut);
     return head;
 }
 
