@@ -40,8 +40,9 @@ ContainerGeometry foldedGeometry(const PlacementInput& input, const Nesting& nes
     };
     const auto isTooWide = [&](const ContainerGeometry& geometry) {
         const Rect& drawing = geometry.boxes.back();
-        return drawing.width + folding.around.width >
-               folding.above * (drawing.height + folding.around.height);
+        return drawing.width > folding.leastWidth &&
+               drawing.width + folding.around.width >
+                   folding.above * (drawing.height + folding.around.height);
     };
     ContainerGeometry geometry = inRows(std::numeric_limits<double>::infinity());
     const double width = geometry.boxes.back().width;

@@ -66,6 +66,7 @@ struct Folding {
     double above =
         std::numeric_limits<double>::infinity();  // width divided by height, beyond which that is done
     Size around;                                  // added to the drawing for its shape
+    double leastWidth = 0;                        // up to this width, nothing is done
 };
 
 // A segment of a line, from the end of the one before: straight to `end`, or a cubic Bézier curve to it with

@@ -169,7 +169,6 @@ std::optional<Attempt> layOutBest(const LayoutData& data, const LayoutOptions& o
     using enum Direction;
     if (options.direction != automatic) return layOutIn(options.direction, true, data, options);
     // Reading to the right is easier, and one layout takes less time than two.
-    constexpr double fitsAnywhere = 1200;        // pixels
     constexpr std::size_t seenAsAWhole = 2'000;  // boxes
     constexpr double tooWide = 1.5;
     constexpr double clearlyBetter = 1.1;

@@ -41,6 +41,8 @@ struct LayoutData {
 };
 
 inline constexpr double sceneMargin = 28;
+// Pixels: drawings up to this size can be shown whole on most screens, whatever their shape.
+inline constexpr double fitsAnywhere = 1200;
 // Width to height, and height to width, beyond which a drawing is a band that is hard to look at.
 inline constexpr double widestShape = 4;
 inline constexpr double highestShape = 3;

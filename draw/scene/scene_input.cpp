@@ -190,6 +190,7 @@ Placement placeInput(const SceneInput& input, const LayoutOptions& options) {
     constexpr std::size_t mostBoxes = 5'000;
     if (options.isFolded && input.input.boxes.size() <= mostBoxes)
         folding.above = isDown ? highestShape : widestShape;
+    folding.leastWidth = fitsAnywhere;
     folding.around = {2 * sceneMargin, contentTop + sceneMargin};
     if (isDown) std::swap(folding.around.width, folding.around.height);
     Placement placement = place(input.input, Spacing{}, folding, options.cancel);
