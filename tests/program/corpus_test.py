@@ -1,5 +1,5 @@
 """Drawings of the diagrams in tests/draw/corpus, looked at from the SVG alone: nothing overlaps, nothing is missing, values
-are whole, and links between a group and what is inside it stay inside."""
+are whole, links between a group and what is inside it stay inside, and lines have no fault of line_faults.py."""
 import concurrent.futures
 import itertools
 import re
@@ -7,6 +7,7 @@ import sqlite3
 import xml.etree.ElementTree as ElementTree
 
 import cut_texts
+import line_faults
 import program
 
 SVG = '{http://www.w3.org/2000/svg}'
@@ -52,6 +53,7 @@ class Picture:
             if kind in ('node', 'header', 'label'):
                 self.texts += [text.text for text in group.iter(SVG + 'text')]
         self.cut = list(cut_texts.cut_texts(root))
+        self.line_faults = list(line_faults.faults(root))
 
     def is_inside(self, node, group):
         while node is not None and node != group:
@@ -64,6 +66,7 @@ class Picture:
         yield from self.outside()
         # A value that is cut has a digit before its dots.
         yield from (f'{text} is cut' for text in self.texts if re.search(r'\d…$', text or ''))
+        yield from self.line_faults
         yield from (f'{text} is cut, but has room' for text, has_room in self.cut if has_room)
 
     def missing(self):
@@ -114,8 +117,9 @@ class Corpus(program.Case):
         documents = sorted(path for path in CORPUS.glob('*.xml') if path.stat().st_size < LARGE)
         self.assertGreaterEqual(len(documents), 36)
         with concurrent.futures.ThreadPoolExecutor(2) as pool:
-            for options in ((), ('--direction', 'lr', '--mode', 'ratio', '--acyclic')):
-                for document, faults in zip(documents, pool.map(lambda document: self.faults_of(document, *options), documents)):
+            for options, chosen in (((), documents), (('--direction', 'lr', '--mode', 'ratio', '--acyclic'), documents[::2]),
+                                    (('--direction', 'tb', '--fold', 'off'), documents[1::4])):
+                for document, faults in zip(chosen, pool.map(lambda document: self.faults_of(document, *options), chosen)):
                     with self.subTest(document=document.stem, options=options):
                         self.assertEqual(faults, [])
 
@@ -128,6 +132,36 @@ class Corpus(program.Case):
             if box.get('x'):
                 box.set('width', str(10 * float(box.get('width'))))
         self.assertTrue(all(has_room for _, has_room in cut_texts.cut_texts(root)))
+
+    def test_faults_of_lines_are_seen(self):
+        """Each of these is planted into a drawing without faults."""
+        line = '<g data-kind="line" data-id="{}" data-from="a" data-to="b"><path d="{}"/>{}</g>'
+        label = '<g data-kind="label" data-link="l" data-place="{}"><rect x="{}" y="40" width="40" height="20"/></g>'
+        head = '<path d="M{0} {1}L{2} {3}L{2} {4}z"/>'
+
+        def heads(*places):
+            return ''.join(head.format(400, y, 391, y - 4, y + 4) for y in places)
+
+        def lines(*parts):
+            return ''.join(line.format(*part) for part in parts)
+
+        planted = {
+            '': lines(('l', 'M100 50L124 50M164 50L393 50', heads(50)), ('m', 'M100 58L393 58', heads(58))) + label.format('from', 124),
+            'is far from its end': lines(('l', 'M100 50L200 50M240 50L400 50', '')) + label.format('from', 200),
+            'turns back inside its label center': lines(('l', 'M100 45L200 45M200 55L100 55L400 60', '')) + label.format('center', 200),
+            'ends at a corner of b': lines(('l', 'M100 50L400 3', '')),
+            'arrow heads at b are too near': lines(('l', 'M100 50L393 50', heads(50)), ('m', 'M100 56L393 56', heads(56))),
+            'l and m cross twice': lines(('l', 'M100 50L400 50', ''), ('m', 'M100 40L200 60L400 40', '')),
+            'l and m touch': lines(('l', 'M100 50L400 50', ''), ('m', 'M100 40L200 50L300 50L400 40', '')),
+        }
+        boxes = ''.join(f'<g data-kind="node" data-id="{name}"><rect x="{x}" y="0" width="100" height="100"/></g>'
+                        for name, x in (('a', 0), ('b', 400)))
+        for expected, parts in planted.items():
+            root = ElementTree.fromstring(f'<svg xmlns="http://www.w3.org/2000/svg">{boxes}{parts}</svg>')
+            faults = list(line_faults.faults(root))
+            with self.subTest(expected=expected):
+                self.assertEqual(len(faults), 1 if expected else 0, faults)
+                self.assertTrue(not expected or expected in faults[0], faults)
 
     def test_levels_as_written_are_seen(self):
         """The checks find something: with the levels of the library, labels of such links are outside of their group."""
