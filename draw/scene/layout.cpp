@@ -182,7 +182,9 @@ std::optional<Attempt> layOutBest(const LayoutData& data, const LayoutOptions& o
         if (scaleIn(options.fit, inPicture(*down)) > clearlyBetter * scaleIn(options.fit, inPicture(*best)))
             best = std::move(down);
     }
-    return isBand(inPicture(*best)) ? layOutIn(leftToRight, true, data, options) : std::move(best);
+    const bool isFolded = options.isFolded && best->placement.boxes.size() <= mostFolded &&
+                          best->placement.size.width > fitsAnywhere && isBand(inPicture(*best));
+    return isFolded ? layOutIn(leftToRight, true, data, options) : std::move(best);
 }
 
 }  // namespace

@@ -43,6 +43,8 @@ struct LayoutData {
 inline constexpr double sceneMargin = 28;
 // Pixels: drawings up to this size can be shown whole on most screens, whatever their shape.
 inline constexpr double fitsAnywhere = 1200;
+// Boxes: larger drawings are not folded, as they are not seen as a whole and take longer.
+inline constexpr std::size_t mostFolded = 5'000;
 // Width to height, and height to width, beyond which a drawing is a band that is hard to look at.
 inline constexpr double widestShape = 4;
 inline constexpr double highestShape = 3;

@@ -186,9 +186,7 @@ SceneInput makeInput(const Diagram& diagram, const LinkPaths& linkPaths, const B
 Placement placeInput(const SceneInput& input, const LayoutOptions& options) {
     const bool isDown = options.direction == Direction::topToBottom;
     Folding folding;
-    // Larger ones are not seen as a whole, and take longer.
-    constexpr std::size_t mostBoxes = 5'000;
-    if (options.isFolded && input.input.boxes.size() <= mostBoxes)
+    if (options.isFolded && input.input.boxes.size() <= mostFolded)
         folding.above = isDown ? highestShape : widestShape;
     folding.leastWidth = fitsAnywhere;
     folding.around = {2 * sceneMargin, contentTop + sceneMargin};
