@@ -26,27 +26,47 @@ class ObstacleGrid {
   public:
     explicit ObstacleGrid(double cell) : m_cell(cell) {}
 
-    void add(const Obstacle& obstacle) {
-        const auto index = static_cast<Index>(m_obstacles.size());
-        m_obstacles.push_back(obstacle);
-        const Rect& rect = obstacle.rect;
-        for (std::int64_t x = at(rect.x); x <= at(rect.right()); ++x)
-            for (std::int64_t y = at(rect.y); y <= at(rect.bottom()); ++y)
-                m_cells[key(x, y)].push_back(index);
+    // Before close().
+    void add(const Obstacle& obstacle) { enter(obstacle, m_entries); }
+
+    void close() { std::sort(m_entries.begin(), m_entries.end()); }
+
+    // After close(), for few obstacles.
+    void addLate(const Obstacle& obstacle) {
+        std::vector<Entry> entries;
+        enter(obstacle, entries);
+        for (const Entry& entry : entries)
+            m_late[entry.first].push_back(entry.second);
     }
 
+    // Some more than once.
     template <typename Visit>
     void forEachIn(const Rect& rect, Visit visit) const {
         for (std::int64_t x = at(rect.x); x <= at(rect.right()); ++x)
             for (std::int64_t y = at(rect.y); y <= at(rect.bottom()); ++y) {
-                const auto cell = m_cells.find(key(x, y));
-                if (cell == m_cells.end()) continue;
-                for (const Index index : cell->second)
+                const std::int64_t square = key(x, y);
+                auto entry = std::lower_bound(m_entries.begin(), m_entries.end(), Entry{square, 0});
+                for (; entry != m_entries.end() && entry->first == square; ++entry)
+                    visit(m_obstacles[entry->second]);
+                const auto late = m_late.find(square);
+                if (late == m_late.end()) continue;
+                for (const Index index : late->second)
                     visit(m_obstacles[index]);
             }
     }
 
   private:
+    using Entry = std::pair<std::int64_t, Index>;  // a square, and what stands there
+
+    void enter(const Obstacle& obstacle, std::vector<Entry>& entries) {
+        const auto index = static_cast<Index>(m_obstacles.size());
+        m_obstacles.push_back(obstacle);
+        const Rect& rect = obstacle.rect;
+        for (std::int64_t x = at(rect.x); x <= at(rect.right()); ++x)
+            for (std::int64_t y = at(rect.y); y <= at(rect.bottom()); ++y)
+                entries.emplace_back(key(x, y), index);
+    }
+
     [[nodiscard]] std::int64_t at(double length) const {
         return static_cast<std::int64_t>(std::floor(length / m_cell));
     }
@@ -54,7 +74,8 @@ class ObstacleGrid {
 
     double m_cell;
     std::vector<Obstacle> m_obstacles;
-    std::unordered_map<std::int64_t, std::vector<Index>> m_cells;
+    std::vector<Entry> m_entries;
+    std::unordered_map<std::int64_t, std::vector<Index>> m_late;
 };
 
 double lengthOf(const Point& from, const Segment& segment) {
@@ -132,6 +153,7 @@ class LabelSlider {
         for (Index line = 0; line < m_input.lines.size(); ++line)
             for (const Stretch& stretch : m_placement.lines[line].stretches)
                 forBounds(stretch, [&](const Rect& bounds) { m_grid.add({bounds, nothing, line}); });
+        m_grid.close();
     }
 
     // Labels inside stay inside, and those outside outside.
@@ -174,7 +196,7 @@ class LabelSlider {
         rect.x += move;
         last.end.x += move;
         out.start.x += move;
-        m_grid.add({rect, label, nothing});
+        m_grid.addLate({rect, label, nothing});
     }
 
     static const Point& beginOfLast(const Stretch& stretch) {
