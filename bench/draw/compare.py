@@ -9,8 +9,8 @@ and shape; with --speed, the time and memory to make them. Prints the tables of 
 --documents takes folders of documents, each with its database as SQL beside it, such as tests/draw/corpus.
 
 --generator is tessera_bench_layout and --program is tessera, both from a release build. The other programs need `dot` (graphviz),
-node, `time`, and one `npm ci` in bench/layout/peers. All programs lay out the same graph from left to right. Boxes, and boxes for
-labels, are as large as Tessera draws them."""
+node, `time`, and one `npm ci` in bench/layout/peers. All programs lay out the same graph from left to right, and Tessera chooses the
+direction of documents, as it does by default. Boxes, and boxes for labels, are as large as Tessera draws them."""
 import argparse
 import json
 import os
@@ -126,6 +126,7 @@ def write_dot(graph, path):
 class Bench:
     def __init__(self, arguments, folder):
         self.arguments, self.folder = arguments, folder
+        self.options = ['--direction', 'lr', '--fold', 'off']
 
     def prepare(self, shape, nodes):
         options = {'flat': ['--flat'], 'nested': [], 'tangled': ['--tangled']}[shape]
@@ -137,6 +138,7 @@ class Bench:
         self.draw(document)
 
     def prepare_document(self, document):
+        self.options = []
         shutil.copy(document, self.folder / 'generated.xml')
         (self.folder / 'generated.db').unlink(missing_ok=True)
         with sqlite3.connect(self.folder / 'generated.db') as database:
@@ -157,7 +159,7 @@ class Bench:
     def command(self, name):
         out = self.drawing(name)
         return {'Tessera': [self.arguments.program, 'render', self.folder / 'generated.xml', '--db',
-                            self.folder / 'generated.db', '-o', out, '--log-level', 'fatal', '--direction', 'lr'],
+                            self.folder / 'generated.db', '-o', out, '--log-level', 'fatal', *self.options],
                 'dot': ['dot', '-Tsvg', '-o', out, self.folder / 'graph.dot'],
                 'elkjs': ['node', '--stack-size=50000', '--max-old-space-size=8000', PEERS / 'elk_svg.mjs',
                           self.folder / 'graph.json', out]}[name]
@@ -200,7 +202,7 @@ def compare_documents(bench, folders):
     """Figures of each document, and their sums and medians by folder, of the documents that all programs draw."""
     for folder in folders:
         head(folder.name, 'lines', *(f'{what}: Tessera, `dot`, elkjs' for what in
-                                     ('crossings', 'length, px', 'area, million px', 'width to height')))
+                                     ('crossings', 'length, px', 'content, million px', 'width to height')))
         of_all = []
         for document in sorted(folder.glob('*.xml')):
             bench.prepare_document(document)
@@ -212,7 +214,7 @@ def compare_documents(bench, folders):
                 of_all.append(drawn)
             row(document.stem, drawn['Tessera'].lines, *(
                 ', '.join(form(each) if each else 'none' for each in drawn.values()) for form in (
-                    lambda each: f'{each.crossings:,}', lambda each: f'{each.length:,.0f}', lambda each: f'{each.area / 1e6:,.2f}',
+                    lambda each: f'{each.crossings:,}', lambda each: f'{each.length:,.0f}', lambda each: f'{each.content / 1e6:,.2f}',
                     lambda each: f'{each.aspect:.2f}')))
         summarize(of_all)
 
@@ -226,7 +228,8 @@ def summarize(of_all):
           + ', '.join(f'{sum(drawn[name].crossings for drawn in of_all):,}' for name in PROGRAMS)
           + f'; median {median(lambda drawn, name: drawn[name].crossings)}. '
           f"Length to Tessera's, median: {median(lambda drawn, name: drawn[name].length / max(drawn['Tessera'].length, 1))}. "
-          f"Area to Tessera's, median: {median(lambda drawn, name: drawn[name].area / drawn['Tessera'].area)}. "
+          f"Content to Tessera's, median: {median(lambda drawn, name: drawn[name].content / drawn['Tessera'].content)}. "
+          f"Whole picture to Tessera's, median: {median(lambda drawn, name: drawn[name].area / drawn['Tessera'].area)}. "
           'Wider than 4 to 1 or higher than 3 to 1: '
           + ', '.join(str(sum(not 1 / 3 <= drawn[name].aspect <= 4 for drawn in of_all)) for name in PROGRAMS) + '.\n')
 

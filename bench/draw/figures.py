@@ -9,7 +9,7 @@ SVG = '{http://www.w3.org/2000/svg}'
 NUMBER = re.compile(r'[-+]?(?:\d+\.?\d*|\.\d+)(?:[eE][-+]?\d+)?')
 COMMAND = re.compile(r'([A-Za-z])([^A-Za-z]*(?:[eE][-+]?\d+[^A-Za-z]*)*)')
 
-Figures = collections.namedtuple('Figures', 'lines crossings length bends area aspect')
+Figures = collections.namedtuple('Figures', 'lines crossings length bends area aspect content')
 
 
 def chains_of(path):
@@ -48,12 +48,28 @@ def is_stroke(path):
 
 
 def picture_of(file):
-    """Returns width, height and, for each line, its connected parts."""
+    """Returns width, height, for each line its connected parts, and the corners of all boxes.
+
+    A heading and a legend are no boxes; neither is what is as large as the whole picture."""
     root = ElementTree.parse(file).getroot()
     width, height = (float(NUMBER.match(root.get(name))[0]) for name in ('width', 'height'))
     lines = [[chain for path in group.iter(SVG + 'path') if is_stroke(path) for chain in chains_of(path.get('d'))]
              for group in root.iter(SVG + 'g') if is_line(group)]
-    return width, height, lines
+    return width, height, lines, list(corners_of(root, width, height))
+
+
+def corners_of(root, width, height):
+    for group in [root, *root.iter(SVG + 'g')]:
+        if group.get('data-kind', 'node') not in ('node', 'group', 'label') or 'background' in (group.get('id') or ''):
+            continue
+        for shape in group:
+            if shape.tag == SVG + 'rect' and shape.get('x') and float(shape.get('width')) < width - 1:
+                x, y = float(shape.get('x')), float(shape.get('y'))
+                yield x, y
+                yield x + float(shape.get('width')), y + float(shape.get('height'))
+            elif shape.tag == SVG + 'polygon' and group.get('class') in ('node', 'cluster'):
+                numbers = [float(number) for number in NUMBER.findall(shape.get('points'))]
+                yield from zip(numbers[::2], numbers[1::2])
 
 
 def crossings_of(pieces):
@@ -109,8 +125,8 @@ def turn(a, b, c):
 
 
 def figures_of(picture):
-    """Counts all figures. Bends are the sum of all turns in right angles, so that curves and corners are measured alike."""
-    width, height, lines = picture
+    """Counts all figures. The content is the area of the smallest rectangle around all boxes and lines. Bends are the sum of all turns in right angles, so that curves and corners are measured alike."""
+    width, height, lines, corners = picture
     pieces, length, turns = [], 0.0, 0.0
     for number, chains in enumerate(lines):
         for chain in chains:
@@ -118,4 +134,6 @@ def figures_of(picture):
             pieces += [(*a, *b, number) for a, b in zip(points, points[1:])]
             length += sum(math.dist(a, b) for a, b in zip(points, points[1:]))
             turns += sum(turn(a, b, c) for a, b, c in zip(points, points[1:], points[2:]))
-    return Figures(len(lines), crossings_of(pieces), length, turns / (math.pi / 2), width * height, width / height)
+    corners = corners + [point for chains in lines for chain in chains for point in chain]
+    across, down = (max(values) - min(values) for values in zip(*corners)) if corners else (0, 0)
+    return Figures(len(lines), crossings_of(pieces), length, turns / (math.pi / 2), width * height, width / height, across * down)

@@ -58,7 +58,13 @@ class Figures(unittest.TestCase):
 
     def test_size(self):
         drawing = count('M0 0L1 1')
-        self.assertEqual((drawing.lines, drawing.area, drawing.aspect), (1, 20000, 2))
+        self.assertEqual((drawing.lines, drawing.area, drawing.aspect, drawing.content), (1, 20000, 2, 1))
+
+    def test_content_is_without_heading_and_frame(self):
+        boxes = ('<rect x="0" y="0" width="200" height="100"/><g data-kind="heading"><rect x="0" y="0" width="90" height="9"/></g>'
+                 '<g data-kind="node"><rect x="20" y="30" width="40" height="20"/></g><g class="node"><polygon points="90,40 99,45"/></g>')
+        root = svg('M30 60L80 60').getvalue().replace('<g class="edge">', boxes + '<g class="edge">')
+        self.assertEqual(figures.figures_of(figures.picture_of(io.StringIO(root))).content, 79 * 30)
 
 
 if __name__ == '__main__':
