@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "host/meaning/level_finder.h"
-#include "host/values/cell_format.h"
+#include "host/meaning/value_change.h"
 
 namespace tessera_host {
 namespace {
@@ -22,23 +22,16 @@ std::pair<double, double> excessOf(double number, double bound) {
     return {bound == 0 ? std::numeric_limits<double>::infinity() : distance / std::abs(bound), distance};
 }
 
-// A bound as the values beside it are written: whole numbers as integers, which the plain format keeps as they are.
-std::string textOf(double number, const QueryDeclaration& query) {
-    constexpr double exact = 9007199254740992;  // 2^53
-    const bool isWhole = std::abs(number) < exact && std::trunc(number) == number;
-    const CellValue value = isWhole ? CellValue(static_cast<std::int64_t>(number)) : CellValue(number);
-    return formatCell(value, query.format, query.unit);
-}
-
 class Describer {
   public:
     Describer(const CellRecord& record, const ValueMeaning& meaning, const Declarations& declarations,
-              Description description)
+              Description description, Comparison* comparison)
         : m_record(record),
           m_meaning(meaning),
           m_declarations(declarations),
           m_finder(meaning),
-          m_isFull(description == Description::full) {
+          m_isFull(description == Description::full),
+          m_comparison(comparison) {
         m_result.summary.counts.resize(meaning.levels().size());
     }
 
@@ -46,50 +39,100 @@ class Describer {
         // First the worst value, which rows are marked with; then the copy.
         visit(diagram, nullptr);
         visit(diagram, &m_result.bag);
-        if (m_isFull && !m_meaning.isEmpty()) addMeaning(m_result.bag.add_variant_bag("meaning"));
+        if (m_isFull && (!m_meaning.isEmpty() || m_comparison != nullptr))
+            addMeaning(m_result.bag.add_variant_bag("meaning"));
         return std::move(m_result);
     }
 
   private:
+    enum class Kind : std::uint8_t { other, node, link, info, rows, row };
+
     struct Place {
         const variant_bag_t* source;
         variant_bag_t* target;  // null: nothing is copied
-        bool isRow;
+        Kind kind = Kind::other;
+        std::string_view info{};       // of an info and its rows: its name
+        const variant_bag_t* owner{};  // and the node or link that it belongs to
+        bool isLink = false;           // whether that is a link
     };
+
+    static Kind kindOf(const Place& parent, std::string_view name) {
+        if (name == "row") return Kind::row;
+        if (name == "rows") return Kind::rows;
+        if (name == "node") return Kind::node;
+        if (name == "link") return Kind::link;
+        return parent.kind == Kind::node || parent.kind == Kind::link ? Kind::info : Kind::other;
+    }
 
     // A stack of its own instead of recursion, as everywhere.
     void visit(const variant_bag_t& diagram, variant_bag_t* target) {
-        std::vector<Place> open{{&diagram, target, false}};
+        std::vector<Place> open{{&diagram, target}};
         while (!open.empty()) {
             const Place place = open.back();
             open.pop_back();
             if (place.target != nullptr)
                 copyValues(place);
-            else if (place.isRow)
+            else if (place.kind == Kind::row)
                 count(*place.source);
             for (auto child = place.source->begin(); !child.at_end(); child.next())
-                open.push_back(
-                    {&child.get_value(),
-                     place.target == nullptr ? nullptr : &place.target->add_variant_bag(child.get_name()),
-                     child.get_name() == "row"});
+                open.push_back(childOf(place, child.get_name(), child.get_value()));
+            if (place.target != nullptr && m_isFull && m_comparison != nullptr) addMissing(place);
         }
+    }
+
+    static Place childOf(const Place& parent, std::string_view name, const variant_bag_t& source) {
+        Place child{&source,
+                    parent.target == nullptr ? nullptr : &parent.target->add_variant_bag(name),
+                    kindOf(parent, name),
+                    parent.info,
+                    parent.owner,
+                    parent.isLink};
+        if (child.kind != Kind::info) return child;
+        child.info = name;
+        child.owner = parent.source;
+        child.isLink = parent.kind == Kind::link;
+        return child;
+    }
+
+    // Rows that only the other result has, where there are rows already, and where there are none.
+    void addMissing(const Place& place) {
+        const bool isInfo = place.kind == Kind::info && place.source->get_variant_bag("rows") == nullptr;
+        if (!isInfo && place.kind != Kind::rows) return;
+        const std::string_view id = shownId(*place.owner);
+        if (!m_comparison->hasMissing(place.isLink, id, place.info)) return;
+        variant_bag_t* rows = place.target;
+        if (isInfo) {
+            rows = &place.target->add_variant_bag("rows");
+            rows->put("arrayOf", "row");
+        }
+        // The rows of the diagram come first: they were added when this place was visited.
+        m_comparison->addMissing(place.isLink, id, place.info, *rows);
+    }
+
+    // The values of a group can be on a node of their own.
+    static std::string_view shownId(const variant_bag_t& owner) {
+        return owner.get_text(owner.get_text("type") == "groupInfo" ? "group" : "id");
     }
 
     void copyValues(const Place& place) {
         for (auto value = place.source->begin_values(); !value.at_end(); value.next()) {
-            if (place.isRow && value.get_name() == "value")
+            if (place.kind == Kind::row && value.get_name() == "value")
                 place.target->append_text("value", untagged(*place.source).text);
             else
                 place.target->append(value.get_name(), value.get_value());
         }
-        if (!place.isRow || !m_isFull) return;
+        if (place.kind != Kind::row || !m_isFull) return;
         const RecordedCell* cell = untagged(*place.source).cell;
-        if (cell == nullptr || !cell->number) return;
+        if (cell == nullptr) return;
+        if (m_comparison != nullptr) m_comparison->describe(*cell, *place.target);
+        if (!cell->number) return;
         if (const LevelRule* rule = ruleOf(*cell))
             place.target->append_text("level", m_meaning.levels()[rule->level].name);
         if (cell == m_result.summary.worst) place.target->append("isWorst", basekit2::variant_t(true));
+        // Beside another result, lines show changes.
         const std::optional<LinkWidths>& widths = m_meaning.widths();
-        if (!widths || widths->query != cell->reference->declaration().index) return;
+        if (m_comparison != nullptr || !widths || widths->query != cell->reference->declaration().index)
+            return;
         if (const int step = widths->stepOf(*cell->number); step > 0)
             place.target->append("width", basekit2::variant_t(static_cast<std::int32_t>(step)));
     }
@@ -137,7 +180,10 @@ class Describer {
             bag.put("count",
                     basekit2::variant_t(static_cast<std::int32_t>(m_result.summary.counts[level.rank])));
         }
-        if (const auto& widths = m_meaning.widths()) addWidths(out, *widths);
+        if (m_comparison != nullptr)
+            m_comparison->describeAll(out);
+        else if (const auto& widths = m_meaning.widths())
+            addWidths(out, *widths);
     }
 
     void addWidths(variant_bag_t& out, const LinkWidths& widths) const {
@@ -147,7 +193,7 @@ class Describer {
         for (int step = 1; step <= LinkWidths::steps; ++step) {
             const bool isLast = step == LinkWidths::steps;
             bag.add_variant_bag("step").put(
-                "text", (isLast ? "> " : "≤ ") + textOf(widths.endOf(isLast ? step - 1 : step), query));
+                "text", (isLast ? "> " : "≤ ") + numberText(widths.endOf(isLast ? step - 1 : step), query));
         }
     }
 
@@ -156,6 +202,7 @@ class Describer {
     const Declarations& m_declarations;
     const LevelFinder m_finder;
     const bool m_isFull;
+    Comparison* const m_comparison;
     // Of the values that rows show; null for those at no level.
     std::unordered_map<const RecordedCell*, const LevelRule*> m_rules;
     DescribedDiagram m_result;
@@ -170,8 +217,8 @@ std::size_t LevelSummary::countUpTo(std::size_t rank) const {
 
 DescribedDiagram describeValues(const variant_bag_t& diagram, const CellRecord& record,
                                 const ValueMeaning& meaning, const Declarations& declarations,
-                                Description description) {
-    return Describer(record, meaning, declarations, description).describe(diagram);
+                                Description description, Comparison* comparison) {
+    return Describer(record, meaning, declarations, description, comparison).describe(diagram);
 }
 
 }  // namespace tessera_host

@@ -8,6 +8,7 @@
 
 #include "host/document/value_meaning.h"
 #include "host/engine/cell_record.h"
+#include "host/meaning/comparison.h"
 #include "platform/basekit2/variant_bag.h"
 
 namespace tessera_host {
@@ -40,9 +41,11 @@ enum class Description : std::uint8_t {
 //   the root has a child "meaning", with a child "level" for each level of the document, the worst first:
 //   "name", "colour" ("#rrggbb", own levels only), "count"; and for widths a child "widths": "name", and a child
 //   "step" for each step with its "text".
+// With a `comparison`, rows and meaning have what that adds (Comparison), and its widths instead of the document's.
 // Linear time, but for levels (LevelFinder).
 [[nodiscard]] DescribedDiagram describeValues(const basekit2::variant_bag_t& diagram,
                                               const CellRecord& record, const ValueMeaning& meaning,
-                                              const Declarations& declarations, Description description);
+                                              const Declarations& declarations, Description description,
+                                              Comparison* comparison = nullptr);
 
 }  // namespace tessera_host
