@@ -112,7 +112,10 @@ struct RowShape {
     std::string_view value;
     Index nameText = nothing;  // in Scene::texts; `nothing` when only the tooltip shows it
     Index valueText = nothing;
-    std::string_view level;  // of the value; "" for none
+    std::string_view level;   // of the value; "" for none
+    std::string_view change;  // to another result, and that result's value; see Row
+    std::string_view other;
+    Index changeText = nothing;
 };
 
 // A level of values: how it is marked, and how many values are at it.
@@ -142,6 +145,9 @@ struct Scene {
     std::vector<LevelLook> levels;  // the worst first; empty where values have none
     std::vector<std::uint8_t>
         lineSteps;  // by line: the place in lineWidths, from 0; empty where all are alike
+    std::vector<std::uint8_t>
+        goneLines;            // by line: 1 if only the other result has one of its values; or empty
+    bool hasChanges = false;  // values are beside those of another result
     std::array<std::optional<Rgb>, ownLevelCount> ownColors;  // of the document's own levels
     TextArena ownedTexts;                                     // values, and texts made for this scene
     LayoutPointer layout;  // owns ids, names and lines; null only in a scene that was not filled
@@ -151,6 +157,9 @@ struct Scene {
         for (const LevelLook& each : levels)
             if (!level.empty() && each.name == level) return &each;
         return nullptr;
+    }
+    [[nodiscard]] bool isGone(std::size_t line) const noexcept {
+        return line < goneLines.size() && goneLines[line] != 0;
     }
     // The width of a line's stroke.
     [[nodiscard]] double widthOf(std::size_t line) const noexcept {

@@ -47,8 +47,10 @@ enum class ColorRole : std::uint8_t {
     own4,
     own5,
     own6,
+    more,  // changes to another result
+    less,
 };
-inline constexpr std::size_t colorRoleCount = 25;
+inline constexpr std::size_t colorRoleCount = 27;
 inline constexpr std::size_t accentCount = 4;
 inline constexpr std::size_t ownLevelCount = 6;
 
@@ -121,8 +123,11 @@ enum class TextRole : std::uint8_t {
     // As with boxes.
     summary,    // of levels, in the heading
     levelWord,  // the name of a level, in its badge
+    change,     // of a value to another result, below it
+    labelChange,
+    labelRowChange,
 };
-inline constexpr std::size_t textRoleCount = 15;
+inline constexpr std::size_t textRoleCount = 18;
 inline constexpr std::size_t plainTextRoleCount = 13;
 
 // Which part of a text is at its position: where it starts, its middle, or where it ends.
@@ -141,6 +146,9 @@ struct TextStyle {
 inline constexpr double boxStrokeWidth = 1;
 inline constexpr double lineStrokeWidth = 1.6;
 inline constexpr double levelStrokeWidth = 2;  // of boxes at a level
+// Of lines that have a value in the other result only.
+inline constexpr double goneDashLength = 7;
+inline constexpr double goneDashGap = 4;
 // Of lines whose width shows a value, by step. Heads grow with them, but stand only 8 pixels apart.
 inline constexpr std::array<double, 5> lineWidths = {1.6, 2.4, 3.2, 4.1, 5};
 inline constexpr double textHaloWidth = 4;

@@ -143,6 +143,7 @@ class JsonSceneWriter {
         text.finish();
         member("path", path.text);
         if (!m_scene.lineSteps.empty()) member("strokeWidth", m_scene.widthOf(number));
+        if (m_scene.isGone(number)) flag("isDashed");
         if (line.hasFromHead) head("fromHead", line.fromHead);
         if (line.hasToHead) head("toHead", line.toHead);
     }
@@ -179,9 +180,12 @@ class JsonSceneWriter {
         member("name", row.name);
         member("value", row.value);
         memberUnlessEmpty("level", row.level);
+        memberUnlessEmpty("change", row.change);
+        memberUnlessEmpty("other", row.other);
         // Left out for texts that only the tooltip shows.
         if (row.nameText != nothing) count("nameText", row.nameText - firstText);
         if (row.valueText != nothing) count("valueText", row.valueText - firstText);
+        if (row.changeText != nothing) count("changeText", row.changeText - firstText);
         m_json.EndObject();
     }
 

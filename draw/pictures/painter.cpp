@@ -90,7 +90,8 @@ class Painter {
         for (std::uint32_t i = 0; i < element.symbols.count; ++i)
             symbol(scene.symbols[element.symbols.first + i]);
         for (std::uint32_t i = 0; i < element.lines.count; ++i)
-            line(scene.lines[element.lines.first + i], scene.widthOf(element.lines.first + i));
+            line(scene.lines[element.lines.first + i], scene.widthOf(element.lines.first + i),
+                 scene.isGone(element.lines.first + i));
         for (std::uint32_t i = 0; i < element.texts.count; ++i)
             m_text.paint(scene.texts[element.texts.first + i]);
     }
@@ -146,7 +147,7 @@ class Painter {
         cairo_stroke(m_cairo);
     }
 
-    void line(const LineShape& line, double width) {
+    void line(const LineShape& line, double width, bool isGone) {
         for (const auto& stretch : line.stretches) {
             cairo_move_to(m_cairo, stretch.start.x, stretch.start.y);
             for (const Segment& segment : stretch.segments) {
@@ -159,7 +160,10 @@ class Painter {
         }
         setColor(m_cairo, m_palette, ColorRole::line);
         cairo_set_line_width(m_cairo, width);
+        const std::array<double, 2> dashes = {goneDashLength, goneDashGap};
+        cairo_set_dash(m_cairo, dashes.data(), isGone ? 2 : 0, 0);
         cairo_stroke(m_cairo);
+        cairo_set_dash(m_cairo, nullptr, 0, 0);
         if (line.hasFromHead) fill(outlineOf(line.fromHead, width), ColorRole::line);
         if (line.hasToHead) fill(outlineOf(line.toHead, width), ColorRole::line);
     }

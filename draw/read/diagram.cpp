@@ -136,6 +136,10 @@ namespace {
 
 void readMeaningOf(const variant_bag_t& bag, Row& row) {
     row.level = bag.get_text("level");
+    row.change = bag.get_text("change");
+    row.other = bag.get_text("other");
+    row.difference = bag.get_text("difference");
+    row.percent = bag.get_text("percent");
     if (const basekit2::variant_t* worst = bag.get("isWorst")) row.isWorst = flagOf(*worst);
     if (const basekit2::variant_t* width = bag.get("width"))
         row.width = static_cast<std::uint8_t>(

@@ -19,6 +19,11 @@ struct Row {
     std::string_view level{};  // the name of its level
     bool isWorst = false;      // the worst value of the diagram
     std::uint8_t width = 0;    // the step of its line's width, from 1; 0 when it says nothing about that
+    // Beside another result: "same", "more", "less", "text", "here" or "there", which results have it; "" otherwise.
+    std::string_view change{};
+    std::string_view other{};       // the value of the other result
+    std::string_view difference{};  // with its sign
+    std::string_view percent{};
 };
 
 // The values that a node or a part of a link shows at the moment. Without rows it shows none.

@@ -40,6 +40,7 @@ Meaning readMeaning(const variant_bag_t& bag, TextArena& texts) {
         if (child.get_name() == "level" && meaning.levels.size() < Meaning::maxLevels)
             meaning.levels.push_back({texts.add(part.get_text("name")), colorOf(part.get_text("colour")),
                                       integerIn(part, "count")});
+        if (child.get_name() == "comparison") meaning.comparison = texts.add(part.get_text("text"));
         if (child.get_name() != "widths") continue;
         meaning.widthsName = texts.add(part.get_text("name"));
         meaning.widthSteps.clear();

@@ -24,8 +24,9 @@ using LevelNumber = std::uint8_t;
 struct Meaning {
     static constexpr std::size_t maxLevels = 3 + ownLevelCount;
 
-    std::vector<MeaningLevel> levels;          // the worst first; further ones are left out
-    std::string_view widthsName;               // what the widths of lines show; "" when all lines are alike
+    std::vector<MeaningLevel> levels;  // the worst first; further ones are left out
+    std::string_view widthsName;       // what the widths of lines show; "" when all lines are alike
+    std::string_view comparison;       // how the values differ from those of another result; "" without one
     std::vector<std::string_view> widthSteps;  // the text of each step, as many as lineWidths at most
 
     // 0 for a name that is not a level.

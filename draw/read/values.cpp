@@ -64,7 +64,8 @@ Info ownedInfo(const variant_bag_t& bag, std::string_view name, TextArena& texts
     Info info = readInfo(bag, name);
     info.name = texts.add(info.name);
     for (Row& row : info.rows)
-        for (std::string_view* text : {&row.name, &row.value, &row.level})
+        for (std::string_view* text :
+             {&row.name, &row.value, &row.level, &row.change, &row.other, &row.difference, &row.percent})
             *text = texts.add(*text);
     return info;
 }

@@ -29,7 +29,7 @@ constexpr double sampleLength = 26;  // of a line's width
 constexpr double sampleSpace = 32;   // with the gap beside it
 constexpr double summaryLine = 60;   // below the heading, above the content
 constexpr double summaryGap = 14;
-constexpr double minWorst = 190;  // for the worst place, before levels give way to it
+constexpr double minLast = 190;  // for what comes last, before levels give way to it
 
 }  // namespace
 
@@ -83,19 +83,20 @@ std::vector<LevelCount> countsOf(SceneBuilder& builder) {
 
 }  // namespace
 
-void drawLevelSummary(SceneBuilder& builder, const std::string& worstPlace, double width) {
-    if (builder.scene().levels.empty()) return;
+void drawSummary(SceneBuilder& builder, const Meaning& meaning, const std::string& worstPlace, double width) {
+    if (builder.scene().levels.empty() && meaning.comparison.empty()) return;
     const double right = width - margin;
     const std::vector<LevelCount> counts = countsOf(builder);
-    if (counts.empty()) {
+    if (counts.empty() && meaning.comparison.empty()) {
         builder.text({margin, summaryLine}, TextRole::legend, "no value is at a level", right - margin);
         return;
     }
     const std::string_view worst = worstPlace.empty() ? "" : builder.own("worst: " + worstPlace);
+    const std::string_view last = meaning.comparison.empty() ? worst : meaning.comparison;
     const TextStyle& style = styleOf(TextRole::legend);
-    const double worstWidth = measureText(worst, style.size, style.weight).width;
+    const double lastWidth = measureText(last, style.size, style.weight).width;
     // Where not everything fits, the best levels give way to the worst place; the tooltip has them all.
-    double end = right - std::min(worstWidth, minWorst);
+    double end = right - std::min(lastWidth, minLast);
     double x = margin;
     for (const auto& [level, text, itemWidth] : counts) {
         builder.tooltip(text);
@@ -107,10 +108,11 @@ void drawLevelSummary(SceneBuilder& builder, const std::string& worstPlace, doub
             builder.colorLastText(level->color);
         x += itemWidth;
     }
-    if (worst.empty()) return;
-    builder.tooltip(worst);
-    if (right - x > worstWidth || right - x >= minWorst / 2)
-        builder.text({x, summaryLine}, TextRole::legend, worst, right - x);
+    if (!worst.empty()) builder.tooltip(worst);
+    if (!meaning.comparison.empty()) builder.tooltip(meaning.comparison);
+    if (last.empty()) return;
+    if (right - x > lastWidth || right - x >= minLast / 2)
+        builder.text({x, summaryLine}, TextRole::legend, last, right - x);
 }
 
 namespace {
@@ -182,6 +184,16 @@ void drawWidths(SceneBuilder& builder, const Meaning& meaning, LegendLines& line
     }
 }
 
+void drawChanges(SceneBuilder& builder, LegendLines& lines) {
+    constexpr std::string_view gone = "dashed lines: a value that only the other result has";
+    const auto& lineFlags = builder.scene().goneLines;
+    if (std::find(lineFlags.begin(), lineFlags.end(), 1) == lineFlags.end()) return;
+    const TextStyle& style = styleOf(TextRole::legend);
+    const double width = measureText(gone, style.size, style.weight).width;
+    const double at = lines.place(width);
+    builder.text({at, lines.line()}, TextRole::legend, gone, width + 1);
+}
+
 }  // namespace
 
 double drawLegend(SceneBuilder& builder, const DisplayTypes& types, const Meaning& meaning, double top,
@@ -197,6 +209,7 @@ double drawLegend(SceneBuilder& builder, const DisplayTypes& types, const Meanin
         drawLevels(builder, lines);
         lines.newLine();
         drawWidths(builder, meaning, lines);
+        drawChanges(builder, lines);
     }
     return lines.line() + 4 - top;
 }

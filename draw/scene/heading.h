@@ -26,8 +26,9 @@ void drawHeading(SceneBuilder& builder, const Diagram& diagram, std::string_view
                  double width);
 
 // Adds to the heading how many values are at which level, and the name of the place with the worst one, "" for
-// none. Nothing when the scene has no levels. REQUIRES: drawHeading() has opened the element.
-void drawLevelSummary(SceneBuilder& builder, const std::string& worstPlace, double width);
+// none; beside another result how values differ instead. Nothing when the scene has neither. REQUIRES:
+// drawHeading() has opened the element.
+void drawSummary(SceneBuilder& builder, const Meaning& meaning, const std::string& worstPlace, double width);
 
 // Draws below `top`, in as many lines as they need, the display types and their symbols, then the levels and their
 // signs, then the widths of lines. Beyond 24 types the rest is counted ("+3 more"). Returns the legend's height, 0

@@ -12,13 +12,36 @@ constexpr std::array<std::string_view, boxRoleCount> boxRoles = {
     "container", "innerContainer", "card",       "interfaceCard", "labelCard",
     "note",      "badge",          "levelBadge", "widthSample"};
 constexpr std::array<std::string_view, textRoleCount> textRoles = {
-    "heading",      "badge",         "name",      "rowName", "rowValue", "more",    "labelName", "labelValue",
-    "labelRowName", "labelRowValue", "noteTitle", "note",    "legend",   "summary", "levelWord"};
-constexpr std::array<std::string_view, colorRoleCount> colorRoles = {
-    "none",    "ground",     "text",        "muted",   "container", "innerContainer", "containerBorder",
-    "card",    "cardBorder", "labelBorder", "line",    "badge",     "accent1",        "accent2",
-    "accent3", "accent4",    "critical",    "warning", "good",      "own1",           "own2",
-    "own3",    "own4",       "own5",        "own6"};
+    "heading",   "badge",      "name",         "rowName",       "rowValue",    "more",
+    "labelName", "labelValue", "labelRowName", "labelRowValue", "noteTitle",   "note",
+    "legend",    "summary",    "levelWord",    "change",        "labelChange", "labelRowChange"};
+constexpr std::array<std::string_view, colorRoleCount> colorRoles = {"none",
+                                                                     "ground",
+                                                                     "text",
+                                                                     "muted",
+                                                                     "container",
+                                                                     "innerContainer",
+                                                                     "containerBorder",
+                                                                     "card",
+                                                                     "cardBorder",
+                                                                     "labelBorder",
+                                                                     "line",
+                                                                     "badge",
+                                                                     "accent1",
+                                                                     "accent2",
+                                                                     "accent3",
+                                                                     "accent4",
+                                                                     "critical",
+                                                                     "warning",
+                                                                     "good",
+                                                                     "own1",
+                                                                     "own2",
+                                                                     "own3",
+                                                                     "own4",
+                                                                     "own5",
+                                                                     "own6",
+                                                                     "more",
+                                                                     "less"};
 constexpr std::array<std::string_view, 16> symbols = {
     "none",    "disc",  "square", "diamond", "triangle", "ring",   "cross",   "alert",
     "caution", "check", "star",   "flag",    "hexagon",  "window", "rhombus", "pentagon"};

@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "draw/scene/changes.h"
 #include "draw/scene/heading.h"
 #include "draw/scene/layout_data.h"
 #include "draw/scene/level_badge.h"
@@ -141,6 +142,25 @@ std::vector<std::uint8_t> lineStepsOf(const LayoutData& data, const Values& valu
     return steps;
 }
 
+// The lines with a value that only the other result has. Their labels can be missing, so such values are at the link.
+std::vector<std::uint8_t> goneLinesOf(const LayoutData& data, const Values& values) {
+    if (values.meaning.comparison.empty()) return {};
+    std::vector<std::uint8_t> gone;
+    gone.reserve(data.pathOfLine.size());
+    const auto hasGone = [](const Info& info) {
+        return std::any_of(info.rows.begin(), info.rows.end(), isGone);
+    };
+    for (const Index path : data.pathOfLine) {
+        const Index link = data.linkPaths.paths[path].link;
+        gone.push_back(link != nothing &&
+                               (hasGone(values.links[link].from) || hasGone(values.links[link].total) ||
+                                hasGone(values.links[link].to))
+                           ? 1
+                           : 0);
+    }
+    return gone;
+}
+
 // Where a value stands, for people: the node, or the ends of the link.
 std::string placeOf(const LayoutData& data, std::size_t node) {
     const auto& nodes = data.structure.nodes;
@@ -181,9 +201,12 @@ Scene fill(const LayoutPointer& layout, const basekit2::variant_bag_t& bag, Diff
     scene.lines = data.lines;
     setLevels(scene, drawing.values.meaning);
     scene.lineSteps = lineStepsOf(data, drawing.values);
+    scene.goneLines = goneLinesOf(data, drawing.values);
+    scene.hasChanges = !drawing.values.meaning.comparison.empty();
     scene.size.width = data.width;
     drawHeading(drawing.builder, data.structure, scene.mode, data.badge, scene.size.width);
-    drawLevelSummary(drawing.builder, worstPlaceOf(data, drawing.values), scene.size.width);
+    drawSummary(drawing.builder, drawing.values.meaning, worstPlaceOf(data, drawing.values),
+                scene.size.width);
     if (data.isEmpty)
         drawNothing(drawing.builder,
                     {sceneMargin, contentTop, scene.size.width - 2 * sceneMargin, data.content.height});

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "draw/scene/changes.h"
 #include "draw/scene/fitted_value.h"
 
 namespace tessera_draw {
@@ -18,6 +19,7 @@ struct Columns {
     double valueSpace = 0;  // reserved for values
     TextRole nameRole = TextRole::rowName;
     TextRole valueRole = TextRole::rowValue;
+    ChangeLines change = cardChange;
 };
 
 // Returns the index of the text, or `nothing` if the text is empty.
@@ -33,7 +35,11 @@ void drawSign(SceneBuilder& builder, const Row& row, double valueLeft, double li
     builder.symbol({valueLeft - signSpace + signSize / 2, line - 4}, {level->sign, level->color}, signSize);
 }
 
-void drawRow(SceneBuilder& builder, const Row& row, RowShape& shape, const Columns& columns, double line) {
+void drawRow(SceneBuilder& builder, const Row& row, RowShape& shape, const Columns& columns,
+             double baseLine) {
+    const double line = hasChange(row) ? baseLine - columns.change.lift : baseLine;
+    shape.changeText = drawChange(builder, row, {columns.right, baseLine + columns.change.drop},
+                                  columns.change.role, columns.right - columns.left);
     const TextStyle& nameStyle = styleOf(columns.nameRole);
     const TextStyle& valueStyle = styleOf(columns.valueRole);
     const double both = columns.right - columns.left - columnGap;
@@ -78,10 +84,12 @@ void drawLabelValue(SceneBuilder& builder, Point at, const Row& row, const Rect&
     const double sign = builder.scene().levelOf(row.level) == nullptr ? 0 : signSpace;
     const double maxWidth = sign == 0 ? labelSpace(rect) : rect.width - 8 - sign;
     const FittedText fitted = fitValue(row.value, maxWidth, style.size, style.weight);
-    const Point middle{at.x + sign / 2, at.y};
+    const Point middle{at.x + sign / 2, hasChange(row) ? at.y - labelChange.lift : at.y};
+    builder.row(0).changeText =
+        drawChange(builder, row, {at.x, at.y + labelChange.drop}, labelChange.role, rect.width - 6);
     if (builder.text(middle, TextRole::labelValue, fitted, maxWidth) == 0) return;
     builder.row(0).valueText = builder.lastText();
-    drawSign(builder, row, middle.x - fitted.width / 2, at.y);
+    drawSign(builder, row, middle.x - fitted.width / 2, middle.y);
 }
 
 // A title with the number of rows that are not shown after it.
@@ -102,7 +110,8 @@ void drawSingleValue(SceneBuilder& builder, const Info& info, const Rect& rect) 
     std::string_view title = info.name.empty() ? row.name : info.name;
     if (info.rows.size() > 1) title = countedTitle(builder, title, info.rows.size() - 1, maxWidth);
     if (title.empty()) return drawLabelValue(builder, {middle, rect.y + 21}, row, rect);
-    builder.text({middle, rect.y + labelTitleLine}, TextRole::labelName, title, maxWidth);
+    const double titleLift = hasChange(row) ? changedTitleLift : 0;
+    builder.text({middle, rect.y + labelTitleLine - titleLift}, TextRole::labelName, title, maxWidth);
     drawLabelValue(builder, {middle, rect.y + labelValueLine}, row, rect);
 }
 
@@ -166,7 +175,7 @@ void drawLabel(SceneBuilder& builder, const Info& info, const BoxSize& size, con
     builder.text({middle, rect.y + labelTitleLine}, TextRole::labelName, info.name, rect.width - 12);
     drawRows(builder, info.rows, size.rows,
              {rect.x + labelSide, rect.right() - labelSide, rect.y + labelFirstRow, labelRowStep,
-              size.valueColumn, TextRole::labelRowName, TextRole::labelRowValue});
+              size.valueColumn, TextRole::labelRowName, TextRole::labelRowValue, labelRowChange});
 }
 
 void drawContainer(SceneBuilder& builder, const Node& node, const Info& info, const Rect& rect, TypeLook look,

@@ -4,6 +4,8 @@
 
 #include <utility>
 
+#include "draw/scene/changes.h"
+
 namespace tessera_draw {
 namespace {
 
@@ -15,6 +17,14 @@ Span spanAtEnd(const List& list) {  // empty, at what is added next
 template <typename List>
 void close(Span& span, const List& list) {  // up to the last that was added
     span.count = static_cast<std::uint32_t>(list.size()) - span.first;
+}
+
+// The value, its level and its change.
+std::string described(const Row& row) {
+    std::string text(row.value);
+    if (!row.level.empty()) text += fmt::format(" ({})", row.level);
+    if (hasChange(row)) text += fmt::format(" – {}", changeText(row));
+    return text;
 }
 
 }  // namespace
@@ -61,8 +71,8 @@ void SceneBuilder::line(std::uint32_t number) {
 
 void SceneBuilder::rows(const Info& info, std::string_view place) {
     for (std::uint32_t i = 0; i < info.rows.size(); ++i)
-        m_scene.rows.push_back(
-            {place, i, info.rows[i].name, info.rows[i].value, nothing, nothing, info.rows[i].level});
+        m_scene.rows.push_back({place, i, info.rows[i].name, info.rows[i].value, nothing, nothing,
+                                info.rows[i].level, info.rows[i].change, info.rows[i].other, nothing});
 }
 
 RowShape& SceneBuilder::row(std::size_t number) {
@@ -76,9 +86,11 @@ void SceneBuilder::tooltip(std::string_view first, std::string_view between, std
 void SceneBuilder::tooltips(const Info& info) {
     if (!info.name.empty()) tooltip(info.name);
     for (const Row& row : info.rows) {
-        const bool hasLevel = m_scene.levelOf(row.level) != nullptr;
-        tooltip(row.name, row.name.empty() ? "" : ": ",
-                hasLevel ? own(fmt::format("{} ({})", row.value, row.level)) : row.value);
+        const std::string_view between = row.name.empty() ? "" : ": ";
+        if (m_scene.levelOf(row.level) == nullptr && row.change.empty())
+            tooltip(row.name, between, row.value);
+        else
+            tooltip(row.name, between, own(described(row)));
     }
 }
 

@@ -14,7 +14,7 @@ namespace {
 constexpr std::array<std::string_view, boxRoleCount> boxClasses = {"g",  "gg", "c",  "ci", "lc",
                                                                    "nb", "ch", "lb", "ws"};
 constexpr std::array<std::string_view, textRoleCount> textClasses = {
-    "h", "ct", "n", "k", "v", "m", "ln", "lv", "lk", "lw", "nt", "no", "le", "sm", "lx"};
+    "h", "ct", "n", "k", "v", "m", "ln", "lv", "lk", "lw", "nt", "no", "le", "sm", "lx", "dc", "dl", "dr"};
 
 std::string hex(const Palette& palette, ColorRole color) {
     const Rgb& colour = palette[static_cast<std::size_t>(color)];
@@ -92,6 +92,8 @@ constexpr std::array<std::string_view, 9> levelBorders = {" b1", " b2", " b3", "
                                                           " b6", " b7", " b8", " b9"};
 constexpr std::array<std::string_view, lineWidths.size()> widthClasses = {"", " w2", " w3", " w4", " w5"};
 
+constexpr std::array changeRoles = {TextRole::change, TextRole::labelChange, TextRole::labelRowChange};
+
 std::size_t levelNumber(ColorRole color) {
     return static_cast<std::size_t>(color) - static_cast<std::size_t>(ColorRole::critical);
 }
@@ -100,6 +102,13 @@ std::size_t levelNumber(ColorRole color) {
 void addMeaningColours(std::string& sheet, std::string_view scope, const Palette& palette,
                        const Scene& scene) {
     const std::string ground = hex(palette, ColorRole::ground);
+    // Before the colours of levels and changes, which texts of these roles take instead.
+    if (scene.hasChanges) {
+        for (const TextRole role : changeRoles)
+            rule(sheet, scope, classOf(role), "fill:" + hex(palette, styleOf(role).color));
+        for (const ColorRole color : {ColorRole::more, ColorRole::less})
+            rule(sheet, scope, fillClassOf(color), "fill:" + hex(palette, color));
+    }
     for (const LevelLook& level : scene.levels) {
         const std::string color = hex(palette, level.color);
         rule(sheet, scope, levelFills[levelNumber(level.color)], "fill:" + color);
@@ -114,18 +123,23 @@ void addMeaningColours(std::string& sheet, std::string_view scope, const Palette
 // And what both themes share of it.
 void addMeaningShapes(std::string& sheet, const Scene& scene) {
     constexpr std::string_view all = "tessera-diagram";
-    for (std::size_t i = plainTextRoleCount; i < textRoleCount; ++i)
-        rule(sheet, all, textClasses[i], shapeOf(static_cast<TextRole>(i)));
+    for (const TextRole role : {TextRole::summary, TextRole::levelWord})
+        rule(sheet, all, classOf(role), shapeOf(role));
+    if (scene.hasChanges)
+        for (const TextRole role : changeRoles)
+            rule(sheet, all, classOf(role), shapeOf(role));
     for (const LevelLook& level : scene.levels)
         rule(sheet, all, levelBorders[levelNumber(level.color)].substr(1),
              fmt::format("stroke-width:{}", levelStrokeWidth));
+    if (!scene.goneLines.empty())
+        rule(sheet, all, "lg", fmt::format("stroke-dasharray:{} {}", goneDashLength, goneDashGap));
     if (scene.lineSteps.empty()) return;
     for (std::size_t i = 1; i < lineWidths.size(); ++i)
         rule(sheet, all, widthClasses[i].substr(1), fmt::format("stroke-width:{}", lineWidths[i]));
 }
 
 bool hasMeaning(const Scene& scene) {
-    return !scene.levels.empty() || !scene.lineSteps.empty();
+    return !scene.levels.empty() || !scene.lineSteps.empty() || scene.hasChanges;
 }
 
 }  // namespace
@@ -143,6 +157,10 @@ std::string_view fillClassOf(ColorRole color) noexcept {
     switch (color) {
         case ColorRole::ground:
             return "fg";
+        case ColorRole::more:
+            return "dm";
+        case ColorRole::less:
+            return "dd";
         case ColorRole::accent1:
             return "f1";
         case ColorRole::accent2:

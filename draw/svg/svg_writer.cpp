@@ -199,6 +199,7 @@ class SvgWriter {
         if (line.stretches.empty()) return;
         m_text.raw("<path class=\"l")
             .raw(widthClassOf(m_scene, number))
+            .raw(m_scene.isGone(number) ? " lg" : "")
             .raw("\" d=\"")
             .path(line)
             .raw("\"/>");

@@ -84,7 +84,8 @@ std::vector<std::string> textsOf(const Scene& scene, const Element& element) {
 
 TEST(DrawLevels, ColoursCanBeReadOnEveryGround) {
     for (const Palette* palette : {&lightPalette(), &darkPalette()}) {
-        for (const ColorRole level : {ColorRole::critical, ColorRole::warning, ColorRole::good})
+        for (const ColorRole level :
+             {ColorRole::critical, ColorRole::warning, ColorRole::good, ColorRole::more, ColorRole::less})
             for (const ColorRole ground :
                  {ColorRole::ground, ColorRole::container, ColorRole::innerContainer, ColorRole::card})
                 EXPECT_GE(contrastOf((*palette)[static_cast<std::size_t>(level)],
@@ -169,7 +170,6 @@ TEST(DrawLevels, BadgesLeaveArrowHeadsFree) {
 }
 
 TEST(DrawLevels, TheHeadingCountsThemAndNamesTheWorst) {
-    DrawnBag wide;  // the heading is as wide as this needs
     const Scene scene = makeScene(bagOf(true), {});
     const Element& heading = elementOf(scene, Element::Kind::heading, "");
     const std::vector<std::string> texts = textsOf(scene, heading);
