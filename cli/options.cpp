@@ -193,6 +193,13 @@ void addMode(CLI::App& command, RawOptions& raw) {
                         " (default: " + std::string(names[0]) + ")")
         ->check(CLI::IsMember(listOf(names)));
     command
+        .add_option(
+            "--against", raw.options.against,
+            "Another result, as --db: a picture shows each value beside the value there, and the difference; "
+            "--format changes writes a table of the changes, the largest first")
+        ->type_name("RESULT")
+        ->check(isNotEmpty);
+    command
         .add_option("--fail-on", raw.options.failOn,
                     "Ends with exit status 1 if a value that is shown is at this level of the document, or "
                     "at a worse "
@@ -298,6 +305,15 @@ Expected<void> checkPicture(const Options& options, bool hasScale, bool hasFit) 
     return {};
 }
 
+// Two results give a picture or a table.
+Expected<void> checkAgainst(const Options& options) {
+    const bool isTable = options.format->kind == OutputFormat::Kind::changes;
+    if (isTable && options.against.empty()) return usageError("--format changes needs --against RESULT");
+    if (!options.against.empty() && !isTable && !options.format->isPicture())
+        return usageError("--against is for " + formatNames(true) + ", and for changes");
+    return {};
+}
+
 // Splits each NAME=SQL.
 Expected<std::map<std::string, std::string>> readFilters(const std::vector<std::string>& texts) {
     std::map<std::string, std::string> filters;
@@ -351,6 +367,7 @@ Expected<void> finishOptions(RawOptions& raw) {
     const auto format = chooseFormat(raw);
     if (!format) return format.error();
     options.format = *format;
+    if (auto fits = checkAgainst(options); !fits) return fits;
     return checkPicture(options, raw.scale != nullptr && raw.scale->count() > 0, !raw.fit.empty());
 }
 

@@ -20,6 +20,7 @@ struct Options {
     const Command* command = nullptr;  // never null once parsed
     std::string document;
     std::string database;                  // "" when none was given
+    std::string against;                   // another result to compare with; "" is none
     std::string output;                    // "" is standard output
     const OutputFormat* format = nullptr;  // never null for a command that writes a diagram
     std::optional<std::string> mode;

@@ -27,6 +27,11 @@ Expected<void> writeXml(const Options& /*options*/, const MadeDiagram& made, Out
     return tessera_host::writeXml(made.diagram, file.sink());
 }
 
+Expected<void> writeChanges(const Options& /*options*/, const MadeDiagram& made, OutputFile& file) {
+    (void)file.sink().write(made.changes);  // commit() reports what failed
+    return {};
+}
+
 // A new format is a row here.
 constexpr std::array formats{
     OutputFormat{"json", OutputFormat::Kind::data, writeJson},
@@ -34,6 +39,7 @@ constexpr std::array formats{
     OutputFormat{"svg", OutputFormat::Kind::vectors, writeSvgDrawing},
     OutputFormat{"png", OutputFormat::Kind::pixels, writePngDrawing},
     OutputFormat{"pdf", OutputFormat::Kind::vectors, writePdfDrawing},
+    OutputFormat{"changes", OutputFormat::Kind::changes, writeChanges},
 };
 
 }  // namespace

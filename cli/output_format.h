@@ -20,6 +20,7 @@ struct MadeDiagram {
     basekit2::variant_bag_t diagram;
     std::optional<basekit2::variant_bag_t> created;  // none where the diagram is that
     tessera_draw::Reservation reservation;
+    std::string changes;  // the table of --format changes
 };
 
 struct OutputFormat {
@@ -27,6 +28,7 @@ struct OutputFormat {
         data,     // the library's bag as it is
         vectors,  // a picture; takes the options of drawings
         pixels,   // the same, with a size
+        changes,  // a table of what differs from another result
     };
 
     std::string_view name;  // of --format, and the ending of its files
@@ -36,7 +38,7 @@ struct OutputFormat {
     // commit() to say.
     tessera_host::Expected<void> (*write)(const Options& options, const MadeDiagram& made, OutputFile& file);
 
-    [[nodiscard]] bool isPicture() const noexcept { return kind != Kind::data; }
+    [[nodiscard]] bool isPicture() const noexcept { return kind == Kind::vectors || kind == Kind::pixels; }
 };
 
 // The first one is the format of standard output.
@@ -52,7 +54,7 @@ struct OutputFormat {
 // standard output is the first one.
 [[nodiscard]] const OutputFormat* formatOfFile(const std::string& path);
 
-// "json, xml, svg, png or pdf", or those of them that are pictures.
+// "json, xml, svg, png, pdf or changes", or those of them that are pictures.
 [[nodiscard]] std::string formatNames(bool picturesOnly = false);
 
 }  // namespace tessera_cli

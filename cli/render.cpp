@@ -2,9 +2,11 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "cli/commands.h"
+#include "cli/diagram.h"
 #include "cli/fail_on.h"
 #include "cli/interrupt.h"
 #include "cli/layout_inspector.h"
@@ -18,54 +20,36 @@
 namespace tessera_cli {
 namespace {
 
-using basekit2::error_code_t;
 using basekit2::variant_bag_t;
 using tessera_host::CellRecord;
-using tessera_host::Error;
-using tessera_host::ErrorKind;
 using tessera_host::Expected;
-
-variant_bag_t modeRequest(const std::string& mode) {
-    variant_bag_t in;
-    in.add_variant_bag("mode").put("", mode);
-    return in;
-}
 
 // The record that is needed to know what values mean; null where it is not needed.
 std::shared_ptr<CellRecord> recordFor(const Options& options, const tessera_host::Viewpoint& viewpoint) {
-    const bool isNeeded =
-        !options.failOn.empty() || (options.format->isPicture() && !viewpoint.meaning().isEmpty());
+    const bool isNeeded = !options.failOn.empty() || !options.against.empty() ||
+                          (options.format->isPicture() && !viewpoint.meaning().isEmpty());
     return isNeeded ? std::make_shared<CellRecord>() : nullptr;
 }
 
 // Takes the tags of the record off the diagram; for pictures, describes what its values mean.
 tessera_host::LevelSummary describe(const Options& options, const tessera_host::Viewpoint& viewpoint,
-                                    const CellRecord* record, MadeDiagram& made) {
+                                    const CellRecord* record, const OtherDiagram* other, MadeDiagram& made) {
+    using tessera_host::Comparison;
     using tessera_host::Description;
     if (record == nullptr) return {};
+    const bool isPicture = options.format->isPicture();
+    std::optional<Comparison> comparison;
+    if (other != nullptr && isPicture) comparison.emplace(*record, other->diagram(), other->name());
+    if (other != nullptr && !isPicture)
+        made.changes = changesTable(tessera_host::changesOf({made.diagram, *record}, other->diagram()));
     const auto described = [&](const variant_bag_t& bag, Description description) {
-        return describeValues(bag, *record, viewpoint.meaning(), *viewpoint.declarations(), description);
+        return describeValues(bag, *record, viewpoint.meaning(), *viewpoint.declarations(), description,
+                              comparison ? &*comparison : nullptr);
     };
     if (made.created) made.created = described(*made.created, Description::none).bag;
-    auto diagram =
-        described(made.diagram, options.format->isPicture() ? Description::full : Description::none);
+    auto diagram = described(made.diagram, isPicture ? Description::full : Description::none);
     made.diagram = std::move(diagram.bag);
     return std::move(diagram.summary);
-}
-
-// The diagram in the wanted mode, without reserved space.
-Expected<MadeDiagram> makeDiagram(const Options& options, tessera_host::Pane& pane,
-                                  relay2::IMessenger& messages) {
-    const tessera_host::RequestOptions request{interruptToken(), &messages};
-    MadeDiagram made;
-    error_code_t code = pane.request("create", {}, made.diagram, request);
-    if (code.is_success() && options.mode) {
-        made.created = std::exchange(made.diagram, {});
-        code = pane.request("changeDisplayMode", modeRequest(*options.mode), made.diagram, request);
-    }
-    if (code.is_success()) return made;
-    const std::string reason = code.message().empty() ? "the reason was reported above" : code.message();
-    return Error{ErrorKind::failed, fmt::format("{}: no diagram: {}", options.document, reason)};
 }
 
 Expected<void> writeDiagram(const Options& options, const MadeDiagram& made, OutputFile& file) {
@@ -91,7 +75,8 @@ bool isSameFile(const std::string& a, const std::string& b) {
 }  // namespace
 
 int render(const Options& options) {
-    if (isSameFile(options.output, options.document) || isSameFile(options.output, options.database)) {
+    if (isSameFile(options.output, options.document) || isSameFile(options.output, options.database) ||
+        isSameFile(options.output, options.against)) {
         printMessage(options.output + ": is an input and would be overwritten");
         return exitUsage;
     }
@@ -102,16 +87,29 @@ int render(const Options& options) {
     if (const auto known = checkFailOn(options, viewpoint); !known) return reportError(known.error());
     tessera_draw::Reservation reservation;
     if (options.format->isPicture()) reservation = measureReservedSpace(*input);
+    std::unique_ptr<OtherDiagram> other;
+    if (!options.against.empty()) {
+        auto opened = OtherDiagram::open(options, *input);
+        if (!opened) return reportError(opened.error());
+        other = *std::move(opened);
+    }
     LayoutInspector inspector(options);
+    StopAfterValues stopper;
+    const bool isTable = options.format->kind == OutputFormat::Kind::changes;
+    tessera_1::ILayoutWatcher* const watcher =
+        isTable ? static_cast<tessera_1::ILayoutWatcher*>(&stopper) : &inspector;
     const std::shared_ptr<CellRecord> record = recordFor(options, viewpoint);
-    auto pane = makePane(*input, options, &inspector, record);
+    auto pane = makePane(*input, options, watcher, record);
     OutputFile file;  // opened before the work: a place that cannot be written is known at once
     if (const auto opened = file.open(options.output); !opened) return reportError(opened.error());
     if (const auto prepared = inspector.prepare(); !prepared) return reportError(prepared.error());
     auto made = makeDiagram(options, *pane, messenger);
     if (!made) return reportError(made.error());
+    if (other) {
+        if (const auto fetched = other->make(messenger); !fetched) return reportError(fetched.error());
+    }
     made->reservation = std::move(reservation);
-    const tessera_host::LevelSummary summary = describe(options, viewpoint, record.get(), *made);
+    const tessera_host::LevelSummary summary = describe(options, viewpoint, record.get(), other.get(), *made);
     if (options.format->isPicture() && isLarge(viewpoint)) pane.reset();
     if (const auto written = writeDiagram(options, *made, file); !written)
         return reportError(written.error());

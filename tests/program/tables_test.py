@@ -36,10 +36,10 @@ class Tables(Case):
         self.assertEqual(options['render'] - {'--version'},
                          common | layout | {'--stop-after', '--dump-passes', '--time-passes', '--verify', '--output', '--format',
                                             '--theme', '--direction', '--fit', '--fold', '--layers', '--paper', '--scale', '--mode',
-                                            '--fail-on'})
+                                            '--fail-on', '--against'})
 
     def test_every_format_is_written_by_ending_and_by_option(self):
-        self.assertIn('json, xml, svg, png or pdf (default', self.help('render'))
+        self.assertIn('json, xml, svg, png, pdf or changes (default', self.help('render'))
         viewpoint, database = self.write('v.xml', document(GRAPH)), self.database()
         for name, beginning in BEGINNINGS.items():
             for target, options in [(f'x.{name}', ()), (f'x.{name.upper()}', ()), ('x.other', ('--format', name))]:
@@ -54,7 +54,7 @@ class Tables(Case):
 
     def test_a_file_ending_without_format_is_answered_with_all_of_them(self):
         done = self.run_program('render', self.write('v.xml', document(GRAPH)), '--db', self.database(), '-o', self.folder / 'x.doc')
-        self.assert_clean_failure(done, 2, 'the ending does not name a format; add --format with json, xml, svg, png or pdf')
+        self.assert_clean_failure(done, 2, 'the ending does not name a format; add --format with json, xml, svg, png, pdf or changes')
 
     def test_an_ending_and_a_format_that_differ_are_refused(self):
         out = self.folder / 'x.svg'
