@@ -50,10 +50,10 @@ class Describer {
     struct Place {
         const variant_bag_t* source;
         variant_bag_t* target;  // null: nothing is copied
-        Kind kind = Kind::other;
-        std::string_view info{};       // of an info and its rows: its name
-        const variant_bag_t* owner{};  // and the node or link that it belongs to
-        bool isLink = false;           // whether that is a link
+        Kind kind;
+        std::string_view info;       // of an info and its rows: its name
+        const variant_bag_t* owner;  // and the node or link that it belongs to
+        bool isLink;                 // whether that is a link
     };
 
     static Kind kindOf(const Place& parent, std::string_view name) {
@@ -66,7 +66,7 @@ class Describer {
 
     // A stack of its own instead of recursion, as everywhere.
     void visit(const variant_bag_t& diagram, variant_bag_t* target) {
-        std::vector<Place> open{{&diagram, target}};
+        std::vector<Place> open{{&diagram, target, Kind::other, {}, nullptr, false}};
         while (!open.empty()) {
             const Place place = open.back();
             open.pop_back();
