@@ -14,9 +14,9 @@ struct ChangeLines {
     double drop = 0;
     TextRole role = TextRole::change;
 };
-inline constexpr ChangeLines cardChange = {5, 3.8, TextRole::change};
+inline constexpr ChangeLines cardChange = {5, 3, TextRole::change};
 inline constexpr ChangeLines labelChange = {5.5, 3.5, TextRole::labelChange};
-inline constexpr ChangeLines labelRowChange = {4.2, 2.8, TextRole::labelRowChange};
+inline constexpr ChangeLines labelRowChange = {4.6, 1.8, TextRole::labelRowChange};
 inline constexpr double changedTitleLift = 1.5;  // of the title above a single value of a label
 
 [[nodiscard]] inline bool hasChange(const Row& row) noexcept {

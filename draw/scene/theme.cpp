@@ -97,7 +97,7 @@ constexpr std::array<TextStyle, textRoleCount> textStyles = {{
     {8.5, Weight::bold, ColorRole::ground, Anchor::start},
     {8, Weight::regular, ColorRole::muted, Anchor::end},
     {8, Weight::regular, ColorRole::muted, Anchor::middle},
-    {7.5, Weight::regular, ColorRole::muted, Anchor::end},
+    {7, Weight::regular, ColorRole::muted, Anchor::end},
 }};
 
 // Grounds that texts stand on.
