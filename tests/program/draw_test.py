@@ -423,7 +423,7 @@ class Usage(Drawing):
         self.assertIn('--theme', self.fails('--theme', 'dark'))
         self.assertIn('--direction', self.fails('--direction', 'tb', '-o', self.folder / 'x.xml'))
         self.assertIn('--fit', self.fails('--fit', '4x3'))
-        self.assertIn('--fit', self.fails('--fit', '4x3', '--direction', 'lr', '-o', self.folder / 'x.svg'))
+        self.assertIn('--fit', self.fails('--fit', '4x3', '--direction', 'lr', '--fold', 'off', '-o', self.folder / 'x.svg'))
         self.assertIn('--layers', self.fails('--layers', 'document'))
         self.assertIn('--paper', self.fails('--paper', 'a4', '-o', self.folder / 'x.png'))
         self.assertIn('--scale', self.fails('--scale', '2', '-o', self.folder / 'x.svg'))
