@@ -8,6 +8,29 @@ namespace {
 
 constexpr Index fewest = 8;  // fewer look better as one column
 
+// In rows, each as high as its highest box, up to about the width of a square and never narrower than the widest box.
+Size arrangeRows(const std::vector<Index>& members, double between, double square, std::vector<Rect>& rects) {
+    double widest = square;
+    for (const Index box : members)
+        widest = std::max(widest, rects[box].width);
+    Size size;
+    double x = 0;
+    double y = 0;
+    for (const Index box : members) {
+        Rect& rect = rects[box];
+        if (x > 0 && x + rect.width > widest) {
+            x = 0;
+            y = size.height + between;
+        }
+        rect.x = x;
+        rect.y = y;
+        x += rect.width + between;
+        size.width = std::max(size.width, rect.x + rect.width);
+        size.height = std::max(size.height, rect.y + rect.height);
+    }
+    return size;
+}
+
 }  // namespace
 
 IsolatedGrids isolatedGridsOf(const std::vector<BoxToPlace>& boxes, const Nesting& nesting,
@@ -17,8 +40,12 @@ IsolatedGrids isolatedGridsOf(const std::vector<BoxToPlace>& boxes, const Nestin
         return isTouched[box] == 0 && boxes[box].border == BoxToPlace::Border::none;
     };
     std::vector<Index> count(layerCount, 0);
-    for (Index box = 0; box < boxes.size(); ++box)
-        if (mayJoinGrid(box)) ++count[layer[box]];
+    std::vector<char> hasParts(layerCount, 0);
+    for (Index box = 0; box < boxes.size(); ++box) {
+        if (!mayJoinGrid(box)) continue;
+        ++count[layer[box]];
+        if (boxes[box].isPart) hasParts[layer[box]] = 1;
+    }
     // The members of a grid take one range, as the numbers of boxes are known.
     IsolatedGrids result;
     result.ofBox.assign(boxes.size(), nothing);
@@ -27,7 +54,7 @@ IsolatedGrids isolatedGridsOf(const std::vector<BoxToPlace>& boxes, const Nestin
         result.firstInContainer.push_back(static_cast<Index>(result.grids.size()));
         for (Index i = nesting.memberBegin[container]; i < nesting.memberBegin[container + 1]; ++i) {
             const Index box = nesting.members[i];
-            if (!mayJoinGrid(box) || count[layer[box]] < fewest) continue;
+            if (!mayJoinGrid(box) || (count[layer[box]] < fewest && hasParts[layer[box]] == 0)) continue;
             Index& grid = gridOf[layer[box]];
             if (grid == nothing) {
                 grid = static_cast<Index>(result.grids.size());
@@ -52,6 +79,9 @@ Size arrange(const IsolatedGrids& grids, const IsolatedGrid& grid, const std::ve
         area += (rect.width + between) * (rect.height + between);
     }
     const double wanted = std::sqrt(area);  // the height of a square of that area
+    const std::vector<Index> members(grids.members.begin() + grid.begin, grids.members.begin() + grid.end);
+    if (std::any_of(members.begin(), members.end(), [&](Index box) { return boxes[box].isPart; }))
+        return arrangeRows(members, spacing.betweenLayers, wanted, rects);
     Size size;
     for (Index i = grid.begin; i < grid.end;) {
         const Index first = i;

@@ -1,10 +1,12 @@
 #include <algorithm>
 #include <limits>
+#include <optional>
 #include <utility>
 
 #include "draw/placement/container_geometry.h"
 #include "draw/placement/label_sliding.h"
 #include "draw/placement/ordering.h"
+#include "draw/placement/parts.h"
 #include "draw/placement/paths.h"
 #include "draw/placement/placement.h"
 #include "draw/placement/route_segments.h"
@@ -32,7 +34,7 @@ std::vector<Rect> inDrawing(const Nesting& nesting, const EndLabels& endLabels,
 
 // Places containers in as few rows of layers as the shape allows.
 ContainerGeometry foldedGeometry(const PlacementInput& input, const Nesting& nesting, LayeredGraph& graph,
-                                 const Spacing& spacing, const Folding& folding, const CancelToken& cancel) {
+                                 const Spacing& spacing, const Shape& shape, const CancelToken& cancel) {
     constexpr int mostRows = 8;
     constexpr double spare = 1.1;  // rows are seldom filled
     const auto inRows = [&](double width) {
@@ -40,9 +42,8 @@ ContainerGeometry foldedGeometry(const PlacementInput& input, const Nesting& nes
     };
     const auto isTooWide = [&](const ContainerGeometry& geometry) {
         const Rect& drawing = geometry.boxes.back();
-        return drawing.width > folding.leastWidth &&
-               drawing.width + folding.around.width >
-                   folding.above * (drawing.height + folding.around.height);
+        return drawing.width > shape.leastWidth &&
+               drawing.width + shape.around.width > shape.above * (drawing.height + shape.around.height);
     };
     ContainerGeometry geometry = inRows(std::numeric_limits<double>::infinity());
     const double width = geometry.boxes.back().width;
@@ -51,10 +52,8 @@ ContainerGeometry foldedGeometry(const PlacementInput& input, const Nesting& nes
     return geometry;
 }
 
-}  // namespace
-
-Placement place(const PlacementInput& input, const Spacing& spacing, const Folding& folding,
-                const CancelToken& cancel) {
+Placement placeBoxes(const PlacementInput& input, const Spacing& spacing, const Shape& shape,
+                     const CancelToken& cancel) {
     Nesting nesting = nestingOf(input.boxes);
     EndLabels endLabels = endLabelsOf(input, nesting);
     const std::vector<RouteSegment> routeSegments = routeSegmentsOf(input, nesting, endLabels);
@@ -62,13 +61,24 @@ Placement place(const PlacementInput& input, const Spacing& spacing, const Foldi
     LayeredGraph graph = layeredGraphOf(input.boxes, nesting, routeSegments,
                                         layersOf(input.boxes, nesting, routeSegments), endLabels);
     orderLayers(graph, nesting, cancel);
-    const ContainerGeometry geometry = foldedGeometry(input, nesting, graph, spacing, folding, cancel);
+    const ContainerGeometry geometry = foldedGeometry(input, nesting, graph, spacing, shape, cancel);
     Placement placement;
     if (cancel.isCancelled()) return placement;
     placement.size = {geometry.boxes.back().width, geometry.boxes.back().height};
     placement.boxes = inDrawing(nesting, endLabels, geometry);
     placement.lines = pathsOf(input, nesting, routeSegments, graph, geometry, placement.boxes, spacing);
     slideLabels(input, nesting, spacing, placement);
+    return placement;
+}
+
+}  // namespace
+
+Placement place(const PlacementInput& input, const Spacing& spacing, const Shape& shape,
+                const CancelToken& cancel) {
+    const std::optional<PlacementInput> parts = shape.packsParts ? withParts(input) : std::nullopt;
+    if (!parts) return placeBoxes(input, spacing, shape, cancel);
+    Placement placement = placeBoxes(*parts, spacing, shape, cancel);
+    placement.boxes.resize(std::min(placement.boxes.size(), input.boxes.size()));
     return placement;
 }
 

@@ -29,6 +29,7 @@ struct BoxToPlace {
     // Position within its layer's column if that is wider than the box.
     enum class Along : std::uint8_t { start, middle, end };
     Along along = Along::middle;
+    bool isPart = false;   // a container without lines to it: it stands in a row with others
     bool isLabel = false;  // lines pass straight through it
     // Of a label: where on its line it stands. Labels of ends stand beside the box; `none` is where its level is.
     enum class LabelEnd : std::uint8_t { none, from, center, to };
@@ -61,12 +62,14 @@ struct Spacing {
     double cornerRadius = 12;   // maximum radius of the bends of lines
 };
 
-// Layers that need much more width than height go on in further rows, below one another.
-struct Folding {
+// The shape that a drawing should have. Layers that need much more width than height can go on in further rows, below one
+// another, and parts of a container's members that no line connects can stand beside one another.
+struct Shape {
     double above =
         std::numeric_limits<double>::infinity();  // width divided by height, beyond which that is done
     Size around;                                  // added to the drawing for its shape
-    double leastWidth = 0;                        // up to this width, nothing is done
+    double leastWidth = 0;                        // up to this width, there is one row
+    bool packsParts = false;
 };
 
 // A segment of a line, from the end of the one before: straight to `end`, or a cubic Bézier curve to it with
@@ -110,7 +113,7 @@ struct Placement {
 // The result depends on the input and the spacing only. Once `cancel` is cancelled, returns soon with an
 // empty placement, without boxes and lines. Any thread. Takes n log n time, where n counts boxes, lines and
 // the layers that lines cross. No recursion, so any nesting depth works.
-[[nodiscard]] Placement place(const PlacementInput& input, const Spacing& spacing,
-                              const Folding& folding = {}, const CancelToken& cancel = {});
+[[nodiscard]] Placement place(const PlacementInput& input, const Spacing& spacing, const Shape& shape = {},
+                              const CancelToken& cancel = {});
 
 }  // namespace tessera_draw

@@ -182,8 +182,9 @@ std::optional<Attempt> layOutBest(const LayoutData& data, const LayoutOptions& o
         if (scaleIn(options.fit, inPicture(*down)) > clearlyBetter * scaleIn(options.fit, inPicture(*best)))
             best = std::move(down);
     }
+    const Size chosen = best->placement.size;
     const bool isFolded = options.isFolded && best->placement.boxes.size() <= mostFolded &&
-                          best->placement.size.width > fitsAnywhere && isBand(inPicture(*best));
+                          std::max(chosen.width, chosen.height) > fitsAnywhere && isBand(inPicture(*best));
     return isFolded ? layOutIn(leftToRight, true, data, options) : std::move(best);
 }
 

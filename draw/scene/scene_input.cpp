@@ -185,13 +185,14 @@ SceneInput makeInput(const Diagram& diagram, const LinkPaths& linkPaths, const B
 
 Placement placeInput(const SceneInput& input, const LayoutOptions& options) {
     const bool isDown = options.direction == Direction::topToBottom;
-    Folding folding;
+    Shape shape;
     if (options.isFolded && input.input.boxes.size() <= mostFolded)
-        folding.above = isDown ? highestShape : widestShape;
-    folding.leastWidth = fitsAnywhere;
-    folding.around = {2 * sceneMargin, contentTop + sceneMargin};
-    if (isDown) std::swap(folding.around.width, folding.around.height);
-    Placement placement = place(input.input, Spacing{}, folding, options.cancel);
+        shape.above = isDown ? highestShape : widestShape;
+    shape.leastWidth = fitsAnywhere;
+    shape.packsParts = options.layers == LayerSource::links;
+    shape.around = {2 * sceneMargin, contentTop + sceneMargin};
+    if (isDown) std::swap(shape.around.width, shape.around.height);
+    Placement placement = place(input.input, Spacing{}, shape, options.cancel);
     if (isDown) turn(placement);
     return placement;
 }

@@ -198,6 +198,9 @@ TEST_F(DrawLinkLayers, RandomInputsArePlacedSoundly) {
         EXPECT_EQ(tessera_test::findFault(input, place(input, Spacing{})), "") << seed;
         const Placement folded = place(input, Spacing{}, {0.5, {}});
         EXPECT_EQ(tessera_test::findFault(input, folded, true), "") << seed;
+        Shape packed;
+        packed.packsParts = true;
+        EXPECT_EQ(tessera_test::findFault(input, place(input, Spacing{}, packed), true), "") << seed;
     }
 }
 
