@@ -79,9 +79,10 @@ Size arrange(const IsolatedGrids& grids, const IsolatedGrid& grid, const std::ve
         area += (rect.width + between) * (rect.height + between);
     }
     const double wanted = std::sqrt(area);  // the height of a square of that area
-    const std::vector<Index> members(grids.members.begin() + grid.begin, grids.members.begin() + grid.end);
-    if (std::any_of(members.begin(), members.end(), [&](Index box) { return boxes[box].isPart; }))
-        return arrangeRows(members, spacing.betweenLayers, wanted, rects);
+    std::vector<Index> members(grids.members.begin() + grid.begin, grids.members.begin() + grid.end);
+    const auto singles =
+        std::stable_partition(members.begin(), members.end(), [&](Index box) { return boxes[box].isPart; });
+    if (singles != members.begin()) return arrangeRows(members, spacing.betweenLayers, wanted, rects);
     Size size;
     for (Index i = grid.begin; i < grid.end;) {
         const Index first = i;
