@@ -62,7 +62,7 @@ class Columns {
     [[nodiscard]] double measure();
     void findPortLabels();
     void collectGap(Index layer);
-    void addToGap(Index edge);
+    void addToGap(Index index);
     [[nodiscard]] double minGap(Index layer, bool hasBends) const;
     [[nodiscard]] bool hasOnlyLabels(Index layer) const;
     [[nodiscard]] Index labelAfter(Index port) const;

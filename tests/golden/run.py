@@ -17,9 +17,11 @@ FOLDER = pathlib.Path(__file__).resolve().parent
 ROOT = FOLDER.parents[1]
 # Documents that are drawn a second time, with these options.
 ALSO = {'nested_groups': ['--direction', 'tb'], 'chain': ['--direction', 'tb']}
-# The drawings in README.md: name, example, options.
-SHOWN = (('backup', 'backup', ['--theme', 'auto']), ('backup_tb', 'backup', ['--theme', 'dark', '--direction', 'tb']),
-         ('first', 'first', ['--theme', 'auto']))
+# The drawings in README.md: name, document, options.
+SHOWN = (('backup', 'examples/backup/backup', ['--theme', 'auto']),
+         ('backup_tb', 'examples/backup/backup', ['--theme', 'dark', '--direction', 'tb']),
+         ('first', 'examples/backup/first', ['--theme', 'auto']),
+         ('order_life', 'tests/draw/corpus/order-life', ['--theme', 'auto']))
 STYLE = ('body{font:14px sans-serif;margin:24px;background:#888}figure{display:inline-block;margin:8px;vertical-align:top}'
          'figcaption{padding:4px 0}')
 
@@ -51,8 +53,8 @@ def drawings():
             if options is not None:
                 yield Drawing(path, FOLDER / 'values.sql', FOLDER / 'drawings' / f'{path.stem}{suffix}.svg',
                               ['--theme', 'light', *options])
-    for name, example, options in SHOWN:
-        path = ROOT / 'examples/backup' / f'{example}.xml'
+    for name, document, options in SHOWN:
+        path = ROOT / f'{document}.xml'
         yield Drawing(path, path.with_suffix('.sql'), ROOT / 'docs/pictures' / f'{name}.svg', options)
 
 
