@@ -140,34 +140,40 @@ class LabelPlacer {
         std::size_t most = 0;
         for (std::size_t i = begin; i < end; ++i)
             most = std::max(most, m_lines[i].labels.size());
+        m_stride = static_cast<std::ptrdiff_t>(most + 1);
         m_positions.clear();
-        const auto position = [&](Index box, std::ptrdiff_t layer, std::size_t afterIt) {
-            m_positions.emplace_back(
-                (layer + 1) * static_cast<std::ptrdiff_t>(most + 1) + static_cast<std::ptrdiff_t>(afterIt),
-                box);
-        };
         for (const Index box : m_members)
             position(box, layerOf(box), 0);
-        for (std::size_t i = begin; i < end; ++i) {
-            const LabelsOfLine& line = m_lines[i];
-            const std::ptrdiff_t first = line.tail == nothing ? -1 : layerOf(line.tail);
-            const std::ptrdiff_t last =
-                line.head == nothing ? static_cast<std::ptrdiff_t>(m_layers.size()) : layerOf(line.head);
-            std::size_t place = 0;
-            for (const Index label : line.labels) {
-                const LabelEnd at = m_input.boxes[label].labelEnd;
-                const bool isAtTail = at == (line.isReversed ? LabelEnd::to : LabelEnd::from);
-                ++place;
-                // A line from a box to itself has its labels after the box.
-                if (first >= last || !isInMiddle(label))
-                    position(label, first >= last || isAtTail ? first : last - 1, place);
-                else if (const Place middle = middlePlace(line, first, last); line.labels.size() == 1)
-                    position(label, middle.layer, middle.isInGap ? 1 : 0);
-                else
-                    position(label, middle.isInGap ? middle.layer : middle.layer - 1, place);
-            }
-        }
+        for (std::size_t i = begin; i < end; ++i)
+            positionLabels(m_lines[i]);
         numberLevels();
+    }
+
+    // At the layer, or in the gap after it if `afterIt` is not 0.
+    void position(Index box, std::ptrdiff_t layer, std::ptrdiff_t afterIt) {
+        m_positions.emplace_back((layer + 1) * m_stride + afterIt, box);
+    }
+
+    void positionLabels(const LabelsOfLine& line) {
+        const std::ptrdiff_t first = line.tail == nothing ? -1 : layerOf(line.tail);
+        const std::ptrdiff_t last =
+            line.head == nothing ? static_cast<std::ptrdiff_t>(m_layers.size()) : layerOf(line.head);
+        std::ptrdiff_t place = 0;
+        for (const Index label : line.labels) {
+            ++place;
+            const bool isAtTail =
+                m_input.boxes[label].labelEnd == (line.isReversed ? LabelEnd::to : LabelEnd::from);
+            // A line from a box to itself has its labels after the box.
+            if (first >= last || !isInMiddle(label)) {
+                position(label, first >= last || isAtTail ? first : last - 1, place);
+                continue;
+            }
+            const Place middle = middlePlace(line, first, last);
+            if (line.labels.size() == 1)
+                position(label, middle.layer, middle.isInGap ? 1 : 0);
+            else
+                position(label, middle.isInGap ? middle.layer : middle.layer - 1, place);
+        }
     }
 
     // The order of the positions as levels without gaps.
@@ -189,6 +195,7 @@ class LabelPlacer {
     // Of the container at work:
     std::vector<Index> m_members;  // that are no labels, by layer
     std::vector<Layer> m_layers;
+    std::ptrdiff_t m_stride = 1;                                // between the positions of two layers
     std::vector<std::pair<std::ptrdiff_t, Index>> m_positions;  // of boxes, to be put in order
 };
 
