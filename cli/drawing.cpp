@@ -9,9 +9,11 @@
 
 #include "cli/child_process.h"
 #include "cli/interrupt.h"
+#include "cli/layout_file.h"
 #include "cli/message.h"
 #include "cli/output_format.h"
 #include "cli/pdf_check.h"
+#include "cli/sink_output.h"
 #include "draw/picture_writer.h"
 #include "draw/scene.h"
 #include "draw/svg_writer.h"
@@ -22,17 +24,6 @@ namespace {
 using tessera_host::Error;
 using tessera_host::ErrorKind;
 using tessera_host::Expected;
-
-// Stops taking anything once the program is interrupted.
-class FileOutput final : public tessera_draw::Output {
-  public:
-    explicit FileOutput(tessera_host::TextSink& sink) : m_sink(sink) {}
-
-    bool write(std::string_view piece) override { return !isInterrupted() && m_sink.write(piece); }
-
-  private:
-    tessera_host::TextSink& m_sink;
-};
 
 // Keeps everything, so that a picture is looked at before it is written.
 class MemoryOutput final : public tessera_draw::Output {
@@ -168,10 +159,13 @@ Expected<tessera_draw::Scene> sceneOf(const Options& options, const MadeDiagram&
     sceneOptions.fit = options.fit;
     sceneOptions.isFolded = options.fold != "off";
     sceneOptions.layers = layersOf(options.layers);
+    sceneOptions.kept = made.kept ? &*made.kept : nullptr;
+    sceneOptions.isSaved = made.layoutFile != nullptr;
     sceneOptions.cancel = interruptToken();
     if (isInterrupted()) return tessera_host::cancelledError();
     tessera_draw::Scene scene = tessera_draw::makeScene(made.diagram, sceneOptions);
     if (isInterrupted()) return tessera_host::cancelledError();
+    if (made.layoutFile != nullptr) saveLayout(*scene.layout, *made.layoutFile);
     return scene;
 }
 
@@ -189,7 +183,7 @@ Expected<void> writeSvgDrawing(const Options& options, const MadeDiagram& made, 
     if (!scene) return std::move(scene).error();
     tessera_draw::SvgOptions svgOptions;
     svgOptions.theme = themeOf(options.theme);
-    FileOutput output(file.sink());
+    SinkOutput output(file.sink());
     (void)tessera_draw::writeSvg(*scene, svgOptions, output);  // false: the file takes no more
     return {};
 }

@@ -11,6 +11,7 @@
 #include "cli/message.h"
 #include "cli/option_values.h"
 #include "cli/output_format.h"
+#include "cli/picture_options.h"
 #include "core/layout_watch.h"
 #include "host/document/display_mode.h"
 #include "host/document/filters.h"
@@ -237,6 +238,16 @@ void addPicture(CLI::App& command, RawOptions& raw) {
                     "contradict links, they follow the links) or document (the levels as they are)")
         ->check(CLI::IsMember(namesOf(layersNames)));
     command
+        .add_option("--save-layout", options.saveLayout,
+                    "Writes the layout of a picture as JSON, for a later --keep")
+        ->type_name("FILE")
+        ->check(isNotEmpty);
+    command
+        .add_option("--keep", options.keep,
+                    "Keeps a saved layout: what was there keeps its order and moves as little as possible")
+        ->type_name("FILE")
+        ->check(isNotEmpty);
+    command
         .add_option(
             "--paper", options.paper,
             "The paper of a PDF: a4, a3 or letter; a large picture continues on further pages (default: one "
@@ -286,32 +297,6 @@ Error usageError(std::string text) {
 
 bool hasGroup(const Command& command, OptionGroup group) {
     return std::find(command.groups.begin(), command.groups.end(), group) != command.groups.end();
-}
-
-// The options of pictures must fit the format.
-Expected<void> checkPicture(const Options& options, bool hasScale, bool hasFit) {
-    const OutputFormat& format = *options.format;
-    const std::string pictures = " is for pictures: " + formatNames(true);
-    if (!options.theme.empty() && !format.isPicture()) return usageError("--theme" + pictures);
-    if (!options.direction.empty() && !format.isPicture()) return usageError("--direction" + pictures);
-    if (!options.layers.empty() && !format.isPicture()) return usageError("--layers" + pictures);
-    if (hasFit && !format.isPicture()) return usageError("--fit" + pictures);
-    if (!options.fold.empty() && !format.isPicture()) return usageError("--fold" + pictures);
-    const bool hasDirection = !options.direction.empty() && options.direction != "auto";
-    if (hasFit && hasDirection && options.fold == "off")
-        return usageError("--fit is for --direction auto and --fold auto");
-    if (!options.paper.empty() && format.name != "pdf") return usageError("--paper is for pdf");
-    if (hasScale && format.kind != OutputFormat::Kind::pixels) return usageError("--scale is for png");
-    return {};
-}
-
-// Two results give a picture or a table.
-Expected<void> checkAgainst(const Options& options) {
-    const bool isTable = options.format->kind == OutputFormat::Kind::changes;
-    if (isTable && options.against.empty()) return usageError("--format changes needs --against RESULT");
-    if (!options.against.empty() && !isTable && !options.format->isPicture())
-        return usageError("--against is for " + formatNames(true) + ", and for changes");
-    return {};
 }
 
 // Splits each NAME=SQL.
@@ -368,7 +353,7 @@ Expected<void> finishOptions(RawOptions& raw) {
     if (!format) return format.error();
     options.format = *format;
     if (auto fits = checkAgainst(options); !fits) return fits;
-    return checkPicture(options, raw.scale != nullptr && raw.scale->count() > 0, !raw.fit.empty());
+    return checkPictureOptions(options, raw.scale != nullptr && raw.scale->count() > 0, !raw.fit.empty());
 }
 
 // CLI11 ends with an exception also for help and version, which go to standard output. `command` is the word

@@ -41,9 +41,11 @@ struct Options {
     tessera_draw::Size fit{16, 10};        // the shape that "auto" is for
     std::string fold;                      // of a picture: "auto" or "off"
     std::string layers;                    // of a picture: "links" or "document"
-    std::string paper;   // of a PDF: "a4", "a3" or "letter"; "" is one page as large as the picture
-    std::string failOn;  // a level of the document; "" is none
-    double scale = 1;    // pixels of a PNG for one of the drawing
+    std::string paper;       // of a PDF: "a4", "a3" or "letter"; "" is one page as large as the picture
+    std::string failOn;      // a level of the document; "" is none
+    std::string keep;        // the layout that a picture keeps; "" is none
+    std::string saveLayout;  // where the layout of a picture is written; "" is nowhere
+    double scale = 1;        // pixels of a PNG for one of the drawing
     bool timePasses = false;
     bool verify = false;
 };

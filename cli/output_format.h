@@ -9,6 +9,7 @@
 
 #include "cli/output_file.h"
 #include "draw/reservation.h"
+#include "draw/saved_layout.h"
 #include "platform/basekit2/variant_bag.h"
 
 namespace tessera_cli {
@@ -21,6 +22,9 @@ struct MadeDiagram {
     std::optional<basekit2::variant_bag_t> created;  // none where the diagram is that
     tessera_draw::Reservation reservation;
     std::string changes;  // the table of --format changes
+    std::optional<tessera_draw::SavedLayout>
+        kept;                          // the layout that the picture keeps; none: it is laid out anew
+    OutputFile* layoutFile = nullptr;  // open, for the layout of the picture; null: it is not saved
 };
 
 struct OutputFormat {

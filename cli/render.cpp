@@ -9,6 +9,7 @@
 #include "cli/diagram.h"
 #include "cli/fail_on.h"
 #include "cli/interrupt.h"
+#include "cli/layout_file.h"
 #include "cli/layout_inspector.h"
 #include "cli/message.h"
 #include "cli/output_file.h"
@@ -55,7 +56,12 @@ tessera_host::LevelSummary describe(const Options& options, const tessera_host::
 Expected<void> writeDiagram(const Options& options, const MadeDiagram& made, OutputFile& file) {
     if (auto written = options.format->write(options, made, file); !written) return written;
     if (isInterrupted()) return tessera_host::cancelledError();
-    return file.commit();
+    if (auto committed = file.commit(); !committed || made.layoutFile == nullptr) return committed;
+    return made.layoutFile->commit();
+}
+
+Expected<void> openLayout(const Options& options, OutputFile& file) {
+    return options.saveLayout.empty() ? Expected<void>() : file.open(options.saveLayout);
 }
 
 // Destroying the pane takes a tenth of the whole run, so it is done only where drawing needs the memory. The
@@ -72,14 +78,20 @@ bool isSameFile(const std::string& a, const std::string& b) {
     return std::filesystem::equivalent(a, b, ignored) && std::filesystem::is_regular_file(a, ignored);
 }
 
+// The layout that is kept is none: the new one may replace it.
+bool isInput(const std::string& path, const Options& options) {
+    return isSameFile(path, options.document) || isSameFile(path, options.database) ||
+           isSameFile(path, options.against);
+}
+
 }  // namespace
 
 int render(const Options& options) {
-    if (isSameFile(options.output, options.document) || isSameFile(options.output, options.database) ||
-        isSameFile(options.output, options.against)) {
-        printMessage(options.output + ": is an input and would be overwritten");
-        return exitUsage;
-    }
+    for (const std::string* output : {&options.output, &options.saveLayout})
+        if (isInput(*output, options) || (output == &options.output && isSameFile(*output, options.keep))) {
+            printMessage(*output + ": is an input and would be overwritten");
+            return exitUsage;
+        }
     ConsoleMessenger messenger(options.document);
     auto input = openInput(options, messenger);
     if (!input) return reportError(input.error());
@@ -100,8 +112,12 @@ int render(const Options& options) {
         isTable ? static_cast<tessera_1::ILayoutWatcher*>(&stopper) : &inspector;
     const std::shared_ptr<CellRecord> record = recordFor(options, viewpoint);
     auto pane = makePane(*input, options, watcher, record);
+    auto kept = readKeptLayout(options);
+    if (!kept) return reportError(kept.error());
     OutputFile file;  // opened before the work: a place that cannot be written is known at once
     if (const auto opened = file.open(options.output); !opened) return reportError(opened.error());
+    OutputFile layoutFile;
+    if (const auto opened = openLayout(options, layoutFile); !opened) return reportError(opened.error());
     if (const auto prepared = inspector.prepare(); !prepared) return reportError(prepared.error());
     auto made = makeDiagram(options, *pane, messenger);
     if (!made) return reportError(made.error());
@@ -109,6 +125,8 @@ int render(const Options& options) {
         if (const auto fetched = other->make(messenger); !fetched) return reportError(fetched.error());
     }
     made->reservation = std::move(reservation);
+    made->kept = *std::move(kept);
+    if (!options.saveLayout.empty()) made->layoutFile = &layoutFile;
     const tessera_host::LevelSummary summary = describe(options, viewpoint, record.get(), other.get(), *made);
     if (options.format->isPicture() && isLarge(viewpoint)) pane.reset();
     if (const auto written = writeDiagram(options, *made, file); !written)

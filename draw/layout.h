@@ -29,6 +29,8 @@ enum class LayerSource : std::uint8_t {
     levels  // the levels of the diagram, whatever they are
 };
 
+struct SavedLayout;  // draw/saved_layout.h
+
 struct LayoutOptions {
     Direction direction = Direction::leftToRight;
     // Space to reserve for values. Not owned, read during the call only. Null: every box reserves a usual space.
@@ -43,6 +45,10 @@ struct LayoutOptions {
     Size fit = {16, 10};
     // Whether the layers of a drawing that is wider than 4:1, or higher than 1:3, go on in further rows.
     bool isFolded = true;
+    // An earlier layout of the diagram: what it knows keeps its layers, its order and its places as far as possible, and
+    // its direction replaces `direction`. Not owned, read during the call only. Null: none.
+    const SavedLayout* kept = nullptr;
+    bool isSaved = false;  // whether writeLayout() can write the layout
 };
 
 struct LayoutData;  // draw/scene/layout_data.h

@@ -48,8 +48,17 @@ void fillBlockGraph(BlockGraph& blockGraph, const LayeredGraph& graph, Index con
 // Sets isCrossed. All 0 when cancelled.
 [[nodiscard]] std::vector<double> alignedTops(BlockGraph& blockGraph, const CancelToken& cancel);
 
-// Moves vertices into free space so that edges become shorter and straight. Stops
-// between passes when cancelled.
-void relax(const BlockGraph& blockGraph, std::vector<double>& tops, const CancelToken& cancel);
+// Returns tops that differ as little as possible from those that graph.kept knows. New vertices come to its middles, or
+// as near as their neighbours allow. Nothing is above `contentTop`, where the title begins, too. REQUIRES: graph.kept is not empty. Linear time.
+[[nodiscard]] std::vector<double> keptTops(const BlockGraph& blockGraph, const LayeredGraph& graph,
+                                           double contentTop);
+
+// By vertex of the block graph: whether graph.kept knows its top. All 0 if it is empty.
+[[nodiscard]] std::vector<char> keptVertices(const BlockGraph& blockGraph, const LayeredGraph& graph);
+
+// Moves vertices into free space so that edges become shorter and straight. `isFixed` is by vertex; those do not move.
+// Stops between passes when cancelled.
+void relax(const BlockGraph& blockGraph, const std::vector<char>& isFixed, std::vector<double>& tops,
+           const CancelToken& cancel);
 
 }  // namespace tessera_draw::placing

@@ -31,7 +31,9 @@ void Columns::begin(Index container, const Limits& limits) {
     m_first = m_graph.firstLayer[container];
     m_last = m_graph.lastLayer(container);
     m_limits = limits;
-    m_hasFolds = false;
+    // Those of an earlier placement.
+    const auto ends = m_geometry.isRowEnd.begin();
+    m_hasFolds = std::find(ends + m_first, ends + m_last, 1) != ends + m_last;
     findPortLabels();
     m_width = measure();
 }

@@ -30,7 +30,7 @@ class Columns {
     // Measures the layers of a container. REQUIRES: the tops and offsets in it are set.
     void begin(Index container, const Limits& limits);
 
-    // Where the layers need more than this width, chooses the ends of rows in which they go on below one another. Returns
+    // Where the layers need more than this width, and are not in rows yet, chooses the ends of rows in which they go on below one another. Returns
     // whether there are any; tops and offsets are best set again then, for each row on its own.
     [[nodiscard]] bool fold(double foldWidth);
 

@@ -1,6 +1,7 @@
 #include "draw/placement/container_geometry.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <queue>
 
@@ -27,6 +28,7 @@ class GeometryBuilder {
         m_geometry.layerX.resize(graph.firstLayer.back(), 0);
         m_geometry.layerWidth.resize(graph.firstLayer.back(), 0);
         m_geometry.isRowEnd.resize(graph.firstLayer.back(), 0);
+        m_geometry.contentTop.resize(nesting.containerCount(), 0);
         sortLanes();
         setFoldWidths(foldWidth);
     }
@@ -83,6 +85,7 @@ class GeometryBuilder {
             m_width[box] = rect.width;
         }
         arrangeGrids(container);
+        if (!m_graph.kept.isRowEnd.empty()) keepRows(container);
         double height = align(container, limits);
         m_columns.begin(container, limits);
         // Lanes run below all layers, so that these stay in one row.
@@ -95,18 +98,45 @@ class GeometryBuilder {
         placeBoxes(container);
     }
 
+    // As they were, unless there are lanes now.
+    void keepRows(Index container) {
+        if (!m_lanes[container].empty()) return;
+        const auto begin = m_graph.kept.isRowEnd.begin();
+        std::copy(begin + m_graph.firstLayer[container], begin + m_graph.firstLayer[container + 1],
+                  m_geometry.isRowEnd.begin() + m_graph.firstLayer[container]);
+    }
+
     // Sets the tops and offsets in the container, and returns its height.
     double align(Index container, const Limits& limits) {
         m_offsets.set(container, m_geometry.boxes);
         fillBlockGraph(m_blockGraph, m_graph, container, limits.header.height, m_geometry.isRowEnd,
                        m_spacing);
-        std::vector<double> tops = alignedTops(m_blockGraph, m_cancel);
+        std::vector<char> isFixed = keptVertices(m_blockGraph, m_graph);
+        const bool isKept = std::find(isFixed.begin(), isFixed.end(), 1) != isFixed.end();
+        std::vector<double> tops =
+            isKept ? keptTops(m_blockGraph, m_graph, m_graph.kept.contentTop[container]) : alignedTops(m_blockGraph, m_cancel);
         // The title's vertex is the first; it starts at the height of the topmost one.
         if (limits.header.height > 0) tops.front() = *std::min_element(tops.begin(), tops.end());
-        relax(m_blockGraph, tops, m_cancel);
+        // Where nothing is new, nothing moves. Else lines may become straight again, between boxes that stay.
+        if (!isKept || hasChanged(isFixed, tops)) {
+            for (Index i = 0; i < m_blockGraph.size(); ++i)
+                if (m_blockGraph.isOnLine[i] != 0) isFixed[i] = 0;
+            relax(m_blockGraph, isFixed, tops, m_cancel);
+        }
         const double height = setTops(container, tops, limits);
         m_offsets.straighten(container);
         return height;
+    }
+
+    [[nodiscard]] bool hasChanged(const std::vector<char>& isKept, const std::vector<double>& tops) const {
+        constexpr double unseen = 1e-6;
+        for (Index i = 0; i < m_blockGraph.size(); ++i) {
+            const Index vertex = m_blockGraph.vertex[i];
+            if (vertex != nothing &&
+                (isKept[i] == 0 || std::abs(tops[i] - m_graph.kept.top[vertex]) > unseen))
+                return true;
+        }
+        return false;
     }
 
     // The leader has the size of the whole grid.
@@ -128,11 +158,16 @@ class GeometryBuilder {
             bottom = std::max(bottom, tops[i] + m_blockGraph.height[i]);
         }
         if (m_blockGraph.size() == 0) top = bottom = 0;
+        // Contents that stay begin where they did.
+        constexpr double rounding = 1e-9;
+        if (!m_graph.kept.contentTop.empty() && m_graph.kept.contentTop[container] < top + rounding)
+            top = m_graph.kept.contentTop[container];
         const double lanes = setLanes(container, bottom);
         const Insets& padding = limits.padding;
         const double height = padding.top + (bottom - top) + lanes + padding.bottom;
         const double spare = std::max(limits.minSize.height - height, 0.0);
         const double move = padding.top + spare / 2 - top;
+        m_geometry.contentTop[container] = padding.top + spare / 2;
         for (Index i = 0; i < m_blockGraph.size(); ++i)
             if (m_blockGraph.vertex[i] != nothing) m_graph.top[m_blockGraph.vertex[i]] = tops[i] + move;
         for (const Index edge : m_lanes[container]) {

@@ -66,6 +66,14 @@ struct ChainRange {
     Index end = 0;
 };
 
+// What is known of vertices from an earlier placement; see orderAsKept(). All empty without one.
+struct KeptPlaces {
+    std::vector<double> top;     // by vertex, in its container; not a number for new ones
+    std::vector<double> middle;  // the same for the middle, of new ones that of their neighbours
+    std::vector<char> isRowEnd;  // by layer
+    std::vector<double> contentTop;  // by container, where its contents begin; not a number for new ones
+};
+
 struct LayeredGraph {
     Index boxCount = 0;
     Index firstDummyVertex = 0;
@@ -97,6 +105,7 @@ struct LayeredGraph {
     std::vector<Index> outBegin;
     std::vector<Index> outEdges;
     std::vector<EdgeEnd> outHeads;
+    KeptPlaces kept;
 
     [[nodiscard]] Index vertexOf(Index hierarchicalPort) const noexcept {
         return boxCount + hierarchicalPort;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "draw/placement/container_geometry.h"
+#include "draw/placement/kept_order.h"
 #include "draw/placement/label_sliding.h"
 #include "draw/placement/ordering.h"
 #include "draw/placement/parts.h"
@@ -60,12 +61,18 @@ Placement placeBoxes(const PlacementInput& input, const Spacing& spacing, const 
     removeFromMembers(endLabels, nesting);
     LayeredGraph graph = layeredGraphOf(input.boxes, nesting, routeSegments,
                                         layersOf(input.boxes, nesting, routeSegments), endLabels);
-    orderLayers(graph, nesting, cancel);
-    const ContainerGeometry geometry = foldedGeometry(input, nesting, graph, spacing, shape, cancel);
+    if (input.kept.empty())
+        orderLayers(graph, nesting, cancel);
+    else
+        orderAsKept(graph, nesting, routeSegments, input.kept);
+    // What is kept stays in its rows.
+    const ContainerGeometry geometry =
+        foldedGeometry(input, nesting, graph, spacing, input.kept.empty() ? shape : Shape{}, cancel);
     Placement placement;
     if (cancel.isCancelled()) return placement;
     placement.size = {geometry.boxes.back().width, geometry.boxes.back().height};
     placement.boxes = inDrawing(nesting, endLabels, geometry);
+    if (input.wantsLayers) placement.layers = layersIn(graph, nesting, routeSegments, geometry);
     placement.lines = pathsOf(input, nesting, routeSegments, graph, geometry, placement.boxes, spacing);
     slideLabels(input, nesting, spacing, placement);
     return placement;
@@ -75,7 +82,9 @@ Placement placeBoxes(const PlacementInput& input, const Spacing& spacing, const 
 
 Placement place(const PlacementInput& input, const Spacing& spacing, const Shape& shape,
                 const CancelToken& cancel) {
-    const std::optional<PlacementInput> parts = shape.packsParts ? withParts(input) : std::nullopt;
+    // Saved and kept layers are those of the input's own containers.
+    const bool packsParts = shape.packsParts && !input.wantsLayers && input.kept.empty();
+    const std::optional<PlacementInput> parts = packsParts ? withParts(input) : std::nullopt;
     if (!parts) return placeBoxes(input, spacing, shape, cancel);
     Placement placement = placeBoxes(*parts, spacing, shape, cancel);
     placement.boxes.resize(std::min(placement.boxes.size(), input.boxes.size()));

@@ -9,6 +9,7 @@
 
 #include "draw/geometry.h"
 #include "draw/index.h"
+#include "draw/placement/kept_layers.h"
 #include "support/cancel_token.h"
 
 namespace tessera_draw {
@@ -51,6 +52,10 @@ struct LineToPlace {
 struct PlacementInput {
     std::vector<BoxToPlace> boxes;  // containers may come before or after what they contain
     std::vector<LineToPlace> lines;
+    // The layers of an earlier placement, which order and places begin with; see keepLevels() for its levels. Unknown
+    // boxes, lines and layers are ignored. Empty: there is none.
+    KeptLayers kept;
+    bool wantsLayers = false;  // whether the result has its layers
 };
 
 // Distances in pixels.
@@ -97,6 +102,7 @@ struct Placement {
     Size size;                      // everything lies between (0, 0) and here
     std::vector<Rect> boxes;        // by box of the input
     std::vector<PlacedLine> lines;  // by line of the input
+    KeptLayers layers;              // for a later placement, if the input wants them
 };
 
 // Boxes of one group do not overlap, lie inside their container's padding, and are ordered by their levels.

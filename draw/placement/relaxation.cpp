@@ -14,8 +14,8 @@ constexpr int passes = 6;
 // Moves bodies, groups of vertices that are joined by straight edges, to where their other edges cost least.
 class Relaxation {
   public:
-    Relaxation(const BlockGraph& blockGraph, std::vector<double>& tops)
-        : m_blockGraph(blockGraph), m_tops(tops) {}
+    Relaxation(const BlockGraph& blockGraph, const std::vector<char>& isFixed, std::vector<double>& tops)
+        : m_blockGraph(blockGraph), m_isFixed(isFixed), m_tops(tops) {}
 
     // Bodies are straight runs of lines only, or all vertices joined by straight edges. Returns whether any
     // body has moved.
@@ -72,6 +72,7 @@ class Relaxation {
         m_wishes.clear();
         for (Index k = m_bodyBegin[body]; k < m_bodyBegin[body + 1]; ++k) {
             const Index i = m_members[k];
+            if (m_isFixed[i] != 0) return;
             if (m_blockGraph.isFirst[i] == 0 && m_body[i - 1] != body)
                 up = std::max(up, m_tops[i - 1] + m_blockGraph.step(i - 1) - m_tops[i]);
             if (m_blockGraph.isLast[i] == 0 && m_body[i + 1] != body)
@@ -135,6 +136,7 @@ class Relaxation {
     }
 
     const BlockGraph& m_blockGraph;
+    const std::vector<char>& m_isFixed;
     std::vector<double>& m_tops;
     bool m_hasMoved = false;
     std::vector<Index> m_body;
@@ -152,8 +154,9 @@ void keepDistances(const BlockGraph& blockGraph, std::vector<double>& tops) {
 
 }  // namespace
 
-void relax(const BlockGraph& blockGraph, std::vector<double>& tops, const CancelToken& cancel) {
-    Relaxation relaxation(blockGraph, tops);
+void relax(const BlockGraph& blockGraph, const std::vector<char>& isFixed, std::vector<double>& tops,
+           const CancelToken& cancel) {
+    Relaxation relaxation(blockGraph, isFixed, tops);
     for (int pass = 0; pass < passes && !cancel.isCancelled(); ++pass) {
         const bool haveLinesMoved = relaxation.run(true, pass % 2 == 0);
         if (!relaxation.run(false, pass % 2 == 0) && !haveLinesMoved) break;

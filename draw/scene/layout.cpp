@@ -6,6 +6,7 @@
 
 #include "draw/read/end_labels.h"
 #include "draw/scene/heading.h"
+#include "draw/scene/kept_input.h"
 #include "draw/scene/layout_data.h"
 #include "draw/scene/scene_input.h"
 #include "draw/scene/scene_lines.h"
@@ -167,6 +168,7 @@ double scaleIn(Size fit, Size picture) {
 
 std::optional<Attempt> layOutBest(const LayoutData& data, const LayoutOptions& options) {
     using enum Direction;
+    if (options.kept != nullptr) return layOutIn(options.kept->direction, false, data, options);
     if (options.direction != automatic) return layOutIn(options.direction, true, data, options);
     // Reading to the right is easier, and one layout takes less time than two.
     constexpr std::size_t seenAsAWhole = 2'000;  // boxes
@@ -205,6 +207,9 @@ LayoutPointer layOut(const basekit2::variant_bag_t& bag, const LayoutOptions& op
     if (!attempt) return nullptr;  // cancelled
     data->badge = badgeWidth(options.reservation == nullptr ? Reservation::usualModeWidth
                                                             : options.reservation->modeWidth());
+    if (options.isSaved)
+        data->saved = savedLayoutOf(attempt->placement.layers, attempt->direction, diagram, data->linkPaths,
+                                    attempt->input);
     data->isDownward = attempt->direction == Direction::topToBottom;
     adopt(*data, std::move(attempt->placement), attempt->input);
     data->containers = containersOf(*data);

@@ -5,8 +5,10 @@
 #include <map>
 #include <utility>
 
+#include "draw/placement/kept_levels.h"
 #include "draw/placement/link_layers.h"
 #include "draw/scene/display_types.h"
+#include "draw/scene/kept_input.h"
 #include "draw/scene/layout_data.h"
 
 namespace tessera_draw {
@@ -175,8 +177,14 @@ SceneInput makeInput(const Diagram& diagram, const LinkPaths& linkPaths, const B
     for (std::size_t i = 0; i < linkPaths.paths.size(); ++i)
         addLine(diagram, linkPaths, kinds, static_cast<Index>(i), result);
     if (options.layers == LayerSource::links) layerByLines(result.input);
-    turnLabelsOfLinesBack(result.input);
+    result.input.wantsLayers = options.isSaved;
     evenOut(result.input, isCard);
+    if (options.kept != nullptr) {
+        // After the widths, which are as they would be anew.
+        result.input.kept = keptLayersOf(*options.kept, diagram, linkPaths, result);
+        keepLevels(result.input);
+    }
+    turnLabelsOfLinesBack(result.input);
     if (options.direction == Direction::topToBottom)
         for (BoxToPlace& box : result.input.boxes)
             turn(box);

@@ -35,7 +35,7 @@ class Tables(Case):
         self.assertEqual(options['session'] - {'--version'}, common | layout)
         self.assertEqual(options['render'] - {'--version'},
                          common | layout | {'--stop-after', '--dump-passes', '--time-passes', '--verify', '--output', '--format',
-                                            '--theme', '--direction', '--fit', '--fold', '--layers', '--paper', '--scale', '--mode',
+                                            '--theme', '--direction', '--fit', '--fold', '--layers', '--paper', '--keep', '--save-layout', '--scale', '--mode',
                                             '--fail-on', '--against'})
 
     def test_every_format_is_written_by_ending_and_by_option(self):

@@ -1,0 +1,19 @@
+// The layout of a picture as a file: --save-layout and --keep.
+#pragma once
+
+#include <optional>
+
+#include "cli/options.h"
+#include "cli/output_file.h"
+#include "draw/saved_layout.h"
+
+namespace tessera_cli {
+
+// The layout that --keep names; none without the option. The error names the file.
+[[nodiscard]] tessera_host::Expected<std::optional<tessera_draw::SavedLayout>> readKeptLayout(
+    const Options& options);
+
+// Writes the layout to the sink of `file`, whose commit() reports what failed.
+void saveLayout(const tessera_draw::Layout& layout, OutputFile& file);
+
+}  // namespace tessera_cli
