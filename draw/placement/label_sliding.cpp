@@ -186,7 +186,7 @@ class LabelSlider {
         const double all = lengthOf(in) + lengthOf(out) + rect.width;
         if (std::abs(way) <= all / 6) return;  // in the middle third of the stretches beside it
         Segment& last = in.segments.back();
-        Segment& first = out.segments.front();
+        const Segment& first = out.segments.front();
         const bool isLevel = !last.isCurve && !first.isCurve && last.end.y == out.start.y &&
                              first.end.y == out.start.y && beginOfLast(in).y == out.start.y;
         const bool runsRight = last.end.x < out.start.x;

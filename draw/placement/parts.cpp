@@ -33,6 +33,7 @@ class PartFinder {
             return std::nullopt;  // lines cross so many borders that their parts are not looked for
         for (Index container = 0; container < m_nesting.containerCount(); ++container)
             if (!m_isOpen[container]) split(container);
+        if (!m_hasParts) return std::nullopt;
         return std::move(m_result);
     }
 
@@ -76,8 +77,9 @@ class PartFinder {
 
     // A line that names a missing box must not find one of the new ones.
     void copyInput() {
+        m_hasParts = true;
         m_result = m_input;
-        for (LineToPlace& line : m_result->lines)
+        for (LineToPlace& line : m_result.lines)
             if (!isWhole(line, m_input.boxes.size())) line = {};
     }
 
@@ -91,8 +93,8 @@ class PartFinder {
             isWorthIt = isWorthIt || m_hasLine[*member] != 0 || m_nesting.containerOf[*member] != nothing;
         }
         if (parts.size() < 2 || !isWorthIt) return;
-        if (!m_result) copyInput();
-        std::vector<BoxToPlace>& boxes = m_result->boxes;
+        if (!m_hasParts) copyInput();
+        std::vector<BoxToPlace>& boxes = m_result.boxes;
         const Index around = m_nesting.boxOf[container];
         for (const Index part : parts) {
             boxes[part].level = 0;
@@ -120,7 +122,8 @@ class PartFinder {
     std::vector<char> m_hasLine;  // by box: inside its container
     std::size_t m_steps;
     std::vector<Index> m_partOf;  // by first box
-    std::optional<PlacementInput> m_result;
+    bool m_hasParts = false;
+    PlacementInput m_result;
 };
 
 }  // namespace
