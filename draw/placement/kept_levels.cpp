@@ -151,13 +151,13 @@ class LevelKeeper {
         std::vector<Level> lowest(m_nesting.containerCount(), 0);
         for (Index box = 0; box < m_level.size(); ++box) {
             Level& low = lowest[m_nesting.containerAround(box)];
-            if (m_level[box]) low = std::min(low, *m_level[box]);
+            low = std::min(low, m_level[box].value_or(low));
         }
         constexpr Level most = INT32_MAX;
         for (Index box = 0; box < m_level.size(); ++box)
-            if (m_level[box])
+            if (const std::optional<Level> level = m_level[box]; level)
                 m_input.boxes[box].level = static_cast<std::int32_t>(
-                    std::min(*m_level[box] - lowest[m_nesting.containerAround(box)], most));
+                    std::min(*level - lowest[m_nesting.containerAround(box)], most));
     }
 
     PlacementInput& m_input;

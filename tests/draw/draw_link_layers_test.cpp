@@ -192,7 +192,7 @@ TEST_F(DrawLinkLayers, AnyInputIsAccepted) {
 }
 
 TEST_F(DrawLinkLayers, RandomInputsArePlacedSoundly) {
-    for (unsigned seed = 0; seed < 100; ++seed) {
+    for (unsigned seed = 0; seed < 50; ++seed) {
         input = tessera_test::randomDrawing(seed);
         layerByLines(input);
         EXPECT_EQ(tessera_test::findFault(input, place(input, Spacing{})), "") << seed;
