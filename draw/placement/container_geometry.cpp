@@ -113,8 +113,9 @@ class GeometryBuilder {
                        m_spacing);
         std::vector<char> isFixed = keptVertices(m_blockGraph, m_graph);
         const bool isKept = std::find(isFixed.begin(), isFixed.end(), 1) != isFixed.end();
-        std::vector<double> tops =
-            isKept ? keptTops(m_blockGraph, m_graph, m_graph.kept.contentTop[container]) : alignedTops(m_blockGraph, m_cancel);
+        std::vector<double> tops = isKept
+                                       ? keptTops(m_blockGraph, m_graph, m_graph.kept.contentTop[container])
+                                       : alignedTops(m_blockGraph, m_cancel);
         // The title's vertex is the first; it starts at the height of the topmost one.
         if (limits.header.height > 0) tops.front() = *std::min_element(tops.begin(), tops.end());
         // Where nothing is new, nothing moves. Else lines may become straight again, between boxes that stay.

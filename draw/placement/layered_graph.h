@@ -68,9 +68,9 @@ struct ChainRange {
 
 // What is known of vertices from an earlier placement; see orderAsKept(). All empty without one.
 struct KeptPlaces {
-    std::vector<double> top;     // by vertex, in its container; not a number for new ones
-    std::vector<double> middle;  // the same for the middle, of new ones that of their neighbours
-    std::vector<char> isRowEnd;  // by layer
+    std::vector<double> top;         // by vertex, in its container; not a number for new ones
+    std::vector<double> middle;      // the same for the middle, of new ones that of their neighbours
+    std::vector<char> isRowEnd;      // by layer
     std::vector<double> contentTop;  // by container, where its contents begin; not a number for new ones
 };
 

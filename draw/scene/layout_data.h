@@ -37,7 +37,7 @@ struct LayoutData {
     Size content;                       // extent of all boxes and lines
     double badge = 0;                   // width of the badge in the heading
     double width = 0;                   // of the whole drawing, margins included
-    SavedLayout saved;     // if the options wanted it
+    SavedLayout saved;                  // if the options wanted it
     bool isEmpty = false;               // only the heading and a note are drawn
     bool isDownward = false;            // links lead from top to bottom
 };
