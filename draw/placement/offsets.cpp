@@ -17,7 +17,7 @@ void forEnds(const LayeredGraph& graph, Visit visit) {
     }
 }
 
-constexpr double sideMargin = 8;        // between the first and last end and the corners; less on a low box
+constexpr double sideMargin = 10;       // between the first and last end and the corners; less on a low box
 constexpr double lineStep = 1.6;        // between the ends of lines, as a multiple of their least distance
 constexpr double leastStep = 8;         // between the ends of lines, so that arrow heads can be told apart
 constexpr std::size_t mostApart = 400;  // ends; beyond, they come closer to each other

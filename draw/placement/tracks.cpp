@@ -8,7 +8,7 @@ namespace tessera_draw::placing {
 namespace {
 
 constexpr double straight = 1e-3;
-constexpr double cornerMargin = 7;   // no end is nearer to a corner of its box
+constexpr double cornerMargin = 6;   // no end is nearer to a corner of its box
 constexpr double nearRows = 1.5;     // lines this near to each other look like one
 constexpr std::size_t maxNear = 32;  // rows that are compared; only a hub has more of them so near
 constexpr Index maxTracks = 24;      // at full distance; more tracks are closer together
