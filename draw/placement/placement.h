@@ -19,9 +19,9 @@ using tessera_support::CancelToken;
 // A box to place. Layers follow one another along x, from left to right; for layers that run downwards the
 // caller exchanges x and y before and after. REQUIRES: all lengths are finite and not negative.
 struct BoxToPlace {
-    Index group = nothing;     // the box that contains it, anywhere in the list; `nothing` at top level
-    std::int32_t level = -1;   // layer inside the group; -1: derived from its lines
-    Size size;                 // of a container: the minimum
+    Index group = nothing;    // the box that contains it, anywhere in the list; `nothing` at top level
+    std::int32_t level = -1;  // layer inside the group; -1: derived from its lines
+    Size size;  // the minimum: containers grow for their content, others in height for ends of lines
     bool isContainer = false;  // may be false for a box that others name as their group; it is one anyway
     // Of a container: the distance between its border and its content, space for a title included.
     Insets padding;
@@ -105,8 +105,9 @@ struct Placement {
     KeptLayers layers;              // for a later placement, if the input wants them
 };
 
-// Boxes of one group do not overlap, lie inside their container's padding, and are ordered by their levels.
-// Levels without boxes take no space. Many boxes of one level without lines are arranged in a grid. Boxes at
+// Boxes of one group do not overlap, lie inside their container's padding, and are ordered by their levels, in each row
+// of a folded container. Labels of ends stand beside the boxes that their lines end in, labels of centers near the middle
+// of their lines. Levels without boxes take no space. Many boxes of one level without lines are arranged in a grid. Boxes at
 // a border are in the first or last layer whatever their level is. A box whose group does not exist, and one
 // box of each cycle of groups, is placed at top level.
 //
@@ -116,7 +117,7 @@ struct Placement {
 // placement/README.md), the longest are routed around all layers, or straight through everything. Where the
 // two ends of a stretch touch, it has one segment of length 0.
 //
-// The result depends on the input and the spacing only. Once `cancel` is cancelled, returns soon with an
+// The result depends on the input, the spacing and the shape only. Once `cancel` is cancelled, returns soon with an
 // empty placement, without boxes and lines. Any thread. Takes n log n time, where n counts boxes, lines and
 // the layers that lines cross. No recursion, so any nesting depth works.
 [[nodiscard]] Placement place(const PlacementInput& input, const Spacing& spacing, const Shape& shape = {},
