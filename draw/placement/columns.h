@@ -30,8 +30,8 @@ class Columns {
     // Measures the layers of a container. REQUIRES: the tops and offsets in it are set.
     void begin(Index container, const Limits& limits);
 
-    // Where the layers need more than this width, and are not in rows yet, chooses the ends of rows in which they go on below one another. Returns
-    // whether there are any; tops and offsets are best set again then, for each row on its own.
+    // Where the layers need more than this width, and are not in rows yet, chooses the ends of rows in which they go on
+    // below one another. Returns whether there are any; tops and offsets are best set again then, for each row on its own.
     [[nodiscard]] bool fold(double foldWidth);
 
     // Sets where the layers begin and how edges bend. Moves the tops of vertices to their rows. Returns the container's

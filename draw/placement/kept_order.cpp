@@ -65,6 +65,7 @@ class KeptOrder {
         m_graph.kept.middle.assign(m_graph.vertexCount(), unknown);
         m_graph.kept.contentTop.assign(m_nesting.containerCount(), unknown);
         m_graph.kept.isRowEnd.assign(m_graph.firstLayer.back(), 0);
+        m_isRead.assign(m_graph.firstLayer.back(), 0);
         for (const ContainerLayers& container : m_kept)
             read(container);
         for (int i = 0; i < sweeps; ++i)
@@ -112,6 +113,8 @@ class KeptOrder {
             else if (point.box < m_graph.boxCount && m_graph.layer[point.box] == layer)
                 setKept(point.box, point);
         }
+        // A file may name a layer very often.
+        if (std::exchange(m_isRead[layer], 1) != 0) return;
         for (Index i = m_graph.layerBegin[layer]; i < m_graph.layerBegin[layer + 1]; ++i) {
             const LinePoint& own = m_points.of(m_graph.order[i]);
             if (own.line == nothing) continue;
@@ -175,6 +178,7 @@ class KeptOrder {
     const Nesting& m_nesting;
     const LinePoints m_points;
     const KeptLayers& m_kept;
+    std::vector<char> m_isRead;  // by layer: its points of lines
 };
 
 // The other boxes of a grid are where its leader, the last of the points, is.

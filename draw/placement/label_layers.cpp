@@ -50,17 +50,12 @@ class LabelPlacer {
         std::vector<double> widest(m_widths.size(), 0);
         for (const LineToPlace& line : m_input.lines)
             for (const Index label : line.through) {
-                if (label >= m_widths.size() || isInMiddle(label)) continue;
+                if (label >= m_widths.size() || isInMiddle(m_input.boxes[label].labelEnd)) continue;
                 const Index box = m_input.boxes[label].labelEnd == LabelEnd::from ? line.from : line.to;
                 if (box < widest.size()) widest[box] = std::max(widest[box], m_input.boxes[label].size.width);
             }
         for (std::size_t i = 0; i < widest.size(); ++i)
             m_widths[i] += widest[i];
-    }
-
-    [[nodiscard]] bool isInMiddle(Index label) const {
-        return m_input.boxes[label].labelEnd == LabelEnd::none ||
-               m_input.boxes[label].labelEnd == LabelEnd::center;
     }
 
     // Returns the width of all layers together.
@@ -161,10 +156,10 @@ class LabelPlacer {
         std::ptrdiff_t place = 0;
         for (const Index label : line.labels) {
             ++place;
-            const bool isAtTail =
-                m_input.boxes[label].labelEnd == (line.isReversed ? LabelEnd::to : LabelEnd::from);
+            const LabelEnd end = m_input.boxes[label].labelEnd;
+            const bool isAtTail = end == (line.isReversed ? LabelEnd::to : LabelEnd::from);
             // A line from a box to itself has its labels after the box.
-            if (first >= last || !isInMiddle(label)) {
+            if (first >= last || !isInMiddle(end)) {
                 position(label, first >= last || isAtTail ? first : last - 1, place);
                 continue;
             }

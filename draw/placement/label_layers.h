@@ -7,6 +7,11 @@
 
 namespace tessera_draw::placing {
 
+// Whether a label has its place between the layers, rather than beside a box.
+[[nodiscard]] constexpr bool isInMiddle(BoxToPlace::LabelEnd end) noexcept {
+    return end == BoxToPlace::LabelEnd::none || end == BoxToPlace::LabelEnd::center;
+}
+
 // The labels of a line inside one container, from its end in the earlier layer to the one in the later layer.
 struct LabelsOfLine {
     Index container = 0;

@@ -21,61 +21,71 @@ struct Obstacle {
     Index line = nothing;  // or a piece of a line
 };
 
-// What stands in the squares of a coarse grid.
+// What stands in the squares of a coarse grid. The squares are so large that all obstacles together are in few of them.
 class ObstacleGrid {
   public:
-    explicit ObstacleGrid(double cell) : m_cell(cell) {}
-
     // Before close().
-    void add(const Obstacle& obstacle) { enter(obstacle, m_entries); }
+    void add(const Obstacle& obstacle) { m_obstacles.push_back(obstacle); }
 
-    void close() { std::sort(m_entries.begin(), m_entries.end()); }
+    void close() {
+        constexpr double mostSquares = 16;  // of an obstacle, on average
+        constexpr std::size_t mostVisits = 256;
+        const double most = mostSquares * static_cast<double>(m_obstacles.size());
+        while (squares() > most)
+            m_side *= 2;
+        for (Index i = 0; i < m_obstacles.size(); ++i)
+            forSquares(m_obstacles[i].rect, [&](std::int64_t square) { m_entries.emplace_back(square, i); });
+        std::sort(m_entries.begin(), m_entries.end());
+        m_visits = mostVisits * m_obstacles.size();
+    }
 
     // After close(), for few obstacles.
     void addLate(const Obstacle& obstacle) {
-        std::vector<Entry> entries;
-        enter(obstacle, entries);
-        for (const Entry& entry : entries)
-            m_late[entry.first].push_back(entry.second);
+        const auto index = static_cast<Index>(m_obstacles.size());
+        m_obstacles.push_back(obstacle);
+        forSquares(obstacle.rect, [&](std::int64_t square) { m_late[square].push_back(index); });
     }
 
-    // Some more than once.
+    // Calls visit() with each obstacle that may touch the rectangle, with some of them more than once. Returns false, and
+    // has not called it with all, when too many obstacles are in too few squares: the work has a limit in all.
     template <typename Visit>
-    void forEachIn(const Rect& rect, Visit visit) const {
-        for (std::int64_t x = at(rect.x); x <= at(rect.right()); ++x)
-            for (std::int64_t y = at(rect.y); y <= at(rect.bottom()); ++y) {
-                const std::int64_t square = key(x, y);
-                auto entry = std::lower_bound(m_entries.begin(), m_entries.end(), Entry{square, 0});
-                for (; entry != m_entries.end() && entry->first == square; ++entry)
-                    visit(m_obstacles[entry->second]);
-                const auto late = m_late.find(square);
-                if (late == m_late.end()) continue;
-                for (const Index index : late->second)
-                    visit(m_obstacles[index]);
-            }
+    bool forEachIn(const Rect& rect, Visit visit) {
+        forSquares(rect, [&](std::int64_t square) {
+            auto entry = std::lower_bound(m_entries.begin(), m_entries.end(), Entry{square, 0});
+            for (; entry != m_entries.end() && entry->first == square && m_visits > 0; ++entry, --m_visits)
+                visit(m_obstacles[entry->second]);
+            const auto late = m_late.find(square);
+            if (late == m_late.end()) return;
+            for (auto index = late->second.begin(); index != late->second.end() && m_visits > 0;
+                 ++index, --m_visits)
+                visit(m_obstacles[*index]);
+        });
+        return m_visits > 0;
     }
 
   private:
     using Entry = std::pair<std::int64_t, Index>;  // a square, and what stands there
 
-    void enter(const Obstacle& obstacle, std::vector<Entry>& entries) {
-        const auto index = static_cast<Index>(m_obstacles.size());
-        m_obstacles.push_back(obstacle);
-        const Rect& rect = obstacle.rect;
+    [[nodiscard]] double squares() const {
+        double sum = 0;
+        for (const Obstacle& obstacle : m_obstacles)
+            sum += (obstacle.rect.width / m_side + 1) * (obstacle.rect.height / m_side + 1);
+        return sum;
+    }
+
+    template <typename Visit>
+    void forSquares(const Rect& rect, Visit visit) const {
+        const auto at = [&](double length) { return static_cast<std::int64_t>(std::floor(length / m_side)); };
         for (std::int64_t x = at(rect.x); x <= at(rect.right()); ++x)
             for (std::int64_t y = at(rect.y); y <= at(rect.bottom()); ++y)
-                entries.emplace_back(key(x, y), index);
+                visit((x << 32) ^ (y & 0xffff'ffff));
     }
 
-    [[nodiscard]] std::int64_t at(double length) const {
-        return static_cast<std::int64_t>(std::floor(length / m_cell));
-    }
-    static std::int64_t key(std::int64_t x, std::int64_t y) { return (x << 32) ^ (y & 0xffff'ffff); }
-
-    double m_cell;
+    double m_side = 80;  // pixels
     std::vector<Obstacle> m_obstacles;
     std::vector<Entry> m_entries;
     std::unordered_map<std::int64_t, std::vector<Index>> m_late;
+    std::size_t m_visits = 0;  // that are left
 };
 
 double lengthOf(const Point& from, const Segment& segment) {
@@ -117,8 +127,7 @@ class LabelSlider {
           m_nesting(nesting),
           m_spacing(spacing),
           m_placement(placement),
-          m_uses(usesOf(input)),
-          m_grid(cellOf(placement)) {}
+          m_uses(usesOf(input)) {}
 
     void slide() {
         const auto hasCenter = [&](const LineToPlace& line) {
@@ -133,16 +142,6 @@ class LabelSlider {
     }
 
   private:
-    // Large enough that lines are in few squares.
-    static double cellOf(const Placement& placement) {
-        constexpr double least = 80;
-        double length = 0;
-        for (const PlacedLine& line : placement.lines)
-            for (const Stretch& stretch : line.stretches)
-                length += lengthOf(stretch);
-        return std::max(least, length / (8.0 * static_cast<double>(placement.boxes.size() + 1)));
-    }
-
     void fillGrid() {
         for (Index box = 0; box < m_input.boxes.size(); ++box)
             if (m_nesting.containerOf[box] == nothing) {
@@ -166,25 +165,30 @@ class LabelSlider {
     void slideOn(Index line) {
         const std::vector<Index>& labels = m_input.lines[line].through;
         std::vector<Stretch>& stretches = m_placement.lines[line].stretches;
-        for (std::size_t i = 0; i < labels.size() && i + 1 < stretches.size(); ++i) {
+        if (stretches.size() != labels.size() + 1) return;
+        double all = 0;
+        for (const Stretch& stretch : stretches)
+            all += lengthOf(stretch);
+        for (const Index label : labels)
+            all += m_placement.boxes[label].width;
+        double before = 0;
+        for (std::size_t i = 0; i < labels.size(); ++i) {
+            if (i > 0) before += m_placement.boxes[labels[i - 1]].width;
+            before += lengthOf(stretches[i]);
             const bool isCenter =
                 m_input.boxes[labels[i]].labelEnd == LabelEnd::center && m_uses[labels[i]] == 1;
             if (!isCenter || stretches[i].segments.empty() || stretches[i + 1].segments.empty()) continue;
-            double before = 0;
-            double after = 0;
-            for (std::size_t k = 0; k < stretches.size(); ++k)
-                (k <= i ? before : after) += lengthOf(stretches[k]);
-            for (std::size_t k = 0; k < labels.size(); ++k)
-                if (k != i) (k < i ? before : after) += m_placement.boxes[labels[k]].width;
-            slideLabel(line, labels[i], stretches[i], stretches[i + 1], (after - before) / 2);
+            const double place = before + m_placement.boxes[labels[i]].width / 2;
+            const double length = lengthOf(stretches[i]);
+            slideLabel(line, labels[i], stretches[i], stretches[i + 1], all / 2 - place, all / 6);
+            before += lengthOf(stretches[i]) - length;
         }
     }
 
-    // `way` is how far the label would have to move along the line to stand in its middle.
-    void slideLabel(Index line, Index label, Stretch& in, Stretch& out, double way) {
+    // `way` is how far the label would have to move along the line to stand in its middle. Up to `enough` it stays.
+    void slideLabel(Index line, Index label, Stretch& in, Stretch& out, double way, double enough) {
+        if (std::abs(way) <= enough) return;
         Rect& rect = m_placement.boxes[label];
-        const double all = lengthOf(in) + lengthOf(out) + rect.width;
-        if (std::abs(way) <= all / 6) return;  // in the middle third of the stretches beside it
         Segment& last = in.segments.back();
         const Segment& first = out.segments.front();
         const bool isLevel = !last.isCurve && !first.isCurve && last.end.y == out.start.y &&
@@ -206,7 +210,7 @@ class LabelSlider {
 
     // The part of the wanted move along x that is free.
     [[nodiscard]] double freeMove(Index line, Index label, double move, const Stretch& in,
-                                  const Stretch& out) const {
+                                  const Stretch& out) {
         const Rect& rect = m_placement.boxes[label];
         // The straight run that the label is on, less what lines need to be seen beside it.
         const double gap = m_spacing.besideLabels;
@@ -217,10 +221,11 @@ class LabelSlider {
             low = std::max(low, m_placement.boxes[around].x + padding.left);
             high = std::min(high, m_placement.boxes[around].right() - padding.right);
         }
+        move = std::clamp(move, std::min(low - rect.x, 0.0), std::max(high - rect.right(), 0.0));
         const double air = m_spacing.betweenLines;
-        Rect swept{std::min(rect.x, rect.x + move) - air, rect.y - air, rect.width + std::abs(move) + 2 * air,
-                   rect.height + 2 * air};
-        m_grid.forEachIn(swept, [&](const Obstacle& obstacle) {
+        const Rect swept{std::min(rect.x, rect.x + move) - air, rect.y - air,
+                         rect.width + std::abs(move) + 2 * air, rect.height + 2 * air};
+        const bool isWhole = m_grid.forEachIn(swept, [&](const Obstacle& obstacle) {
             const Rect& other = obstacle.rect;
             const bool isBeside = other.bottom() <= swept.y || other.y >= swept.bottom();
             const bool isOwnRun =
@@ -233,6 +238,7 @@ class LabelSlider {
             if (isAbove && move > 0 && other.right() > rect.right()) high = std::min(high, rect.right());
             if (isAbove && move < 0 && other.x < rect.x) low = std::max(low, rect.x);
         });
+        if (!isWhole) return 0;
         if (move > 0) return std::clamp(high - rect.right(), 0.0, move);
         return -std::clamp(rect.x - low, 0.0, -move);
     }

@@ -61,9 +61,7 @@ class LineLayers {
 
   private:
     [[nodiscard]] bool isWhole(const LineToPlace& line) const {
-        const auto exists = [&](Index box) { return box < m_input.boxes.size(); };
-        return exists(line.from) && exists(line.to) &&
-               std::all_of(line.through.begin(), line.through.end(), exists);
+        return placing::isWhole(line, m_input.boxes.size());
     }
 
     void findSpans() {
@@ -95,8 +93,6 @@ class LineLayers {
         return (end == LabelEnd::from && label == labels.front()) ||
                (end == LabelEnd::to && label == labels.back());
     }
-
-    static bool isInMiddle(LabelEnd end) { return end == LabelEnd::none || end == LabelEnd::center; }
 
     [[nodiscard]] Index groupOf(Index container) const {
         return m_nesting.boxOf[container] == m_nesting.drawing ? nothing : m_nesting.boxOf[container];

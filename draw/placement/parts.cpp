@@ -78,6 +78,7 @@ class PartFinder {
     // A line that names a missing box must not find one of the new ones.
     void copyInput() {
         m_hasParts = true;
+        m_partOf.assign(m_input.boxes.size(), nothing);
         m_result = m_input;
         for (LineToPlace& line : m_result.lines)
             if (!isWhole(line, m_input.boxes.size())) line = {};
@@ -105,7 +106,6 @@ class PartFinder {
             made.group = around == m_nesting.drawing ? nothing : around;
             made.level = 0;
             made.isContainer = made.isPart = true;
-            m_partOf.resize(m_input.boxes.size(), nothing);
             m_partOf[part] = static_cast<Index>(boxes.size()) - 1;
         }
         for (auto member = begin; member != end; ++member)

@@ -202,7 +202,7 @@ PlacedLine::Stretch upToLabel(const Rect& box, const Rect& label, const Point& a
     const bool isOnRight = label.x >= box.right();
     const bool isInside = label.x >= box.x && label.right() <= box.right();
     const bool goesOnRight = std::abs(at.x - label.right()) < std::abs(at.x - label.x);
-    // Outside, the label is between the box and the line that goes on; inside, the border is behind it.
+    // Outside of a box, the line goes on at the label's far side. Inside of a container, it goes on away from the border.
     const bool isAtRightBorder = isInside ? !goesOnRight : isOnRight;
     const Point border{isAtRightBorder ? box.right() : box.x, at.y};
     const Point near{goesOnRight ? label.x : label.right(), at.y};

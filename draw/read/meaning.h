@@ -13,7 +13,7 @@
 
 namespace tessera_draw {
 
-// A level of values. Levels are named by their places in Meaning::levels, from 1; 0 is no level.
+// A level of values. A value refers to its level by number: the position in Meaning::levels plus 1, or 0 without one.
 struct MeaningLevel {
     std::string_view name;
     std::optional<Rgb> color;  // of the document's own levels

@@ -9,7 +9,7 @@ constexpr std::string_view dots = "…";
 
 // The bytes of the number that a value begins with.
 struct NumberPart {
-    std::size_t whole = 0;   // with its sign, up to the point; 0 if there is no number
+    std::size_t whole = 0;   // with its sign, up to the point; 0 for a text without a number
     std::size_t length = 0;  // of all of it
     bool hasExponent = false;
 };

@@ -15,7 +15,7 @@ namespace {
 
 using basekit2::variant_bag_t;
 
-// None for what is not a number, and where there is no such attribute.
+// Returns nothing if the attribute is missing or is not a number.
 std::optional<double> numberOf(const variant_bag_t& element, std::string_view attribute) {
     const auto number = readNumber(element.get_text(attribute));
     if (!number) return std::nullopt;

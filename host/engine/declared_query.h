@@ -15,7 +15,7 @@ namespace tessera_host {
 // The text of a cell, or why there is none.
 using CellText = Expected<std::string>;
 
-// A cell, and the number that its text was formatted from; none for NULL, for text, and where there is no text.
+// A cell, and the number that its text was formatted from. NULL and texts have no number.
 struct Cell {
     CellText text;
     std::optional<double> number;

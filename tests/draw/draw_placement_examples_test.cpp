@@ -6,7 +6,6 @@
 #include <limits>
 
 #include "draw/placement/placement.h"
-#include "tests/draw/placement_checking.h"
 #include "tests/support/effort.h"
 
 namespace {
@@ -20,7 +19,6 @@ using tessera_draw::place;
 using tessera_draw::Placement;
 using tessera_draw::PlacementInput;
 using tessera_draw::Rect;
-using tessera_draw::Shape;
 
 class Drawing {
   public:
@@ -95,44 +93,6 @@ TEST(DrawPlacement, AChainIsAStraightLineWithEqualGaps) {
         EXPECT_EQ(line.stretches[0].start.y, 20);
     }
     EXPECT_EQ(placed.size, (tessera_draw::Size{660, 40}));
-}
-
-// Eight boxes in a chain need 1080 pixels in one row, and about half in two.
-TEST(DrawPlacement, ABandGoesOnInFurtherRows) {
-    Drawing drawing;
-    for (std::int32_t i = 0; i < 8; ++i)
-        drawing.box(i);
-    for (Index i = 0; i + 1 < 8; ++i)
-        drawing.line(i, i + 1);
-    Shape shape;
-    shape.above = 8;
-    const Placement placed = place(drawing.input, {}, shape);
-    EXPECT_EQ(tessera_test::findFault(drawing.input, placed, true), "");
-    EXPECT_LE(placed.size.width, 8 * placed.size.height);
-    for (Index i = 1; i < 8; ++i)
-        EXPECT_EQ(placed.boxes[i].y > placed.boxes[i - 1].bottom(), placed.boxes[i].x < placed.boxes[i - 1].x)
-            << "a box is below the one before it where a row begins: " << i;
-    EXPECT_GT(placed.boxes[7].y, placed.boxes[0].bottom() + 24) << "there is a lane between the rows";
-    shape.leastWidth = 1080;
-    EXPECT_EQ(place(drawing.input, {}, shape).boxes, drawing.placed().boxes) << "it is not that wide";
-}
-
-TEST(DrawPlacement, UnconnectedPartsStandBesideOneAnother) {
-    Drawing drawing;
-    for (const std::int32_t level : {0, 1, 0, 1, 5})
-        drawing.box(level);
-    drawing.line(0, 1);
-    drawing.line(2, 3);
-    Shape shape;
-    shape.packsParts = true;
-    const Placement placed = place(drawing.input, {}, shape);
-    ASSERT_EQ(placed.boxes.size(), 5U);
-    // Two rows: the two parts are 240 wide, and a square of all would be 259.
-    EXPECT_EQ(placed.boxes[0], (Rect{0, 0, 100, 40}));
-    EXPECT_EQ(placed.boxes[1], (Rect{140, 0, 100, 40}));
-    EXPECT_EQ(placed.boxes[2], (Rect{0, 80, 100, 40}));
-    EXPECT_EQ(placed.boxes[3], (Rect{140, 80, 100, 40}));
-    EXPECT_EQ(placed.boxes[4], (Rect{0, 160, 100, 40})) << "a level does not keep it in a column of its own";
 }
 
 TEST(DrawPlacement, ADiamondIsSymmetric) {

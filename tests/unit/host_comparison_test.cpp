@@ -8,7 +8,7 @@
 #include "host/meaning/comparison.h"
 #include "host/meaning/described_values.h"
 #include "host/pane/pane.h"
-#include "host/text/json_writer.h"
+#include "tests/support/json_text.h"
 #include "tests/support/memory_engine.h"
 
 namespace tessera_test {
@@ -28,24 +28,6 @@ constexpr const char* document = R"xml(<viewpoint>
     </display>
   </diagram>
 </viewpoint>)xml";
-
-class Sink final : public TextSink {
-  public:
-    std::string text;
-
-  protected:
-    bool deliver(std::string_view piece) override {
-        text += piece;
-        return true;
-    }
-};
-
-std::string textOf(const variant_bag_t& bag) {
-    Sink sink;
-    (void)writeJson(bag, sink);
-    (void)sink.flush();
-    return sink.text;
-}
 
 bool has(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;

@@ -8,7 +8,7 @@
 
 #include "host/engine/declaration_check.h"
 #include "host/pane/message_list.h"
-#include "host/text/json_writer.h"
+#include "tests/support/json_text.h"
 #include "tests/support/memory_engine.h"
 
 namespace tessera_test {
@@ -38,24 +38,6 @@ constexpr const char* document = R"xml(<viewpoint>
 std::string withLast(const std::string& row) {
     std::string text = document;
     return text.replace(text.find("LAST"), 4, row);
-}
-
-class Sink final : public TextSink {
-  public:
-    std::string text;
-
-  protected:
-    bool deliver(std::string_view piece) override {
-        text += piece;
-        return true;
-    }
-};
-
-std::string textOf(const variant_bag_t& bag) {
-    Sink sink;
-    (void)writeJson(bag, sink);
-    (void)sink.flush();
-    return sink.text;
 }
 
 class PaneTest : public testing::Test {

@@ -1,0 +1,60 @@
+// Rows of layers, and parts that no line connects.
+#include <gtest/gtest.h>
+
+#include "draw/placement/placement.h"
+#include "tests/draw/placement_checking.h"
+
+namespace tessera_draw {
+namespace {
+
+class DrawPlacementShape : public testing::Test {
+  protected:
+    void box(std::int32_t level) {
+        BoxToPlace& made = input.boxes.emplace_back();
+        made.level = level;
+        made.size = {100, 40};
+    }
+
+    void line(Index from, Index to) { input.lines.push_back({from, to, {}}); }
+
+    PlacementInput input;
+};
+
+// Eight boxes in a chain need 1080 pixels in one row, and about half in two.
+TEST_F(DrawPlacementShape, ABandGoesOnInFurtherRows) {
+    for (std::int32_t i = 0; i < 8; ++i)
+        box(i);
+    for (Index i = 0; i + 1 < 8; ++i)
+        line(i, i + 1);
+    Shape shape;
+    shape.above = 8;
+    const Placement placed = place(input, {}, shape);
+    EXPECT_EQ(tessera_test::findFault(input, placed, true), "");
+    EXPECT_LE(placed.size.width, 8 * placed.size.height);
+    for (Index i = 1; i < 8; ++i)
+        EXPECT_EQ(placed.boxes[i].y > placed.boxes[i - 1].bottom(), placed.boxes[i].x < placed.boxes[i - 1].x)
+            << "a box is below the one before it where a row begins: " << i;
+    EXPECT_GT(placed.boxes[7].y, placed.boxes[0].bottom() + 24) << "there is a lane between the rows";
+    shape.leastWidth = 1080;
+    EXPECT_EQ(place(input, {}, shape).boxes, place(input, {}).boxes) << "it is not that wide";
+}
+
+TEST_F(DrawPlacementShape, UnconnectedPartsStandBesideOneAnother) {
+    for (const std::int32_t level : {0, 1, 0, 1, 5})
+        box(level);
+    line(0, 1);
+    line(2, 3);
+    Shape shape;
+    shape.packsParts = true;
+    const Placement placed = place(input, {}, shape);
+    ASSERT_EQ(placed.boxes.size(), 5U);
+    // Two rows: the two parts are 240 wide, and a square of all would be 259.
+    EXPECT_EQ(placed.boxes[0], (Rect{0, 0, 100, 40}));
+    EXPECT_EQ(placed.boxes[1], (Rect{140, 0, 100, 40}));
+    EXPECT_EQ(placed.boxes[2], (Rect{0, 80, 100, 40}));
+    EXPECT_EQ(placed.boxes[3], (Rect{140, 80, 100, 40}));
+    EXPECT_EQ(placed.boxes[4], (Rect{0, 160, 100, 40})) << "a level does not keep it in a column of its own";
+}
+
+}  // namespace
+}  // namespace tessera_draw
