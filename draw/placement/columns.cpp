@@ -25,6 +25,7 @@ Columns::Columns(const std::vector<BoxToPlace>& boxes, LayeredGraph& graph, cons
       m_widths(widths),
       m_geometry(geometry),
       m_left(boxes.size(), 0),
+      m_layerWidth(graph.firstLayer.back(), 0),
       m_portLabels(graph.firstLayer.back(), 0) {}
 
 void Columns::begin(Index container, const Limits& limits) {
@@ -46,9 +47,8 @@ Size Columns::place(double height) {
         (void)measure();
         size.width = setRows();
     } else {
-        size.width = setRow(std::max(m_limits.minSize.width - m_width, 0.0));
+        size.width = setRow();
     }
-    setLefts();
     return size;
 }
 
@@ -56,26 +56,28 @@ Size Columns::place(double height) {
 double Columns::measure() {
     m_gaps.resize(m_last - m_first);
     // Labels inside the borders stand between the padding and the gap.
-    m_geometry.layerWidth[m_last] =
+    m_layerWidth[m_last] =
         m_portLabels[m_last] > 0 ? m_portLabels[m_last] + labelInset(m_limits.padding.right, m_spacing) : 0;
-    double all = m_geometry.layerWidth[m_last];
+    double all = m_layerWidth[m_last];
     for (Index layer = m_first; layer < m_last; ++layer) {
         Gap& gap = gapAfter(layer);
         collectGap(layer);
         gap.lines = static_cast<Index>(
             std::count_if(m_gap.begin(), m_gap.end(), [](const GapEdge& edge) { return !edge.isLoop; }));
-        double bends = 0;
-        if (!isFold(layer)) bends = GapPlan(m_gap, m_graph, m_spacing).width();
-        gap.width = std::max(bends, minGap(layer, bends > 0));
+        gap.bends.clear();
+        if (!isFold(layer)) gap.bends = GapPlan(m_gap, m_graph, m_spacing).bends();
+        gap.width = minGap(layer, !gap.bends.empty());
+        for (const Bends& bends : gap.bends)
+            gap.width = std::max(gap.width, bends.width);
         gap.edges = m_gap;
         const Column column = columnOf(layer);
-        m_geometry.layerWidth[layer] = std::max(column.before + column.after, column.widest);
+        m_layerWidth[layer] = std::max(column.before + column.after, column.widest);
         if (layer == m_first)
-            m_geometry.layerWidth[layer] = std::max(
+            m_layerWidth[layer] = std::max(
                 m_limits.header.width,
                 m_portLabels[layer] > 0 ? labelInset(m_limits.padding.left, m_spacing) + m_portLabels[layer]
                                         : 0);
-        all += gap.width + m_geometry.layerWidth[layer];
+        all += gap.width + m_layerWidth[layer];
     }
     return all;
 }
@@ -182,19 +184,89 @@ double Columns::shareInColumn(Index box) const {
 }
 
 // All layers in one row. Returns the container's width.
-double Columns::setRow(double spare) {
+double Columns::setRow() {
+    double width = packRow(m_first, m_last, 0) + borderAfter();
+    const double spare = m_limits.minSize.width - width;
+    if (spare <= 0) return width;
     // What the minimum leaves is divided between both sides, so that the contents are centered.
-    m_gaps.front().width += spare / 2;
-    m_gaps.back().width += spare / 2;
-    double x = 0;
-    for (Index layer = m_first; layer < m_last; ++layer) {
-        m_geometry.layerX[layer] = x;
-        Gap& gap = gapAfter(layer);
-        GapPlan(gap.edges, m_graph, m_spacing).setTracks(gap.width);
-        x += m_geometry.layerWidth[layer] + gap.width;
+    (void)packRow(m_first, m_last, spare / 2);
+    return m_limits.minSize.width;
+}
+
+// The width between what packRow() returned and the container's right side.
+double Columns::borderAfter() const {
+    const double least = m_boxesEnd + minGap(m_last - 1, false);
+    return std::max(least, m_bendsEnd) - std::max(m_boxesEnd, m_bendsEnd) + m_layerWidth[m_last];
+}
+
+// Moves the columns from this one to the one before `end`, and the bends after each, to the left as far as nothing is in their way.
+// Returns where the last of them ends.
+double Columns::packRow(Index begin, Index end, double x) {
+    Reach start{x, x, x};
+    if (begin == m_first) {
+        start.bend += m_layerWidth[m_first];
+        start.box = start.label = start.bend + minGap(m_first, false);
     }
-    m_geometry.layerX[m_last] = x;
-    return x + m_geometry.layerWidth[m_last];
+    Skyline skyline(start);
+    m_lastMiddle = -std::numeric_limits<double>::infinity();
+    m_boxesEnd = m_bendsEnd = start.bend;
+    for (Index layer = begin; layer < end; ++layer) {
+        if (layer > m_first) packColumn(layer, skyline);
+        packBends(layer, skyline);
+    }
+    return std::max(m_boxesEnd, m_bendsEnd);
+}
+
+// All boxes of a layer move together. Boxes of later layers may be above and below it, but no box's middle is before that of a
+// box in an earlier layer.
+void Columns::packColumn(Index layer, Skyline& skyline) {
+    const Column column = columnOf(layer);
+    const double width = m_layerWidth[layer];
+    const auto forBoxes = [&](auto visit) {
+        for (Index i = m_graph.layerBegin[layer]; i < m_graph.layerBegin[layer + 1]; ++i) {
+            const Index box = m_graph.order[i];
+            if (box >= m_graph.boxCount) continue;
+            const double left = leftInColumn(box, column, width);
+            const Rect rect{left - m_offsets.widthBefore(box), m_graph.top[box],
+                            m_offsets.widthBefore(box) + m_widths[box] + m_offsets.widthAfter(box),
+                            m_graph.height[box]};
+            visit(box, left, rect);
+        }
+    };
+    // Grids are beside all other columns.
+    const auto middle = [&](Index box, double left, double side) {
+        return m_graph.grids.ofBox[box] == nothing ? left + m_widths[box] / 2 : side;
+    };
+    double x = -std::numeric_limits<double>::infinity();
+    forBoxes([&](Index box, double left, const Rect& rect) {
+        const bool isLabel = m_boxes[box].isLabel;
+        const double air = isLabel ? m_spacing.betweenLines : m_spacing.betweenBoxes;
+        const Reach reach = skyline.over(rect.y - air, rect.bottom() + air);
+        x = std::max({x, (isLabel ? reach.label : reach.box) - rect.x,
+                      m_lastMiddle + m_spacing.betweenLayers - middle(box, left, rect.x)});
+    });
+    forBoxes([&](Index box, double left, const Rect& rect) {
+        m_left[box] = x + left;
+        const double right = x + rect.right();
+        const double gap = m_boxes[box].isLabel ? m_spacing.besideLabels : m_spacing.betweenLayers;
+        skyline.raise(rect.y, rect.bottom(), {right + gap, right + m_spacing.besideLabels, right});
+        m_boxesEnd = std::max(m_boxesEnd, right);
+        m_lastMiddle = std::max(m_lastMiddle, middle(box, x + left, right));
+    });
+}
+
+// After this layer.
+void Columns::packBends(Index layer, Skyline& skyline) {
+    Gap& gap = gapAfter(layer);
+    GapPlan plan(gap.edges, m_graph, m_spacing);
+    for (const Bends& bends : gap.bends) {
+        const double x =
+            skyline.over(bends.upper - m_spacing.betweenLines, bends.lower + m_spacing.betweenLines).bend;
+        plan.place(bends, x, bends.width);
+        const double end = x + bends.width;
+        skyline.raise(bends.upper, bends.lower, {end, end, end});
+        m_bendsEnd = std::max(m_bendsEnd, end);
+    }
 }
 
 // Fills each row up to the width, and ends it where few lines lead on.
@@ -202,15 +274,19 @@ bool Columns::fold(double foldWidth) {
     constexpr double leastFilled = 0.55;
     constexpr double emptiness = 8;  // as many lines are worth a row that is empty
     if (m_width <= foldWidth) return false;
+    // Packed columns need less.
+    const double packed = packRow(m_first, m_last, 0) + borderAfter();
+    if (packed <= foldWidth) return false;
+    foldWidth *= m_width / packed;
     double x = 0;
     double best = std::numeric_limits<double>::infinity();
     Index bestLayer = nothing;
     double afterBest = 0;  // the width of what follows the best end so far
     // The border's layers stay in the rows of their neighbours.
     for (Index layer = m_first; layer + 1 < m_last; ++layer) {
-        x += m_geometry.layerWidth[layer];
+        x += m_layerWidth[layer];
         const Gap& gap = gapAfter(layer);
-        afterBest += m_geometry.layerWidth[layer];
+        afterBest += m_layerWidth[layer];
         if (layer > m_first && x >= leastFilled * foldWidth) {
             const double cost = gap.lines + emptiness * (1 - x / foldWidth);
             if (cost <= best || bestLayer == nothing) {
@@ -222,7 +298,7 @@ bool Columns::fold(double foldWidth) {
         x += gap.width;
         if (bestLayer != layer) afterBest += gap.width;
         const Index next = layer + 1;
-        const bool isFull = x + m_geometry.layerWidth[next] > foldWidth;
+        const bool isFull = x + m_layerWidth[next] > foldWidth;
         if (!isFull || bestLayer == nothing || next == m_last) continue;
         m_geometry.isRowEnd[bestLayer] = 1;
         m_hasFolds = true;
@@ -268,26 +344,23 @@ double Columns::setRows() {
     double x = 0;
     double width = m_limits.minSize.width;
     std::size_t row = 0;
-    for (Index layer = m_first; layer < m_last; ++layer) {
-        m_geometry.layerX[layer] = x;
-        Gap& gap = gapAfter(layer);
-        x += m_geometry.layerWidth[layer];
-        if (isFold(layer)) {
-            width = std::max(width, foldGap(layer, x, {m_limits.padding.left, m_firstLanes[row++]}) +
-                                        m_spacing.betweenBoxes + m_limits.padding.right);
-            const double tracks = gap.lines == 0 ? 0 : (gap.lines - 1) * m_spacing.betweenLines;
-            x = m_limits.padding.left + tracks + m_spacing.betweenBoxes;
-        } else if (layer + 1 < m_last) {
-            GapPlan(gap.edges, m_graph, m_spacing).setTracks(gap.width);
-            x += gap.width;
+    for (Index begin = m_first; begin < m_last;) {
+        Index end = begin;
+        while (end < m_last && !isFold(end))
+            ++end;
+        if (end == m_last) {
+            // The last layer stands at the border, which may be beyond its row.
+            width = std::max(width, packRow(begin, m_last, x) + borderAfter());
+            break;
         }
+        const double right = packRow(begin, end + 1, x);
+        width = std::max(width, foldGap(end, right, {m_limits.padding.left, m_firstLanes[row++]}) +
+                                    m_spacing.betweenBoxes + m_limits.padding.right);
+        const double tracks =
+            gapAfter(end).lines == 0 ? 0 : (gapAfter(end).lines - 1) * m_spacing.betweenLines;
+        x = m_limits.padding.left + tracks + m_spacing.betweenBoxes;
+        begin = end + 1;
     }
-    // The last layer stands at the border, which may be beyond its row.
-    Gap& lastGap = m_gaps.back();
-    width = std::max(width, x + lastGap.width + m_geometry.layerWidth[m_last]);
-    lastGap.width = width - m_geometry.layerWidth[m_last] - x;
-    GapPlan(lastGap.edges, m_graph, m_spacing).setTracks(lastGap.width);
-    m_geometry.layerX[m_last] = width - m_geometry.layerWidth[m_last];
     return width;
 }
 
@@ -301,9 +374,11 @@ double Columns::foldGap(Index layer, double rowRight, const Point& firstLane) {
         if (!edge.isLoop) m_foldEdges.push_back({edge.edge, edge.from, edge.to});
     std::erase_if(gap.edges, [](const GapEdge& edge) { return !edge.isLoop; });
     GapPlan loops(gap.edges, m_graph, m_spacing);
-    gap.width = loops.width();
-    loops.setTracks(gap.width);
-    double x = rowRight + std::max(gap.width, m_spacing.betweenBoxes);
+    double x = rowRight + m_spacing.betweenBoxes;
+    for (const Bends& bends : loops.bends()) {
+        loops.place(bends, rowRight, bends.width);
+        x = std::max(x, rowRight + bends.width);
+    }
     std::sort(m_foldEdges.begin(), m_foldEdges.end(), [](const FoldEdge& a, const FoldEdge& b) {
         return a.from != b.from ? a.from > b.from : a.edge < b.edge;
     });
@@ -326,22 +401,12 @@ double Columns::foldGap(Index layer, double rowRight, const Point& firstLane) {
     return x;
 }
 
-// Sets where each box or grid begins in its column.
-void Columns::setLefts() {
-    for (Index layer = m_first + 1; layer < m_last; ++layer) {
-        const Column column = columnOf(layer);
-        const double width = m_geometry.layerWidth[layer];
-        const double axis = column.before + (width - column.before - column.after) / 2;
-        for (Index i = m_graph.layerBegin[layer]; i < m_graph.layerBegin[layer + 1]; ++i) {
-            const Index box = m_graph.order[i];
-            if (box >= m_graph.boxCount) continue;
-            const double share = shareInColumn(box);
-            m_left[box] = m_geometry.layerX[layer] +
-                          (share == middle  ? axis - m_widths[box] / 2
-                           : share < middle ? m_offsets.widthBefore(box)
-                                            : width - m_offsets.widthAfter(box) - m_widths[box]);
-        }
-    }
+// Where the box or grid begins in its column.
+double Columns::leftInColumn(Index box, const Column& column, double width) const {
+    const double axis = column.before + (width - column.before - column.after) / 2;
+    const double share = shareInColumn(box);
+    if (share == middle) return axis - m_widths[box] / 2;
+    return share < middle ? m_offsets.widthBefore(box) : width - m_offsets.widthAfter(box) - m_widths[box];
 }
 
 }  // namespace tessera_draw::placing

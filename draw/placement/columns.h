@@ -5,6 +5,7 @@
 
 #include "draw/placement/container_geometry.h"
 #include "draw/placement/offsets.h"
+#include "draw/placement/skyline.h"
 #include "draw/placement/tracks.h"
 
 namespace tessera_draw::placing {
@@ -50,8 +51,9 @@ class Columns {
     };
     struct Gap {
         std::vector<GapEdge> edges;  // those that bend
-        double width = 0;
-        Index lines = 0;  // that lead through it
+        std::vector<Bends> bends;
+        double width = 0;  // of the widest bends, or the least that boxes need
+        Index lines = 0;   // that lead through it
     };
     struct FoldEdge {
         Index edge = 0;
@@ -68,12 +70,16 @@ class Columns {
     [[nodiscard]] Index labelAfter(Index port) const;
     [[nodiscard]] Index labelBefore(Index port) const;
     [[nodiscard]] Column columnOf(Index layer) const;
+    [[nodiscard]] double leftInColumn(Index box, const Column& column, double width) const;
     [[nodiscard]] double shareInColumn(Index box) const;
     [[nodiscard]] double stackRows();
     [[nodiscard]] double foldGap(Index layer, double rowRight, const Point& firstLane);
-    [[nodiscard]] double setRow(double spare);
+    [[nodiscard]] double setRow();
     [[nodiscard]] double setRows();
-    void setLefts();
+    [[nodiscard]] double packRow(Index begin, Index end, double x);
+    void packColumn(Index layer, Skyline& skyline);
+    void packBends(Index layer, Skyline& skyline);
+    [[nodiscard]] double borderAfter() const;
     [[nodiscard]] bool isFold(Index layer) const { return m_geometry.isRowEnd[layer] != 0; }
     [[nodiscard]] Gap& gapAfter(Index layer) { return m_gaps[layer - m_first]; }
 
@@ -84,6 +90,7 @@ class Columns {
     const std::vector<double>& m_widths;
     ContainerGeometry& m_geometry;
     std::vector<double> m_left;        // by box
+    std::vector<double> m_layerWidth;  // by layer
     std::vector<double> m_portLabels;  // by layer: the widest label inside a border
     // Of the container at work:
     Index m_first = 0;
@@ -92,6 +99,9 @@ class Columns {
     double m_width = 0;  // of all layers in one row
     bool m_hasFolds = false;
     std::vector<Gap> m_gaps;
+    double m_lastMiddle = 0;  // of the boxes packed so far
+    double m_boxesEnd = 0;    // the right side of what is in the row, its bends apart
+    double m_bendsEnd = 0;
     std::vector<double> m_firstLanes;  // by row but the first: the y of the uppermost lane above it
     std::vector<GapEdge> m_gap;
     std::vector<FoldEdge> m_foldEdges;

@@ -25,8 +25,6 @@ class GeometryBuilder {
           m_columns(boxes, graph, spacing, m_offsets, m_width, m_geometry) {
         m_geometry.boxes.resize(boxes.size() + 1);
         m_width.resize(boxes.size());
-        m_geometry.layerX.resize(graph.firstLayer.back(), 0);
-        m_geometry.layerWidth.resize(graph.firstLayer.back(), 0);
         m_geometry.isRowEnd.resize(graph.firstLayer.back(), 0);
         m_geometry.contentTop.resize(nesting.containerCount(), 0);
         sortLanes();

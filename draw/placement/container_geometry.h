@@ -19,13 +19,8 @@ struct Fold {
 struct ContainerGeometry {
     std::vector<Rect> boxes;         // by box, relative to its container; the last entry is the drawing
     std::vector<double> contentTop;  // by container: where its contents begin, its title included
-    std::vector<double> layerX;      // by layer: its left side in the container
-    std::vector<double> layerWidth;  // by layer: the width of its widest box
     std::vector<char> isRowEnd;      // by layer: the next one is in another row
     std::vector<Fold> folds;
-
-    [[nodiscard]] double gapBegin(Index layer) const { return layerX[layer] + layerWidth[layer]; }
-    [[nodiscard]] double gapEnd(Index layer) const { return layerX[layer + 1]; }
 };
 
 // REQUIRES: the layers are ordered. Returns positions of boxes and layers. In `graph`, sets heights and tops

@@ -19,6 +19,7 @@ struct RawChain {
     Index container = 0;
     End from;
     End to;
+    bool isTurn = false;  // from a label to a dummy vertex in the same layer, where the next chain begins
 };
 
 class LayeredGraphBuilder {
@@ -34,13 +35,17 @@ class LayeredGraphBuilder {
 
     LayeredGraph build() {
         m_graph.boxCount = static_cast<Index>(m_boxes.size());
-        for (const RouteSegment& routeSegment : m_routeSegments)
-            addChains(routeSegment);
+        for (std::size_t i = 0; i < m_routeSegments.size(); ++i)
+            addChains(m_routeSegments[i], i > 0 && turnsBack(m_routeSegments[i - 1], m_routeSegments[i]));
         m_graph.firstDummyVertex = m_graph.vertexOf(static_cast<Index>(m_graph.hierarchicalPorts.size()));
         placeInLayers();
         findFarChains();
-        for (std::size_t i = 0; i < m_raw.size(); ++i)
+        for (std::size_t i = 0; i < m_raw.size(); ++i) {
+            if (m_raw[i].isTurn)
+                m_raw[i].to.vertex = m_raw[i + 1].from.vertex =
+                    newDummyIn(m_graph.layer[m_raw[i].from.vertex]);
             addEdges(m_raw[i], m_isFar[i] != 0);
+        }
         findGrids();
         fillLayers();
         linkEdges();
@@ -50,9 +55,20 @@ class LayeredGraphBuilder {
     }
 
   private:
+    // Whether the line would leave a label on its left side, where it enters it.
+    [[nodiscard]] bool turnsBack(const RouteSegment& to, const RouteSegment& from) const {
+        const Index label = from.from;
+        const bool isInLabel = to.line == from.line && to.to == label && m_boxes[label].isLabel &&
+                               !to.isDirect && !from.isDirect && to.toMember == label &&
+                               from.fromMember == label;
+        if (!isInLabel || to.fromMember == nothing || from.toMember == nothing) return false;
+        return m_layers.ofBox[to.fromMember] < m_layers.ofBox[label] &&
+               m_layers.ofBox[from.toMember] < m_layers.ofBox[label];
+    }
+
     // A line that ends at a container gets a hierarchical port too, because it needs a position on that
     // border as lines that cross it do.
-    void addChains(const RouteSegment& routeSegment) {
+    void addChains(const RouteSegment& routeSegment, bool turns) {
         const auto begin = static_cast<Index>(m_raw.size());
         if (!routeSegment.isDirect) {
             const bool isInside = routeSegment.fromMember == nothing || routeSegment.toMember == nothing;
@@ -62,6 +78,7 @@ class LayeredGraphBuilder {
             middle.container = routeSegment.container;
             middle.from = climb({routeSegment.from, nothing, routeSegment.fromLabel}, routeSegment.fromMember,
                                 fromLayer <= toLayer, false);
+            if (turns) m_raw.push_back({routeSegment.container, middle.from, {}, true});
             const auto outside = static_cast<std::ptrdiff_t>(m_raw.size());
             middle.to = climb({routeSegment.to, nothing, routeSegment.toLabel}, routeSegment.toMember,
                               fromLayer >= toLayer, true);
@@ -119,6 +136,7 @@ class LayeredGraphBuilder {
     }
 
     [[nodiscard]] Index spanOf(const RawChain& chain) const {
+        if (chain.isTurn) return 0;
         const Index a = m_graph.layer[chain.from.vertex];
         const Index b = m_graph.layer[chain.to.vertex];
         return a < b ? b - a : a - b;
@@ -141,7 +159,8 @@ class LayeredGraphBuilder {
         sum = 0;
         for (const auto& [span, chain] : bySpan) {
             sum += span;
-            m_isFar[chain] = sum > limit && span > 1 ? 1 : 0;
+            const bool isAfterTurn = chain > 0 && m_raw[chain - 1].isTurn;
+            m_isFar[chain] = sum > limit && span > 1 && !isAfterTurn ? 1 : 0;
         }
     }
 
@@ -165,8 +184,7 @@ class LayeredGraphBuilder {
             edge.kind = Edge::Kind::fromLane;
         }
         for (Index next = m_graph.layer[tail.vertex] + 1; !isFar && next < last; ++next) {
-            edge.head = m_graph.vertexCount();
-            m_graph.layer.push_back(next);
+            edge.head = newDummyIn(next);
             m_graph.edges.push_back(edge);
             edge = {};
             edge.tail = m_graph.edges.back().head;
@@ -178,6 +196,11 @@ class LayeredGraphBuilder {
         m_graph.edges.push_back(edge);
         chain.edgeCount = static_cast<Index>(m_graph.edges.size()) - chain.firstEdge;
         m_graph.chains.push_back(chain);
+    }
+
+    Index newDummyIn(Index layer) {
+        m_graph.layer.push_back(layer);
+        return m_graph.vertexCount() - 1;
     }
 
     // Boxes without edges, and many of them in one layer, would make a column higher than all others.

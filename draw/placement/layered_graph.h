@@ -43,7 +43,8 @@ struct Edge {
     Bend bend = Bend::none;
     double tailOffset = 0;  // where it touches, from the vertex's top; at a lane: from the container's
     double headOffset = 0;
-    double trackX = 0;     // of a bend in a track: from the start of the gap
+    double bendBegin = 0;  // of a curve or track: its sides in the container; a track's are the same
+    double bendEnd = 0;
     Index fold = nothing;  // of a bend into the next row: in the geometry
 };
 

@@ -13,7 +13,8 @@ void forEnds(const LayeredGraph& graph, Visit visit) {
         const Edge& edge = graph.edges[i];
         if (edge.kind == Edge::Kind::plain) continue;
         if (edge.tail != nothing) visit(edge.tail, i, true);
-        if (edge.head != nothing) visit(edge.head, i, false);
+        const bool isAtDummy = edge.head != nothing && edge.head >= graph.firstDummyVertex;
+        if (edge.head != nothing && !isAtDummy) visit(edge.head, i, false);
     }
 }
 

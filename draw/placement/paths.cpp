@@ -74,17 +74,16 @@ class PathMaker {
         const bool isLoop = edge.kind == Edge::Kind::loop;
         const double fromY = edge.tail == nothing ? edge.tailOffset : m_graph.tailY(edge);
         const double toY = edge.head == nothing ? edge.headOffset : m_graph.headY(edge);
-        const Index gap = edge.tail == nothing ? m_graph.layer[edge.head] - 1 : m_graph.layer[edge.tail];
-        if (edge.tail != nothing) addToEdge(afterTail(edge), fromY);
+        if (hasKnot(edge.tail)) addToEdge(afterTail(edge), fromY);
         if (edge.bend == Edge::Bend::curve) {
             // Arrow heads need a straight piece before the curve. Without heads it is the same, so that curves side by side
             // do not cross.
-            const double lead = std::min(curveLead, (m_geometry.gapEnd(gap) - m_geometry.gapBegin(gap)) / 5);
-            addToEdge(m_geometry.gapBegin(gap) + lead, fromY);
-            addToEdge(m_geometry.gapEnd(gap) - lead, toY, true);
+            const double lead = std::min(curveLead, (edge.bendEnd - edge.bendBegin) / 5);
+            addToEdge(edge.bendBegin + lead, fromY);
+            addToEdge(edge.bendEnd - lead, toY, true);
         } else if (edge.bend == Edge::Bend::track) {
-            addToEdge(m_geometry.gapBegin(gap) + edge.trackX, fromY);
-            addToEdge(m_geometry.gapBegin(gap) + edge.trackX, toY);
+            addToEdge(edge.bendBegin, fromY);
+            addToEdge(edge.bendBegin, toY);
         } else if (edge.bend == Edge::Bend::fold) {
             const Fold& fold = m_geometry.folds[edge.fold];
             addToEdge(fold.right, fromY);
@@ -92,7 +91,7 @@ class PathMaker {
             addToEdge(fold.left, fold.lane);
             addToEdge(fold.left, toY);
         }
-        if (edge.head != nothing) addToEdge(beforeHead(edge, isLoop), toY);
+        if (hasKnot(edge.head)) addToEdge(beforeHead(edge, isLoop), toY);
     }
 
     void addToEdge(double x, double y, bool isCurve = false) {
@@ -107,6 +106,9 @@ class PathMaker {
         if (m_edgeKnotCount > 0) m_edgeKnots.at(0).isCurve = false;
     }
 
+    // Lines pass straight through dummy vertices.
+    [[nodiscard]] bool hasKnot(Index vertex) const { return vertex < m_graph.firstDummyVertex; }
+
     // Where an edge leaves and enters its vertices, or the labels beside them.
     [[nodiscard]] double afterTail(const Edge& edge) const {
         return rightOf(edge.tailLabel == nothing ? edge.tail : edge.tailLabel);
@@ -116,13 +118,11 @@ class PathMaker {
         return isLoop ? rightOf(vertex) : leftOf(vertex);
     }
 
-    // Points have no width: lines pass straight through their layer. Ports stand at their container's border.
+    // Ports stand at their container's border, and have no width.
     [[nodiscard]] double leftOf(Index vertex) const {
         if (vertex < m_graph.boxCount) return m_geometry.boxes[vertex].x;
-        const Index layer = m_graph.layer[vertex];
-        const bool isAtEnd =
-            m_graph.isPort(vertex) && m_graph.hierarchicalPorts[vertex - m_graph.boxCount].isAtEnd;
-        return isAtEnd ? m_geometry.gapBegin(layer) : m_geometry.layerX[layer];
+        const HierarchicalPort& port = m_graph.hierarchicalPorts[vertex - m_graph.boxCount];
+        return port.isAtEnd ? m_geometry.boxes[port.box].width : 0;
     }
     [[nodiscard]] double rightOf(Index vertex) const {
         return vertex < m_graph.boxCount ? m_geometry.boxes[vertex].right() : leftOf(vertex);

@@ -11,6 +11,7 @@
 #include "draw/placement/paths.h"
 #include "draw/placement/placement.h"
 #include "draw/placement/route_segments.h"
+#include "draw/placement/untwisting.h"
 
 namespace tessera_draw {
 namespace {
@@ -65,6 +66,7 @@ Placement placeBoxes(const PlacementInput& input, const Spacing& spacing, const 
         orderLayers(graph, nesting, cancel);
     else
         orderAsKept(graph, nesting, routeSegments, input.kept);
+    untwist(graph);
     // What is kept stays in its rows.
     const ContainerGeometry geometry =
         foldedGeometry(input, nesting, graph, spacing, input.kept.empty() ? shape : Shape{}, cancel);

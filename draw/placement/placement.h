@@ -105,8 +105,9 @@ struct Placement {
     KeptLayers layers;              // for a later placement, if the input wants them
 };
 
-// Boxes of one group do not overlap, lie inside their container's padding, and are ordered by their levels, in each row
-// of a folded container. Labels of ends stand beside the boxes that their lines end in, labels of centers near the middle
+// Boxes of one group do not overlap, and lie inside their container's padding. They are ordered by their levels, in each row of
+// a folded container: a box is on the right of those of lower levels that share heights with it, and its middle is not before
+// the middle of any of them. Labels of ends stand beside the boxes that their lines end in, labels of centers near the middle
 // of their lines. Levels without boxes take no space. Many boxes of one level without lines are arranged in a grid. Boxes at
 // a border are in the first or last layer whatever their level is. A box whose group does not exist, and one
 // box of each cycle of groups, is placed at top level.

@@ -11,6 +11,8 @@ constexpr double straight = 1e-3;
 constexpr double cornerMargin = 6;   // no end is nearer to a corner of its box
 constexpr double nearRows = 1.5;     // lines this near to each other look like one
 constexpr std::size_t maxNear = 32;  // rows that are compared; only a hub has more of them so near
+constexpr double runStep = 3;        // that a straight run of a line gives way
+constexpr double boxStep = 4;        // that an end gives way at its box
 constexpr Index maxTracks = 24;      // at full distance; more tracks are closer together
 
 // Assigns tracks to edges of one direction: the edge that starts lowest gets the first track, each further
@@ -84,23 +86,24 @@ Index tracksForBoth(const std::vector<GapEdge*>& downs, const std::vector<GapEdg
 
 }  // namespace
 
-double GapPlan::width() {
+std::vector<Bends> GapPlan::bends() {
     std::erase_if(m_edges, [](const GapEdge& edge) {
         return !edge.isLoop && std::abs(edge.from - edge.to) < straight;
     });
     std::sort(m_edges.begin(), m_edges.end(), [](const GapEdge& a, const GapEdge& b) {
         return a.upper() != b.upper() ? a.upper() < b.upper() : a.edge < b.edge;
     });
-    m_width = 0;
+    std::vector<Bends> all;
     for (auto begin = m_edges.begin(); begin != m_edges.end();) {
         auto end = begin;
         double reach = begin->lower();
         for (; end != m_edges.end() && end->upper() < reach + m_spacing.betweenLines; ++end)
             reach = std::max(reach, end->lower());
-        planCluster(begin, end);
+        all.push_back({static_cast<Index>(begin - m_edges.begin()), static_cast<Index>(end - m_edges.begin()),
+                       begin->upper(), reach, plan(begin, end)});
         begin = end;
     }
-    return m_width;
+    return all;
 }
 
 bool GapPlan::isCurved(Iterator begin, Iterator end) const {
@@ -114,22 +117,19 @@ bool GapPlan::isCurved(Iterator begin, Iterator end) const {
            (count <= 3 && maxLength <= 5 * m_spacing.betweenLayers);
 }
 
-// A cluster is a maximal range of edges that overlap, directly or through others.
-void GapPlan::planCluster(Iterator begin, Iterator end) {
-    if (!isCurved(begin, end)) {
-        assignTracks(begin, end);
-        return;
-    }
+// Returns the width that the edges need.
+double GapPlan::plan(Iterator begin, Iterator end) {
+    if (!isCurved(begin, end)) return assignTracks(begin, end);
     double maxLength = 0;
     for (auto it = begin; it != end; ++it) {
         m_graph.edges[it->edge].bend = Edge::Bend::curve;
         maxLength = std::max(maxLength, it->lower() - it->upper());
     }
     const double steepness = std::clamp((maxLength / m_spacing.betweenLayers - 2) / 6, 0.0, 1.0);
-    m_width = std::max(m_width, m_spacing.betweenLayers * (1 + steepness));
+    return m_spacing.betweenLayers * (1 + steepness);
 }
 
-void GapPlan::assignTracks(Iterator begin, Iterator end) {
+double GapPlan::assignTracks(Iterator begin, Iterator end) {
     std::vector<GapEdge*> loops;
     std::vector<GapEdge*> downs;
     std::vector<GapEdge*> ups;
@@ -150,29 +150,34 @@ void GapPlan::assignTracks(Iterator begin, Iterator end) {
         edge->track = loopTracks + tracks - 1 - edge->track;
     for (auto it = begin; it != end; ++it)
         it->tracks = loopTracks + tracks;
-    m_width = std::max(m_width, widthFor(loopTracks + tracks));
+    return widthFor(loopTracks + tracks);
 }
 
 double GapPlan::widthFor(Index tracks) const {
     return m_spacing.betweenLayers + std::min(tracks - 1, maxTracks) * m_spacing.betweenLines;
 }
 
-void GapPlan::setTracks(double gapWidth) {
-    for (const GapEdge& edge : m_edges) {
-        if (m_graph.edges[edge.edge].bend != Edge::Bend::track) continue;
-        const double width = widthFor(edge.tracks) - m_spacing.betweenLayers;
-        const double pitch = edge.tracks > 1 ? width / (edge.tracks - 1) : 0;
-        m_graph.edges[edge.edge].trackX = (gapWidth - width) / 2 + edge.track * pitch;
+void GapPlan::place(const Bends& bends, double x, double width) {
+    const auto begin = m_edges.begin() + bends.begin;
+    const auto end = m_edges.begin() + bends.end;
+    for (auto it = begin; it != end; ++it) {
+        Edge& edge = m_graph.edges[it->edge];
+        edge.bendBegin = x;
+        edge.bendEnd = x + width;
+        if (edge.bend != Edge::Bend::track) continue;
+        const double tracks = widthFor(it->tracks) - m_spacing.betweenLayers;
+        const double pitch = it->tracks > 1 ? tracks / (it->tracks - 1) : 0;
+        edge.bendBegin = edge.bendEnd = x + (width - tracks) / 2 + it->track * pitch;
     }
-    separateRows();
+    separateRows(begin, end);
 }
 
 // If one edge leaves its track at the y at which another one enters a track further right, the two lie on
 // each other in between. One of the two ends is then moved towards its edge's other end.
-void GapPlan::separateRows() {
+void GapPlan::separateRows(Iterator begin, Iterator end) {
     std::vector<const GapEdge*> byFrom;
-    for (const GapEdge& edge : m_edges)
-        if (!edge.isLoop && m_graph.edges[edge.edge].bend == Edge::Bend::track) byFrom.push_back(&edge);
+    for (auto it = begin; it != end; ++it)
+        if (!it->isLoop && m_graph.edges[it->edge].bend == Edge::Bend::track) byFrom.push_back(&*it);
     std::vector<const GapEdge*> byTo = byFrom;
     std::sort(byFrom.begin(), byFrom.end(), [](const GapEdge* a, const GapEdge* b) {
         return a->from != b->from ? a->from < b->from : a->edge < b->edge;
@@ -187,28 +192,68 @@ void GapPlan::separateRows() {
         const std::size_t last = std::min(byFrom.size(), first + maxNear);
         for (std::size_t k = first; k < last && byFrom[k]->from <= out->to + nearRows; ++k) {
             const GapEdge* in = byFrom[k];
-            if (m_graph.edges[out->edge].trackX >= m_graph.edges[in->edge].trackX) continue;
+            if (trackOf(*out) >= trackOf(*in)) continue;
             if (!giveWay(*out, false)) (void)giveWay(*in, true);
             break;
         }
     }
 }
 
-// Moves the edge's end along its box. Returns false if the end is fixed, at a point or a port.
+// Moves the edge's end towards its other end: along its box, or with the straight run that it leads to. Returns false if the
+// end is fixed.
 bool GapPlan::giveWay(const GapEdge& gapEdge, bool isTail) {
-    Edge& edge = m_graph.edges[gapEdge.edge];
+    const Edge& edge = m_graph.edges[gapEdge.edge];
     const Index vertex = isTail ? edge.tail : edge.head;
-    if (vertex >= m_graph.boxCount || (isTail ? edge.tailPort : edge.headPort) != nothing) return false;
-    if ((isTail ? edge.tailLabel : edge.headLabel) != nothing) return false;
-    const auto& begin = isTail ? m_graph.outBegin : m_graph.inBegin;
-    const double step = m_graph.height[vertex] / (begin[vertex + 1] - begin[vertex] + 1.0);
-    const double way = std::min({4.0, step * 0.4, (gapEdge.lower() - gapEdge.upper()) / 3});
-    const bool goesDown = (gapEdge.from < gapEdge.to) == isTail;
+    const double sign = (gapEdge.from < gapEdge.to) == isTail ? 1 : -1;
+    if (vertex != nothing && vertex >= m_graph.boxCount) return moveRun(vertex, !isTail, sign * runStep);
+    return moveEnd(gapEdge.edge, isTail, sign * std::min(boxStep, (gapEdge.lower() - gapEdge.upper()) / 3));
+}
+
+// Only so far that ends at the same side stay apart.
+bool GapPlan::moveEnd(Index index, bool isTail, double way) {
+    Edge& edge = m_graph.edges[index];
+    const Index vertex = isTail ? edge.tail : edge.head;
+    const bool isFixed = vertex >= m_graph.boxCount || (isTail ? edge.tailPort : edge.headPort) != nothing ||
+                         (isTail ? edge.tailLabel : edge.headLabel) != nothing;
+    if (isFixed) return false;
     double& offset = isTail ? edge.tailOffset : edge.headOffset;
-    const double moved = offset + (goesDown ? way : -way);
+    const double room = roomAt(vertex, isTail);
+    const double moved = offset + std::clamp(way, -room, room);
     const double margin = m_graph.inset[vertex] + cornerMargin;
     if (moved < margin || moved > m_graph.height[vertex] - margin) return false;
     offset = moved;
+    return true;
+}
+
+// How far an end can move at this side of its box.
+double GapPlan::roomAt(Index box, bool isTail) const {
+    const auto& begin = isTail ? m_graph.outBegin : m_graph.inBegin;
+    return 0.4 * m_graph.height[box] / (begin[box + 1] - begin[box] + 1.0);
+}
+
+// Moves the points from this one to the next bend, to the border, or to an end that can move as far. Returns false where the
+// run is fixed.
+bool GapPlan::moveRun(Index vertex, bool isForwards, double way) {
+    constexpr std::size_t longestRun = 64;
+    const auto& begin = isForwards ? m_graph.outBegin : m_graph.inBegin;
+    const auto& edges = isForwards ? m_graph.outEdges : m_graph.inEdges;
+    std::vector<Index> run;
+    while (true) {
+        run.push_back(vertex);
+        if (m_graph.isPort(vertex)) break;
+        if (begin[vertex] == begin[vertex + 1] || run.size() == longestRun) return false;
+        const Index next = edges[begin[vertex]];
+        const Edge& edge = m_graph.edges[next];
+        if (edge.bend != Edge::Bend::none) break;
+        vertex = isForwards ? edge.head : edge.tail;
+        if (vertex >= m_graph.boxCount) continue;
+        const bool canMove = m_graph.isOnLine[vertex] == 0 && roomAt(vertex, !isForwards) >= std::abs(way) &&
+                             moveEnd(next, !isForwards, way);
+        if (!canMove) return false;
+        break;
+    }
+    for (const Index each : run)
+        m_graph.top[each] += way;
     return true;
 }
 

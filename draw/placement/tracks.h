@@ -14,10 +14,20 @@ struct GapEdge {
     double to = 0;
     bool isLoop = false;  // leaves to the left as well
     Index track = 0;
-    Index tracks = 0;  // the number of tracks in its cluster
+    Index tracks = 0;  // how many there are
 
     [[nodiscard]] double upper() const { return from < to ? from : to; }
     [[nodiscard]] double lower() const { return from < to ? to : from; }
+};
+
+// Bends that overlap in height, directly or through others: a range of the gap's edges. Ranges are
+// at least the distance between lines apart.
+struct Bends {
+    Index begin = 0;
+    Index end = 0;
+    double upper = 0;  // y
+    double lower = 0;
+    double width = 0;  // pixels that they need
 };
 
 // Gives each edge that is not straight a curve, if there is space for one, or a track: the
@@ -28,26 +38,29 @@ class GapPlan {
     GapPlan(std::vector<GapEdge>& edges, LayeredGraph& graph, const Spacing& spacing)
         : m_edges(edges), m_graph(graph), m_spacing(spacing) {}
 
-    // Returns the width in pixels that the bends need, 0 without bends.
-    [[nodiscard]] double width();
+    // Removes straight edges, sorts the others, and returns how they are together, from top to bottom.
+    [[nodiscard]] std::vector<Bends> bends();
 
-    // REQUIRES: width() was called for these edges before, and `gapWidth` is at least its result.
-    void setTracks(double gapWidth);
+    // Places bends that bends() returned, from this x in the container, in this width.
+    void place(const Bends& bends, double x, double width);
 
   private:
     using Iterator = std::vector<GapEdge>::iterator;
 
-    void planCluster(Iterator begin, Iterator end);
+    [[nodiscard]] double plan(Iterator begin, Iterator end);
     [[nodiscard]] bool isCurved(Iterator begin, Iterator end) const;
-    void assignTracks(Iterator begin, Iterator end);
+    [[nodiscard]] double assignTracks(Iterator begin, Iterator end);
     [[nodiscard]] double widthFor(Index tracks) const;
-    void separateRows();
+    void separateRows(Iterator begin, Iterator end);
+    [[nodiscard]] double& trackOf(const GapEdge& edge) { return m_graph.edges[edge.edge].bendBegin; }
     [[nodiscard]] bool giveWay(const GapEdge& gapEdge, bool isTail);
+    [[nodiscard]] bool moveEnd(Index index, bool isTail, double way);
+    [[nodiscard]] double roomAt(Index box, bool isTail) const;
+    [[nodiscard]] bool moveRun(Index vertex, bool isForwards, double way);
 
     std::vector<GapEdge>& m_edges;
     LayeredGraph& m_graph;
     const Spacing& m_spacing;
-    double m_width = 0;
 };
 
 }  // namespace tessera_draw::placing

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "draw/scene/box_sizes.h"
 #include "draw/scene/layout_data.h"
@@ -15,11 +16,12 @@ namespace {
 
 // Lengths in pixels. Texts are placed by their base lines.
 constexpr double margin = sceneMargin;
-constexpr double headingLine = 40;
+constexpr double headingLine = 36;
 constexpr double badgeHeight = 28;
-constexpr double badgeTop = 20;
+constexpr double badgeTop = 16;
 constexpr double maxHeading = 640;
 constexpr double minHeading = 160;
+constexpr double headingGap = 24;  // between the title, the badge, and a legend between them
 constexpr double legendGap = 26;
 constexpr double legendStep = 20;
 constexpr double legendBetween = 20;
@@ -27,7 +29,7 @@ constexpr double maxLegendText = 180;
 constexpr std::size_t maxLegendEntries = 24;
 constexpr double sampleLength = 26;  // of a line's width
 constexpr double sampleSpace = 32;   // with the gap beside it
-constexpr double summaryLine = 60;   // below the heading, above the content
+constexpr double summaryLine = 56;   // below the heading, above the content
 constexpr double summaryGap = 14;
 constexpr double minLast = 190;  // for what comes last, before levels give way to it
 
@@ -45,19 +47,22 @@ double badgeWidth(double modeWidth) {
 double headingWidth(const Diagram& diagram, double badge) {
     const TextStyle& style = styleOf(TextRole::heading);
     const double title = fitText(titleOf(diagram), maxHeading, style.size, style.weight).width;
-    return std::max(title, minHeading) + 24 + badge;
+    return std::max(title, minHeading) + headingGap + badge;
 }
 
-void drawHeading(SceneBuilder& builder, const Diagram& diagram, std::string_view mode, double badge,
+Rect drawHeading(SceneBuilder& builder, const Diagram& diagram, std::string_view mode, double badge,
                  double width) {
     builder.begin(Element::Kind::heading, {});
-    builder.text({margin, headingLine}, TextRole::heading, titleOf(diagram), width - 2 * margin - 24 - badge);
+    const double title = builder.text({margin, headingLine}, TextRole::heading, titleOf(diagram),
+                                      width - 2 * margin - headingGap - badge);
     if (!titleOf(diagram).empty()) builder.tooltip(titleOf(diagram));
-    if (mode.empty()) return;
+    const double left = margin + title + headingGap;
+    if (mode.empty()) return {left, badgeTop, width - margin - left, badgeHeight};
     const Rect rect{width - margin - badge, badgeTop, badge, badgeHeight};
     builder.box(rect, BoxRole::badge);
     builder.text({rect.x + badge / 2, rect.y + 18.5}, TextRole::badge, mode, badge - 16);
     builder.tooltip("display mode", ": ", mode);
+    return {left, badgeTop, rect.x - headingGap - left, badgeHeight};
 }
 
 namespace {
@@ -120,30 +125,41 @@ namespace {
 // Places the entries of a legend one after the other, and continues on a new line where one is full.
 class LegendLines {
   public:
-    LegendLines(double top, double width) : m_right(width - margin), m_line(top + legendGap) {}
+    LegendLines(double left, double line, double right)
+        : m_left(left), m_right(right), m_x(left), m_line(line) {}
 
     // The left edge of the next item, which is this wide.
     double place(double itemWidth) {
-        if (m_x > margin && m_x + itemWidth > m_right) newLine();
+        if (m_x > m_left && m_x + itemWidth > m_right) newLine();
         const double at = m_x;
         m_x += itemWidth + legendBetween;
         return at;
     }
     void newLine() {
-        if (m_x > margin) m_line += legendStep;
-        m_x = margin;
+        if (m_x > m_left) m_line += legendStep;
+        m_x = m_left;
     }
     [[nodiscard]] double line() const noexcept { return m_line; }
 
   private:
+    const double m_left;
     const double m_right;
-    double m_x = margin;
+    double m_x;
     double m_line;
 };
 
 double legendWidth(std::string_view text) {
     const TextStyle& style = styleOf(TextRole::legend);
     return fitText(text, maxLegendText, style.size, style.weight).width;
+}
+
+// In one line, all of them; infinite if that is not how they are shown.
+double typesWidth(const DisplayTypes& types) {
+    if (types.entries().size() > maxLegendEntries) return std::numeric_limits<double>::infinity();
+    double width = 0;
+    for (const auto& [type, look] : types.entries())
+        width += symbolSpace + legendWidth(type) + legendBetween;
+    return width - legendBetween;
 }
 
 void drawTypes(SceneBuilder& builder, const DisplayTypes& types, LegendLines& lines) {
@@ -196,13 +212,19 @@ void drawChanges(SceneBuilder& builder, LegendLines& lines) {
 
 }  // namespace
 
-double drawLegend(SceneBuilder& builder, const DisplayTypes& types, const Meaning& meaning, double top,
-                  double width) {
+double drawLegend(SceneBuilder& builder, const DisplayTypes& types, const Meaning& meaning, const Rect& room,
+                  double top, double width) {
     const bool hasTypes = !types.entries().empty();
     const bool hasMeaning = !builder.scene().levels.empty() || !meaning.widthSteps.empty();
     if (!hasTypes && !hasMeaning) return 0;
     builder.begin(Element::Kind::legend, {});
-    LegendLines lines(top, width);
+    const double inHeading = typesWidth(types);
+    if (!hasMeaning && inHeading <= room.width) {
+        LegendLines line(room.right() - inHeading, room.y + room.height / 2 + 4, width - margin);
+        drawTypes(builder, types, line);
+        return 0;
+    }
+    LegendLines lines(margin, top + legendGap, width - margin);
     if (hasTypes) drawTypes(builder, types, lines);
     if (hasMeaning) {
         lines.newLine();

@@ -21,8 +21,9 @@ namespace tessera_draw {
 [[nodiscard]] double headingWidth(const Diagram& diagram, double badge);
 
 // Draws the title, and the display mode as a badge on the right. `badge` is the badge's width, `width` that of
-// the whole drawing. No badge for an empty `mode`. The texts of diagram and mode must outlive the scene.
-void drawHeading(SceneBuilder& builder, const Diagram& diagram, std::string_view mode, double badge,
+// the whole drawing. No badge for an empty `mode`. The texts of diagram and mode must outlive the scene. Returns the room
+// between the two.
+Rect drawHeading(SceneBuilder& builder, const Diagram& diagram, std::string_view mode, double badge,
                  double width);
 
 // Adds to the heading how many values are at which level, and the name of the place with the worst one, "" for
@@ -30,11 +31,11 @@ void drawHeading(SceneBuilder& builder, const Diagram& diagram, std::string_view
 // drawHeading() has opened the element.
 void drawSummary(SceneBuilder& builder, const Meaning& meaning, const std::string& worstPlace, double width);
 
-// Draws below `top`, in as many lines as they need, the display types and their symbols, then the levels and their
-// signs, then the widths of lines. Beyond 24 types the rest is counted ("+3 more"). Returns the legend's height, 0
-// if there is nothing to explain.
-double drawLegend(SceneBuilder& builder, const DisplayTypes& types, const Meaning& meaning, double top,
-                  double width);
+// Draws the display types and their symbols into the heading where all of them have room there and nothing else needs an
+// explanation. Else draws below `top`, in as many lines as they need, the types, then the levels and their signs, then the
+// widths of lines. `room` is what drawHeading() returned. Beyond 24 types the rest is counted ("+3 more"). Returns the height of what is below, 0 for nothing.
+double drawLegend(SceneBuilder& builder, const DisplayTypes& types, const Meaning& meaning, const Rect& room,
+                  double top, double width);
 
 // Draws the note of a drawing without content into `rect`.
 void drawNothing(SceneBuilder& builder, const Rect& rect);

@@ -42,7 +42,7 @@ struct LayoutData {
     bool isDownward = false;            // links lead from top to bottom
 };
 
-inline constexpr double sceneMargin = 28;
+inline constexpr double sceneMargin = 24;
 // Pixels: drawings up to this size can be shown whole on most screens, whatever their shape.
 inline constexpr double fitsAnywhere = 1200;
 // Boxes: larger drawings are not folded, as they are not seen as a whole and take longer.
@@ -50,6 +50,6 @@ inline constexpr std::size_t mostFolded = 5'000;
 // Width to height, and height to width, beyond which a drawing is a band that is hard to look at.
 inline constexpr double widestShape = 4;
 inline constexpr double highestShape = 3;
-inline constexpr double contentTop = 72;  // below the heading
+inline constexpr double contentTop = 68;  // below the heading
 
 }  // namespace tessera_draw

@@ -204,7 +204,7 @@ Scene fill(const LayoutPointer& layout, const basekit2::variant_bag_t& bag, Diff
     scene.goneLines = goneLinesOf(data, drawing.values);
     scene.hasChanges = !drawing.values.meaning.comparison.empty();
     scene.size.width = data.width;
-    drawHeading(drawing.builder, data.structure, scene.mode, data.badge, scene.size.width);
+    const Rect room = drawHeading(drawing.builder, data.structure, scene.mode, data.badge, scene.size.width);
     drawSummary(drawing.builder, drawing.values.meaning, worstPlaceOf(data, drawing.values),
                 scene.size.width);
     if (data.isEmpty)
@@ -218,7 +218,8 @@ Scene fill(const LayoutPointer& layout, const basekit2::variant_bag_t& bag, Diff
     // The legend comes last: its height depends on how many lines its entries take.
     const double bottom = contentTop + data.content.height;
     scene.size.height =
-        bottom + drawLegend(drawing.builder, data.types, drawing.values.meaning, bottom, scene.size.width) +
+        bottom +
+        drawLegend(drawing.builder, data.types, drawing.values.meaning, room, bottom, scene.size.width) +
         sceneMargin;
     drawing.builder.end();
     return scene;

@@ -44,7 +44,9 @@ TEST_F(DrawLabelSliding, ALabelMovesToTheMiddleOfItsLine) {
     const double middle = (placed.boxes[a].right() + placed.boxes[b].x) / 2;
     EXPECT_NEAR(middleOf(placed.boxes[l]), middle, 1e-6);
     input.boxes[l].labelEnd = BoxToPlace::LabelEnd::none;
-    EXPECT_LT(middleOf(place(input, {}).boxes[l]), middle - 100) << "others stay in their column";
+    const Placement unmoved = place(input, {});
+    EXPECT_NEAR(unmoved.boxes[l].x, unmoved.boxes[a].right() + Spacing{}.besideLabels, 1e-6)
+        << "others stay where the columns are";
 }
 
 // The line passes the wide box at a distance of 10 pixels, which is less than half of the label's height.
@@ -74,6 +76,26 @@ TEST_F(DrawLabelSliding, DeepNestingTakesNoTimeOfItsOwn) {
         input.boxes[around].padding = {10, 20, 10, 10};
     }
     EXPECT_EQ(place(input, {}).boxes.size(), input.boxes.size());
+}
+
+// The line leaves the box through two labels, turns around and comes back through the third.
+TEST_F(DrawLabelSliding, ALineToItsOwnBoxPassesStraightThroughThreeLabels) {
+    const Index own = box(100);
+    const std::vector<Index> labels{label(), label(), label()};
+    input.boxes[labels[0]].labelEnd = BoxToPlace::LabelEnd::from;
+    input.boxes[labels[2]].labelEnd = BoxToPlace::LabelEnd::to;
+    input.lines.push_back({own, own, labels});
+    const Placement placed = place(input, {});
+    EXPECT_EQ(tessera_test::findFault(input, placed), "");
+    const auto& stretches = placed.lines.front().stretches;
+    ASSERT_EQ(stretches.size(), 4U);
+    const Rect& middle = placed.boxes[labels[1]];
+    EXPECT_NEAR(stretches[1].segments.back().end.x, middle.x, 1e-6);
+    EXPECT_NEAR(stretches[2].start.x, middle.right(), 1e-6);
+    const Rect& last = placed.boxes[labels[2]];
+    EXPECT_NEAR(stretches[2].segments.back().end.x, last.right(), 1e-6);
+    EXPECT_NEAR(stretches[3].start.x, last.x, 1e-6);
+    EXPECT_NEAR(stretches[3].segments.back().end.x, placed.boxes[own].right(), 1e-6);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Rows of layers, and parts that no line connects.
+// Columns that move together, rows of layers, and parts that no line connects.
 #include <gtest/gtest.h>
 
 #include "draw/placement/placement.h"
@@ -19,6 +19,34 @@ class DrawPlacementShape : public testing::Test {
 
     PlacementInput input;
 };
+
+// A wide box above two narrow ones: what follows a narrow one is beside it, not beyond the wide one.
+TEST_F(DrawPlacementShape, ColumnsMoveTogetherWhereNothingIsBetweenThem) {
+    for (const std::int32_t level : {0, 1, 1, 2})
+        box(level);
+    input.boxes[1].size.width = 500;
+    line(0, 1);
+    line(0, 2);
+    line(2, 3);
+    const Placement placed = place(input, {});
+    EXPECT_EQ(tessera_test::findFault(input, placed), "");
+    EXPECT_NEAR(placed.boxes[2].x, 140 + 200, 1e-6) << "in the middle of its column, which is 500 wide";
+    EXPECT_NEAR(placed.boxes[3].x, placed.boxes[2].right() + 40, 1e-6);
+    EXPECT_NEAR(placed.size.width, 640, 1e-6) << "the wide one ends there";
+}
+
+TEST_F(DrawPlacementShape, ColumnsKeepTheirOrderWhereNothingIsBetweenThem) {
+    for (const std::int32_t level : {0, 1, 0, 2})
+        box(level);
+    input.boxes[1].size.width = 500;
+    line(0, 1);
+    line(2, 3);
+    const Placement placed = place(input, {});
+    EXPECT_EQ(tessera_test::findFault(input, placed), "");
+    EXPECT_NEAR(placed.boxes[1].x, 140, 1e-6);
+    EXPECT_NEAR(placed.boxes[3].x + 50, 140 + 250 + 40, 1e-6)
+        << "its middle is beyond the middle of the column before";
+}
 
 // Eight boxes in a chain need 1080 pixels in one row, and about half in two.
 TEST_F(DrawPlacementShape, ABandGoesOnInFurtherRows) {

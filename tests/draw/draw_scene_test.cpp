@@ -288,6 +288,22 @@ TEST(DrawScene, DisplayTypesHaveSignsAndALegend) {
     EXPECT_EQ(textsOf(scene, *legends.front()), (std::vector<std::string>{"process", "storage"}));
 }
 
+TEST(DrawScene, TheLegendStandsInTheHeadingWhereItHasRoom) {
+    DrawnBag drawn;
+    drawn.node("a", "A").put("displayType", "process");
+    drawn.node("b", "A second node beside the first one", 1);
+    drawn.link("l", "a", "b", "forward");
+    const auto legendLine = [](const Scene& scene) {
+        return scene.texts[elementsOf(scene, Element::Kind::legend).front()->texts.first].at.y;
+    };
+    const Scene wide = makeScene(drawn.bag, {});
+    EXPECT_LT(legendLine(wide),
+              wide.boxes[elementsOf(wide, Element::Kind::node).front()->boxes.first].rect.y);
+    drawn.node("c", "C").put("displayType", "a type with a name that is much too long for any heading");
+    const Scene narrow = makeScene(drawn.bag, {});
+    EXPECT_GT(legendLine(narrow), narrow.size.height - 40) << "below everything";
+}
+
 TEST(DrawScene, TwelveDisplayTypesLookDifferent) {
     Diagram diagram;
     std::vector<std::string> names;

@@ -90,7 +90,11 @@ class Checker {
                                 boxB.border == BoxToPlace::Border::none && boxA.level != boxB.level;
         if (!areOrdered) return;
         const bool isFirst = boxA.level < boxB.level;
-        require((isFirst ? a.right() : b.right()) <= (isFirst ? b.x : a.x) + tolerance,
+        const Rect& first = isFirst ? a : b;
+        const Rect& second = isFirst ? b : a;
+        // Boxes of later levels may stand above and below wide ones of earlier levels.
+        const bool areBeside = a.bottom() > b.y + tolerance && b.bottom() > a.y + tolerance;
+        require((areBeside ? first.right() : first.x) <= (areBeside ? second.x : second.right()) + tolerance,
                 fmt::format("boxes {} and {} are not in the order of their levels", i, k));
     }
 
