@@ -11,8 +11,7 @@ constexpr double straight = 1e-3;
 constexpr double cornerMargin = 6;   // no end is nearer to a corner of its box
 constexpr double nearRows = 1.5;     // lines this near to each other look like one
 constexpr std::size_t maxNear = 32;  // rows that are compared; only a hub has more of them so near
-constexpr double runStep = 3;        // that a straight run of a line gives way
-constexpr double boxStep = 4;        // that an end gives way at its box
+constexpr double mostMoved = 3;      // when an end or a straight run of a line gives way
 constexpr Index maxTracks = 24;      // at full distance; more tracks are closer together
 
 // Assigns tracks to edges of one direction: the edge that starts lowest gets the first track, each further
@@ -205,17 +204,15 @@ bool GapPlan::giveWay(const GapEdge& gapEdge, bool isTail) {
     const Edge& edge = m_graph.edges[gapEdge.edge];
     const Index vertex = isTail ? edge.tail : edge.head;
     const double sign = (gapEdge.from < gapEdge.to) == isTail ? 1 : -1;
-    if (vertex != nothing && vertex >= m_graph.boxCount) return moveRun(vertex, !isTail, sign * runStep);
-    return moveEnd(gapEdge.edge, isTail, sign * std::min(boxStep, (gapEdge.lower() - gapEdge.upper()) / 3));
+    if (vertex != nothing && m_graph.isOnLine[vertex] != 0) return moveRun(vertex, !isTail, sign * mostMoved);
+    return moveEnd(gapEdge.edge, isTail, sign * std::min(mostMoved, (gapEdge.lower() - gapEdge.upper()) / 3));
 }
 
-// Only so far that ends at the same side stay apart.
+// Only so far that ends at the same side, and the labels beside them, stay apart.
 bool GapPlan::moveEnd(Index index, bool isTail, double way) {
     Edge& edge = m_graph.edges[index];
     const Index vertex = isTail ? edge.tail : edge.head;
-    const bool isFixed = vertex >= m_graph.boxCount || (isTail ? edge.tailPort : edge.headPort) != nothing ||
-                         (isTail ? edge.tailLabel : edge.headLabel) != nothing;
-    if (isFixed) return false;
+    if (vertex >= m_graph.boxCount || (isTail ? edge.tailPort : edge.headPort) != nothing) return false;
     double& offset = isTail ? edge.tailOffset : edge.headOffset;
     const double room = roomAt(vertex, isTail);
     const double moved = offset + std::clamp(way, -room, room);
@@ -246,10 +243,8 @@ bool GapPlan::moveRun(Index vertex, bool isForwards, double way) {
         const Edge& edge = m_graph.edges[next];
         if (edge.bend != Edge::Bend::none) break;
         vertex = isForwards ? edge.head : edge.tail;
-        if (vertex >= m_graph.boxCount) continue;
-        const bool canMove = m_graph.isOnLine[vertex] == 0 && roomAt(vertex, !isForwards) >= std::abs(way) &&
-                             moveEnd(next, !isForwards, way);
-        if (!canMove) return false;
+        if (m_graph.isOnLine[vertex] != 0) continue;
+        if (roomAt(vertex, !isForwards) < std::abs(way) || !moveEnd(next, !isForwards, way)) return false;
         break;
     }
     for (const Index each : run)

@@ -1,11 +1,17 @@
 #include "draw/placement/untwisting.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tessera_draw::placing {
 namespace {
 
 constexpr int passes = 4;
+constexpr Index reach = 8;       // how many vertices a line is led past
+constexpr Index mostEdges = 16;  // of each of them
+
+// Whether an end of one edge is below or above that of another: 1, -1, or 0 for neither.
+using Side = int;
 
 class Untwisting {
   public:
@@ -23,12 +29,19 @@ class Untwisting {
     bool run() {
         bool hasChanged = false;
         for (Index layer = 0; layer < m_graph.firstLayer.back(); ++layer)
-            for (Index i = 0; i + 1 < m_graph.sizeOf(layer); ++i)
-                hasChanged |= untwistFrom(m_graph.at(layer, i), m_graph.at(layer, i + 1));
+            for (Index i = 1; i < m_graph.sizeOf(layer); ++i)
+                for (Index k = i - std::min(i, reach); k < i; ++k)
+                    hasChanged |= untwistFrom(m_graph.at(layer, k), m_graph.at(layer, i));
         return hasChanged;
     }
 
   private:
+    // The same layer's points of two lines.
+    struct Pair {
+        Index upper = 0;
+        Index lower = 0;
+    };
+
     // The edge outside of the container whose port this is; `nothing` for all else.
     [[nodiscard]] Index outsideOf(Index vertex, bool isAtEnd) const {
         if (!m_graph.isPort(vertex)) return nothing;
@@ -36,62 +49,121 @@ class Untwisting {
         return m_graph.hierarchicalPorts[port].isAtEnd == isAtEnd ? m_outside[port] : nothing;
     }
 
+    // Calls visit(EdgeEnd) for the far end of each edge on that side.
+    template <typename Visit>
+    void forFarEnds(Index vertex, bool isAfter, Visit visit) const {
+        if (const Index outside = outsideOf(vertex, isAfter); outside != nothing) {
+            const Edge& edge = m_graph.edges[outside];
+            visit(isAfter ? EdgeEnd{edge.head, edge.headPort} : EdgeEnd{edge.tail, edge.tailPort});
+        }
+        const auto& begin = isAfter ? m_graph.outBegin : m_graph.inBegin;
+        const auto& ends = isAfter ? m_graph.outHeads : m_graph.inTails;
+        for (Index i = begin[vertex]; i < begin[vertex + 1]; ++i)
+            visit(ends[i]);
+    }
+    [[nodiscard]] Index edgeCount(Index vertex, bool isAfter) const {
+        const auto& begin = isAfter ? m_graph.outBegin : m_graph.inBegin;
+        return begin[vertex + 1] - begin[vertex] + (outsideOf(vertex, isAfter) != nothing ? 1 : 0);
+    }
+
     // Whether the vertex is on one line, which goes on at both sides and can be led elsewhere.
     [[nodiscard]] bool isFree(Index vertex) const {
         if (vertex < m_graph.boxCount && m_graph.isOnLine[vertex] == 0) return false;
-        const Index in = m_graph.inBegin[vertex + 1] - m_graph.inBegin[vertex];
-        const Index out = m_graph.outBegin[vertex + 1] - m_graph.outBegin[vertex];
-        return in + (outsideOf(vertex, false) != nothing ? 1 : 0) == 1 &&
-               out + (outsideOf(vertex, true) != nothing ? 1 : 0) == 1;
+        return edgeCount(vertex, false) == 1 && edgeCount(vertex, true) == 1;
     }
 
-    [[nodiscard]] EdgeEnd before(Index vertex) const {
-        const Index outside = outsideOf(vertex, false);
-        if (outside == nothing) return m_graph.inTails[m_graph.inBegin[vertex]];
-        return {m_graph.edges[outside].tail, m_graph.edges[outside].tailPort};
-    }
-    [[nodiscard]] EdgeEnd after(Index vertex) const {
-        const Index outside = outsideOf(vertex, true);
-        if (outside == nothing) return m_graph.outHeads[m_graph.outBegin[vertex]];
-        return {m_graph.edges[outside].head, m_graph.edges[outside].headPort};
+    // Of a free vertex.
+    [[nodiscard]] EdgeEnd next(Index vertex, bool isAfter) const {
+        EdgeEnd only;
+        forFarEnds(vertex, isAfter, [&](const EdgeEnd& end) { only = end; });
+        return only;
     }
 
     [[nodiscard]] Index pointOf(const EdgeEnd& end) const {
         return end.port == nothing ? end.vertex : m_graph.vertexOf(end.port);
     }
 
-    // Whether `a` is below `b`, both of one layer.
-    [[nodiscard]] bool isBelow(const EdgeEnd& a, const EdgeEnd& b) const {
-        if (a.vertex != b.vertex) return m_graph.place[a.vertex] > m_graph.place[b.vertex];
-        return a.port != nothing && b.port != nothing &&
-               m_graph.portPlace(a.port) > m_graph.portPlace(b.port);
+    // Of `a`, seen from `b`, both of one layer.
+    [[nodiscard]] Side sideOf(const EdgeEnd& a, const EdgeEnd& b) const {
+        Index placeA = m_graph.place[a.vertex];
+        Index placeB = m_graph.place[b.vertex];
+        if (a.vertex == b.vertex) {
+            placeA = m_graph.portPlace(a.port);
+            placeB = m_graph.portPlace(b.port);
+        }
+        return placeA == placeB ? 0 : placeA > placeB ? 1 : -1;
     }
 
     bool untwistFrom(Index upper, Index lower) {
-        if (!isFree(upper) || !isFree(lower) || !isBelow(before(upper), before(lower))) return false;
+        if (!isFree(upper) || !isFree(lower) || sideOf(next(upper, false), next(lower, false)) <= 0)
+            return false;
         m_run.clear();
         while (true) {
-            m_run.emplace_back(upper, lower);
-            if (isBelow(after(upper), after(lower))) break;
-            upper = pointOf(after(upper));
-            lower = pointOf(after(lower));
-            const bool goesOn = m_graph.layer[upper] == m_graph.layer[lower] &&
-                                m_graph.place[upper] + 1 == m_graph.place[lower] && isFree(upper) &&
-                                isFree(lower);
+            m_run.push_back({upper, lower});
+            if (sideOf(next(upper, true), next(lower, true)) > 0) break;
+            upper = pointOf(next(upper, true));
+            lower = pointOf(next(lower, true));
+            const bool goesOn =
+                m_graph.layer[upper] == m_graph.layer[lower] && m_graph.place[upper] < m_graph.place[lower] &&
+                m_graph.place[lower] - m_graph.place[upper] <= reach && isFree(upper) && isFree(lower);
             if (!goesOn) return false;
         }
-        for (const auto& [a, b] : m_run) {
-            std::swap(m_graph.place[a], m_graph.place[b]);
-            const Index begin = m_graph.layerBegin[m_graph.layer[a]];
-            m_graph.order[begin + m_graph.place[a]] = a;
-            m_graph.order[begin + m_graph.place[b]] = b;
+        for (const bool movesUp : {true, false}) {
+            if (changeIfMoved(movesUp) >= 0) continue;
+            move(movesUp);
+            return true;
         }
-        return true;
+        return false;
+    }
+
+    // Whether it is one of those that the moving point of this pair would pass.
+    [[nodiscard]] bool isPassed(Index vertex, const Pair& pair, bool movesUp) const {
+        return m_graph.layer[vertex] == m_graph.layer[pair.upper] &&
+               vertex != (movesUp ? pair.lower : pair.upper) &&
+               m_graph.place[vertex] >= m_graph.place[pair.upper] &&
+               m_graph.place[vertex] <= m_graph.place[pair.lower];
+    }
+
+    // The change in crossings when the lower points of the run move up past the upper ones, or the upper ones down.
+    [[nodiscard]] int changeIfMoved(bool movesUp) const {
+        int sum = 0;
+        for (std::size_t i = 0; i < m_run.size(); ++i) {
+            const Pair& pair = m_run[i];
+            const Index mover = movesUp ? pair.lower : pair.upper;
+            const Side before = movesUp ? 1 : -1;  // of the mover
+            for (Index k = m_graph.place[pair.upper]; k <= m_graph.place[pair.lower]; ++k) {
+                const Index passed = m_graph.at(m_graph.layer[mover], k);
+                if (passed == mover) continue;
+                for (const bool isAfter : {false, true}) {
+                    if (edgeCount(passed, isAfter) > mostEdges) return 1;
+                    const bool isLast = isAfter ? i + 1 == m_run.size() : i == 0;
+                    const std::size_t beside = isAfter ? i + 1 : i - 1;
+                    const EdgeEnd own = next(mover, isAfter);
+                    forFarEnds(passed, isAfter, [&](const EdgeEnd& other) {
+                        // Where the far end is passed as well, nothing changes.
+                        if (isLast || !isPassed(pointOf(other), m_run[beside], movesUp))
+                            sum += before * sideOf(own, other);
+                    });
+                }
+            }
+        }
+        return sum;
+    }
+
+    void move(bool movesUp) {
+        for (const auto& [upper, lower] : m_run) {
+            const auto layer = m_graph.order.begin() + m_graph.layerBegin[m_graph.layer[upper]];
+            const auto begin = layer + m_graph.place[upper];
+            const auto end = layer + m_graph.place[lower] + 1;
+            std::rotate(begin, movesUp ? end - 1 : begin + 1, end);
+            for (auto at = begin; at != end; ++at)
+                m_graph.place[*at] = static_cast<Index>(at - layer);
+        }
     }
 
     LayeredGraph& m_graph;
-    std::vector<Index> m_outside;                // by hierarchical port: the edge
-    std::vector<std::pair<Index, Index>> m_run;  // the upper and the lower one, by layer
+    std::vector<Index> m_outside;  // by hierarchical port: the edge
+    std::vector<Pair> m_run;       // by layer
 };
 
 }  // namespace

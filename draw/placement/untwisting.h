@@ -5,8 +5,9 @@
 
 namespace tessera_draw::placing {
 
-// Where two neighbours in a row of layers cross before it and after it, exchanges them: dummy vertices, labels that one line
-// passes, and hierarchical ports, so that a row may lead through borders. No pair of edges that did not cross does so afterwards. REQUIRES: the layers are ordered. Linear time.
+// Where two lines cross, run beside each other through some layers, and cross again, leads one of them past the other, and
+// past what is between them, if there are fewer crossings then. The runs may lead through labels and through borders.
+// REQUIRES: the layers are ordered. Linear time: lines that are more than 8 vertices apart stay.
 void untwist(LayeredGraph& graph);
 
 }  // namespace tessera_draw::placing
