@@ -211,7 +211,7 @@ class ContainerOrdering {
             if (mean < 0) continue;
             m_stops.push_back(i);
             // With mayFlip, ties are broken in another order, which can lead out of a local minimum.
-            m_sorted.push_back({mean, mayFlip ? begin - i : i, vertex});
+            m_sorted.push_back({mean, mayFlip ? m_graph.layerBegin[layer + 1] - i : i, vertex});
         }
         std::sort(m_sorted.begin(), m_sorted.end(), [](const Sorted& a, const Sorted& b) {
             return a.mean != b.mean ? a.mean < b.mean : a.place < b.place;
