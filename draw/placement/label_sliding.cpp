@@ -1,9 +1,11 @@
 #include "draw/placement/label_sliding.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <numeric>
 #include <unordered_map>
 #include <utility>
 
@@ -27,15 +29,22 @@ class ObstacleGrid {
     // Before close().
     void add(const Obstacle& obstacle) { m_obstacles.push_back(obstacle); }
 
+    // Sorts the obstacles by hash values of their squares.
     void close() {
         constexpr double mostSquares = 16;  // of an obstacle, on average
         constexpr std::size_t mostVisits = 256;
         const double most = mostSquares * static_cast<double>(m_obstacles.size());
         while (squares() > most)
             m_side *= 2;
+        m_begin.assign(std::bit_ceil(m_obstacles.size() + 1) + 1, 0);
+        for (const Obstacle& obstacle : m_obstacles)
+            forSquares(obstacle.rect, [&](std::int64_t square) { ++m_begin[hashOf(square) + 1]; });
+        std::partial_sum(m_begin.begin(), m_begin.end(), m_begin.begin());
+        m_entries.resize(m_begin.back());
+        std::vector<Index> next(m_begin.begin(), m_begin.end() - 1);
         for (Index i = 0; i < m_obstacles.size(); ++i)
-            forSquares(m_obstacles[i].rect, [&](std::int64_t square) { m_entries.emplace_back(square, i); });
-        std::sort(m_entries.begin(), m_entries.end());
+            forSquares(m_obstacles[i].rect,
+                       [&](std::int64_t square) { m_entries[next[hashOf(square)]++] = i; });
         m_visits = mostVisits * m_obstacles.size();
     }
 
@@ -46,14 +55,14 @@ class ObstacleGrid {
         forSquares(obstacle.rect, [&](std::int64_t square) { m_late[square].push_back(index); });
     }
 
-    // Calls visit() with each obstacle that may touch the rectangle, with some of them more than once. Returns false, and
-    // has not called it with all, when too many obstacles are in too few squares: the work has a limit in all.
+    // Calls visit() with each obstacle that may touch the rectangle, with some of them more than once, and with some others.
+    // Returns false, and has not called it with all, when too many obstacles are in too few squares: the work has a limit in all.
     template <typename Visit>
     bool forEachIn(const Rect& rect, Visit visit) {
         forSquares(rect, [&](std::int64_t square) {
-            auto entry = std::lower_bound(m_entries.begin(), m_entries.end(), Entry{square, 0});
-            for (; entry != m_entries.end() && entry->first == square && m_visits > 0; ++entry, --m_visits)
-                visit(m_obstacles[entry->second]);
+            const std::size_t hash = hashOf(square);
+            for (Index entry = m_begin[hash]; entry < m_begin[hash + 1] && m_visits > 0; ++entry, --m_visits)
+                visit(m_obstacles[m_entries[entry]]);
             const auto late = m_late.find(square);
             if (late == m_late.end()) return;
             for (auto index = late->second.begin(); index != late->second.end() && m_visits > 0;
@@ -64,8 +73,6 @@ class ObstacleGrid {
     }
 
   private:
-    using Entry = std::pair<std::int64_t, Index>;  // a square, and what stands there
-
     [[nodiscard]] double squares() const {
         double sum = 0;
         for (const Obstacle& obstacle : m_obstacles)
@@ -81,9 +88,15 @@ class ObstacleGrid {
                 visit((x << 32) ^ (y & 0xffff'ffff));
     }
 
+    [[nodiscard]] std::size_t hashOf(std::int64_t square) const {
+        constexpr std::uint64_t factor = 0x9e37'79b9'7f4a'7c15;  // 2^64 divided by the golden ratio
+        return static_cast<std::uint64_t>(square) * factor >> 32 & (m_begin.size() - 2);
+    }
+
     double m_side = 80;  // pixels
     std::vector<Obstacle> m_obstacles;
-    std::vector<Entry> m_entries;
+    std::vector<Index> m_begin;  // by hash: in m_entries
+    std::vector<Index> m_entries;
     std::unordered_map<std::int64_t, std::vector<Index>> m_late;
     std::size_t m_visits = 0;  // that are left
 };
