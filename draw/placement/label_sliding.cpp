@@ -93,7 +93,7 @@ class ObstacleGrid {
         return static_cast<std::uint64_t>(square) * factor >> 32 & (m_begin.size() - 2);
     }
 
-    double m_side = 80;  // pixels
+    double m_side = 160;  // pixels
     std::vector<Obstacle> m_obstacles;
     std::vector<Index> m_begin;  // by hash: in m_entries
     std::vector<Index> m_entries;

@@ -15,7 +15,7 @@ constexpr int rounds = 3;  // inwards and outwards again
 // What may be spent, in comparisons: much on each vertex of a small diagram, less on those of a large one.
 constexpr double freeWork = 5e6;
 constexpr double smallDiagram = 1200;  // vertices; beyond, the free work shrinks with their square
-constexpr double workPerVertex = 250;
+constexpr double workPerVertex = 150;
 constexpr std::size_t smallEnoughForAll = 3000;  // vertices and edges
 constexpr Index siftingReach = 10;
 

@@ -1,6 +1,7 @@
 #include "draw/placement/untwisting.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace tessera_draw::placing {
@@ -23,15 +24,21 @@ class Untwisting {
             if (edge.tailPort != nothing) m_outside[edge.tailPort] = i;
             if (edge.headPort != nothing) m_outside[edge.headPort] = i;
         }
+        m_ends.resize(graph.vertexCount());
+        m_isFree.resize(graph.vertexCount(), 0);
+        for (Index vertex = 0; vertex < graph.vertexCount(); ++vertex)
+            setEnds(vertex);
     }
 
     // Returns whether anything has changed.
     bool run() {
         bool hasChanged = false;
         for (Index layer = 0; layer < m_graph.firstLayer.back(); ++layer)
-            for (Index i = 1; i < m_graph.sizeOf(layer); ++i)
+            for (Index i = 1; i < m_graph.sizeOf(layer); ++i) {
+                if (!isFree(m_graph.at(layer, i))) continue;
                 for (Index k = i - std::min(i, reach); k < i; ++k)
-                    hasChanged |= untwistFrom(m_graph.at(layer, k), m_graph.at(layer, i));
+                    if (untwistFrom(m_graph.at(layer, k), m_graph.at(layer, i))) hasChanged = true;
+            }
         return hasChanged;
     }
 
@@ -66,17 +73,20 @@ class Untwisting {
         return begin[vertex + 1] - begin[vertex] + (outsideOf(vertex, isAfter) != nothing ? 1 : 0);
     }
 
-    // Whether the vertex is on one line, which goes on at both sides and can be led elsewhere.
-    [[nodiscard]] bool isFree(Index vertex) const {
-        if (vertex < m_graph.boxCount && m_graph.isOnLine[vertex] == 0) return false;
-        return edgeCount(vertex, false) == 1 && edgeCount(vertex, true) == 1;
+    void setEnds(Index vertex) {
+        if (m_graph.isOnLine[vertex] == 0 || edgeCount(vertex, false) != 1 || edgeCount(vertex, true) != 1)
+            return;
+        for (const bool isAfter : {false, true})
+            forFarEnds(vertex, isAfter, [&](const EdgeEnd& end) { m_ends[vertex][isAfter ? 1 : 0] = end; });
+        m_isFree[vertex] = 1;
     }
 
+    // Whether the vertex is on one line, which goes on at both sides and can be led elsewhere.
+    [[nodiscard]] bool isFree(Index vertex) const { return m_isFree[vertex] != 0; }
+
     // Of a free vertex.
-    [[nodiscard]] EdgeEnd next(Index vertex, bool isAfter) const {
-        EdgeEnd only;
-        forFarEnds(vertex, isAfter, [&](const EdgeEnd& end) { only = end; });
-        return only;
+    [[nodiscard]] const EdgeEnd& next(Index vertex, bool isAfter) const {
+        return m_ends[vertex][isAfter ? 1 : 0];
     }
 
     [[nodiscard]] Index pointOf(const EdgeEnd& end) const {
@@ -163,7 +173,10 @@ class Untwisting {
 
     LayeredGraph& m_graph;
     std::vector<Index> m_outside;  // by hierarchical port: the edge
-    std::vector<Pair> m_run;       // by layer
+    std::vector<char> m_isFree;    // by vertex
+    std::vector<std::array<EdgeEnd, 2>>
+        m_ends;               // by free vertex: the far ends of its edges, before and after it
+    std::vector<Pair> m_run;  // by layer
 };
 
 }  // namespace
