@@ -43,8 +43,9 @@ class Checker {
     }
 
   private:
-    void require(bool holds, const std::string& text) {
-        if (!holds && m_fault.empty()) m_fault = text;
+    template <typename... Values>
+    void require(bool holds, fmt::format_string<const Values&...> text, const Values&... values) {
+        if (!holds && m_fault.empty()) m_fault = fmt::format(text, values...);
     }
 
     [[nodiscard]] bool contains(Index outer, Index inner) const {
@@ -56,12 +57,12 @@ class Checker {
     void checkBox(Index i) {
         const BoxToPlace& box = m_input.boxes[i];
         const Rect& rect = m_placement.boxes[i];
-        require(std::isfinite(rect.x) && std::isfinite(rect.y), fmt::format("box {} is nowhere", i));
+        require(std::isfinite(rect.x) && std::isfinite(rect.y), "box {} is nowhere", i);
         const bool hasWidth =
             box.isContainer ? rect.width >= box.size.width - tolerance : rect.width == box.size.width;
         const bool hasHeight = box.isLabel && !isEndOfLine(i) ? rect.height == box.size.height
                                                               : rect.height >= box.size.height - tolerance;
-        require(hasWidth && hasHeight, fmt::format("box {} has another size", i));
+        require(hasWidth && hasHeight, "box {} has another size", i);
         Rect around{0, 0, m_placement.size.width, m_placement.size.height};
         tessera_draw::Insets padding;
         if (box.group != nothing) {
@@ -74,7 +75,7 @@ class Checker {
                     rect.y >= around.y + padding.top - tolerance &&
                     rect.right() <= around.right() - padding.right + tolerance &&
                     rect.bottom() <= around.bottom() - padding.bottom + tolerance,
-                fmt::format("box {} is not inside its container", i));
+                "box {} is not inside its container", i);
     }
 
     void checkSiblings(Index i, Index k) {
@@ -82,7 +83,7 @@ class Checker {
         const Rect& b = m_placement.boxes[k];
         const bool isApart = a.right() <= b.x + tolerance || b.right() <= a.x + tolerance ||
                              a.bottom() <= b.y + tolerance || b.bottom() <= a.y + tolerance;
-        require(isApart, fmt::format("boxes {} and {} overlap", i, k));
+        require(isApart, "boxes {} and {} overlap", i, k);
         const BoxToPlace& boxA = m_input.boxes[i];
         const BoxToPlace& boxB = m_input.boxes[k];
         const bool areOrdered = !m_isFolded && boxA.level != -1 && boxB.level != -1 && !hasOwnPlace(boxA) &&
@@ -95,7 +96,7 @@ class Checker {
         // Boxes of later levels may stand above and below wide ones of earlier levels.
         const bool areBeside = a.bottom() > b.y + tolerance && b.bottom() > a.y + tolerance;
         require((areBeside ? first.right() : first.x) <= (areBeside ? second.x : second.right()) + tolerance,
-                fmt::format("boxes {} and {} are not in the order of their levels", i, k));
+                "boxes {} and {} are not in the order of their levels", i, k);
     }
 
     // Whether the box is a label that its level does not place.
@@ -130,7 +131,7 @@ class Checker {
         const Point& end = stretch.segments.back().end;
         require(stretch.segments.size() == 1 && std::abs(end.y - stretch.start.y) < tolerance &&
                     std::abs(end.x - stretch.start.x) <= 80,
-                fmt::format("label {} is far from its end", label));
+                "label {} is far from its end", label);
     }
 
     void checkLine(const LineToPlace& line, const PlacedLine& placed) {
@@ -155,12 +156,12 @@ class Checker {
 
     void checkStretch(Index from, Index to, const PlacedLine::Stretch& stretch) {
         const std::string name = fmt::format("the stretch from {} to {}", from, to);
-        if (stretch.segments.empty()) return require(false, name + " is empty");
-        require(isOnSide(from, stretch.start), name + " does not begin on its box");
-        require(isOnSide(to, stretch.segments.back().end), name + " does not end on its box");
+        if (stretch.segments.empty()) return require(false, "{} is empty", name);
+        require(isOnSide(from, stretch.start), "{} does not begin on its box", name);
+        require(isOnSide(to, stretch.segments.back().end), "{} does not end on its box", name);
         const Point& first = stretch.segments.front().isCurve ? stretch.segments.front().control1
                                                               : stretch.segments.front().end;
-        require(std::abs(first.y - stretch.start.y) < tolerance, name + " leaves askew");
+        require(std::abs(first.y - stretch.start.y) < tolerance, "{} leaves askew", name);
         Point at = stretch.start;
         for (const auto& segment : stretch.segments) {
             for (int i = 1; i <= 8; ++i) {
@@ -194,17 +195,16 @@ class Checker {
             const Rect& rect = m_placement.boxes[i];
             const auto& header = m_input.boxes[i].header;
             require(isOutside({rect.x, rect.y, header.width, header.height}, a, b),
-                    fmt::format("{} passes behind the title of box {}", name, i));
-            if (contains(i, from) || contains(i, to)) continue;
-            if (contains(from, i) && contains(to, i)) continue;
-            require(isOutside(rect, a, b), fmt::format("{} passes through box {}", name, i));
+                    "{} passes behind the title of box {}", name, i);
+            if (isOutside(rect, a, b) || contains(i, from) || contains(i, to)) continue;
+            require(contains(from, i) && contains(to, i), "{} passes through box {}", name, i);
         }
         const auto isInside = [&](const Point& point) {
             return point.x >= -tolerance && point.y >= -tolerance &&
                    point.x <= m_placement.size.width + tolerance &&
                    point.y <= m_placement.size.height + tolerance;
         };
-        require(isInside(a) && isInside(b), name + " leaves the drawing");
+        require(isInside(a) && isInside(b), "{} leaves the drawing", name);
     }
 
     const PlacementInput& m_input;
