@@ -185,7 +185,7 @@ double Columns::shareInColumn(Index box) const {
 
 // All layers in one row. Returns the container's width.
 double Columns::setRow() {
-    double width = packRow(m_first, m_last, 0) + borderAfter();
+    const double width = packRow(m_first, m_last, 0) + borderAfter();
     const double spare = m_limits.minSize.width - width;
     if (spare <= 0) return width;
     // What the minimum leaves is divided between both sides, so that the contents are centered.

@@ -174,10 +174,10 @@ void GapPlan::place(const Bends& bends, double x, double width) {
 // If one edge leaves its track at the y at which another one enters a track further right, the two lie on
 // each other in between. One of the two ends is then moved towards its edge's other end.
 void GapPlan::separateRows(Iterator begin, Iterator end) {
-    std::vector<const GapEdge*> byFrom;
+    std::vector<GapEdge*> byFrom;
     for (auto it = begin; it != end; ++it)
         if (!it->isLoop && m_graph.edges[it->edge].bend == Edge::Bend::track) byFrom.push_back(&*it);
-    std::vector<const GapEdge*> byTo = byFrom;
+    std::vector<GapEdge*> byTo = byFrom;
     std::sort(byFrom.begin(), byFrom.end(), [](const GapEdge* a, const GapEdge* b) {
         return a->from != b->from ? a->from < b->from : a->edge < b->edge;
     });
@@ -185,14 +185,18 @@ void GapPlan::separateRows(Iterator begin, Iterator end) {
         return a->to != b->to ? a->to < b->to : a->edge < b->edge;
     });
     std::size_t first = 0;
-    for (const GapEdge* out : byTo) {
+    for (GapEdge* out : byTo) {
         while (first < byFrom.size() && byFrom[first]->from < out->to - nearRows)
             ++first;
         const std::size_t last = std::min(byFrom.size(), first + maxNear);
         for (std::size_t k = first; k < last && byFrom[k]->from <= out->to + nearRows; ++k) {
-            const GapEdge* in = byFrom[k];
+            GapEdge* in = byFrom[k];
             if (trackOf(*out) >= trackOf(*in)) continue;
-            if (!giveWay(*out, false)) (void)giveWay(*in, true);
+            // A row of columns may be packed again: what has given way does not do so twice.
+            if (giveWay(*out, false))
+                out->to = m_graph.headY(m_graph.edges[out->edge]);
+            else if (giveWay(*in, true))
+                in->from = m_graph.tailY(m_graph.edges[in->edge]);
             break;
         }
     }

@@ -138,25 +138,29 @@ class Untwisting {
     [[nodiscard]] int changeIfMoved(bool movesUp) const {
         int sum = 0;
         for (std::size_t i = 0; i < m_run.size(); ++i) {
-            const Pair& pair = m_run[i];
-            const Index mover = movesUp ? pair.lower : pair.upper;
-            const Side before = movesUp ? 1 : -1;  // of the mover
-            for (Index k = m_graph.place[pair.upper]; k <= m_graph.place[pair.lower]; ++k) {
-                const Index passed = m_graph.at(m_graph.layer[mover], k);
-                if (passed == mover) continue;
-                for (const bool isAfter : {false, true}) {
-                    if (edgeCount(passed, isAfter) > mostEdges) return 1;
-                    const bool isLast = isAfter ? i + 1 == m_run.size() : i == 0;
-                    const std::size_t beside = isAfter ? i + 1 : i - 1;
-                    const EdgeEnd own = next(mover, isAfter);
-                    forFarEnds(passed, isAfter, [&](const EdgeEnd& other) {
-                        // Where the far end is passed as well, nothing changes.
-                        if (isLast || !isPassed(pointOf(other), m_run[beside], movesUp))
-                            sum += before * sideOf(own, other);
-                    });
-                }
+            const Index layer = m_graph.layer[m_run[i].upper];
+            for (Index k = m_graph.place[m_run[i].upper]; k <= m_graph.place[m_run[i].lower]; ++k) {
+                const Index passed = m_graph.at(layer, k);
+                if (!isPassed(passed, m_run[i], movesUp)) continue;
+                if (std::max(edgeCount(passed, false), edgeCount(passed, true)) > mostEdges) return 1;
+                sum += changeBeside(passed, i, movesUp, false) + changeBeside(passed, i, movesUp, true);
             }
         }
+        return sum;
+    }
+
+    // The part of that at the edges before or after one vertex that is passed at one point of the run.
+    [[nodiscard]] int changeBeside(Index passed, std::size_t point, bool movesUp, bool isAfter) const {
+        const Pair& pair = m_run[point];
+        const EdgeEnd& own = next(movesUp ? pair.lower : pair.upper, isAfter);
+        const Side side = movesUp ? 1 : -1;  // of the point that moves
+        const bool isLast = isAfter ? point + 1 == m_run.size() : point == 0;
+        int sum = 0;
+        forFarEnds(passed, isAfter, [&](const EdgeEnd& other) {
+            // Where the far end is passed as well, nothing changes.
+            if (isLast || !isPassed(pointOf(other), m_run[isAfter ? point + 1 : point - 1], movesUp))
+                sum += side * sideOf(own, other);
+        });
         return sum;
     }
 
