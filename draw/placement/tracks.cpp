@@ -11,6 +11,8 @@ constexpr double straight = 1e-3;
 constexpr double cornerMargin = 6;   // no end is nearer to a corner of its box
 constexpr double nearRows = 1.5;     // lines this near to each other look like one
 constexpr std::size_t maxNear = 32;  // rows that are compared; only a hub has more of them so near
+constexpr double leastStep = 8;      // between ends, so that arrow heads can be told apart
+constexpr Index mostEnds = 64;       // at one side, beyond which they stay
 constexpr double mostMoved = 3;      // when an end or a straight run of a line gives way
 constexpr Index maxTracks = 24;      // at full distance; more tracks are closer together
 
@@ -212,24 +214,25 @@ bool GapPlan::giveWay(const GapEdge& gapEdge, bool isTail) {
     return moveEnd(gapEdge.edge, isTail, sign * std::min(mostMoved, (gapEdge.lower() - gapEdge.upper()) / 3));
 }
 
-// Only so far that ends at the same side, and the labels beside them, stay apart.
+// Unless the end would come too near to a corner, or to another end at the same side.
 bool GapPlan::moveEnd(Index index, bool isTail, double way) {
     Edge& edge = m_graph.edges[index];
     const Index vertex = isTail ? edge.tail : edge.head;
     if (vertex >= m_graph.boxCount || (isTail ? edge.tailPort : edge.headPort) != nothing) return false;
     double& offset = isTail ? edge.tailOffset : edge.headOffset;
-    const double room = roomAt(vertex, isTail);
-    const double moved = offset + std::clamp(way, -room, room);
+    const double moved = offset + way;
     const double margin = m_graph.inset[vertex] + cornerMargin;
     if (moved < margin || moved > m_graph.height[vertex] - margin) return false;
+    const auto& begin = isTail ? m_graph.outBegin : m_graph.inBegin;
+    const auto& edges = isTail ? m_graph.outEdges : m_graph.inEdges;
+    if (begin[vertex + 1] - begin[vertex] > mostEnds) return false;
+    for (Index i = begin[vertex]; i < begin[vertex + 1]; ++i) {
+        const Edge& other = m_graph.edges[edges[i]];
+        const bool isNear = std::abs((isTail ? other.tailOffset : other.headOffset) - moved) < leastStep;
+        if (edges[i] != index && isNear) return false;
+    }
     offset = moved;
     return true;
-}
-
-// How far an end can move at this side of its box.
-double GapPlan::roomAt(Index box, bool isTail) const {
-    const auto& begin = isTail ? m_graph.outBegin : m_graph.inBegin;
-    return 0.4 * m_graph.height[box] / (begin[box + 1] - begin[box] + 1.0);
 }
 
 // Moves the points from this one to the next bend, to the border, or to an end that can move as far. Returns false where the
@@ -248,7 +251,7 @@ bool GapPlan::moveRun(Index vertex, bool isForwards, double way) {
         if (edge.bend != Edge::Bend::none) break;
         vertex = isForwards ? edge.head : edge.tail;
         if (m_graph.isOnLine[vertex] != 0) continue;
-        if (roomAt(vertex, !isForwards) < std::abs(way) || !moveEnd(next, !isForwards, way)) return false;
+        if (!moveEnd(next, !isForwards, way)) return false;
         break;
     }
     for (const Index each : run)

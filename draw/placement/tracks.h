@@ -55,7 +55,6 @@ class GapPlan {
     [[nodiscard]] double& trackOf(const GapEdge& edge) { return m_graph.edges[edge.edge].bendBegin; }
     [[nodiscard]] bool giveWay(const GapEdge& gapEdge, bool isTail);
     [[nodiscard]] bool moveEnd(Index index, bool isTail, double way);
-    [[nodiscard]] double roomAt(Index box, bool isTail) const;
     [[nodiscard]] bool moveRun(Index vertex, bool isForwards, double way);
 
     std::vector<GapEdge>& m_edges;

@@ -307,6 +307,7 @@ TEST(DrawScene, TheLegendStandsInTheHeadingWhereItHasRoom) {
 TEST(DrawScene, TwelveDisplayTypesLookDifferent) {
     Diagram diagram;
     std::vector<std::string> names;
+    names.reserve(12);
     for (int i = 0; i < 12; ++i)
         names.push_back("type " + std::to_string(i));
     for (const std::string& name : names) {
