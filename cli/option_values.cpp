@@ -11,6 +11,10 @@ std::string isNotEmpty(const std::string& text) {
     return text.empty() ? "the name of a file is empty" : "";
 }
 
+std::string isLevel(const std::string& text) {
+    return text.empty() ? "the name of a level is empty" : "";
+}
+
 std::string isLanguage(const std::string& text) {
     const auto isPart = [](unsigned char c) {
         return std::isalnum(c) != 0 || c == '_' || c == '-' || c == '.' || c == '@';

@@ -1,4 +1,4 @@
-// Values of options, read from their texts. isNotEmpty() and isLanguage() return "", or what is wrong with the text.
+// Values of options, read from their texts. isNotEmpty(), isLevel() and isLanguage() return "", or what is wrong with the text.
 #pragma once
 
 #include <cstdint>
@@ -12,6 +12,9 @@ namespace tessera_cli {
 
 // An empty name, as of an unset shell variable, would otherwise mean standard output.
 [[nodiscard]] std::string isNotEmpty(const std::string& text);
+
+// An empty name would otherwise mean that the option is absent.
+[[nodiscard]] std::string isLevel(const std::string& text);
 
 // A language such as "de", "de_AT.UTF-8" or "sr@latin", never a path.
 [[nodiscard]] std::string isLanguage(const std::string& text);

@@ -206,7 +206,7 @@ void addMode(CLI::App& command, RawOptions& raw) {
                     "at a worse "
                     "one; the diagram is written all the same")
         ->type_name("LEVEL")
-        ->check(isNotEmpty);
+        ->check(isLevel);
 }
 
 void addPicture(CLI::App& command, RawOptions& raw) {

@@ -11,10 +11,11 @@ constexpr double straight = 1e-3;
 constexpr double cornerMargin = 6;   // no end is nearer to a corner of its box
 constexpr double nearRows = 1.5;     // lines this near to each other look like one
 constexpr std::size_t maxNear = 32;  // rows that are compared; only a hub has more of them so near
-constexpr double leastStep = 8;      // between ends, so that arrow heads can be told apart
-constexpr Index mostEnds = 64;       // at one side, beyond which they stay
-constexpr double mostMoved = 3;      // when an end or a straight run of a line gives way
-constexpr Index maxTracks = 24;      // at full distance; more tracks are closer together
+constexpr double leastStep =
+    8;  // between ends, so that arrow heads can be told apart; half, if lines lay on each other
+constexpr Index mostEnds = 64;   // at one side, beyond which they stay
+constexpr double mostMoved = 3;  // when an end or a straight run of a line gives way
+constexpr Index maxTracks = 24;  // at full distance; more tracks are closer together
 
 // Assigns tracks to edges of one direction: the edge that starts lowest gets the first track, each further
 // one the next track after those that it overlaps. `source` and `target` return the ends, source < target.
@@ -195,10 +196,15 @@ void GapPlan::separateRows(Iterator begin, Iterator end) {
             GapEdge* in = byFrom[k];
             if (trackOf(*out) >= trackOf(*in)) continue;
             // A row of columns may be packed again: what has given way does not do so twice.
-            if (giveWay(*out, false))
-                out->to = m_graph.headY(m_graph.edges[out->edge]);
-            else if (giveWay(*in, true))
-                in->from = m_graph.tailY(m_graph.edges[in->edge]);
+            for (const double apart : {leastStep, leastStep / 2}) {
+                if (giveWay(*out, false, apart))
+                    out->to = m_graph.headY(m_graph.edges[out->edge]);
+                else if (giveWay(*in, true, apart))
+                    in->from = m_graph.tailY(m_graph.edges[in->edge]);
+                else
+                    continue;
+                break;
+            }
             break;
         }
     }
@@ -206,16 +212,18 @@ void GapPlan::separateRows(Iterator begin, Iterator end) {
 
 // Moves the edge's end towards its other end: along its box, or with the straight run that it leads to. Returns false if the
 // end is fixed.
-bool GapPlan::giveWay(const GapEdge& gapEdge, bool isTail) {
+bool GapPlan::giveWay(const GapEdge& gapEdge, bool isTail, double apart) {
     const Edge& edge = m_graph.edges[gapEdge.edge];
     const Index vertex = isTail ? edge.tail : edge.head;
     const double sign = (gapEdge.from < gapEdge.to) == isTail ? 1 : -1;
-    if (vertex != nothing && m_graph.isOnLine[vertex] != 0) return moveRun(vertex, !isTail, sign * mostMoved);
-    return moveEnd(gapEdge.edge, isTail, sign * std::min(mostMoved, (gapEdge.lower() - gapEdge.upper()) / 3));
+    if (vertex != nothing && m_graph.isOnLine[vertex] != 0)
+        return moveRun(vertex, !isTail, sign * mostMoved, apart);
+    return moveEnd(gapEdge.edge, isTail, sign * std::min(mostMoved, (gapEdge.lower() - gapEdge.upper()) / 3),
+                   apart);
 }
 
-// Unless the end would come too near to a corner, or to another end at the same side.
-bool GapPlan::moveEnd(Index index, bool isTail, double way) {
+// Unless the end would come too near to a corner, or nearer than `apart` to another end at the same side.
+bool GapPlan::moveEnd(Index index, bool isTail, double way, double apart) {
     Edge& edge = m_graph.edges[index];
     const Index vertex = isTail ? edge.tail : edge.head;
     if (vertex >= m_graph.boxCount || (isTail ? edge.tailPort : edge.headPort) != nothing) return false;
@@ -228,7 +236,7 @@ bool GapPlan::moveEnd(Index index, bool isTail, double way) {
     if (begin[vertex + 1] - begin[vertex] > mostEnds) return false;
     for (Index i = begin[vertex]; i < begin[vertex + 1]; ++i) {
         const Edge& other = m_graph.edges[edges[i]];
-        const bool isNear = std::abs((isTail ? other.tailOffset : other.headOffset) - moved) < leastStep;
+        const bool isNear = std::abs((isTail ? other.tailOffset : other.headOffset) - moved) < apart;
         if (edges[i] != index && isNear) return false;
     }
     offset = moved;
@@ -237,7 +245,7 @@ bool GapPlan::moveEnd(Index index, bool isTail, double way) {
 
 // Moves the points from this one to the next bend, to the border, or to an end that can move as far. Returns false where the
 // run is fixed.
-bool GapPlan::moveRun(Index vertex, bool isForwards, double way) {
+bool GapPlan::moveRun(Index vertex, bool isForwards, double way, double apart) {
     constexpr std::size_t longestRun = 64;
     const auto& begin = isForwards ? m_graph.outBegin : m_graph.inBegin;
     const auto& edges = isForwards ? m_graph.outEdges : m_graph.inEdges;
@@ -251,7 +259,7 @@ bool GapPlan::moveRun(Index vertex, bool isForwards, double way) {
         if (edge.bend != Edge::Bend::none) break;
         vertex = isForwards ? edge.head : edge.tail;
         if (m_graph.isOnLine[vertex] != 0) continue;
-        if (!moveEnd(next, !isForwards, way)) return false;
+        if (!moveEnd(next, !isForwards, way, apart)) return false;
         break;
     }
     for (const Index each : run)

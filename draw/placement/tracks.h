@@ -53,9 +53,9 @@ class GapPlan {
     [[nodiscard]] double widthFor(Index tracks) const;
     void separateRows(Iterator begin, Iterator end);
     [[nodiscard]] double& trackOf(const GapEdge& edge) { return m_graph.edges[edge.edge].bendBegin; }
-    [[nodiscard]] bool giveWay(const GapEdge& gapEdge, bool isTail);
-    [[nodiscard]] bool moveEnd(Index index, bool isTail, double way);
-    [[nodiscard]] bool moveRun(Index vertex, bool isForwards, double way);
+    [[nodiscard]] bool giveWay(const GapEdge& gapEdge, bool isTail, double apart);
+    [[nodiscard]] bool moveEnd(Index index, bool isTail, double way, double apart);
+    [[nodiscard]] bool moveRun(Index vertex, bool isForwards, double way, double apart);
 
     std::vector<GapEdge>& m_edges;
     LayeredGraph& m_graph;

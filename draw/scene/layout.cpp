@@ -166,6 +166,13 @@ double scaleIn(Size fit, Size picture) {
     return std::min(fit.width / picture.width, fit.height / picture.height) * (isBand(picture) ? band : 1);
 }
 
+// Whether the drawing would be folded if it may.
+bool isToFold(const Attempt& attempt, const LayoutOptions& options) {
+    const Size size = attempt.placement.size;
+    return options.isFolded && attempt.placement.boxes.size() <= mostFolded &&
+           std::max(size.width, size.height) > fitsAnywhere && isBand(inPicture(attempt));
+}
+
 std::optional<Attempt> layOutBest(const LayoutData& data, const LayoutOptions& options) {
     using enum Direction;
     if (options.kept != nullptr) return layOutIn(options.kept->direction, false, data, options);
@@ -174,20 +181,21 @@ std::optional<Attempt> layOutBest(const LayoutData& data, const LayoutOptions& o
     constexpr std::size_t seenAsAWhole = 2'000;  // boxes
     constexpr double tooWide = 1.5;
     constexpr double clearlyBetter = 1.1;
-    std::optional<Attempt> best = layOutIn(leftToRight, false, data, options);
-    if (!best) return best;
-    const Size size = best->placement.size;
-    if (size.width > fitsAnywhere && best->placement.boxes.size() <= seenAsAWhole &&
-        size.width * options.fit.height > tooWide * size.height * options.fit.width) {
-        std::optional<Attempt> down = layOutIn(topToBottom, false, data, options);
-        if (!down) return down;
-        if (scaleIn(options.fit, inPicture(*down)) > clearlyBetter * scaleIn(options.fit, inPicture(*best)))
-            best = std::move(down);
-    }
-    const Size chosen = best->placement.size;
-    const bool isFolded = options.isFolded && best->placement.boxes.size() <= mostFolded &&
-                          std::max(chosen.width, chosen.height) > fitsAnywhere && isBand(inPicture(*best));
-    return isFolded ? layOutIn(leftToRight, true, data, options) : std::move(best);
+    constexpr double betterThanFolded = 0.5;  // a folded drawing has long lines, and takes more to follow
+    std::optional<Attempt> right = layOutIn(leftToRight, false, data, options);
+    if (!right) return right;
+    const Size size = right->placement.size;
+    const bool isTooWide = size.width > fitsAnywhere && right->placement.boxes.size() <= seenAsAWhole &&
+                           size.width * options.fit.height > tooWide * size.height * options.fit.width;
+    const bool isFolded = isToFold(*right, options);
+    if (isFolded) right = layOutIn(leftToRight, true, data, options);
+    if (!right || !isTooWide) return right;
+    std::optional<Attempt> down = layOutIn(topToBottom, false, data, options);
+    if (!down || isToFold(*down, options)) return down ? std::move(right) : std::move(down);
+    const double factor = isFolded ? betterThanFolded : clearlyBetter;
+    return scaleIn(options.fit, inPicture(*down)) > factor * scaleIn(options.fit, inPicture(*right))
+               ? std::move(down)
+               : std::move(right);
 }
 
 }  // namespace

@@ -93,6 +93,11 @@ class Levels(Case):
         # Only what is shown counts.
         self.assertIn('1 critical;', self.drawn(with_levels(), '--fail-on', 'busy', '--mode', 'ratio', status=1)[1])
 
+    def test_an_empty_level_is_wrong_usage(self):
+        done = self.run_program('render', 'v.xml', '--db', 'v.db', '--fail-on', '')
+        self.assertEqual(done.returncode, 2)
+        self.assertIn('--fail-on: the name of a level is empty', done.stderr)
+
     def test_an_unknown_level_is_wrong_usage(self):
         for text, level, answer in [(with_levels(), 'crit', 'has no such level; it has "critical", "warning", "busy" and "good"'),
                                     (with_levels(''), 'critical', 'has no such level; it has none')]:
