@@ -262,7 +262,7 @@ void Columns::packBends(Index layer, Skyline& skyline) {
     for (const Bends& bends : gap.bends) {
         const double x =
             skyline.over(bends.upper - m_spacing.betweenLines, bends.lower + m_spacing.betweenLines).bend;
-        plan.place(bends, x, bends.width);
+        plan.place(bends, x);
         const double end = x + bends.width;
         skyline.raise(bends.upper, bends.lower, {end, end, end});
         m_bendsEnd = std::max(m_bendsEnd, end);
@@ -376,7 +376,7 @@ double Columns::foldGap(Index layer, double rowRight, const Point& firstLane) {
     GapPlan loops(gap.edges, m_graph, m_spacing);
     double x = rowRight + m_spacing.betweenBoxes;
     for (const Bends& bends : loops.bends()) {
-        loops.place(bends, rowRight, bends.width);
+        loops.place(bends, rowRight);
         x = std::max(x, rowRight + bends.width);
     }
     std::sort(m_foldEdges.begin(), m_foldEdges.end(), [](const FoldEdge& a, const FoldEdge& b) {

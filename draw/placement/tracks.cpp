@@ -159,17 +159,17 @@ double GapPlan::widthFor(Index tracks) const {
     return m_spacing.betweenLayers + std::min(tracks - 1, maxTracks) * m_spacing.betweenLines;
 }
 
-void GapPlan::place(const Bends& bends, double x, double width) {
+void GapPlan::place(const Bends& bends, double x) {
     const auto begin = m_edges.begin() + bends.begin;
     const auto end = m_edges.begin() + bends.end;
     for (auto it = begin; it != end; ++it) {
         Edge& edge = m_graph.edges[it->edge];
         edge.bendBegin = x;
-        edge.bendEnd = x + width;
+        edge.bendEnd = x + bends.width;
         if (edge.bend != Edge::Bend::track) continue;
         const double tracks = widthFor(it->tracks) - m_spacing.betweenLayers;
         const double pitch = it->tracks > 1 ? tracks / (it->tracks - 1) : 0;
-        edge.bendBegin = edge.bendEnd = x + (width - tracks) / 2 + it->track * pitch;
+        edge.bendBegin = edge.bendEnd = x + (bends.width - tracks) / 2 + it->track * pitch;
     }
     separateRows(begin, end);
 }

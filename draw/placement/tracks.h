@@ -41,8 +41,8 @@ class GapPlan {
     // Removes straight edges, sorts the others, and returns how they are together, from top to bottom.
     [[nodiscard]] std::vector<Bends> bends();
 
-    // Places bends that bends() returned, from this x in the container, in this width.
-    void place(const Bends& bends, double x, double width);
+    // Places bends that bends() returned, from this x in the container.
+    void place(const Bends& bends, double x);
 
   private:
     using Iterator = std::vector<GapEdge>::iterator;

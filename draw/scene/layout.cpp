@@ -166,7 +166,7 @@ double scaleIn(Size fit, Size picture) {
     return std::min(fit.width / picture.width, fit.height / picture.height) * (isBand(picture) ? band : 1);
 }
 
-// Whether the drawing would be folded if it may.
+// Whether the drawing is a band that may be folded.
 bool isToFold(const Attempt& attempt, const LayoutOptions& options) {
     const Size size = attempt.placement.size;
     return options.isFolded && attempt.placement.boxes.size() <= mostFolded &&
