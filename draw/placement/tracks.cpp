@@ -108,27 +108,45 @@ std::vector<Bends> GapPlan::bends() {
     return all;
 }
 
-bool GapPlan::isCurved(Iterator begin, Iterator end) const {
-    double maxLength = 0;
-    for (auto it = begin; it != end; ++it) {
-        if (it->isLoop) return false;
-        maxLength = std::max(maxLength, it->lower() - it->upper());
+// Whether curves of this height, in this width, are apart where they are steepest, although they run side by side.
+bool GapPlan::areApart(Iterator begin, Iterator end, double height, double width) {
+    constexpr double least = 4;
+    constexpr double straightShare = 0.4;  // before and after the curve
+    const double run = width * (1 - straightShare);
+    const double distance = least * std::hypot(run, 2 * height) / run;  // of their middles
+    std::vector<const GapEdge*> byFrom;
+    for (auto it = begin; it != end; ++it)
+        byFrom.push_back(&*it);
+    std::sort(byFrom.begin(), byFrom.end(),
+              [](const GapEdge* a, const GapEdge* b) { return a->from < b->from; });
+    const GapEdge* lastDown = nullptr;
+    const GapEdge* lastUp = nullptr;
+    for (const GapEdge* edge : byFrom) {
+        const GapEdge*& last = edge->from < edge->to ? lastDown : lastUp;
+        const bool isBeside = last != nullptr && last->to <= edge->to;
+        if (isBeside && edge->from + edge->to - last->from - last->to < 2 * distance) return false;
+        last = edge;
     }
-    const auto count = end - begin;
-    return count == 1 || maxLength <= 1.5 * m_spacing.betweenLayers ||
-           (count <= 3 && maxLength <= 5 * m_spacing.betweenLayers);
+    return true;
 }
 
 // Returns the width that the edges need.
 double GapPlan::plan(Iterator begin, Iterator end) {
-    if (!isCurved(begin, end)) return assignTracks(begin, end);
     double maxLength = 0;
+    bool isLooping = false;
     for (auto it = begin; it != end; ++it) {
-        m_graph.edges[it->edge].bend = Edge::Bend::curve;
+        isLooping = isLooping || it->isLoop;
         maxLength = std::max(maxLength, it->lower() - it->upper());
     }
+    const auto count = end - begin;
+    const bool isLow = count == 1 || maxLength <= 1.5 * m_spacing.betweenLayers ||
+                       (count <= 3 && maxLength <= 5 * m_spacing.betweenLayers);
     const double steepness = std::clamp((maxLength / m_spacing.betweenLayers - 2) / 6, 0.0, 1.0);
-    return m_spacing.betweenLayers * (1 + steepness);
+    const double width = m_spacing.betweenLayers * (1 + steepness);
+    if (isLooping || !isLow || !areApart(begin, end, maxLength, width)) return assignTracks(begin, end);
+    for (auto it = begin; it != end; ++it)
+        m_graph.edges[it->edge].bend = Edge::Bend::curve;
+    return width;
 }
 
 double GapPlan::assignTracks(Iterator begin, Iterator end) {

@@ -48,7 +48,7 @@ class GapPlan {
     using Iterator = std::vector<GapEdge>::iterator;
 
     [[nodiscard]] double plan(Iterator begin, Iterator end);
-    [[nodiscard]] bool isCurved(Iterator begin, Iterator end) const;
+    [[nodiscard]] static bool areApart(Iterator begin, Iterator end, double height, double width);
     [[nodiscard]] double assignTracks(Iterator begin, Iterator end);
     [[nodiscard]] double widthFor(Index tracks) const;
     void separateRows(Iterator begin, Iterator end);
