@@ -1,9 +1,11 @@
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <optional>
 #include <utility>
 
 #include "draw/placement/container_geometry.h"
+#include "draw/placement/divided_layers.h"
 #include "draw/placement/kept_order.h"
 #include "draw/placement/label_sliding.h"
 #include "draw/placement/ordering.h"
@@ -44,7 +46,7 @@ ContainerGeometry foldedGeometry(const PlacementInput& input, const Nesting& nes
     };
     const auto isTooWide = [&](const ContainerGeometry& geometry) {
         const Rect& drawing = geometry.boxes.back();
-        return drawing.width > shape.leastWidth &&
+        return drawing.width > shape.leastSize &&
                drawing.width + shape.around.width > shape.above * (drawing.height + shape.around.height);
     };
     ContainerGeometry geometry = inRows(std::numeric_limits<double>::infinity());
@@ -80,15 +82,39 @@ Placement placeBoxes(const PlacementInput& input, const Spacing& spacing, const 
     return placement;
 }
 
+// Divides layers of drawings that are too high into as few as the shape allows.
+Placement placeDivided(const PlacementInput& input, const Spacing& spacing, const Shape& shape,
+                       const CancelToken& cancel) {
+    constexpr int mostParts = 8;
+    const auto height = [&](const Placement& placement) {  // relative to what the shape allows
+        return (placement.size.height + shape.around.height) * shape.below /
+               (placement.size.width + shape.around.width);
+    };
+    Placement best = placeBoxes(input, spacing, shape, cancel);
+    const Size size = best.size;
+    if (size.height <= shape.leastSize || height(best) <= 1) return best;
+    const std::vector<Rect> placed = best.boxes;
+    // Each part adds about as much to the width as it takes from the height.
+    const int fewest = std::clamp(static_cast<int>(std::sqrt(height(best))), 2, mostParts);
+    for (int parts = fewest; parts <= mostParts && height(best) > 1; ++parts) {
+        const auto divided = withDividedLayers(input, placed, size.height / parts, spacing);
+        if (!divided) continue;
+        Placement next = placeBoxes(*divided, spacing, shape, cancel);
+        if (cancel.isCancelled()) return {};
+        if (height(next) < height(best)) best = std::move(next);
+    }
+    return best;
+}
+
 }  // namespace
 
 Placement place(const PlacementInput& input, const Spacing& spacing, const Shape& shape,
                 const CancelToken& cancel) {
     // Saved and kept layers are those of the input's own containers.
-    const bool packsParts = shape.packsParts && !input.wantsLayers && input.kept.empty();
-    const std::optional<PlacementInput> parts = packsParts ? withParts(input) : std::nullopt;
-    if (!parts) return placeBoxes(input, spacing, shape, cancel);
-    Placement placement = placeBoxes(*parts, spacing, shape, cancel);
+    if (!shape.changesLayers || input.wantsLayers || !input.kept.empty())
+        return placeBoxes(input, spacing, shape, cancel);
+    const std::optional<PlacementInput> parts = withParts(input);
+    Placement placement = placeDivided(parts ? *parts : input, spacing, shape, cancel);
     placement.boxes.resize(std::min(placement.boxes.size(), input.boxes.size()));
     return placement;
 }

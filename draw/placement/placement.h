@@ -68,13 +68,15 @@ struct Spacing {
 };
 
 // The shape that a drawing should have. Layers that need much more width than height can go on in further rows, below one
-// another, and parts of a container's members that no line connects can stand beside one another.
+// another. Layers that need much more height than width can be divided, and parts of a container's members that no line connects
+// can stand beside one another.
 struct Shape {
     double above =
-        std::numeric_limits<double>::infinity();  // width divided by height, beyond which that is done
-    Size around;                                  // added to the drawing for its shape
-    double leastWidth = 0;                        // up to this width, there is one row
-    bool packsParts = false;
+        std::numeric_limits<double>::infinity();  // width divided by height, beyond which there are rows
+    double below = 0;            // width divided by height, down to which layers are not divided
+    Size around;                 // added to the drawing for its shape
+    double leastSize = 0;        // a drawing of this width or height is not too wide or high
+    bool changesLayers = false;  // whether layers may be divided, and parts stand beside one another
 };
 
 // A segment of a line, from the end of the one before: straight to `end`, or a cubic Bézier curve to it with

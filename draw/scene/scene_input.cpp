@@ -194,10 +194,12 @@ SceneInput makeInput(const Diagram& diagram, const LinkPaths& linkPaths, const B
 Placement placeInput(const SceneInput& input, const LayoutOptions& options) {
     const bool isDown = options.direction == Direction::topToBottom;
     Shape shape;
-    if (options.isFolded && input.input.boxes.size() <= mostFolded)
+    if (options.isFolded && input.input.boxes.size() <= mostFolded) {
         shape.above = isDown ? highestShape : widestShape;
-    shape.leastWidth = fitsAnywhere;
-    shape.packsParts = options.layers == LayerSource::links;
+        shape.below = 1 / (isDown ? widestShape : highestShape);
+    }
+    shape.leastSize = fitsAnywhere;
+    shape.changesLayers = options.layers == LayerSource::links;
     shape.around = {2 * sceneMargin, contentTop + sceneMargin};
     if (isDown) std::swap(shape.around.width, shape.around.height);
     Placement placement = place(input.input, Spacing{}, shape, options.cancel);

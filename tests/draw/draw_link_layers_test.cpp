@@ -196,11 +196,14 @@ TEST_F(DrawLinkLayers, RandomInputsArePlacedSoundly) {
         input = tessera_test::randomDrawing(seed);
         layerByLines(input);
         EXPECT_EQ(tessera_test::findFault(input, place(input, Spacing{})), "") << seed;
-        const Placement folded = place(input, Spacing{}, {0.5, {}});
-        EXPECT_EQ(tessera_test::findFault(input, folded, true), "") << seed;
-        Shape packed;
-        packed.packsParts = true;
-        EXPECT_EQ(tessera_test::findFault(input, place(input, Spacing{}, packed), true), "") << seed;
+        Shape shape;
+        shape.above = 0.5;
+        EXPECT_EQ(tessera_test::findFault(input, place(input, Spacing{}, shape), true), "") << seed;
+        shape = {};
+        shape.changesLayers = true;
+        EXPECT_EQ(tessera_test::findFault(input, place(input, Spacing{}, shape), true), "") << seed;
+        shape.below = 20;
+        EXPECT_EQ(tessera_test::findFault(input, place(input, Spacing{}, shape), true), "") << seed;
     }
 }
 
