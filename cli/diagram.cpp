@@ -103,16 +103,21 @@ std::string OtherDiagram::name() const {
 std::string changesTable(const std::vector<tessera_host::ChangedValue>& changes) {
     std::vector<Cells> lines{{"value", "here", "there", "difference", "percent"}};
     std::transform(changes.begin(), changes.end(), std::back_inserter(lines), cellsOf);
+    // A cell that is much longer than others should be stands out of its column and does not widen it.
+    constexpr std::size_t widestName = 80;
+    constexpr std::size_t widestValue = 24;
     std::array<std::size_t, 5> widths{};
     for (const Cells& cells : lines)
         for (std::size_t i = 0; i < cells.size(); ++i)
-            widths[i] = std::max(widths[i], widthOf(cells[i]));
+            if (const std::size_t width = widthOf(cells[i]); width <= (i == 0 ? widestName : widestValue))
+                widths[i] = std::max(widths[i], width);
     std::string table;
     for (const Cells& cells : lines) {
         std::string line;
         for (std::size_t i = 0; i < cells.size(); ++i) {
             // Names begin at the left, numbers end at the right.
-            const std::string space(widths[i] - widthOf(cells[i]), ' ');
+            const std::size_t width = widthOf(cells[i]);
+            const std::string space(std::max(widths[i], width) - width, ' ');
             line.append(i == 0 ? "" : "  ").append(i == 0 ? cells[i] + space : space + cells[i]);
         }
         table += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";

@@ -165,6 +165,7 @@ Expected<tessera_draw::Scene> sceneOf(const Options& options, const MadeDiagram&
     if (isInterrupted()) return tessera_host::cancelledError();
     tessera_draw::Scene scene = tessera_draw::makeScene(made.diagram, sceneOptions);
     if (isInterrupted()) return tessera_host::cancelledError();
+    if (made.kept) reportForeignLayout(options, *made.kept, scene);
     if (made.layoutFile != nullptr) saveLayout(*scene.layout, *made.layoutFile);
     return scene;
 }

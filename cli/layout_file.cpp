@@ -3,8 +3,11 @@
 #include <fmt/format.h>
 
 #include <string>
+#include <string_view>
+#include <unordered_set>
 
 #include "cli/interrupt.h"
+#include "cli/message.h"
 #include "cli/sink_output.h"
 #include "host/text/file_text.h"
 
@@ -34,6 +37,26 @@ Expected<std::optional<tessera_draw::SavedLayout>> readKeptLayout(const Options&
     std::string reason;
     if (!tessera_draw::readLayout(*text, layout, reason)) return refused(reason);
     return std::optional(std::move(layout));
+}
+
+void reportForeignLayout(const Options& options, const tessera_draw::SavedLayout& layout,
+                         const tessera_draw::Scene& scene) {
+    std::unordered_set<std::string_view> ids;
+    for (const tessera_draw::Element& element : scene.elements)
+        ids.insert(element.id);
+    bool hasBoxes = false;
+    for (const tessera_draw::SavedGroup& group : layout.groups)
+        for (const tessera_draw::SavedLayer& layer : group.layers)
+            for (const tessera_draw::SavedPoint& point : layer.points) {
+                if (point.isLink) continue;
+                if (ids.contains(point.id.id)) return;
+                hasBoxes = true;
+            }
+    if (hasBoxes)
+        printMessage(
+            fmt::format("{}: is the layout of another diagram: none of its nodes is in this one, which "
+                        "was laid out anew",
+                        options.keep));
 }
 
 void saveLayout(const tessera_draw::Layout& layout, OutputFile& file) {

@@ -6,12 +6,17 @@
 #include "cli/options.h"
 #include "cli/output_file.h"
 #include "draw/saved_layout.h"
+#include "draw/scene.h"
 
 namespace tessera_cli {
 
 // The layout that --keep names; none without the option. The error names the file.
 [[nodiscard]] tessera_host::Expected<std::optional<tessera_draw::SavedLayout>> readKeptLayout(
     const Options& options);
+
+// Says so when nothing of a layout that was kept is in the scene.
+void reportForeignLayout(const Options& options, const tessera_draw::SavedLayout& layout,
+                         const tessera_draw::Scene& scene);
 
 // Writes the layout to the sink of `file`, whose commit() reports what failed.
 void saveLayout(const tessera_draw::Layout& layout, OutputFile& file);

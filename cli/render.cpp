@@ -98,7 +98,7 @@ int render(const Options& options) {
     const tessera_host::Viewpoint& viewpoint = *input->viewpoint;
     if (const auto known = checkFailOn(options, viewpoint); !known) return reportError(known.error());
     tessera_draw::Reservation reservation;
-    if (options.format->isPicture()) reservation = measureReservedSpace(*input);
+    if (options.format->isPicture()) reservation = measureReservedSpace(*input, !options.against.empty());
     std::unique_ptr<OtherDiagram> other;
     if (!options.against.empty()) {
         auto opened = OtherDiagram::open(options, *input);

@@ -65,7 +65,7 @@ class Measure {
 
 }  // namespace
 
-Reservation measureReservedSpace(const Input& input) {
+Reservation measureReservedSpace(const Input& input, bool hasChanges) {
     const tessera_host::ReservedSpace space(input.viewpoint, *input.catalogs);
     Reservation reservation;
     Measure measure;
@@ -74,6 +74,7 @@ Reservation measureReservedSpace(const Input& input) {
     for (const std::string_view mode : tessera_host::displayModeNames)
         modeWidth = std::max(modeWidth, tessera_draw::measureText(mode, 1, Weight::bold).width);
     reservation.setModeWidth(modeWidth);
+    reservation.setHasChanges(hasChanges);
     for (const auto& node : space.nodes())
         reservation.node(node.id).widen(measure.rows(node.rows));
     // As much as the widest of the display modes needs.

@@ -25,7 +25,8 @@ struct PagePart {
     Rect own;    // the same up to the middle of each overlap: these cover the drawing without overlapping
 };
 
-// Pages in rows and columns, all of one size, with the drawing in the middle of them.
+// Pages in rows and columns, all of one size. The drawing begins at the upper left corner of the first one, or is in the
+// middle where one page is wide or high enough.
 struct PagePlan {
     Size drawing;      // pixels
     Size paper;        // points

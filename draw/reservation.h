@@ -50,6 +50,10 @@ class Reservation {
     void setModeWidth(double width) noexcept { m_modeWidth = width; }
     [[nodiscard]] double modeWidth() const noexcept { return m_modeWidth; }
 
+    // Whether values can have changes, which stand below them.
+    void setHasChanges(bool hasChanges) noexcept { m_hasChanges = hasChanges; }
+    [[nodiscard]] bool hasChanges() const noexcept { return m_hasChanges; }
+
     // For layOut(). Ids are compared byte by byte. Constant time on average. Null when the id is absent. A
     // link that is present has all three places; those not set hold no rows.
     [[nodiscard]] const RowSpace* findNode(std::string_view id) const {
@@ -89,6 +93,7 @@ class Reservation {
     }
 
     double m_modeWidth = usualModeWidth;
+    bool m_hasChanges = false;
     Table<RowSpace> m_nodes;
     Table<LinkSpaces> m_links;
 };

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "draw/scene/display_types.h"
+#include "draw/scene/fitted_value.h"
 #include "draw/text_width.h"
 #include "draw/theme.h"
 
@@ -13,10 +14,11 @@ namespace {
 
 constexpr double minCard = 84;  // widths inside the margins
 constexpr double maxCard = 244;
+constexpr double maxCaption = 320;  // cards are wider for long names
+constexpr double maxNumber = 280;   // and for values that are there at first
 constexpr double maxNameColumn = 140;
 constexpr double minLabel = 52;
 constexpr double maxLabel = 168;
-constexpr double maxGroupTitle = 320;
 constexpr std::uint32_t maxCardRows = 12;
 constexpr std::uint32_t maxLabelRows = 6;
 constexpr double groupMargin = 20;
@@ -39,57 +41,88 @@ double captionWidth(const Node& node, double maxWidth) {
     return fitText(captionOf(node), maxWidth, style.size, style.weight).width;
 }
 
-// Values come first, up to their share of the width; names get what is left. One pixel more covers rounding.
-void setColumns(BoxSize& box, const RowSpace& space, double nameSize, double valueSize, double maxWidth,
-                double maxName = maxNameColumn) {
-    box.valueColumn = std::min(space.valueWidth * valueSize + 1, maxWidth * maxValueShare);
-    box.nameColumn =
-        std::min({space.nameWidth * nameSize + 1, maxName, maxWidth - columnGap - box.valueColumn});
+// What a box has to hold.
+struct Needs {
+    RowSpace space;
+    double number = 0;  // em: the widest number that is there at first, with its unit
+    bool hasChanges = false;
+};
+
+struct FontSizes {
+    double name = 0;
+    double value = 0;
+};
+
+FontSizes fontSizes(TextRole name, TextRole value) {
+    return {styleOf(name).size, styleOf(value).size};
 }
 
-BoxSize cardSize(const Node& node, const RowSpace& space) {
+// Numbers are whole. Other values come first up to their share of the width, and use what short names leave; names get
+// the rest. One pixel more covers rounding. Returns the width of both columns.
+double setColumns(BoxSize& box, const Needs& needs, FontSizes sizes, double maxWidth,
+                  double maxName = maxNameColumn) {
+    const double name = std::min(needs.space.nameWidth * sizes.name + 1, maxName);
+    const double share = maxWidth * maxValueShare;
+    const double number = std::min(needs.number * sizes.value + 1, maxNumber);
+    box.valueColumn = std::min(needs.space.valueWidth * sizes.value + 1,
+                               std::max({share, number, maxWidth - columnGap - name}));
+    box.nameColumn = std::min(name, maxWidth - columnGap - std::min(box.valueColumn, share));
+    return box.nameColumn + columnGap + box.valueColumn;
+}
+
+// Of a card or container.
+BoxSize boxWithRows(const Needs& needs) {
     BoxSize box;
-    box.rows = std::min(space.rows, maxCardRows);
-    double inner = captionWidth(node, maxCard - symbolSpace) + (isMarked(node.displayType) ? symbolSpace : 0);
-    if (box.rows > 0) {
-        setColumns(box, space, styleOf(TextRole::rowName).size, styleOf(TextRole::rowValue).size, maxCard);
-        inner = std::max(inner, box.nameColumn + columnGap + box.valueColumn);
-    }
-    box.size.width = even(std::clamp(inner, minCard, maxCard)) + cardLeft + cardRight;
-    box.size.height = box.rows == 0 ? 38 : cardFirstRow - 8 + rowStep * box.rows;
+    box.rows = std::min(needs.space.rows, maxCardRows);
+    box.hasChanges = needs.hasChanges;
+    box.rowStep = needs.hasChanges ? changedRowStep : rowStep;
     return box;
 }
 
-BoxSize labelSize(const RowSpace& space) {
+BoxSize cardSize(const Node& node, const Needs& needs) {
+    BoxSize box = boxWithRows(needs);
+    double inner =
+        captionWidth(node, maxCaption - symbolSpace) + (isMarked(node.displayType) ? symbolSpace : 0);
+    if (box.rows > 0)
+        inner = std::max(inner,
+                         setColumns(box, needs, fontSizes(TextRole::rowName, TextRole::rowValue), maxCard));
+    box.size.width = even(std::max(inner, minCard)) + cardLeft + cardRight;
+    box.size.height = box.rows == 0 ? 38 : cardFirstRow - 8 + box.rowStep * box.rows;
+    return box;
+}
+
+BoxSize labelSize(const Needs& needs) {
     BoxSize box;
-    const double nameSize = styleOf(TextRole::labelName).size;
-    const double valueSize = styleOf(TextRole::labelValue).size;
-    box.rows = std::clamp<std::uint32_t>(space.rows, 1, maxLabelRows);
-    setColumns(box, space, nameSize, valueSize, maxLabel);
-    double inner = space.titleWidth * nameSize;
+    const FontSizes sizes = fontSizes(TextRole::labelName, TextRole::labelValue);
+    box.rows = std::clamp<std::uint32_t>(needs.space.rows, 1, maxLabelRows);
+    box.hasChanges = needs.hasChanges;
+    box.rowStep = needs.hasChanges ? labelChangedRowStep : labelRowStep;
+    double inner = std::min(needs.space.titleWidth * sizes.name, maxLabel);
+    const double columns = setColumns(box, needs, sizes, maxLabel);
     // A single value is drawn below its title, so the widest text decides, and not their sum.
     if (box.rows == 1) {
-        inner = std::max({inner, space.nameWidth * nameSize, space.valueWidth * valueSize});
-        box.size.height = 34;
+        const double number = std::min(needs.number * sizes.value, maxNumber);
+        const double widest =
+            std::max(needs.space.nameWidth * sizes.name, needs.space.valueWidth * sizes.value);
+        inner = std::max({inner, std::min(widest, maxLabel), number});
+        box.size.height = needs.hasChanges ? 44 : 34;
     } else {
-        inner = std::max(inner, box.nameColumn + columnGap + box.valueColumn);
-        box.size.height = labelFirstRow - 6 + labelRowStep * box.rows;
+        inner = std::max(inner, columns);
+        box.size.height = labelFirstRow - 6 + box.rowStep * box.rows;
     }
-    box.size.width = even(std::clamp(inner, minLabel, maxLabel)) + 2 * labelSide;
+    box.size.width = even(std::max(inner, minLabel)) + 2 * labelSide;
     return box;
 }
 
-BoxSize containerSize(const Node& node, const RowSpace& space) {
-    BoxSize box;
-    box.rows = std::min(space.rows, maxCardRows);
+BoxSize containerSize(const Node& node, const Needs& needs) {
+    BoxSize box = boxWithRows(needs);
     // The size is a lower limit: what the group contains usually needs more.
-    double inner = captionWidth(node, maxGroupTitle) + (isMarked(node.displayType) ? symbolSpace : 0);
+    double inner = captionWidth(node, maxCaption) + (isMarked(node.displayType) ? symbolSpace : 0);
     double top = groupTop;
     if (box.rows > 0) {
-        setColumns(box, space, styleOf(TextRole::rowName).size, styleOf(TextRole::rowValue).size,
-                   maxGroupTitle, maxGroupTitle);
-        inner = std::max(inner, box.nameColumn + columnGap + box.valueColumn);
-        top = groupTopWithRows + rowStep * box.rows;
+        inner = std::max(inner, setColumns(box, needs, fontSizes(TextRole::rowName, TextRole::rowValue),
+                                           maxCaption, maxCaption));
+        top = groupTopWithRows + box.rowStep * box.rows;
     }
     box.padding = {groupMargin, top, groupMargin, groupMargin};
     box.size = {even(inner) + 2 * groupSide, top + groupMargin};
@@ -103,11 +136,12 @@ Reservation::Place placeOf(std::string_view location) {
 }
 
 // Values that exceed what was expected may still grow.
-void widenFor(RowSpace& space, const Info& info) {
+void widenFor(Needs& needs, const Info& info) {
     constexpr double digit = 0.7;  // em, bold
     for (const Row& row : info.rows) {
-        const double width = measureText(row.value, 1, Weight::bold).width;
-        if (width > space.valueWidth) space.valueWidth = width + digit;
+        double width = measureText(row.value, 1, Weight::bold).width;
+        if (width > needs.space.valueWidth) needs.space.valueWidth = width += digit;
+        if (beginsWithNumber(row.value)) needs.number = std::max(needs.number, width);
     }
 }
 
@@ -144,9 +178,10 @@ std::vector<BoxSize> boxSizesOf(const Diagram& diagram, const LinkPaths& linkPat
     for (std::size_t i = 0; i < sizes.size(); ++i) {
         const Node& node = diagram.nodes[i];
         const Index infoNode = kinds.groupInfos[i] == nothing ? static_cast<Index>(i) : kinds.groupInfos[i];
-        const auto widened = [&](RowSpace space) {
-            if (first != nullptr) widenFor(space, (*first)[infoNode]);
-            return space;
+        const auto widened = [&](const RowSpace& space) {
+            Needs needs{space, 0, reservation != nullptr && reservation->hasChanges()};
+            if (first != nullptr) widenFor(needs, (*first)[infoNode]);
+            return needs;
         };
         const RowSpace* kept = reservation == nullptr ? nullptr : reservation->findNode(node.id);
         if (kinds.kinds[i] == BoxKind::card) {

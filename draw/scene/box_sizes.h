@@ -20,18 +20,21 @@ inline constexpr double cardNameLine = 22;   // of the name above rows
 inline constexpr double cardNameAlone = 24;  // of the name without rows
 inline constexpr double cardFirstRow = 42;
 inline constexpr double rowStep = 18;
-inline constexpr double columnGap = 12;  // minimum between a row's name and its value
+inline constexpr double changedRowStep = 26;  // with changes below the values
+inline constexpr double columnGap = 14;       // minimum between a row's name and its value
 inline constexpr double symbolSize = 8;
 inline constexpr double symbolSpace = 14;  // with the gap beside it
 inline constexpr double barWidth = 4;
 inline constexpr double maxValueShare = 0.6;  // of a row's width, when its name is long
 
-// Labels on links.
+// Labels on links. Those with changes below their values are higher.
 inline constexpr double labelSide = 10;  // from either edge to the texts
 inline constexpr double labelTitleLine = 14;
 inline constexpr double labelValueLine = 28;
+inline constexpr double changedLabelValueLine = 33;  // before it is lifted
 inline constexpr double labelFirstRow = 30;
 inline constexpr double labelRowStep = 15;
+inline constexpr double labelChangedRowStep = 23;
 
 // Groups.
 inline constexpr double groupSide = 16;
@@ -40,7 +43,9 @@ inline constexpr double groupFirstRow = 45;
 
 // The size of one box and of what is in it. Of nodes that are not drawn, all members are 0.
 struct BoxSize {
-    std::uint32_t rows = 0;  // number of rows that fit; further ones are counted in a last row, "+3 more"
+    std::uint32_t rows = 0;   // number of rows that fit; further ones are counted in a last row, "+3 more"
+    double rowStep = 0;       // between their base lines
+    bool hasChanges = false;  // whether there is room for changes below values
     double nameColumn = 0;
     double valueColumn = 0;
     Size size;       // of a container: the minimum
@@ -67,8 +72,8 @@ struct BoxKinds {
 
 // Returns the size of every node's box, by node. `pathOfLabel` is that of pathsOfStops(). A null `reservation`
 // means the usual space for every box; see draw/reservation.h for ids that it does not name. With `first`, the
-// values by node, boxes are wide enough for these, and where they exceed the reserved space, for one more digit.
-// Linear time.
+// values by node, boxes are wide enough for these, and where they exceed the reserved space, for one more digit:
+// numbers are whole with their units up to 280 pixels, other texts up to the usual width of boxes. Linear time.
 [[nodiscard]] std::vector<BoxSize> boxSizesOf(const Diagram& diagram, const LinkPaths& linkPaths,
                                               const BoxKinds& kinds, const std::vector<Index>& pathOfLabel,
                                               const Reservation* reservation, const std::vector<Info>* first);

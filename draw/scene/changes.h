@@ -8,16 +8,20 @@
 namespace tessera_draw {
 
 // By how much a value is drawn higher, so that its change has room below it, and how far below the usual base line
-// that is. Rows are no higher than without changes.
+// that is.
 struct ChangeLines {
     double lift = 0;
     double drop = 0;
     TextRole role = TextRole::change;
 };
-inline constexpr ChangeLines cardChange = {5, 3, TextRole::change};
-inline constexpr ChangeLines labelChange = {5.5, 3.5, TextRole::labelChange};
-inline constexpr ChangeLines labelRowChange = {4.6, 1.8, TextRole::labelRowChange};
-inline constexpr double changedTitleLift = 1.5;  // of the title above a single value of a label
+inline constexpr ChangeLines cardChange = {6, 5, TextRole::change};
+inline constexpr ChangeLines labelChange = {6, 5.5, TextRole::labelChange};
+inline constexpr ChangeLines labelRowChange = {5, 4, TextRole::labelRowChange};
+// In boxes that are no higher than those without changes.
+inline constexpr ChangeLines tightCardChange = {5, 3, TextRole::change};
+inline constexpr ChangeLines tightLabelChange = {5.5, 3.5, TextRole::labelChange};
+inline constexpr ChangeLines tightLabelRowChange = {4.6, 1.8, TextRole::labelRowChange};
+inline constexpr double tightTitleLift = 1.5;  // of the title above a single value of a label
 
 [[nodiscard]] inline bool hasChange(const Row& row) noexcept {
     return !row.change.empty();

@@ -35,13 +35,22 @@ NumberPart numberOf(std::string_view text) noexcept {
     return isNumber ? number : NumberPart{};
 }
 
+// Without white space before it, which is not shown.
+std::string_view trimmed(std::string_view value) noexcept {
+    return value.substr(std::min(value.find_first_not_of(" \t\n\r"), value.size()));
+}
+
 }  // namespace
+
+bool beginsWithNumber(std::string_view value) noexcept {
+    return numberOf(trimmed(value)).whole > 0;
+}
 
 FittedText fitValue(std::string_view value, double maxWidth, double size, Weight weight) noexcept {
     const FittedText fitted = fitText(value, maxWidth, size, weight);
     if (!fitted.isShortened || fitted.kept.empty()) return fitted;
     // What was kept is the beginning of this.
-    const std::string_view text = value.substr(value.find_first_not_of(" \t\n\r"));
+    const std::string_view text = trimmed(value);
     const NumberPart number = numberOf(text);
     if (number.whole == 0) return fitted;
     const auto shortenedTo = [&](std::size_t length) {

@@ -7,6 +7,9 @@
 
 namespace tessera_draw {
 
+// Whether the value is a number, with a unit or without.
+[[nodiscard]] bool beginsWithNumber(std::string_view value) noexcept;
+
 // The part of a value that is shown. As fitText(), but of a number with a unit, words of the unit go first, each
 // as a whole: "47.3 …" of "47.3 MB/s", because part of a unit would read as another one. Of a number that does
 // not fit, digits after the point go; its other digits and its exponent never go alone: then only "…" is shown.

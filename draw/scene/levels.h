@@ -6,8 +6,8 @@
 
 namespace tessera_draw {
 
-inline constexpr double signSize = 9;  // of a level, left of its value; fits between the columns of rows
-inline constexpr double signSpace = 12;
+inline constexpr double signSize = 8;  // of a level, left of its value; fits between the columns of rows
+inline constexpr double signSpace = 11;
 
 // Gives each level of `meaning` a sign and a colour, by its name or in turn, and puts them into the scene.
 // Texts of `meaning` must live as long as the scene.

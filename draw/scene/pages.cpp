@@ -52,10 +52,11 @@ struct Stretch {
     double ownLength;
 };
 
+// Over several pages, the drawing begins at the first one's margin; on one it is in the middle.
 Stretch stretchOf(std::uint32_t at, std::uint32_t count, double side, double length, double pixel) noexcept {
     const double page = side - 2 * paperMargin;
-    const double start = at * (page - paperOverlap) -
-                         (shownBy(count, side) - length * pixel) / 2;  // points, from the drawing's edge
+    const double first = count == 1 ? (page - length * pixel) / 2 : 0;
+    const double start = at * (page - paperOverlap) - first;  // points, from the drawing's edge
     const double before = at == 0 ? 0 : paperOverlap / 2;
     const double after = at + 1 == count ? 0 : paperOverlap / 2;
     return {start / pixel, page / pixel, (start + before) / pixel, (page - before - after) / pixel};

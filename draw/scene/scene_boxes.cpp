@@ -19,8 +19,13 @@ struct Columns {
     double valueSpace = 0;  // reserved for values
     TextRole nameRole = TextRole::rowName;
     TextRole valueRole = TextRole::rowValue;
-    ChangeLines change = cardChange;
+    ChangeLines change;
 };
+
+// Rows with changes are higher, and so the first one begins lower.
+double firstRow(const BoxSize& size, double line) {
+    return line + (size.hasChanges ? 4 : 0);
+}
 
 // Returns the index of the text, or `nothing` if the text is empty.
 Index drawText(SceneBuilder& builder, Point at, TextRole role, const FittedText& fitted, double maxWidth) {
@@ -79,14 +84,15 @@ double labelSpace(const Rect& rect) {
 }
 
 // The sign of a level and the value beside it are centered together.
-void drawLabelValue(SceneBuilder& builder, Point at, const Row& row, const Rect& rect) {
+void drawLabelValue(SceneBuilder& builder, Point at, const Row& row, const ChangeLines& change,
+                    const Rect& rect) {
     const TextStyle& style = styleOf(TextRole::labelValue);
     const double sign = builder.scene().levelOf(row.level) == nullptr ? 0 : signSpace;
     const double maxWidth = sign == 0 ? labelSpace(rect) : rect.width - 8 - sign;
     const FittedText fitted = fitValue(row.value, maxWidth, style.size, style.weight);
-    const Point middle{at.x + sign / 2, hasChange(row) ? at.y - labelChange.lift : at.y};
+    const Point middle{at.x + sign / 2, hasChange(row) ? at.y - change.lift : at.y};
     builder.row(0).changeText =
-        drawChange(builder, row, {at.x, at.y + labelChange.drop}, labelChange.role, rect.width - 6);
+        drawChange(builder, row, {at.x, at.y + change.drop}, change.role, rect.width - 6);
     if (builder.text(middle, TextRole::labelValue, fitted, maxWidth) == 0) return;
     builder.row(0).valueText = builder.lastText();
     drawSign(builder, row, middle.x - fitted.width / 2, middle.y);
@@ -103,16 +109,19 @@ std::string_view countedTitle(SceneBuilder& builder, std::string_view title, std
 }
 
 // A single row is shown without its own name: the title above the value is enough.
-void drawSingleValue(SceneBuilder& builder, const Info& info, const Rect& rect) {
+void drawSingleValue(SceneBuilder& builder, const Info& info, const BoxSize& size, const Rect& rect) {
     const double middle = rect.x + rect.width / 2;
     const double maxWidth = labelSpace(rect);
     const Row& row = info.rows.front();
     std::string_view title = info.name.empty() ? row.name : info.name;
     if (info.rows.size() > 1) title = countedTitle(builder, title, info.rows.size() - 1, maxWidth);
-    if (title.empty()) return drawLabelValue(builder, {middle, rect.y + 21}, row, rect);
-    const double titleLift = hasChange(row) ? changedTitleLift : 0;
+    const ChangeLines& change = size.hasChanges ? labelChange : tightLabelChange;
+    if (title.empty())
+        return drawLabelValue(builder, {middle, rect.y + rect.height / 2 + 4}, row, change, rect);
+    const double titleLift = hasChange(row) && !size.hasChanges ? tightTitleLift : 0;
     builder.text({middle, rect.y + labelTitleLine - titleLift}, TextRole::labelName, title, maxWidth);
-    drawLabelValue(builder, {middle, rect.y + labelValueLine}, row, rect);
+    drawLabelValue(builder, {middle, rect.y + (size.hasChanges ? changedLabelValueLine : labelValueLine)},
+                   row, change, rect);
 }
 
 // Where the values of a header end: at the reserved column, or farther to the right as far as texts need it.
@@ -148,8 +157,8 @@ void drawCard(SceneBuilder& builder, const Node& node, const Info& info, const B
     builder.text({left, nameLine}, TextRole::name, captionOf(node),
                  right - left - (look.symbol == Symbol::none ? 0 : symbolSpace));
     drawRows(builder, info.rows, size.rows,
-             {left, right, rect.y + cardFirstRow, rowStep, size.valueColumn, TextRole::rowName,
-              TextRole::rowValue});
+             {left, right, firstRow(size, rect.y + cardFirstRow), size.rowStep, size.valueColumn,
+              TextRole::rowName, TextRole::rowValue, size.hasChanges ? cardChange : tightCardChange});
     drawLevelBadge(builder, level, at, rect, places);
     builder.tooltip(captionOf(node));
     if (look.symbol != Symbol::none) builder.tooltip(node.displayType);
@@ -169,13 +178,14 @@ void drawLabel(SceneBuilder& builder, const Info& info, const BoxSize& size, con
         return;
     }
     if (size.rows <= 1) {
-        drawSingleValue(builder, info, rect);
+        drawSingleValue(builder, info, size, rect);
         return;
     }
     builder.text({middle, rect.y + labelTitleLine}, TextRole::labelName, info.name, rect.width - 12);
     drawRows(builder, info.rows, size.rows,
-             {rect.x + labelSide, rect.right() - labelSide, rect.y + labelFirstRow, labelRowStep,
-              size.valueColumn, TextRole::labelRowName, TextRole::labelRowValue, labelRowChange});
+             {rect.x + labelSide, rect.right() - labelSide, firstRow(size, rect.y + labelFirstRow),
+              size.rowStep, size.valueColumn, TextRole::labelRowName, TextRole::labelRowValue,
+              size.hasChanges ? labelRowChange : tightLabelRowChange});
 }
 
 void drawContainer(SceneBuilder& builder, const Node& node, const Info& info, const Rect& rect, TypeLook look,
@@ -205,8 +215,8 @@ void drawHeader(SceneBuilder& builder, const Node& node, const Info& info, const
     const double rowsLeft = rect.x + groupSide;
     const double rowsRight = rightOfHeaderRows(info, size, rowsLeft, rect.right() - groupSide);
     drawRows(builder, info.rows, size.rows,
-             {rowsLeft, rowsRight, rect.y + groupFirstRow, rowStep, size.valueColumn, TextRole::rowName,
-              TextRole::rowValue});
+             {rowsLeft, rowsRight, firstRow(size, rect.y + groupFirstRow), size.rowStep, size.valueColumn,
+              TextRole::rowName, TextRole::rowValue, size.hasChanges ? cardChange : tightCardChange});
 }
 
 }  // namespace tessera_draw

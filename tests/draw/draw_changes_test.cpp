@@ -111,8 +111,8 @@ TEST(DrawChanges, NothingMoves) {
     }
 }
 
-TEST(DrawChanges, TextsOfABoxDoNotOverlap) {
-    const Scene scene = makeScene(bagOf(true), {});
+// Between lines of texts there are `least` pixels.
+void expectNoOverlap(const Scene& scene, double least) {
     for (const Element& element : scene.elements) {
         if (element.kind != Element::Kind::node && element.kind != Element::Kind::label) continue;
         const Rect& box = scene.boxes[element.boxes.first].rect;
@@ -127,9 +127,19 @@ TEST(DrawChanges, TextsOfABoxDoNotOverlap) {
         std::sort(lines.begin(), lines.end());
         for (std::size_t i = 0; i + 1 < lines.size(); ++i)
             if (lines[i + 1].second - lines[i].second > 1) {  // not one line
-                EXPECT_LE(lines[i].second, lines[i + 1].first);
+                EXPECT_LE(lines[i].second + least, lines[i + 1].first);
             }
     }
+}
+
+// Boxes are higher where the caller says that values can have changes.
+TEST(DrawChanges, TextsOfABoxDoNotOverlap) {
+    const variant_bag_t bag = bagOf(true);
+    Reservation reservation;
+    reservation.node("a").rows = reservation.node("b").rows = 2;
+    reservation.setHasChanges(true);
+    expectNoOverlap(makeScene(bag, {}), 0);
+    expectNoOverlap(makeScene(bag, {Direction::leftToRight, &reservation}), 2);
 }
 
 TEST(DrawChanges, TooltipsHaveTheWholeChange) {

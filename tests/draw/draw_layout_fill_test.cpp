@@ -204,6 +204,36 @@ TEST(DrawLayoutFill, FirstValuesFit) {
         isWhole(fill(layout, smallDrawing(std::string(40, '9') + wide).bag), std::string(40, '9') + wide));
 }
 
+// The longest integer of a database, and a number with all its digits and a unit, in cards and labels of one and two rows.
+TEST(DrawLayoutFill, FirstNumbersAreWholeWithTheirUnits) {
+    for (const std::string value : {"-9223372036854775808 B", "0.12345678901234567 requests", "1.25e+300"})
+        for (const int rows : {1, 2}) {
+            tessera_test::DrawnBag drawn;
+            for (const std::string_view id : {"a", "b_a_label"}) {
+                const bool isLabel = id != "a";
+                variant_bag_t& box = drawn.node(id, "", isLabel ? 1 : 0, isLabel ? "label" : "node");
+                for (int row = 0; row < rows; ++row)
+                    drawn.row(box, "A name of a usual length", value);
+            }
+            drawn.node("b", "B", 2);
+            drawn.link("l", "a", "b_a_label", "none");
+            drawn.link("b_a_label_a", "b_a_label", "b", "forward");
+            Reservation reservation;
+            reservation.node("a").rows = 2;
+            reservation.link("l", Reservation::Place::center).rows = static_cast<std::uint32_t>(rows);
+            reservation.setHasChanges(true);
+            LayoutOptions options;
+            options.firstValues = &drawn.bag;
+            options.reservation = &reservation;
+            const Scene scene = fill(layOut(drawn.bag, options), drawn.bag);
+            EXPECT_EQ(
+                std::count_if(scene.texts.begin(), scene.texts.end(),
+                              [&](const TextShape& text) { return text.text == value && !text.isShortened; }),
+                2 * rows)
+                << value;
+        }
+}
+
 TEST(DrawSceneJson, SaysWhatASceneShows) {
     const DrawnBag drawn = smallDrawing("1\"\n\xFF");
     const Scene scene = makeScene(drawn.bag, {});

@@ -15,8 +15,10 @@ import tempfile
 
 FOLDER = pathlib.Path(__file__).resolve().parent
 ROOT = FOLDER.parents[1]
+OTHER = 'other.db'  # the values that those of a drawing are compared with, beside its database
 # Documents that are drawn a second time, with these options.
-ALSO = {'nested_groups': ['--direction', 'tb'], 'chain': ['--direction', 'tb']}
+ALSO = {'nested_groups': ('_tb', ['--direction', 'tb']), 'chain': ('_tb', ['--direction', 'tb']),
+        'levels': ('_against', ['--against', OTHER]), 'several_rows': ('_against', ['--against', OTHER])}
 # The drawings in README.md: name, document, options.
 SHOWN = (('backup', 'examples/backup/backup', ['--theme', 'auto']),
          ('backup_tb', 'examples/backup/backup', ['--theme', 'dark', '--direction', 'tb']),
@@ -24,6 +26,15 @@ SHOWN = (('backup', 'examples/backup/backup', ['--theme', 'auto']),
          ('order_life', 'tests/draw/corpus/order-life', ['--theme', 'auto']))
 STYLE = ('body{font:14px sans-serif;margin:24px;background:#888}figure{display:inline-block;margin:8px;vertical-align:top}'
          'figcaption{padding:4px 0}')
+
+
+def make_database(folder, name, *scripts):
+    path = pathlib.Path(folder) / name
+    with sqlite3.connect(path) as connection:
+        for script in scripts:
+            connection.executescript(script.read_text(encoding='utf-8'))
+    connection.close()
+    return path
 
 
 class Drawing:
@@ -36,12 +47,11 @@ class Drawing:
 
     def new(self, program):
         with tempfile.TemporaryDirectory() as folder:
-            database = pathlib.Path(folder) / 'values.db'
-            with sqlite3.connect(database) as connection:
-                connection.executescript(self.values.read_text(encoding='utf-8'))
-            connection.close()
+            database = make_database(folder, 'values.db', self.values)
+            if OTHER in self.options:
+                make_database(folder, OTHER, self.values, FOLDER / 'other.sql')
             done = subprocess.run([program, 'render', self.document, '--db', database, '--format', 'svg', '--log-level', 'off',
-                                   *self.options], capture_output=True, text=True, encoding='utf-8', timeout=60)
+                                   *self.options], capture_output=True, text=True, encoding='utf-8', timeout=60, cwd=folder)
         if done.returncode != 0:
             sys.exit(f'{self.document.name}: exit status {done.returncode}: {done.stderr}')
         return done.stdout
@@ -49,10 +59,9 @@ class Drawing:
 
 def drawings():
     for path in sorted((FOLDER / 'documents').glob('*.xml')):
-        for suffix, options in (('', []), ('_tb', ALSO.get(path.stem))):
-            if options is not None:
-                yield Drawing(path, FOLDER / 'values.sql', FOLDER / 'drawings' / f'{path.stem}{suffix}.svg',
-                              ['--theme', 'light', *options])
+        for suffix, options in filter(None, (('', []), ALSO.get(path.stem))):
+            yield Drawing(path, FOLDER / 'values.sql', FOLDER / 'drawings' / f'{path.stem}{suffix}.svg',
+                          ['--theme', 'light', *options])
     for name, document, options in SHOWN:
         path = ROOT / f'{document}.xml'
         yield Drawing(path, path.with_suffix('.sql'), ROOT / 'docs/pictures' / f'{name}.svg', options)
@@ -80,6 +89,7 @@ def main():
     wants_page = '--page' in arguments
     page_file = arguments.pop(arguments.index('--page') + 1) if wants_page else None
     program, *names = [each for each in arguments if not each.startswith('--')]
+    program = pathlib.Path(program).resolve()
     wanted = [each for each in drawings() if not names or each.document.stem in names]
     results = [(each, each.old(), each.new(program)) for each in wanted]
     changed = [each for each in results if each[1] != each[2]]

@@ -64,8 +64,8 @@ class Against(Case):
 
     def test_nothing_moves(self):
         for options in ((), ('--mode', 'ratio'), ('--direction', 'tb')):
-            alone = shapes(self.drawn('--db', self.now, *options))
-            self.assertEqual(alone, shapes(self.drawn('--db', self.now, '--against', self.before, *options)), options)
+            same = shapes(self.drawn('--db', self.now, '--against', self.now, *options))
+            self.assertEqual(same, shapes(self.drawn('--db', self.now, '--against', self.before, *options)), options)
 
     def test_modes_have_their_own_changes(self):
         self.assertIn('Errors: 7.2 % – vs 9.0 %', self.drawn('--db', self.now, '--against', self.before, '--mode', 'ratio'))

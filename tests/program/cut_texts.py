@@ -7,7 +7,7 @@ SVG = '{http://www.w3.org/2000/svg}'
 WIDTHS = program.ROOT / 'draw/scene/text_advances.h'
 RULE = re.compile(r'\.tessera-diagram \.(\w+)\{font-size:([\d.]+)px([^}]*)\}')
 SIDES = {'node': 28, 'label': 20, 'header': 32}  # pixels of a box that are never text: left and right together
-GAP = 12  # between a name and its value
+GAP = 14  # between a name and its value
 MARK = 14  # a symbol with its gap, on the first line
 
 

@@ -126,6 +126,17 @@ class Files(Drawing):
             file.truncate(65 << 20)
         self.assertIn('more than 64 MiB', self.fails(3, '--keep', self.folder / 'other.json'))
 
+    def test_the_layout_of_another_diagram_is_told(self):
+        self.draw(self.viewpoint, self.result, self.folder / 'x.svg', '--save-layout', self.layout)
+        text = self.layout.read_text(encoding='utf-8').replace('"node":"', '"node":"other ')
+        for layout, message in ((self.write('other.json', text), 'other.json: is the layout of another diagram'),
+                                (self.layout, '')):
+            done = self.run_program('render', self.viewpoint, '--db', self.result, '-o', self.folder / 'y.svg', '--keep', layout,
+                                    '--log-level', 'off')
+            self.assertEqual(done.returncode, 0)
+            self.assertIn(message, done.stderr)
+            self.assertEqual(message == '', done.stderr == '')
+
     def test_both_are_for_pictures(self):
         for option in ('--keep', '--save-layout'):
             done = self.run_program('render', self.viewpoint, '--db', self.result, option, self.layout)
