@@ -15,6 +15,7 @@ namespace {
 constexpr double minCard = 84;  // widths inside the margins
 constexpr double maxCard = 244;
 constexpr double maxCaption = 320;  // cards are wider for long names
+constexpr double maxTitle = 640;    // of groups: no line passes through one of this width
 constexpr double maxNumber = 280;   // and for values that are there at first
 constexpr double maxNameColumn = 140;
 constexpr double minLabel = 52;
@@ -117,7 +118,7 @@ BoxSize labelSize(const Needs& needs) {
 BoxSize containerSize(const Node& node, const Needs& needs) {
     BoxSize box = boxWithRows(needs);
     // The size is a lower limit: what the group contains usually needs more.
-    double inner = captionWidth(node, maxCaption) + (isMarked(node.displayType) ? symbolSpace : 0);
+    double inner = captionWidth(node, maxTitle) + (isMarked(node.displayType) ? symbolSpace : 0);
     double top = groupTop;
     if (box.rows > 0) {
         inner = std::max(inner, setColumns(box, needs, fontSizes(TextRole::rowName, TextRole::rowValue),

@@ -154,7 +154,7 @@ void drawCard(SceneBuilder& builder, const Node& node, const Info& info, const B
     const double right = rect.right() - cardRight;
     const double nameLine = rect.y + (size.rows == 0 ? cardNameAlone : cardNameLine);
     if (look.symbol != Symbol::none) builder.symbol({right - symbolSize / 2, nameLine - 4.5}, look);
-    builder.text({left, nameLine}, TextRole::name, captionOf(node),
+    builder.name({left, nameLine}, captionOf(node),
                  right - left - (look.symbol == Symbol::none ? 0 : symbolSpace));
     drawRows(builder, info.rows, size.rows,
              {left, right, firstRow(size, rect.y + cardFirstRow), size.rowStep, size.valueColumn,
@@ -211,7 +211,7 @@ void drawHeader(SceneBuilder& builder, const Node& node, const Info& info, const
         builder.symbol({left + symbolSize / 2, line - 4.5}, look);
         left += symbolSpace;
     }
-    builder.text({left, line}, TextRole::name, captionOf(node), rect.right() - groupSide - left);
+    builder.name({left, line}, captionOf(node), rect.right() - groupSide - left);
     const double rowsLeft = rect.x + groupSide;
     const double rowsRight = rightOfHeaderRows(info, size, rowsLeft, rect.right() - groupSide);
     drawRows(builder, info.rows, size.rows,

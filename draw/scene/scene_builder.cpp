@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "draw/scene/changes.h"
+#include "draw/scene/shown_text.h"
 
 namespace tessera_draw {
 namespace {
@@ -25,6 +26,22 @@ std::string described(const Row& row) {
     if (!row.level.empty()) text += fmt::format(" ({})", row.level);
     if (hasChange(row)) text += fmt::format(" – {}", changeText(row));
     return text;
+}
+
+// The longest end of the text that is not wider, if it is of characters that never join with others.
+std::string_view plainEnd(std::string_view text, double maxWidth, const TextStyle& style) {
+    constexpr char32_t firstJoining = 0x300;
+    std::size_t begin = text.size();
+    while (begin > 0) {
+        std::size_t next = begin - 1;
+        while (next > 0 && (static_cast<unsigned char>(text[next]) & 0xC0U) == 0x80U)
+            --next;
+        const auto [code, length, isValid] = tessera_support::decodeUtf8(text.substr(next));
+        if (!isValid || next + length != begin || code >= firstJoining || shownAs(code) != code) break;
+        if (measureText(text.substr(next), style.size, style.weight).width > maxWidth) break;
+        begin = next;
+    }
+    return text.substr(begin);
 }
 
 }  // namespace
@@ -104,6 +121,22 @@ double SceneBuilder::text(Point at, TextRole role, const FittedText& fitted, dou
     m_scene.texts.push_back({at, role, fitted.kept, fitted.isShortened, fitted.width, maxWidth,
                              fitted.isExact, m_textHalo, ColorRole::none});
     return fitted.width;
+}
+
+double SceneBuilder::name(Point at, std::string_view name, double maxWidth) {
+    constexpr double endShare = 0.4;
+    const TextStyle& style = styleOf(TextRole::name);
+    const FittedText fitted = fitText(name, maxWidth, style.size, style.weight);
+    if (!fitted.isShortened) return text(at, TextRole::name, fitted, maxWidth);
+    name = name.substr(0, name.find_last_not_of(" \t\n\r") + 1);
+    const std::string_view end = plainEnd(name, maxWidth * endShare, style);
+    if (end.empty()) return text(at, TextRole::name, fitted, maxWidth);
+    const double endWidth = measureText(end, style.size, style.weight).width;
+    name.remove_suffix(end.size());
+    const FittedText begin = fitText(name, maxWidth - endWidth, style.size, style.weight);
+    if (!begin.isShortened || begin.kept.empty()) return text(at, TextRole::name, fitted, maxWidth);
+    const std::string_view both = own(fmt::format("{}…{}", begin.kept, end));
+    return text(at, TextRole::name, {both, false, begin.width + endWidth, begin.isExact}, maxWidth);
 }
 
 }  // namespace tessera_draw

@@ -35,6 +35,9 @@ class SceneBuilder {
     double text(Point at, TextRole role, std::string_view text, double maxWidth);
     // The same for a text that is fitted already.
     double text(Point at, TextRole role, const FittedText& fitted, double maxWidth);
+    // The same for a name. Of one that does not fit, beginning and end are shown, because names that begin alike
+    // often differ at their ends.
+    double name(Point at, std::string_view name, double maxWidth);
     // Gives all further texts of the element a halo of this colour, which should be that of their background.
     // For texts that are drawn above lines.
     void setTextHalo(ColorRole ground) { m_textHalo = ground; }

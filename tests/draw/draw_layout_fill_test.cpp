@@ -234,6 +234,26 @@ TEST(DrawLayoutFill, FirstNumbersAreWholeWithTheirUnits) {
         }
 }
 
+TEST(DrawLayoutFill, LongNamesShowTheirEnds) {
+    const auto shownOf = [](const std::string& name) {
+        tessera_test::DrawnBag drawn;
+        drawn.node("a", name);
+        const Scene scene = makeScene(drawn.bag, {});
+        const auto isName = [](const TextShape& text) { return text.role == TextRole::name; };
+        const auto text = std::find_if(scene.texts.begin(), scene.texts.end(), isName);
+        return std::string(text->text) + (text->isShortened ? "… (shortened)" : "");
+    };
+    const std::string begin(60, 'A');
+    const std::string shown = shownOf(begin + " of the second site \n");
+    EXPECT_TRUE(shown.starts_with("AAAAAAAA")) << shown;
+    EXPECT_TRUE(shown.ends_with(" the second site")) << shown;
+    EXPECT_LE(measureText(shown, 13, Weight::bold).width, 320);
+    EXPECT_EQ(shownOf("A short name"), "A short name");
+    EXPECT_TRUE(shownOf(begin + "\u0301").ends_with("A… (shortened)"))
+        << "the accent belongs to the last letter";
+    EXPECT_TRUE(shownOf(begin + "\xFF").ends_with("A… (shortened)"));
+}
+
 TEST(DrawSceneJson, SaysWhatASceneShows) {
     const DrawnBag drawn = smallDrawing("1\"\n\xFF");
     const Scene scene = makeScene(drawn.bag, {});

@@ -57,10 +57,12 @@ def cut_texts(root):
         texts = list(group.iter(SVG + 'text'))
         room = float(box.get('width')) - SIDES[kind]
         for text in texts:
-            if not (text.text or '').endswith('…'):
+            kept, dots, end = (text.text or '').partition('…')
+            if not dots:
                 continue
-            kept = text.text[:-1].rstrip()
-            widths = [fonts.width(whole, role_of(text)) for whole in wholes if whole.startswith(kept) and whole != kept]
+            kept = kept.rstrip()
+            widths = [fonts.width(whole, role_of(text)) for whole in wholes
+                      if whole.startswith(kept) and whole.endswith(end) and whole != kept]
             others = [other for other in texts if other is not text and other.get('y') == text.get('y')]
             if kind == 'label' and role_of(text) in ('ln', 'lv'):
                 taken = -8  # centered texts come closer to the edges
