@@ -29,8 +29,10 @@ BadgePlaces::BadgePlaces(const LayoutData& data, bool hasLevels) : m_data(data) 
     for (std::size_t i = 0; i < data.lines.size(); ++i) {
         const LineShape& line = data.lines[i];
         const LinkPath& path = data.linkPaths.paths[data.pathOfLine[i]];
-        if (line.hasFromHead) m_tips.emplace_back(path.from, line.fromHead.tip);
-        if (line.hasToHead) m_tips.emplace_back(path.to, line.toHead.tip);
+        if (line.stretches.empty()) continue;
+        m_tips.emplace_back(path.from, line.hasFromHead ? line.fromHead.tip : line.stretches.front().start);
+        m_tips.emplace_back(path.to,
+                            line.hasToHead ? line.toHead.tip : line.stretches.back().segments.back().end);
     }
     std::sort(m_tips.begin(), m_tips.end(), [](const Tip& a, const Tip& b) { return a.first < b.first; });
 }

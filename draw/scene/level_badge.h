@@ -12,14 +12,14 @@ namespace tessera_draw {
 
 struct LayoutData;
 
-// The arrow heads at each box, which badges must not cover. Made once for a scene; empty where no value has a level.
+// Where lines begin and end at each box, which badges must not cover. Made once for a scene; empty where no value has a level.
 // The layout's data must outlive it.
 class BadgePlaces {
   public:
     BadgePlaces(const LayoutData& data, bool hasLevels);
 
     // A place for a badge of this size on the border of the box of a node: at its upper edge where links lead to
-    // the right, at its lower one where they lead downwards; at another end or edge if an arrow head is there. At
+    // the right, at its lower one where they lead downwards; at another end or edge if a line begins or ends there. At
     // the upper one of labels: there is more room above their texts than below.
     [[nodiscard]] Rect find(Index node, const Rect& box, Size badge) const;
 

@@ -169,6 +169,29 @@ TEST(DrawLevels, BadgesLeaveArrowHeadsFree) {
     }
 }
 
+// Lines to six nodes begin all along the edge where the badge would be.
+TEST(DrawLevels, BadgesLeaveBeginningsOfLinesFree) {
+    for (const Direction direction : {Direction::leftToRight, Direction::topToBottom}) {
+        DrawnBag drawn;
+        describeRow(drawn.row(drawn.node("a", "Web shop"), "Errors", "7.2 %"), {"critical"});
+        for (char id = 'b'; id < 'h'; ++id) {
+            drawn.node(std::string(1, id), "Orders", 1);
+            drawn.link(std::string(2, id), "a", std::string(1, id), "none");
+        }
+        drawn.bag.add_variant_bag("meaning").add_variant_bag("level").put("name", "critical");
+        const Scene scene = makeScene(drawn.bag, {direction, nullptr});
+        const auto badge = std::find_if(scene.boxes.begin(), scene.boxes.end(),
+                                        [](const BoxShape& box) { return box.role == BoxRole::levelBadge; });
+        ASSERT_NE(badge, scene.boxes.end());
+        ASSERT_EQ(scene.lines.size(), 6U);
+        for (const LineShape& line : scene.lines) {
+            const Point start = line.stretches.front().start;
+            EXPECT_FALSE(start.x > badge->rect.x && start.x < badge->rect.right() &&
+                         start.y > badge->rect.y && start.y < badge->rect.bottom());
+        }
+    }
+}
+
 TEST(DrawLevels, TheHeadingCountsThemAndNamesTheWorst) {
     const Scene scene = makeScene(bagOf(true), {});
     const Element& heading = elementOf(scene, Element::Kind::heading, "");
