@@ -72,6 +72,16 @@ Info ownedInfo(const variant_bag_t& bag, std::string_view name, TextArena& texts
 
 }  // namespace
 
+std::vector<Info> readNodeValues(const variant_bag_t& bag, const Diagram& structure) {
+    std::vector<Info> values(structure.nodes.size());
+    Matcher nodes(structure.nodes);
+    forEachChild(bag, "nodes", "node", [&](const variant_bag_t& node) {
+        const Index at = nodes.match(node.get_text("id"));
+        if (at != nothing) values[at] = readInfo(node, "info");
+    });
+    return values;
+}
+
 Values readValues(const variant_bag_t& bag, const Diagram& structure, TextArena& texts,
                   Differences& differences) {
     Values values;

@@ -45,4 +45,7 @@ struct Values {
 [[nodiscard]] Values readValues(const basekit2::variant_bag_t& bag, const Diagram& structure,
                                 TextArena& texts, Differences& differences);
 
+// Those of the nodes alone, as views of the texts in `bag`.
+[[nodiscard]] std::vector<Info> readNodeValues(const basekit2::variant_bag_t& bag, const Diagram& structure);
+
 }  // namespace tessera_draw

@@ -124,13 +124,10 @@ void adopt(LayoutData& data, Placement placement, SceneInput& input) {
 }
 
 std::vector<BoxSize> sizesOf(const LayoutData& data, const LayoutOptions& options) {
-    TextArena texts;
-    Values first;
-    Differences ignored;
-    if (options.firstValues != nullptr)
-        first = readValues(*options.firstValues, data.structure, texts, ignored);
+    std::vector<Info> first;
+    if (options.firstValues != nullptr) first = readNodeValues(*options.firstValues, data.structure);
     return boxSizesOf(data.structure, data.linkPaths, data.kinds, data.pathOfLabel, options.reservation,
-                      options.firstValues == nullptr ? nullptr : &first.nodes);
+                      options.firstValues == nullptr ? nullptr : &first);
 }
 
 // The boxes of a diagram, placed in one direction.
