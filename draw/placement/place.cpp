@@ -85,7 +85,7 @@ Placement placeBoxes(const PlacementInput& input, const Spacing& spacing, const 
 // Divides layers of drawings that are too high into as few as the shape allows.
 Placement placeDivided(const PlacementInput& input, const Spacing& spacing, const Shape& shape,
                        const CancelToken& cancel) {
-    constexpr int mostParts = 8;
+    constexpr int mostParts = 16;  // lines pass through all of them
     const auto height = [&](const Placement& placement) {  // relative to what the shape allows
         return (placement.size.height + shape.around.height) * shape.below /
                (placement.size.width + shape.around.width);
@@ -96,7 +96,7 @@ Placement placeDivided(const PlacementInput& input, const Spacing& spacing, cons
     const std::vector<Rect> placed = best.boxes;
     // Each part adds about as much to the width as it takes from the height.
     const int fewest = std::clamp(static_cast<int>(std::sqrt(height(best))), 2, mostParts);
-    for (int parts = fewest; parts <= mostParts && height(best) > 1; ++parts) {
+    for (int parts = fewest; parts <= mostParts && height(best) > 1; parts += (parts + 2) / 3) {
         const auto divided = withDividedLayers(input, placed, size.height / parts, spacing);
         if (!divided) continue;
         Placement next = placeBoxes(*divided, spacing, shape, cancel);
