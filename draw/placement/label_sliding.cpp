@@ -102,7 +102,11 @@ class ObstacleGrid {
 };
 
 double lengthOf(const Point& from, const Segment& segment) {
-    const auto distance = [](const Point& a, const Point& b) { return std::hypot(b.x - a.x, b.y - a.y); };
+    const auto distance = [](const Point& a, const Point& b) {
+        const double x = std::abs(b.x - a.x);
+        const double y = std::abs(b.y - a.y);
+        return x == 0 || y == 0 ? x + y : std::hypot(x, y);  // most segments are level or upright
+    };
     if (!segment.isCurve) return distance(from, segment.end);
     // Between the chord and the polygon of its control points, which is near enough here.
     return (distance(from, segment.end) + distance(from, segment.control1) +

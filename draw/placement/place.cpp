@@ -85,7 +85,7 @@ Placement placeBoxes(const PlacementInput& input, const Spacing& spacing, const 
 // Divides layers of drawings that are too high into as few as the shape allows.
 Placement placeDivided(const PlacementInput& input, const Spacing& spacing, const Shape& shape,
                        const CancelToken& cancel) {
-    constexpr int mostParts = 16;  // lines pass through all of them
+    constexpr int mostParts = 16;                          // lines pass through all of them
     const auto height = [&](const Placement& placement) {  // relative to what the shape allows
         return (placement.size.height + shape.around.height) * shape.below /
                (placement.size.width + shape.around.width);

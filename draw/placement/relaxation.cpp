@@ -95,6 +95,11 @@ class Relaxation {
 
     void addWish(Index i, Index body, const std::vector<Adjacency>& adjacencies,
                  const std::vector<Index>& begin) {
+        if (begin[i + 1] - begin[i] == 1) {  // as most have
+            const Adjacency& only = adjacencies[begin[i]];
+            if (m_body[only.other] != body) m_wishes.push_back({difference(i, only), only.weight});
+            return;
+        }
         m_side.clear();
         double weight = 0;
         for (Index k = begin[i]; k < begin[i + 1]; ++k) {
@@ -107,6 +112,7 @@ class Relaxation {
     }
 
     [[nodiscard]] double bestMove() {
+        if (m_wishes.size() == 1) return m_wishes.front().move;
         double weight = 0;
         for (const Wish& wish : m_wishes)
             weight += wish.weight;

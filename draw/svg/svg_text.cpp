@@ -42,11 +42,12 @@ SvgText& SvgText::number(double value) {
     constexpr double half = 0.5;
     const double within = std::isnan(value) ? 0 : std::clamp(value, -max, max);
     // A hundredth of a pixel cannot be seen; more digits would only make files larger.
-    const auto hundredths = static_cast<std::uint64_t>(std::abs(within) * 100 + half);
+    const auto hundredths = static_cast<std::int64_t>(std::abs(within) * 100 + half);
     if (available() < maxDigits) handOn();
     if (within < 0 && hundredths > 0) *m_at++ = '-';
-    m_at = std::to_chars(m_at, m_at + available(), hundredths / 100).ptr;
-    if (const auto rest = static_cast<unsigned>(hundredths % 100); rest != 0) {
+    const auto whole = static_cast<std::uint32_t>(hundredths / 100);
+    m_at = std::to_chars(m_at, m_at + available(), whole).ptr;
+    if (const auto rest = static_cast<std::uint32_t>(hundredths - std::int64_t{whole} * 100); rest != 0) {
         *m_at++ = '.';
         *m_at++ = static_cast<char>('0' + rest / 10);
         if (rest % 10 != 0) *m_at++ = static_cast<char>('0' + rest % 10);
