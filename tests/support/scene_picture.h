@@ -173,17 +173,36 @@ class ScenePicture {
             if (hasBox) added.box = m_boxes[element.index];
             added.text = text.text;
             added.isHeader = element.kind == Kind::header;
-            if (!hasBox || !text.isShortened || m_boxes[element.index] == nothing) continue;
+            const bool isCut = text.isShortened || endOfName(text) != std::string_view::npos;
+            if (!hasBox || !isCut || m_boxes[element.index] == nothing) continue;
             added.whole = wholeWidth(element, text);
             added.room = roomFor(element, text);
         }
     }
 
-    // The width of the tooltip that the text is a part of, for it is a part of the same bytes; 0 if there is none.
+    // Where the end of a long name begins, after the "…"; npos in other texts.
+    static std::size_t endOfName(const tessera_draw::TextShape& text) {
+        constexpr std::string_view dots = "…";
+        const std::size_t at = text.text.find(dots);
+        return text.role != tessera_draw::TextRole::name || at == std::string_view::npos
+                   ? std::string_view::npos
+                   : at + dots.size();
+    }
+
+    // Whether the text shows a part of the whole one: a part of the same bytes, or a name's beginning and end.
+    static bool shows(const tessera_draw::TextShape& text, std::string_view whole) {
+        const char* const start = text.text.data();
+        if (text.text.empty()) return false;
+        if (start >= whole.data() && start < whole.data() + whole.size()) return true;
+        const std::size_t end = endOfName(text);
+        return end != std::string_view::npos && whole.starts_with(text.text.substr(0, text.text.find("…"))) &&
+               whole.ends_with(text.text.substr(end));
+    }
+
+    // The width of the tooltip that the text is a part of; 0 if there is none.
     [[nodiscard]] double wholeWidth(const tessera_draw::Element& element,
                                     const tessera_draw::TextShape& text) const {
         const tessera_draw::TextStyle& style = styleOf(text.role);
-        const char* const start = text.text.data();
         // A header has no tooltips of its own: those of its group are elsewhere in the same list.
         const std::span<const tessera_draw::TooltipLine> own =
             element.kind == Kind::header
@@ -191,8 +210,7 @@ class ScenePicture {
                 : std::span(m_scene.tooltips).subspan(element.tooltips.first, element.tooltips.count);
         for (const tessera_draw::TooltipLine& line : own)
             for (const std::string_view whole : {line.first, line.second})
-                if (!text.text.empty() && start >= whole.data() && start < whole.data() + whole.size())
-                    return measureText(whole, style.size, style.weight).width;
+                if (shows(text, whole)) return measureText(whole, style.size, style.weight).width;
         return 0;
     }
 
