@@ -36,6 +36,10 @@ Expected<std::optional<tessera_draw::SavedLayout>> readKeptLayout(const Options&
     tessera_draw::SavedLayout layout;
     std::string reason;
     if (!tessera_draw::readLayout(*text, layout, reason)) return refused(reason);
+    if (const std::size_t removed = tessera_draw::removeFarPlaces(layout); removed > 0)
+        printMessage(
+            fmt::format("{}: ignored {} place{} of it, too far away for a drawing of as many nodes and links",
+                        options.keep, removed, removed == 1 ? "" : "s"));
     return std::optional(std::move(layout));
 }
 

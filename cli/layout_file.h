@@ -10,7 +10,8 @@
 
 namespace tessera_cli {
 
-// The layout that --keep names; none without the option. The error names the file.
+// The layout that --keep names, without places that no drawing of it has; none without the option. Error and message
+// name the file.
 [[nodiscard]] tessera_host::Expected<std::optional<tessera_draw::SavedLayout>> readKeptLayout(
     const Options& options);
 

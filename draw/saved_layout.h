@@ -1,6 +1,7 @@
 // The layers of a layout in a file, so that a diagram that has changed a little is drawn almost as before.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -51,5 +52,9 @@ struct SavedLayout {
 // Reads what writeLayout() wrote, and ignores members that it does not know. Returns whether it could; if not, `error`
 // says for people what is wrong and where. Never fails in another way, whatever the text is: it may be foreign or hostile.
 [[nodiscard]] bool readLayout(std::string_view text, SavedLayout& layout, std::string& error);
+
+// Removes places that are farther away than a drawing with as many nodes and links is large, and returns how many. A
+// drawing that kept them would be empty for the most part, and everything in it too small to see.
+std::size_t removeFarPlaces(SavedLayout& layout);
 
 }  // namespace tessera_draw

@@ -9,9 +9,8 @@ constexpr std::string_view dots = "…";
 
 // The bytes of the number that a value begins with.
 struct NumberPart {
-    std::size_t whole = 0;   // with its sign, up to the point; 0 for a text without a number
-    std::size_t length = 0;  // of all of it
-    bool hasExponent = false;
+    std::size_t mantissa = 0;  // with its sign, up to the exponent; 0 for a text without a number
+    std::size_t length = 0;    // of all of it
 };
 
 std::size_t digitsFrom(std::string_view text, std::size_t at) noexcept {
@@ -22,14 +21,13 @@ std::size_t digitsFrom(std::string_view text, std::size_t at) noexcept {
 NumberPart numberOf(std::string_view text) noexcept {
     const std::size_t first = !text.empty() && (text.front() == '-' || text.front() == '+') ? 1 : 0;
     NumberPart number;
-    number.whole = digitsFrom(text, first);
-    if (number.whole == first) return {};
-    number.length = number.whole;
-    if (text.substr(number.length, 1) == ".") number.length = digitsFrom(text, number.length + 1);
+    number.mantissa = digitsFrom(text, first);
+    if (number.mantissa == first) return {};
+    if (text.substr(number.mantissa, 1) == ".") number.mantissa = digitsFrom(text, number.mantissa + 1);
+    number.length = number.mantissa;
     if (text.substr(number.length, 1) == "e") {
         const std::string_view sign = text.substr(number.length + 1, 1);
         number.length = digitsFrom(text, number.length + (sign == "+" || sign == "-" ? 2 : 1));
-        number.hasExponent = true;
     }
     const bool isNumber = number.length == text.size() || text[number.length] == ' ';
     return isNumber ? number : NumberPart{};
@@ -43,7 +41,7 @@ std::string_view trimmed(std::string_view value) noexcept {
 }  // namespace
 
 bool beginsWithNumber(std::string_view value) noexcept {
-    return numberOf(trimmed(value)).whole > 0;
+    return numberOf(trimmed(value)).mantissa > 0;
 }
 
 FittedText fitValue(std::string_view value, double maxWidth, double size, Weight weight) noexcept {
@@ -52,7 +50,7 @@ FittedText fitValue(std::string_view value, double maxWidth, double size, Weight
     // What was kept is the beginning of this.
     const std::string_view text = trimmed(value);
     const NumberPart number = numberOf(text);
-    if (number.whole == 0) return fitted;
+    if (number.mantissa == 0) return fitted;
     const auto shortenedTo = [&](std::size_t length) {
         const TextWidth width = measureText(text.substr(0, length), size, weight);
         return FittedText{text.substr(0, length), true, width.width + measureText(dots, size, weight).width,
@@ -64,8 +62,8 @@ FittedText fitValue(std::string_view value, double maxWidth, double size, Weight
         if (const FittedText words = shortenedTo(end + 1); words.width <= maxWidth) return words;
     }
     if (fitted.kept.size() >= number.length) return shortenedTo(number.length);
-    if (!number.hasExponent && fitted.kept.size() > number.whole) return fitted;
-    return shortenedTo(fitted.kept.size() == number.whole && !number.hasExponent ? number.whole : 0);
+    // A part of an exponent would read as another one: after "1.23e…", all of its digits are missing.
+    return shortenedTo(std::min(fitted.kept.size(), number.mantissa + 1));
 }
 
 }  // namespace tessera_draw

@@ -11,8 +11,8 @@ namespace tessera_draw {
 [[nodiscard]] bool beginsWithNumber(std::string_view value) noexcept;
 
 // The part of a value that is shown. As fitText(), but of a number with a unit, words of the unit go first, each
-// as a whole: "47.3 …" of "47.3 MB/s", because part of a unit would read as another one. Of a number that does
-// not fit, digits after the point go; its other digits and its exponent never go alone: then only "…" is shown.
+// as a whole: "47.3 …" of "47.3 MB/s", because part of a unit would read as another one. A number that does not fit
+// keeps its first digits, and of an exponent the "e", but no digit: "1.23e…". Only "…" is shown where no digit fits.
 // A value that does not begin with a number is shortened as any text. Accepts any bytes; any thread.
 [[nodiscard]] FittedText fitValue(std::string_view value, double maxWidth, double size,
                                   Weight weight) noexcept;

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -56,6 +58,31 @@ TEST(DrawKeptLayout, ADiagramThatHasNotChangedIsDrawnAsBefore) {
             // The direction is that of the saved layout.
             const LayoutPointer after = laidOut(bag, Direction::automatic, &kept);
             EXPECT_EQ(pictureOf(after, bag), pictureOf(before, bag)) << "seed " << seed;
+        }
+}
+
+// What a layout saves is never too far away. One place that is does not move the others.
+TEST(DrawKeptLayout, PlacesFarOutsideOfTheDrawingAreRemoved) {
+    for (const Direction direction : directions)
+        for (std::uint64_t seed = 0; seed < tessera_test::effort(100U); ++seed) {
+            SavedLayout kept = readBack(saved(laidOut(tessera_test::randomDrawing(seed), direction)));
+            EXPECT_EQ(removeFarPlaces(kept), 0U) << "seed " << seed;
+        }
+    for (const double far : {1e6, -1e6, std::nan(""), std::numeric_limits<double>::infinity()})
+        for (double SavedPoint::*const member : {&SavedPoint::at, &SavedPoint::size}) {
+            const variant_bag_t bag = tessera_test::randomDrawing(1);
+            const LayoutPointer before = laidOut(bag, Direction::leftToRight);
+            SavedLayout kept = readBack(saved(before));
+            const auto layer =
+                std::find_if(kept.groups.front().layers.begin(), kept.groups.front().layers.end(),
+                             [](const SavedLayer& each) { return !each.points.empty(); });
+            ASSERT_NE(layer, kept.groups.front().layers.end());
+            layer->points.front().*member = far;
+            EXPECT_EQ(removeFarPlaces(kept), 1U);
+            kept.groups.push_back({{"other", 0}, false, far, {}});
+            EXPECT_EQ(removeFarPlaces(kept), 1U);
+            const LayoutPointer after = laidOut(bag, Direction::leftToRight, &kept);
+            EXPECT_LT(after->size().height, before->size().height + 2000) << far;
         }
 }
 

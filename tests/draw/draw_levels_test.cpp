@@ -156,6 +156,42 @@ TEST(DrawLevels, SignsDoNotCoverTextsAndStayInTheirBoxes) {
     }
 }
 
+// Names that are cut end where the sign of their value is as near as it can be.
+TEST(DrawLevels, SignsStandClearOfLongNames) {
+    DrawnBag drawn;
+    for (const char* id : {"a", "b_a_label"}) {
+        variant_bag_t& box = drawn.node(id, "", id[0] == 'a' ? 0 : 1, id[0] == 'a' ? "node" : "label");
+        for (const char* value : {"7.2 %", "0.12345678901234567 requests"})
+            describeRow(drawn.row(box, "Errors of all requests since the day began", value), {"critical"});
+    }
+    drawn.node("b", "B", 2);
+    drawn.link("l", "a", "b_a_label", "none");
+    drawn.link("b_a_label_a", "b_a_label", "b", "forward");
+    drawn.bag.add_variant_bag("meaning").add_variant_bag("level").put("name", "critical");
+    Reservation reservation;
+    reservation.node("a") = reservation.link("l", Reservation::Place::center) = {2, 6, 30, 6};
+    const Scene scene = makeScene(drawn.bag, {Direction::leftToRight, &reservation});
+    std::size_t names = 0;
+    for (const Element& element : scene.elements) {
+        if (element.kind != Element::Kind::node && element.kind != Element::Kind::label) continue;
+        for (std::uint32_t i = 0; i < element.rows.count; ++i) {
+            const RowShape& row = scene.rows[element.rows.first + i];
+            ASSERT_NE(row.nameText, nothing);
+            const TextShape& name = scene.texts[row.nameText];
+            EXPECT_TRUE(name.isShortened);
+            // The sign in the same line; the badge has one, too.
+            const auto first = scene.symbols.begin() + element.symbols.first;
+            const auto sign = std::find_if(
+                first, first + element.symbols.count,
+                [&](const SymbolShape& each) { return std::abs(each.center.y + 4 - name.at.y) < 1; });
+            ASSERT_NE(sign, first + element.symbols.count);
+            EXPECT_GE(sign->center.x - sign->size / 2, name.at.x + name.width + 3 - 1e-9) << element.id;
+            ++names;
+        }
+    }
+    EXPECT_EQ(names, 4U);
+}
+
 TEST(DrawLevels, BadgesLeaveArrowHeadsFree) {
     for (const Direction direction : {Direction::leftToRight, Direction::topToBottom}) {
         const Scene scene = makeScene(bagOf(true), {direction, nullptr});

@@ -49,6 +49,16 @@ class Against(Case):
         self.run_render('--db', self.now, '--against', self.now, '--format', 'changes', '-o', out)
         self.assertEqual(out.read_text(encoding='utf-8').split(), ['value', 'here', 'there', 'difference', 'percent'])
 
+    def test_one_long_value_does_not_widen_the_table(self):
+        values = "CREATE TABLE f(src TEXT, dst TEXT, bytes INT, err REAL); INSERT INTO f VALUES ('web', 'db', {}, {});"
+        now, before = self.database(values.format(17, "printf('%.*c', 500, 'x')"), 'a.db'), self.database(values.format(12, "'y'"), 'b.db')
+        self.viewpoint = self.write('v.xml', document(DIAGRAM, QUERIES.replace('percent:1', 'plain').replace('AVG', 'MAX')))
+        lines = self.run_render('--db', now, '--against', before, '--format', 'changes').stdout.splitlines()
+        long = [line for line in lines if 'xxx' in line]
+        self.assertEqual((len(lines), len(long)), (3, 1))
+        self.assertGreater(len(long[0]), 200)
+        self.assertLess(max(len(line) for line in lines if line not in long), 100)
+
     def test_a_picture_has_both_values_and_the_difference(self):
         svg = self.drawn('--db', self.now, '--against', self.before)
         for text in ('90.0 kB/s – vs 60.0 kB/s, +30.0 kB/s, +50.0 %', 'Errors: 7.2 % – vs 9.0 %, -1.8 %, -20.0 %',

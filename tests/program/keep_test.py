@@ -43,6 +43,7 @@ class Drawing(program.Case):
     def draw(self, viewpoint, database, target, *options):
         done = self.run_program('render', viewpoint, '--db', database, '-o', target, '--log-level', 'off', *options)
         self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertNotIn('too far away', done.stderr)
         return target
 
 
@@ -136,6 +137,20 @@ class Files(Drawing):
             self.assertEqual(done.returncode, 0)
             self.assertIn(message, done.stderr)
             self.assertEqual(message == '', done.stderr == '')
+
+    def test_places_outside_of_any_drawing_are_ignored(self):
+        first = self.draw(self.viewpoint, self.result, self.folder / 'first.svg', '--save-layout', self.layout)
+        saved = self.layout.read_text(encoding='utf-8')
+        # The place of one node, of both, and of where the drawing's contents begin.
+        for place, count, message in (('"node":"b","at":', 1, '1 place of'), (',"at":', 2, '2 places of'), ('{"at":', 1, '1 place of')):
+            self.assertEqual(saved.count(place + '0.0'), count)
+            layout = self.write('far.json', saved.replace(place + '0.0', place + '1e8'))
+            done = self.run_program('render', self.viewpoint, '--db', self.result, '-o', self.folder / 'y.svg', '--log-level', 'off',
+                                    '--keep', layout)
+            self.assertEqual(done.returncode, 0, done.stderr)
+            self.assertIn(f'far.json: ignored {message} it, too far away', done.stderr)
+            self.assertEqual(*(ElementTree.parse(path).getroot().get('viewBox') for path in (first, self.folder / 'y.svg')))
+        self.assertIn('"at" is not a number of pixels', self.fails(3, '--keep', self.write('far.json', saved.replace('0.0', '1e12'))))
 
     def test_both_are_for_pictures(self):
         for option in ('--keep', '--save-layout'):
