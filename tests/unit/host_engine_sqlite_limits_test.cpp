@@ -181,7 +181,7 @@ TEST_F(SqliteLimits, ManyReferencesToOneLargeValueAreBounded) {
     sptr_t<qlib_1::ITableTree> tree;
     const auto start = std::chrono::steady_clock::now();
     EXPECT_FALSE(pane.run(references, tree).is_success());
-    EXPECT_LT(elapsedSince(start), milliseconds(5000));
+    EXPECT_LT(elapsedSince(start), milliseconds(30'000));
     EXPECT_NE(pane.messenger.take().find("the values of this request need more than 8.00 MiB"),
               std::string::npos);
 }
